@@ -1,0 +1,31 @@
+# A box is one top-level folder with one object library. Its sources see the headers of the boxes
+# that they are given and of no other: every box has an include root of its own, which holds just
+# a link to its folder, so an include against the dependency rule does not compile.
+
+# norvik_box(NAME [USES box...] [LINKS target...])
+#   NAME  folder in the source tree; the object library is called norvik_NAME
+#   USES  boxes whose headers the sources include
+#   LINKS libraries that sources and headers need
+function(norvik_box name)
+  cmake_parse_arguments(BOX "" "" "USES;LINKS;SOURCES" ${ARGN})
+  set(root "${CMAKE_BINARY_DIR}/boxes/${name}")
+  file(MAKE_DIRECTORY "${root}")
+  file(CREATE_LINK "${CMAKE_SOURCE_DIR}/${name}" "${root}/${name}" SYMBOLIC)
+
+  add_library(norvik_${name} OBJECT ${BOX_SOURCES})
+  target_include_directories(norvik_${name} PUBLIC "${root}")
+  target_link_libraries(norvik_${name} PUBLIC ${BOX_LINKS} PRIVATE norvik_warnings)
+  foreach(used IN LISTS BOX_USES)
+    target_include_directories(norvik_${name} PUBLIC "${CMAKE_BINARY_DIR}/boxes/${used}")
+  endforeach()
+endfunction()
+
+# Sources of the current folder, below it, without the subfolders named behind EXCLUDE.
+function(norvik_sources result)
+  cmake_parse_arguments(ARG "" "" "EXCLUDE" ${ARGN})
+  file(GLOB_RECURSE found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  foreach(excluded IN LISTS ARG_EXCLUDE)
+    list(FILTER found EXCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/${excluded}")
+  endforeach()
+  set(${result} "${found}" PARENT_SCOPE)
+endfunction()

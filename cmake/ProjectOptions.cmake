@@ -1,0 +1,40 @@
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+# Programs find their libraries beside them, so that the tree can be moved.
+if(APPLE)
+  set(CMAKE_INSTALL_RPATH "@loader_path/../lib")
+else()
+  set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib")
+endif()
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+set(NORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+if(NORVIK_SANITIZE)
+  add_compile_options(-fsanitize=${NORVIK_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${NORVIK_SANITIZE})
+endif()
+option(NORVIK_COVERAGE "Instrument for coverage" OFF)
+if(NORVIK_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
+
+find_program(NORVIK_CCACHE ccache)
+if(NORVIK_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${NORVIK_CCACHE}")
+endif()
+
+# Warnings of our own code are errors; headers of libraries come in as system headers.
+add_library(norvik_warnings INTERFACE)
+target_compile_options(norvik_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <boost/optional.hpp>
+#include <chrono>
+#include <string>
+
+#include "common/Api.h"
+#include "common/configuration/ScheduleInfo.h"
+
+namespace Norvik::Common {
+
+/// The schedule to install for an inventory that has no execution pending: the configured one with
+/// its next execution moved to the first of its times that is not past. Empty stays empty.
+NORVIK_COMMON_API boost::optional<ScheduleInfo> CheckInventoryNextExecutionInit(
+    const boost::optional<ScheduleInfo>& schedule);
+
+/// The execution that a schedule still has pending from before a restart: the first of its times
+/// behind the last run, which the "DATA" table holds under `key`; now, if that one was missed.
+/// `from_time_t(0)` if there was no run yet or the schedule is empty.
+NORVIK_COMMON_API std::chrono::system_clock::time_point CheckInventoryNextExecutionReboot(
+    const std::string& key, const boost::optional<ScheduleInfo>& schedule);
+
+}  // namespace Norvik::Common

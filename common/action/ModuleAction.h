@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "common/Api.h"
+#include "common/action/ActionParameters.h"
+#include "common/action/ActionResponse.h"
+
+namespace Norvik::Common {
+
+using ActionHandler = std::function<ActionResponse(ActionParameters&)>;
+
+/// One action, ready to run, with its own copy of the parameters.
+struct NORVIK_COMMON_API ModuleAction {
+  ModuleAction() = default;
+  ModuleAction(const ModuleAction&) = default;
+  ModuleAction(ModuleAction&&) = default;
+  ModuleAction& operator=(const ModuleAction&) = default;
+  ModuleAction& operator=(ModuleAction&&) = default;
+  virtual ~ModuleAction();
+
+  ActionParameters parameters;
+  /// Name of the code, for logs. Empty if nothing is registered for the code; `handler` is then
+  /// the default action, which warns and answers a default response.
+  std::string name;
+  ActionHandler handler;
+};
+
+/// Turns a code into a runnable action. The parameters are copied.
+using ActionFactory = std::function<ModuleAction(unsigned int, const ActionParameters&)>;
+
+}  // namespace Norvik::Common

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <boost/optional.hpp>
+#include <cstdint>
+
+#include "common/configuration/CommunicationsInfo.h"
+#include "common/configuration/KobConfigurationInfo.h"
+#include "common/configuration/ProductConfigurations.h"
+#include "common/configuration/SurveyInfo.h"
+
+namespace Norvik::Common {
+
+/// The agent's whole configuration, as the server gives it.
+struct AgentConfigurationInfo {
+  std::uint32_t profileId = 0;
+  std::uint32_t profileRevision = 0;
+  boost::optional<KobConfigurationInfo> kob;
+  boost::optional<DuvConfigurationInfo> duv;
+  boost::optional<HoltConfigurationInfo> holt;
+  boost::optional<PyrConfigurationInfo> pyr;
+  boost::optional<GlyConfigurationInfo> gly;
+  boost::optional<QorConfigurationInfo> qor;
+  std::array<std::uint8_t, 2> flags{};
+  boost::optional<SurveyInfo> survey;
+  CommunicationsInfo communications;
+};
+
+}  // namespace Norvik::Common

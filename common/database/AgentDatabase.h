@@ -1,0 +1,49 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "common/Api.h"
+#include "common/database/IDataBase.h"
+
+namespace Norvik::Common {
+
+/// The process's agent database: opens the file, brings its schema up to date, and serves every
+/// `V2::DataBase` while it lives. One at a time in a process; make it before the module is loaded
+/// and destroy it after.
+class NORVIK_COMMON_API AgentDatabase : public IDataBase {
+ public:
+  /// Opens or creates the database file in the folder, which must exist.
+  ///
+  /// A file that is no database or whose content is damaged is renamed to its name with
+  /// ".corrupt-" and the time behind it, together with its -wal and -shm files, and
+  /// `CorruptDatabaseError` is raised, so that nobody goes on with an empty database unawares; the
+  /// next call makes a fresh one. Raises `std::runtime_error` for any other failure, a newer
+  /// schema among them.
+  explicit AgentDatabase(const boost::filesystem::path& folder);
+  AgentDatabase(const AgentDatabase&) = delete;
+  AgentDatabase& operator=(const AgentDatabase&) = delete;
+  ~AgentDatabase() override;
+
+  std::unique_ptr<DbResponseTable> GetTable(const std::string& name, int offset, int limit,
+                                            int order) override;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+/// The database file was damaged and has been put aside.
+class NORVIK_COMMON_API CorruptDatabaseError : public std::runtime_error {
+ public:
+  CorruptDatabaseError(const std::string& text, boost::filesystem::path keptAs);
+  ~CorruptDatabaseError() override;
+  const boost::filesystem::path& KeptAs() const { return keptAs_; }
+
+ private:
+  boost::filesystem::path keptAs_;
+};
+
+}  // namespace Norvik::Common

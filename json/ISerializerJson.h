@@ -1,0 +1,22 @@
+#pragma once
+
+#include "json/JSON.h"
+
+namespace Norvik::Common {
+
+/// A record that has a JSON form. Records are values, held in lists and optionals and never deleted
+/// through this interface: it has no virtual destructor.
+class NORVIK_JSON_API ISerializerJson {
+ public:
+  virtual operator json::JSON() const = 0;
+
+ protected:
+  ISerializerJson() = default;
+  ISerializerJson(const ISerializerJson&) = default;
+  ISerializerJson(ISerializerJson&&) = default;
+  ISerializerJson& operator=(const ISerializerJson&) = default;
+  ISerializerJson& operator=(ISerializerJson&&) = default;
+  ~ISerializerJson() = default;
+};
+
+}  // namespace Norvik::Common
