@@ -7,7 +7,7 @@
 
 namespace Norvik::Common {
 
-struct DiskPartitionInfo : InventoryRecord<DiskPartitionInfo> {
+struct NORVIK_COMMON_API DiskPartitionInfo final : InventoryRecord<DiskPartitionInfo> {
   DiskPartitionInfo() = default;
   explicit DiskPartitionInfo(const ptree& node) { Read(node); }
 
@@ -23,16 +23,14 @@ struct DiskPartitionInfo : InventoryRecord<DiskPartitionInfo> {
   std::string uuid;
 
   static constexpr auto Fields() {
-    return FieldTable(Field("device", &DiskPartitionInfo::device),
-                      Field("index", &DiskPartitionInfo::index),
-                      Field("type", &DiskPartitionInfo::type),
-                      Field("offsetBytes", &DiskPartitionInfo::offsetBytes),
-                      Field("sizeBytes", &DiskPartitionInfo::sizeBytes),
-                      Field("label", &DiskPartitionInfo::label),
-                      Field("bootable", &DiskPartitionInfo::bootable),
-                      Field("fileSystemType", &DiskPartitionInfo::fileSystemType),
-                      Field("readOnly", &DiskPartitionInfo::readOnly),
-                      Field("uuid", &DiskPartitionInfo::uuid));
+    return FieldTable(
+        Field("device", &DiskPartitionInfo::device), Field("index", &DiskPartitionInfo::index),
+        Field("type", &DiskPartitionInfo::type),
+        Field("offsetBytes", &DiskPartitionInfo::offsetBytes),
+        Field("sizeBytes", &DiskPartitionInfo::sizeBytes),
+        Field("label", &DiskPartitionInfo::label), Field("bootable", &DiskPartitionInfo::bootable),
+        Field("fileSystemType", &DiskPartitionInfo::fileSystemType),
+        Field("readOnly", &DiskPartitionInfo::readOnly), Field("uuid", &DiskPartitionInfo::uuid));
   }
   static constexpr auto Key() { return &DiskPartitionInfo::device; }
 };

@@ -8,7 +8,7 @@
 namespace Norvik::Common {
 
 /// A mounted volume.
-struct LogicalDiskInfo : InventoryRecord<LogicalDiskInfo> {
+struct NORVIK_COMMON_API LogicalDiskInfo final : InventoryRecord<LogicalDiskInfo> {
   LogicalDiskInfo() = default;
   explicit LogicalDiskInfo(const ptree& node) { Read(node); }
   /// The record as a tree that the constructor above takes.

@@ -9,7 +9,7 @@
 namespace Norvik::Common {
 
 /// Main memory as a whole. Sizes in bytes.
-struct MemoryInfo : InventoryRecord<MemoryInfo> {
+struct NORVIK_COMMON_API MemoryInfo final : InventoryRecord<MemoryInfo> {
   MemoryInfo() = default;
   explicit MemoryInfo(const ptree& node) { Read(node); }
 

@@ -21,7 +21,7 @@ struct IpAddressInfo {
   }
 };
 
-struct NetworkAdapterInfo : InventoryRecord<NetworkAdapterInfo> {
+struct NORVIK_COMMON_API NetworkAdapterInfo final : InventoryRecord<NetworkAdapterInfo> {
   NetworkAdapterInfo() = default;
   explicit NetworkAdapterInfo(const ptree& node) { Read(node); }
 
@@ -40,19 +40,18 @@ struct NetworkAdapterInfo : InventoryRecord<NetworkAdapterInfo> {
   std::string manufacturer;
 
   static constexpr auto Fields() {
-    return FieldTable(Texts("gateways", &NetworkAdapterInfo::gateways),
-                      Texts("dnsServers", &NetworkAdapterInfo::dnsServers),
-                      Texts("dhcpServers", &NetworkAdapterInfo::dhcpServers),
-                      Field("speedMbps", &NetworkAdapterInfo::speedMbps),
-                      Field("mtu", &NetworkAdapterInfo::mtu),
-                      Records("addresses", &NetworkAdapterInfo::addresses),
-                      Field("hardwareType", &NetworkAdapterInfo::hardwareType),
-                      Field("vlan", &NetworkAdapterInfo::vlan),
-                      Field("name", &NetworkAdapterInfo::name),
-                      Field("description", &NetworkAdapterInfo::description),
-                      Field("macAddress", &NetworkAdapterInfo::macAddress),
-                      Field("type", &NetworkAdapterInfo::type),
-                      Field("manufacturer", &NetworkAdapterInfo::manufacturer));
+    return FieldTable(
+        Texts("gateways", &NetworkAdapterInfo::gateways),
+        Texts("dnsServers", &NetworkAdapterInfo::dnsServers),
+        Texts("dhcpServers", &NetworkAdapterInfo::dhcpServers),
+        Field("speedMbps", &NetworkAdapterInfo::speedMbps), Field("mtu", &NetworkAdapterInfo::mtu),
+        Records("addresses", &NetworkAdapterInfo::addresses),
+        Field("hardwareType", &NetworkAdapterInfo::hardwareType),
+        Field("vlan", &NetworkAdapterInfo::vlan), Field("name", &NetworkAdapterInfo::name),
+        Field("description", &NetworkAdapterInfo::description),
+        Field("macAddress", &NetworkAdapterInfo::macAddress),
+        Field("type", &NetworkAdapterInfo::type),
+        Field("manufacturer", &NetworkAdapterInfo::manufacturer));
   }
   static constexpr auto Key() { return &NetworkAdapterInfo::name; }
 };

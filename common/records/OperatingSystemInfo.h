@@ -8,7 +8,7 @@
 
 namespace Norvik::Common {
 
-struct OperatingSystemInfo : InventoryRecord<OperatingSystemInfo> {
+struct NORVIK_COMMON_API OperatingSystemInfo final : InventoryRecord<OperatingSystemInfo> {
   OperatingSystemInfo() = default;
   explicit OperatingSystemInfo(const ptree& node) { Read(node); }
 

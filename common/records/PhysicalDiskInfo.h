@@ -10,7 +10,7 @@
 
 namespace Norvik::Common {
 
-struct PhysicalDiskInfo : InventoryRecord<PhysicalDiskInfo> {
+struct NORVIK_COMMON_API PhysicalDiskInfo final : InventoryRecord<PhysicalDiskInfo> {
   PhysicalDiskInfo() = default;
   explicit PhysicalDiskInfo(const ptree& node) { Read(node); }
 

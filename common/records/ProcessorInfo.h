@@ -26,7 +26,7 @@ struct CSmbCacheInfo {
 };
 
 /// A processor package.
-struct ProcessorInfo : InventoryRecord<ProcessorInfo> {
+struct NORVIK_COMMON_API ProcessorInfo final : InventoryRecord<ProcessorInfo> {
   ProcessorInfo() = default;
   explicit ProcessorInfo(const ptree& node) { Read(node); }
 
@@ -47,21 +47,16 @@ struct ProcessorInfo : InventoryRecord<ProcessorInfo> {
   std::string identifier;  ///< family, model and stepping
 
   static constexpr auto Fields() {
-    return FieldTable(Records("caches", &ProcessorInfo::caches),
-                      Texts("features", &ProcessorInfo::features),
-                      Field("cores", &ProcessorInfo::cores),
-                      Field("threads", &ProcessorInfo::threads),
-                      Field("maximumMhz", &ProcessorInfo::maximumMhz),
-                      Field("busMhz", &ProcessorInfo::busMhz),
-                      Field("index", &ProcessorInfo::index),
-                      Field("socket", &ProcessorInfo::socket),
-                      Field("manufacturer", &ProcessorInfo::manufacturer),
-                      Field("architecture", &ProcessorInfo::architecture),
-                      Field("partNumber", &ProcessorInfo::partNumber),
-                      Field("serial", &ProcessorInfo::serial),
-                      Field("assetTag", &ProcessorInfo::assetTag),
-                      Field("model", &ProcessorInfo::model),
-                      Field("identifier", &ProcessorInfo::identifier));
+    return FieldTable(
+        Records("caches", &ProcessorInfo::caches), Texts("features", &ProcessorInfo::features),
+        Field("cores", &ProcessorInfo::cores), Field("threads", &ProcessorInfo::threads),
+        Field("maximumMhz", &ProcessorInfo::maximumMhz), Field("busMhz", &ProcessorInfo::busMhz),
+        Field("index", &ProcessorInfo::index), Field("socket", &ProcessorInfo::socket),
+        Field("manufacturer", &ProcessorInfo::manufacturer),
+        Field("architecture", &ProcessorInfo::architecture),
+        Field("partNumber", &ProcessorInfo::partNumber), Field("serial", &ProcessorInfo::serial),
+        Field("assetTag", &ProcessorInfo::assetTag), Field("model", &ProcessorInfo::model),
+        Field("identifier", &ProcessorInfo::identifier));
   }
   static constexpr auto Key() { return &ProcessorInfo::index; }
 };

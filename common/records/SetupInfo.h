@@ -19,11 +19,10 @@ struct SmbBaseboardInfo {
   std::string assetTag;
 
   static constexpr auto Fields() {
-    return FieldTable(Field("manufacturer", &SmbBaseboardInfo::manufacturer),
-                      Field("product", &SmbBaseboardInfo::product),
-                      Field("version", &SmbBaseboardInfo::version),
-                      Field("serial", &SmbBaseboardInfo::serial),
-                      Field("assetTag", &SmbBaseboardInfo::assetTag));
+    return FieldTable(
+        Field("manufacturer", &SmbBaseboardInfo::manufacturer),
+        Field("product", &SmbBaseboardInfo::product), Field("version", &SmbBaseboardInfo::version),
+        Field("serial", &SmbBaseboardInfo::serial), Field("assetTag", &SmbBaseboardInfo::assetTag));
   }
 };
 
@@ -43,18 +42,16 @@ struct SmbChassisInfo {
   std::string sku;
 
   static constexpr auto Fields() {
-    return FieldTable(Field("oemInformation", &SmbChassisInfo::oemInformation),
-                      Field("type", &SmbChassisInfo::type),
-                      Field("bootUpState", &SmbChassisInfo::bootUpState),
-                      Field("powerSupplyState", &SmbChassisInfo::powerSupplyState),
-                      Field("thermalState", &SmbChassisInfo::thermalState),
-                      Field("securityStatus", &SmbChassisInfo::securityStatus),
-                      Field("assetTag", &SmbChassisInfo::assetTag),
-                      Field("manufacturer", &SmbChassisInfo::manufacturer),
-                      Field("version", &SmbChassisInfo::version),
-                      Field("serial", &SmbChassisInfo::serial),
-                      Field("typeName", &SmbChassisInfo::typeName),
-                      Field("sku", &SmbChassisInfo::sku));
+    return FieldTable(
+        Field("oemInformation", &SmbChassisInfo::oemInformation),
+        Field("type", &SmbChassisInfo::type), Field("bootUpState", &SmbChassisInfo::bootUpState),
+        Field("powerSupplyState", &SmbChassisInfo::powerSupplyState),
+        Field("thermalState", &SmbChassisInfo::thermalState),
+        Field("securityStatus", &SmbChassisInfo::securityStatus),
+        Field("assetTag", &SmbChassisInfo::assetTag),
+        Field("manufacturer", &SmbChassisInfo::manufacturer),
+        Field("version", &SmbChassisInfo::version), Field("serial", &SmbChassisInfo::serial),
+        Field("typeName", &SmbChassisInfo::typeName), Field("sku", &SmbChassisInfo::sku));
   }
 };
 
@@ -68,17 +65,16 @@ struct SmbSystemInfo {
   wxString uuid;
 
   static constexpr auto Fields() {
-    return FieldTable(Field("manufacturer", &SmbSystemInfo::manufacturer),
-                      Field("product", &SmbSystemInfo::product),
-                      Field("version", &SmbSystemInfo::version),
-                      Field("family", &SmbSystemInfo::family),
-                      Field("serial", &SmbSystemInfo::serial),
-                      Field("sku", &SmbSystemInfo::sku), Field("uuid", &SmbSystemInfo::uuid));
+    return FieldTable(
+        Field("manufacturer", &SmbSystemInfo::manufacturer),
+        Field("product", &SmbSystemInfo::product), Field("version", &SmbSystemInfo::version),
+        Field("family", &SmbSystemInfo::family), Field("serial", &SmbSystemInfo::serial),
+        Field("sku", &SmbSystemInfo::sku), Field("uuid", &SmbSystemInfo::uuid));
   }
 };
 
 /// Board, chassis and identity of the machine.
-struct SetupInfo : InventoryRecord<SetupInfo> {
+struct NORVIK_COMMON_API SetupInfo final : InventoryRecord<SetupInfo> {
   SetupInfo() = default;
   explicit SetupInfo(const ptree& node) { Read(node); }
 

@@ -9,7 +9,7 @@
 namespace Norvik::Common {
 
 /// A memory slot and the module in it.
-struct SmbMemoryDeviceInfo : InventoryRecord<SmbMemoryDeviceInfo> {
+struct NORVIK_COMMON_API SmbMemoryDeviceInfo final : InventoryRecord<SmbMemoryDeviceInfo> {
   SmbMemoryDeviceInfo() = default;
   explicit SmbMemoryDeviceInfo(const ptree& node) { Read(node); }
 
@@ -25,16 +25,15 @@ struct SmbMemoryDeviceInfo : InventoryRecord<SmbMemoryDeviceInfo> {
   wxString assetTag;
 
   static constexpr auto Fields() {
-    return FieldTable(Field("sizeBytes", &SmbMemoryDeviceInfo::sizeBytes),
-                      Field("speedMhz", &SmbMemoryDeviceInfo::speedMhz),
-                      Field("bank", &SmbMemoryDeviceInfo::bank),
-                      Field("formFactor", &SmbMemoryDeviceInfo::formFactor),
-                      Field("manufacturer", &SmbMemoryDeviceInfo::manufacturer),
-                      Field("name", &SmbMemoryDeviceInfo::name),
-                      Field("model", &SmbMemoryDeviceInfo::model),
-                      Field("type", &SmbMemoryDeviceInfo::type),
-                      Field("serial", &SmbMemoryDeviceInfo::serial),
-                      Field("assetTag", &SmbMemoryDeviceInfo::assetTag));
+    return FieldTable(
+        Field("sizeBytes", &SmbMemoryDeviceInfo::sizeBytes),
+        Field("speedMhz", &SmbMemoryDeviceInfo::speedMhz),
+        Field("bank", &SmbMemoryDeviceInfo::bank),
+        Field("formFactor", &SmbMemoryDeviceInfo::formFactor),
+        Field("manufacturer", &SmbMemoryDeviceInfo::manufacturer),
+        Field("name", &SmbMemoryDeviceInfo::name), Field("model", &SmbMemoryDeviceInfo::model),
+        Field("type", &SmbMemoryDeviceInfo::type), Field("serial", &SmbMemoryDeviceInfo::serial),
+        Field("assetTag", &SmbMemoryDeviceInfo::assetTag));
   }
   static constexpr auto Key() { return &SmbMemoryDeviceInfo::name; }
 };

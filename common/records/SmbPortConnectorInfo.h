@@ -9,7 +9,7 @@
 namespace Norvik::Common {
 
 /// A connector of the board.
-struct SmbPortConnectorInfo : InventoryRecord<SmbPortConnectorInfo> {
+struct NORVIK_COMMON_API SmbPortConnectorInfo final : InventoryRecord<SmbPortConnectorInfo> {
   SmbPortConnectorInfo() = default;
   explicit SmbPortConnectorInfo(const ptree& node) { Read(node); }
 

@@ -9,7 +9,7 @@
 namespace Norvik::Common {
 
 /// An installed software.
-struct SoftwareRegisteredInfo : InventoryRecord<SoftwareRegisteredInfo> {
+struct NORVIK_COMMON_API SoftwareRegisteredInfo final : InventoryRecord<SoftwareRegisteredInfo> {
   SoftwareRegisteredInfo() = default;
   explicit SoftwareRegisteredInfo(const ptree& node) { Read(node); }
 

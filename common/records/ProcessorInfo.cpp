@@ -1,0 +1,10 @@
+#include "common/records/ProcessorInfo.h"
+
+#include "common/records/InventoryRecordDefinition.h"
+
+namespace Norvik::Common {
+
+template class WrittenRecord<ProcessorInfo>;
+template class InventoryRecord<ProcessorInfo>;
+
+}  // namespace Norvik::Common
