@@ -1,11 +1,14 @@
 #pragma once
 
-#include <sys/types.h>
 #include <wx/string.h>
 
 #include <string>
 
 #include "common/Api.h"
+
+namespace Norvik::Platform {
+struct ChildAccount;
+}
 
 namespace Norvik::Common {
 
@@ -22,14 +25,16 @@ class NORVIK_COMMON_API Execute {
   /// of system. -1 if there is no such user or this process may not become it.
   int RunAs(const wxString& user, const wxString& domain, const wxString& password,
             const wxString& arguments);
-  /// The same as the user of a session.
-  /// @param exitCode takes the exit code; may be null
-  /// @return whether the process could be started
-  bool RunAs(int* exitCode, short session);
+  /// The same as the user of a session (see `Platform::UserOfSession`). -1 also if nobody has it.
+  /// @param processId takes the number of the process, which has ended by then; may be null
+  int RunAs(int* processId, short session);
 
   const std::string& Output() const { return output_; }
 
  private:
+  int Refuse(const std::string& reason);
+  int RunUnder(const Platform::ChildAccount* account, const std::string& arguments, int* processId);
+
   std::string command_;
   std::string output_;
 };

@@ -1,0 +1,7 @@
+#include "common/action/ActionParameters.h"
+
+namespace Norvik::Common {
+
+ActionParameters::~ActionParameters() = default;
+
+}  // namespace Norvik::Common

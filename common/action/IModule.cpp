@@ -1,0 +1,7 @@
+#include "common/action/IModule.h"
+
+namespace Norvik::Common {
+
+IModule::~IModule() = default;
+
+}  // namespace Norvik::Common

@@ -1,0 +1,7 @@
+#include "common/action/ModuleAction.h"
+
+namespace Norvik::Common {
+
+ModuleAction::~ModuleAction() = default;
+
+}  // namespace Norvik::Common

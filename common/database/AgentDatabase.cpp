@@ -1,0 +1,56 @@
+#include "common/database/AgentDatabase.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/database/ConnectionPool.h"
+#include "common/database/DataBase.h"
+#include "common/database/DatabaseFile.h"
+#include "common/database/KeyValueTable.h"
+#include "common/database/SQLiteNames.h"
+#include "common/database/Statement.h"
+
+namespace Norvik::Common {
+namespace {
+
+std::string SelectText(const std::string& table, int offset, int limit, int order) {
+  std::string text = "select * from " + QuotedTableName(table);
+  if (order > 0) text += " order by " + std::to_string(order);
+  const int most = limit > 0 ? limit : -1;
+  return text + " limit " + std::to_string(most) + " offset " + std::to_string(std::max(0, offset));
+}
+
+}  // namespace
+
+struct AgentDatabase::State {
+  explicit State(const boost::filesystem::path& file)
+      : pool(std::make_shared<ConnectionPool>(file, OpenDatabaseFile(file))) {
+    ConnectionPool::Install(pool);
+  }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() { ConnectionPool::Uninstall(); }
+
+  std::shared_ptr<ConnectionPool> pool;
+};
+
+AgentDatabase::AgentDatabase(const boost::filesystem::path& folder)
+    : state_(std::make_unique<State>(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) {}
+
+AgentDatabase::~AgentDatabase() = default;
+
+std::unique_ptr<DbResponseTable> AgentDatabase::GetTable(const std::string& name, int offset,
+                                                         int limit, int order) {
+  if (!V2::DataBase::ExistTable(name)) return nullptr;
+  auto connection = state_->pool->Take();
+  auto table = Statement(*connection, SelectText(name, offset, limit, order)).RunAsTable({});
+  state_->pool->Return(std::move(connection));
+  return table;
+}
+
+CorruptDatabaseError::CorruptDatabaseError(const std::string& text, boost::filesystem::path keptAs)
+    : std::runtime_error(text), keptAs_(std::move(keptAs)) {}
+
+CorruptDatabaseError::~CorruptDatabaseError() = default;
+
+}  // namespace Norvik::Common

@@ -1,0 +1,83 @@
+#include "common/database/Cells.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <limits>
+
+namespace Norvik::Common {
+namespace {
+
+std::string ToUpperAscii(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
+                                                : character;
+  });
+  return text;
+}
+
+bool HoldsOneOf(const std::string& text, std::initializer_list<const char*> words) {
+  return std::any_of(words.begin(), words.end(),
+                     [&text](const char* word) { return text.find(word) != std::string::npos; });
+}
+
+V2::DataBaseValue ReadStored(sqlite_api::sqlite3_stmt* statement, int column) {
+  switch (sqlite_api::sqlite3_column_type(statement, column)) {
+    case SQLITE_INTEGER: {
+      const long long value = sqlite_api::sqlite3_column_int64(statement, column);
+      if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
+        return value;
+      }
+      return static_cast<int>(value);
+    }
+    case SQLITE_FLOAT:
+      return sqlite_api::sqlite3_column_double(statement, column);
+    default:
+      return ReadCellAsText(statement, column);
+  }
+}
+
+}  // namespace
+
+CellKind KindOfDeclaredType(const char* declaredType) {
+  if (declaredType == nullptr) return CellKind::Stored;
+  const std::string type = ToUpperAscii(declaredType);
+  if (HoldsOneOf(type, {"BIGINT", "BIG INT", "INT8"})) return CellKind::BigInteger;
+  if (HoldsOneOf(type, {"INT"})) return CellKind::Integer;
+  if (HoldsOneOf(type, {"CHAR", "CLOB", "TEXT"})) return CellKind::Text;
+  if (HoldsOneOf(type, {"REAL", "FLOA", "DOUB"})) return CellKind::Real;
+  return CellKind::Stored;
+}
+
+std::vector<CellKind> KindsOfColumns(sqlite_api::sqlite3_stmt* statement) {
+  std::vector<CellKind> kinds;
+  const int count = sqlite_api::sqlite3_column_count(statement);
+  for (int column = 0; column < count; ++column) {
+    kinds.push_back(KindOfDeclaredType(sqlite_api::sqlite3_column_decltype(statement, column)));
+  }
+  return kinds;
+}
+
+std::string ReadCellAsText(sqlite_api::sqlite3_stmt* statement, int column) {
+  const auto* text = sqlite_api::sqlite3_column_text(statement, column);
+  if (text == nullptr) return {};
+  const int size = sqlite_api::sqlite3_column_bytes(statement, column);
+  return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
+}
+
+V2::DataBaseValue ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind) {
+  switch (kind) {
+    case CellKind::Integer:
+      return sqlite_api::sqlite3_column_int(statement, column);
+    case CellKind::BigInteger:
+      return static_cast<long long>(sqlite_api::sqlite3_column_int64(statement, column));
+    case CellKind::Text:
+      return ReadCellAsText(statement, column);
+    case CellKind::Real:
+      return sqlite_api::sqlite3_column_double(statement, column);
+    case CellKind::Stored:
+      break;
+  }
+  return ReadStored(statement, column);
+}
+
+}  // namespace Norvik::Common

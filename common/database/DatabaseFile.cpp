@@ -1,0 +1,131 @@
+#include "common/database/DatabaseFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "common/database/AgentDatabase.h"
+#include "common/database/DatabaseSchema.h"
+#include "common/database/Statement.h"
+
+namespace Norvik::Common {
+namespace {
+
+namespace fs = boost::filesystem;
+
+// SQLite gives its two side files the mode of the main file.
+void MakeOwnersFile(const fs::path& file) {
+  const int descriptor =
+      ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) throw std::system_error(errno, std::generic_category());
+  const bool restricted = ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
+  const int error = errno;
+  ::close(descriptor);
+  // Another user's file that this one may write stays as that user keeps it.
+  if (!restricted && error != EPERM) throw std::system_error(error, std::generic_category());
+}
+
+bool IsDamage(const soci::sqlite3_soci_error& error) {
+  const int code = error.result() & 0xFF;  // without the extended part
+  return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+// What is damaged in the file, empty if nothing is.
+std::string FindDamage(Connection& connection) {
+  try {
+    const auto rows = Statement(connection, "PRAGMA quick_check(1)").Run({});
+    const auto& finding = boost::get<std::string>(rows.at(0).at(0));
+    return finding == "ok" ? "" : finding;
+  } catch (const soci::sqlite3_soci_error& error) {
+    if (!IsDamage(error)) throw;
+    return error.what();
+  }
+}
+
+std::string UtcStamp() {
+  const std::time_t now = std::time(nullptr);
+  std::tm fields{};
+  ::gmtime_r(&now, &fields);
+  char text[sizeof "20260101T000000Z"];
+  std::strftime(text, sizeof text, "%Y%m%dT%H%M%SZ", &fields);
+  return text;
+}
+
+fs::path FreeNameBeside(const fs::path& file) {
+  const std::string name = file.string() + ".corrupt-" + UtcStamp();
+  fs::path candidate = name;
+  for (int number = 2; fs::exists(fs::symlink_status(candidate)); ++number) {
+    candidate = name + '-' + std::to_string(number);
+  }
+  return candidate;
+}
+
+// The side files keep their suffixes, so that the three still belong together.
+fs::path PutAside(const fs::path& file) {
+  const fs::path kept = FreeNameBeside(file);
+  fs::rename(file, kept);
+  for (const char* suffix : {"-wal", "-shm"}) {
+    const fs::path side = file.string() + suffix;
+    if (fs::exists(side)) fs::rename(side, kept.string() + suffix);
+  }
+  return kept;
+}
+
+// The file's first switch to write-ahead logging needs it alone, and SQLite does not wait for that.
+void UseWriteAheadLog(Connection& connection) {
+  constexpr int Attempts = 200;
+  constexpr std::chrono::milliseconds Pause(25);
+  for (int attempt = 1;; ++attempt) {
+    try {
+      connection.ExecuteScript("PRAGMA journal_mode=WAL");
+      return;
+    } catch (const soci::sqlite3_soci_error& error) {
+      if ((error.result() & 0xFF) != SQLITE_BUSY || attempt == Attempts) throw;
+    }
+    std::this_thread::sleep_for(Pause);
+  }
+}
+
+std::unique_ptr<Connection> OpenUndamaged(const fs::path& file) {
+  auto connection = std::make_unique<Connection>(file);
+  // Else closing a damaged file would move its log into it.
+  connection->CheckpointOnClose(false);
+  const std::string damage = FindDamage(*connection);
+  if (!damage.empty()) {
+    connection.reset();
+    const fs::path kept = PutAside(file);
+    throw CorruptDatabaseError("the database " + file.string() + " is damaged (" + damage +
+                                   "); it is kept as " + kept.string(),
+                               kept);
+  }
+  connection->CheckpointOnClose(true);
+  return connection;
+}
+
+}  // namespace
+
+std::unique_ptr<Connection> OpenDatabaseFile(const fs::path& file) {
+  try {
+    MakeOwnersFile(file);
+    auto connection = OpenUndamaged(file);
+    CheckSchemaVersion(*connection);
+    connection->Configure();
+    UseWriteAheadLog(*connection);
+    UpgradeSchema(*connection);
+    return connection;
+  } catch (const CorruptDatabaseError&) {
+    throw;
+  } catch (const std::exception& error) {
+    throw std::runtime_error("cannot open the database " + file.string() + ": " + error.what());
+  }
+}
+
+}  // namespace Norvik::Common

@@ -1,0 +1,7 @@
+#include "common/database/IDataBase.h"
+
+namespace Norvik::Common {
+
+IDataBase::~IDataBase() = default;
+
+}  // namespace Norvik::Common

@@ -1,0 +1,149 @@
+#include "common/database/Statement.h"
+
+#include <locale>
+#include <sstream>
+#include <stdexcept>
+
+#include "common/database/Cells.h"
+
+namespace Norvik::Common {
+namespace {
+
+using sqlite_api::sqlite3_int64;
+
+// Leaves the statement ready for its next run, and lets go of the locks of this one.
+class ResetAtEnd {
+ public:
+  explicit ResetAtEnd(sqlite_api::sqlite3_stmt* statement) : statement_(statement) {}
+  ResetAtEnd(const ResetAtEnd&) = delete;
+  ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+  ~ResetAtEnd() { sqlite_api::sqlite3_reset(statement_); }
+
+ private:
+  sqlite_api::sqlite3_stmt* statement_;
+};
+
+std::string TextOf(double value) {
+  std::ostringstream stream;
+  stream.imbue(std::locale::classic());
+  stream.precision(17);
+  stream << value;
+  return stream.str();
+}
+
+template <class Integer>
+std::string TextOf(Integer value) {
+  return std::to_string(value);
+}
+
+// Binds one value at one parameter and answers SQLite's result. A text is not copied: it lives
+// until the statement has run, and every parameter is bound anew before the next run.
+struct Binder : boost::static_visitor<int> {
+  Binder(sqlite_api::sqlite3_stmt* toStatement, int atPosition, bool inQuotes)
+      : statement(toStatement), position(atPosition), asText(inQuotes) {}
+
+  int operator()(const std::string& value) const {
+    return sqlite_api::sqlite3_bind_text64(statement, position, value.data(), value.size(), nullptr,
+                                           SQLITE_UTF8);
+  }
+  int operator()(double value) const {
+    return asText ? Copied(TextOf(value))
+                  : sqlite_api::sqlite3_bind_double(statement, position, value);
+  }
+  // An unsigned 64-bit number above the signed range is kept as its bits.
+  template <class Integer>
+  int operator()(Integer value) const {
+    return asText ? Copied(TextOf(value))
+                  : sqlite_api::sqlite3_bind_int64(statement, position,
+                                                   static_cast<sqlite3_int64>(value));
+  }
+  int Copied(const std::string& value) const {
+    const auto copy = reinterpret_cast<sqlite_api::sqlite3_destructor_type>(-1);
+    return sqlite_api::sqlite3_bind_text64(statement, position, value.data(), value.size(), copy,
+                                           SQLITE_UTF8);
+  }
+
+  sqlite_api::sqlite3_stmt* statement;
+  int position;
+  bool asText;
+};
+
+}  // namespace
+
+Statement::Statement(Connection& connection, const std::string& text)
+    : connection_(connection), text_(text), sentence_(ParseSentence(text)) {
+  sqlite_api::sqlite3_stmt* prepared = nullptr;
+  const char* rest = nullptr;
+  const int code = sqlite_api::sqlite3_prepare_v3(connection_.Handle(), sentence_.sql.c_str(),
+                                                  static_cast<int>(sentence_.sql.size() + 1),
+                                                  SQLITE_PREPARE_PERSISTENT, &prepared, &rest);
+  handle_.reset(prepared);
+  if (code != SQLITE_OK) connection_.RaiseLastError(code, text_);
+  if (prepared == nullptr) throw soci::soci_error("no statement in: " + text_);
+  if (std::string(rest).find_first_not_of("; \t\r\n") != std::string::npos) {
+    throw soci::soci_error("more than one statement in: " + text_);
+  }
+  writes_ = sqlite_api::sqlite3_stmt_readonly(prepared) == 0;
+}
+
+void Statement::Bind(const std::vector<V2::DataBaseValue>& values) {
+  if (values.size() < sentence_.valuesNeeded) {
+    throw std::out_of_range("placeholder {" + std::to_string(sentence_.valuesNeeded) +
+                            "} has no value, " + std::to_string(values.size()) +
+                            " given, in: " + text_);
+  }
+  Binder binder(handle_.get(), 0, false);
+  for (const auto& parameter : sentence_.parameters) {
+    ++binder.position;
+    binder.asText = parameter.asText;
+    const int code = boost::apply_visitor(binder, values[parameter.value]);
+    if (code != SQLITE_OK) connection_.RaiseLastError(code, text_);
+  }
+}
+
+bool Statement::Step() {
+  const int code = sqlite_api::sqlite3_step(handle_.get());
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) connection_.RaiseLastError(code, text_);
+  return false;
+}
+
+V2::DataBaseRows Statement::Run(const std::vector<V2::DataBaseValue>& values) {
+  const ResetAtEnd reset(handle_.get());
+  Bind(values);
+  V2::DataBaseRows rows;
+  std::vector<CellKind> kinds;
+  while (Step()) {
+    // Not before the first step: it prepares the text anew if the schema has changed.
+    if (rows.empty()) kinds = KindsOfColumns(handle_.get());
+    auto& row = rows.emplace_back();
+    row.reserve(kinds.size());
+    for (const CellKind kind : kinds) {
+      row.push_back(ReadCell(handle_.get(), static_cast<int>(row.size()), kind));
+    }
+  }
+  return rows;
+}
+
+std::unique_ptr<DbResponseTable> Statement::RunAsTable(
+    const std::vector<V2::DataBaseValue>& values) {
+  const ResetAtEnd reset(handle_.get());
+  Bind(values);
+  if (!Step()) return nullptr;
+  auto table = std::make_unique<DbResponseTable>();
+  const int columns = sqlite_api::sqlite3_column_count(handle_.get());
+  for (int column = 0; column < columns; ++column) {
+    const char* declared = sqlite_api::sqlite3_column_decltype(handle_.get(), column);
+    table->columns.push_back({sqlite_api::sqlite3_column_name(handle_.get(), column),
+                              declared == nullptr ? "" : declared});
+  }
+  do {
+    auto& row = table->rows.emplace_back();
+    for (int column = 0; column < columns; ++column) {
+      row.push_back(ReadCellAsText(handle_.get(), column));
+    }
+  } while (Step());
+  return table;
+}
+
+}  // namespace Norvik::Common

@@ -1,0 +1,90 @@
+#include "common/files/Archive.h"
+
+#include <zip.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "common/files/FileSealer.h"
+#include "platform/FileSystem.h"
+#include "platform/ReplacementFile.h"
+
+namespace Norvik::Common {
+
+namespace {
+
+constexpr zip_int64_t WHOLE_FILE = -1;  // libzip has no name for it before 1.10
+
+struct Discard {
+  void operator()(zip_t* archive) const { zip_discard(archive); }
+};
+using ArchiveHandle = std::unique_ptr<zip_t, Discard>;
+
+struct CloseEntry {
+  void operator()(zip_file_t* entry) const { zip_fclose(entry); }
+};
+using EntryHandle = std::unique_ptr<zip_file_t, CloseEntry>;
+
+[[noreturn]] void Raise(const std::string& path, const std::string& reason) {
+  throw std::runtime_error("Archive " + path + ": " + reason);
+}
+
+ArchiveHandle Open(const std::string& path, int flags) {
+  int code = 0;
+  ArchiveHandle archive(zip_open(path.c_str(), flags, &code));
+  if (archive) return archive;
+  zip_error_t error;
+  zip_error_init_with_code(&error, code);
+  const std::string reason = zip_error_strerror(&error);
+  zip_error_fini(&error);
+  Raise(path, reason);
+}
+
+void AddDeflated(zip_t* archive, const std::string& source, const std::string& name) {
+  zip_source_t* const content = zip_source_file(archive, source.c_str(), 0, WHOLE_FILE);
+  if (!content) Raise(source, zip_strerror(archive));
+  const zip_int64_t index = zip_file_add(archive, name.c_str(), content, ZIP_FL_ENC_GUESS);
+  if (index < 0) {
+    zip_source_free(content);
+    Raise(source, zip_strerror(archive));
+  }
+  zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE, 0);
+}
+
+std::string ReadEntry(zip_file_t* entry, const std::string& path) {
+  std::string content;
+  std::vector<char> buffer(65536);
+  while (true) {
+    // The read at the end of the content is the one that finds a wrong checksum.
+    const zip_int64_t length = zip_fread(entry, buffer.data(), buffer.size());
+    if (length < 0) Raise(path, zip_file_strerror(entry));
+    if (length == 0) return content;
+    content.append(buffer.data(), static_cast<std::size_t>(length));
+  }
+}
+
+}  // namespace
+
+void WriteArchive(const boost::filesystem::path& source, const boost::filesystem::path& target) {
+  // The library opens the source late and then names the archive in its error; this names the file.
+  Platform::OpenRegularFile(source.string());
+  Platform::ReplacementFile file(target.string());
+  ArchiveHandle archive = Open(file.Path(), ZIP_CREATE | ZIP_TRUNCATE);
+  AddDeflated(archive.get(), source.string(), source.filename().string());
+  if (zip_close(archive.get()) != 0) Raise(target.string(), zip_strerror(archive.get()));
+  archive.release();
+  file.Commit();
+}
+
+std::string ReadArchive(const boost::filesystem::path& archive) {
+  const std::string path = archive.string();
+  const ArchiveHandle opened = Open(path, ZIP_RDONLY | ZIP_CHECKCONS);
+  if (zip_get_num_entries(opened.get(), 0) != 1) Raise(path, "it has not just one entry");
+  const EntryHandle entry(zip_fopen_index(opened.get(), 0, 0));
+  if (!entry) Raise(path, zip_strerror(opened.get()));
+  return ReadEntry(entry.get(), path);
+}
+
+}  // namespace Norvik::Common

@@ -1,0 +1,105 @@
+#include "common/files/FilePipeline.h"
+
+#include <boost/format.hpp>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "common/files/Archive.h"
+#include "common/files/FileSealer.h"
+#include "common/files/Paths.h"
+#include "common/files/WholeFile.h"
+#include "common/log/Logger.h"
+
+namespace Norvik::Common {
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+/// Runs one step; what it raises is logged and gives false.
+template <class Step>
+bool Try(const char* what, const fs::path& source, Step step) {
+  try {
+    step();
+    return true;
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Unable to %1% the file %2%: %3%") % what % source.string() %
+                 error.what());
+    return false;
+  }
+}
+
+class DefaultFilePipeline : public IFilePipeline {
+ public:
+  bool Compress(const fs::path& source, const fs::path& target) override {
+    return Try("compress", source, [&] { WriteArchive(source, target); });
+  }
+
+  bool Encrypt(const fs::path& source, const fs::path& target) override {
+    return Try("encrypt", source, [&] {
+      FileSealer(Paths(Paths::DATA, true).AppData() / "keys").Seal(source, target);
+    });
+  }
+
+  bool Copy(const fs::path& source, const fs::path& target) override {
+    return Try("copy", source, [&] { CopyWhole(source, target); });
+  }
+
+  bool MoveToOutbox(const fs::path& file, const boost::optional<bool>& incremental) override {
+    const bool moved = Try("move to the outbox", file, [&] {
+      MoveWhole(file, Paths(Paths::OUTBOX, true).AppData() / file.filename());
+    });
+    if (moved) {
+      const char* const kind = incremental.get_value_or(false) ? " (incremental)" : "";
+      NORVIK_DETAIL(boost::format("%1%%2% waits in the outbox") % file.filename().string() % kind);
+    }
+    return moved;
+  }
+};
+
+struct Current {
+  std::mutex mutex;
+  std::shared_ptr<IFilePipeline> pipeline = std::make_shared<DefaultFilePipeline>();
+};
+
+Current& TheCurrent() {
+  static Current current;
+  return current;
+}
+
+}  // namespace
+
+IFilePipeline::~IFilePipeline() = default;
+
+std::shared_ptr<IFilePipeline> GetFilePipeline() {
+  Current& current = TheCurrent();
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  return current.pipeline;
+}
+
+void SetFilePipeline(std::shared_ptr<IFilePipeline> pipeline) {
+  if (!pipeline) pipeline = std::make_shared<DefaultFilePipeline>();
+  Current& current = TheCurrent();
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  std::swap(current.pipeline, pipeline);
+}
+
+bool CompressFile(const fs::path& source, const fs::path& target) {
+  return GetFilePipeline()->Compress(source, target);
+}
+
+bool AgentEncryptFile(const fs::path& source, const fs::path& target) {
+  return GetFilePipeline()->Encrypt(source, target);
+}
+
+bool CopyFileToDestination(const fs::path& source, const fs::path& target) {
+  return GetFilePipeline()->Copy(source, target);
+}
+
+bool MoveToOutbox(fs::path&& file, boost::optional<bool> incremental) {
+  return GetFilePipeline()->MoveToOutbox(file, incremental);
+}
+
+}  // namespace Norvik::Common

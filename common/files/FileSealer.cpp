@@ -1,0 +1,185 @@
+#include "common/files/FileSealer.h"
+
+#include <sodium.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "common/files/SealingKeys.h"
+#include "platform/FileSystem.h"
+#include "platform/ReplacementFile.h"
+
+namespace Norvik::Common {
+
+namespace {
+
+// A sealed file: MARK, the stream key in a sealed box, the header of the stream, the chunks.
+// docs/outbox-format.md has the details, for those who open such files elsewhere.
+constexpr std::array<unsigned char, 9> MARK = {'N', 'R', 'V', 'K', 'S', 'E', 'A', 'L', 1};
+constexpr std::size_t STREAM_KEY = crypto_secretstream_xchacha20poly1305_KEYBYTES;
+constexpr std::size_t SEALED_KEY = STREAM_KEY + crypto_box_SEALBYTES;
+constexpr std::size_t STREAM_HEADER = crypto_secretstream_xchacha20poly1305_HEADERBYTES;
+constexpr std::size_t CHUNK = 65536;
+constexpr std::size_t CHUNK_EXTRA = crypto_secretstream_xchacha20poly1305_ABYTES;
+constexpr unsigned char MESSAGE_TAG = crypto_secretstream_xchacha20poly1305_TAG_MESSAGE;
+constexpr unsigned char FINAL_TAG = crypto_secretstream_xchacha20poly1305_TAG_FINAL;
+
+using Bytes = std::vector<unsigned char>;
+
+struct Stream {
+  Stream() = default;
+  Stream(const Stream&) = delete;
+  Stream& operator=(const Stream&) = delete;
+  ~Stream() { sodium_memzero(&state, sizeof(state)); }
+  crypto_secretstream_xchacha20poly1305_state state{};
+};
+
+struct StreamKey {
+  StreamKey() = default;
+  StreamKey(const StreamKey&) = delete;
+  StreamKey& operator=(const StreamKey&) = delete;
+  ~StreamKey() { sodium_memzero(bytes, sizeof(bytes)); }
+  unsigned char bytes[STREAM_KEY] = {};
+};
+
+[[noreturn]] void RaiseDamaged() { throw SealedFileError("The file was cut or altered"); }
+
+/// Reads a file in pieces and knows, with the last one, that it is the last.
+class PieceReader {
+ public:
+  PieceReader(const Platform::FileDescriptor& file, std::size_t size)
+      : file_(file), current_(size), next_(size) {
+    Fill(next_, size);
+  }
+
+  /// The next piece: of full size unless it is the last, empty only in an empty file.
+  const Bytes& Next() {
+    const std::size_t size = current_.capacity();
+    std::swap(current_, next_);
+    Fill(next_, size);
+    return current_;
+  }
+  bool AtEnd() const { return next_.empty(); }
+
+ private:
+  void Fill(Bytes& piece, std::size_t size) {
+    piece.resize(size);
+    piece.resize(Platform::ReadFull(file_, reinterpret_cast<char*>(piece.data()), size));
+  }
+
+  const Platform::FileDescriptor& file_;
+  Bytes current_;
+  Bytes next_;
+};
+
+template <class Container>
+void Write(const Platform::FileDescriptor& file, const Container& bytes, std::size_t size) {
+  Platform::WriteAll(file, reinterpret_cast<const char*>(bytes.data()), size);
+}
+
+/// Fills the array from the file; false if the file ends before.
+template <class Array>
+bool Read(const Platform::FileDescriptor& file, Array& bytes) {
+  return Platform::ReadFull(file, reinterpret_cast<char*>(bytes.data()), bytes.size()) ==
+         bytes.size();
+}
+
+void WriteStart(const Platform::FileDescriptor& file, const PublicKey& recipient, Stream& stream) {
+  StreamKey key;
+  crypto_secretstream_xchacha20poly1305_keygen(key.bytes);
+  std::array<unsigned char, SEALED_KEY> sealedKey;
+  if (crypto_box_seal(sealedKey.data(), key.bytes, sizeof(key.bytes), recipient.data()) != 0) {
+    throw std::runtime_error("The public key is not usable");
+  }
+  std::array<unsigned char, STREAM_HEADER> header;
+  crypto_secretstream_xchacha20poly1305_init_push(&stream.state, header.data(), key.bytes);
+  Write(file, MARK, MARK.size());
+  Write(file, sealedKey, sealedKey.size());
+  Write(file, header, header.size());
+}
+
+void WriteChunks(const Platform::FileDescriptor& from, const Platform::FileDescriptor& to,
+                 Stream& stream) {
+  PieceReader pieces(from, CHUNK);
+  Bytes sealed(CHUNK + CHUNK_EXTRA);
+  unsigned char tag = MESSAGE_TAG;
+  do {
+    const Bytes& piece = pieces.Next();
+    tag = pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG;
+    crypto_secretstream_xchacha20poly1305_push(&stream.state, sealed.data(), nullptr, piece.data(),
+                                               piece.size(), MARK.data(), MARK.size(), tag);
+    Write(to, sealed, piece.size() + CHUNK_EXTRA);
+  } while (tag != FINAL_TAG);
+}
+
+void ReadStart(const Platform::FileDescriptor& file, const SealingKeys& keys, Stream& stream) {
+  std::array<unsigned char, MARK.size()> mark;
+  if (!Read(file, mark) || mark != MARK) throw SealedFileError("The file is no sealed file");
+  std::array<unsigned char, SEALED_KEY> sealedKey;
+  std::array<unsigned char, STREAM_HEADER> header;
+  if (!Read(file, sealedKey) || !Read(file, header)) RaiseDamaged();
+
+  PublicKey publicKey;
+  PrivateKey privateKey;
+  keys.ForOpening(publicKey, privateKey);
+  StreamKey key;
+  if (crypto_box_seal_open(key.bytes, sealedKey.data(), sealedKey.size(), publicKey.data(),
+                           privateKey.bytes.data()) != 0) {
+    throw SealedFileError("The file was altered, or it is sealed to another key");
+  }
+  if (crypto_secretstream_xchacha20poly1305_init_pull(&stream.state, header.data(), key.bytes) !=
+      0) {
+    RaiseDamaged();
+  }
+}
+
+void ReadChunks(const Platform::FileDescriptor& from, const Platform::FileDescriptor& to,
+                Stream& stream) {
+  PieceReader pieces(from, CHUNK + CHUNK_EXTRA);
+  Bytes opened(CHUNK);
+  unsigned char tag = MESSAGE_TAG;
+  do {
+    const Bytes& piece = pieces.Next();
+    if (piece.size() < CHUNK_EXTRA || crypto_secretstream_xchacha20poly1305_pull(
+                                          &stream.state, opened.data(), nullptr, &tag, piece.data(),
+                                          piece.size(), MARK.data(), MARK.size()) != 0) {
+      RaiseDamaged();
+    }
+    // The final tag stands on the last chunk and there only.
+    if (tag != (pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG)) RaiseDamaged();
+    Write(to, opened, piece.size() - CHUNK_EXTRA);
+  } while (tag != FINAL_TAG);
+}
+
+}  // namespace
+
+SealedFileError::~SealedFileError() = default;
+
+FileSealer::FileSealer(boost::filesystem::path keyFolder) : keyFolder_(std::move(keyFolder)) {}
+
+void FileSealer::Seal(const boost::filesystem::path& source,
+                      const boost::filesystem::path& target) const {
+  const PublicKey recipient = SealingKeys(keyFolder_).ForSealing();
+  const Platform::FileDescriptor from = Platform::OpenRegularFile(source.string());
+  Platform::ReplacementFile to(target.string());
+  Stream stream;
+  WriteStart(to.Descriptor(), recipient, stream);
+  WriteChunks(from, to.Descriptor(), stream);
+  to.Commit();
+}
+
+void FileSealer::Open(const boost::filesystem::path& source,
+                      const boost::filesystem::path& target) const {
+  const SealingKeys keys(keyFolder_);
+  const Platform::FileDescriptor from = Platform::OpenRegularFile(source.string());
+  Stream stream;
+  ReadStart(from, keys, stream);
+  Platform::ReplacementFile to(target.string());
+  ReadChunks(from, to.Descriptor(), stream);
+  to.Commit();
+}
+
+}  // namespace Norvik::Common

@@ -1,0 +1,7 @@
+#include "common/identification/IIdentificationSystem.h"
+
+namespace Norvik::Common {
+
+IIdentificationSystem::~IIdentificationSystem() = default;
+
+}  // namespace Norvik::Common

@@ -1,0 +1,49 @@
+#include "common/inventory/SoftwareRegisteredSection.h"
+
+#include <sys/stat.h>
+
+#include <ctime>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "common/commands/CommandRunner.h"
+#include "common/inventory/ApplicationsReport.h"
+#include "common/inventory/PackageDatabase.h"
+#include "platform/MachinePath.h"
+
+namespace Norvik::Common {
+
+namespace {
+
+/// Time of the list of files that the package manager wrote when it installed the package. Packages
+/// that can be installed for several architectures at once have theirs in the name.
+std::time_t InstallDate(const std::string& package, const std::string& architecture) {
+  const std::string base = Platform::MachinePath("/var/lib/dpkg/info/") + package;
+  struct stat status {};
+  for (const auto& path : {base + ".list", base + ":" + architecture + ".list"}) {
+    if (::stat(path.c_str(), &status) == 0) return status.st_mtime;
+  }
+  return 0;
+}
+
+void Append(std::vector<SoftwareRegisteredInfo>&& found,
+            std::vector<SoftwareRegisteredInfo>& result) {
+  result.insert(result.end(), std::make_move_iterator(found.begin()),
+                std::make_move_iterator(found.end()));
+}
+
+}  // namespace
+
+void SoftwareRegisteredSection::GetInfo(std::vector<SoftwareRegisteredInfo>& result) {
+  std::ifstream status(Platform::MachinePath("/var/lib/dpkg/status"));
+  if (status) {
+    Append(ReadPackageStatus(status, InstallDate), result);
+  } else {
+    Append(ReadApplicationsReport(
+               CommandRunner::ExecCommand("system_profiler -xml SPApplicationsDataType")),
+           result);
+  }
+}
+
+}  // namespace Norvik::Common

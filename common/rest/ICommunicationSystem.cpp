@@ -1,0 +1,7 @@
+#include "common/rest/ICommunicationSystem.h"
+
+namespace Norvik::Common {
+
+ICommunicationSystem::~ICommunicationSystem() = default;
+
+}  // namespace Norvik::Common

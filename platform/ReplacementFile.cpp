@@ -1,0 +1,59 @@
+#include "platform/ReplacementFile.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/FileSystem.h"
+
+namespace Norvik::Platform {
+
+namespace {
+
+[[noreturn]] void Raise(int error, const std::string& what) {
+  throw std::system_error(error, std::generic_category(), what);
+}
+
+}  // namespace
+
+ReplacementFile::ReplacementFile(const std::string& target) : target_(target) {
+  const std::filesystem::path path(target);
+  folder_ = path.has_parent_path() ? path.parent_path().string() : ".";
+  path_ = folder_ + "/." + path.filename().string() + ".new-XXXXXX";
+  file_ = FileDescriptor(::mkstemp(path_.data()));
+  if (!file_.IsOpen()) {
+    const int error = errno;
+    path_.clear();
+    Raise(error, "Cannot make a file in " + folder_);
+  }
+  ::fcntl(file_.Get(), F_SETFD, FD_CLOEXEC);
+}
+
+ReplacementFile::~ReplacementFile() {
+  if (!path_.empty()) ::unlink(path_.c_str());
+}
+
+void ReplacementFile::Commit() {
+  // Through the name, not the descriptor: whoever was given the name may have replaced the file.
+  SyncFile(OpenRegularFile(path_));
+  if (std::rename(path_.c_str(), target_.c_str()) != 0) Raise(errno, target_);
+  path_.clear();
+  SyncFolder(folder_);
+}
+
+bool ReplacementFile::CommitIfAbsent() {
+  SyncFile(OpenRegularFile(path_));
+  if (::link(path_.c_str(), target_.c_str()) != 0) {
+    if (errno == EEXIST) return false;
+    Raise(errno, target_);
+  }
+  SyncFolder(folder_);
+  return true;
+}
+
+}  // namespace Norvik::Platform
