@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "InventoryRow.h"
+
+namespace Norvik::Bench {
+
+/// Inserts through SQLite's own C interface and one prepared statement: the measure that the
+/// database layer is held against. Raises `std::runtime_error` on failure.
+class RawSqlite {
+ public:
+  explicit RawSqlite(const std::string& file);
+  RawSqlite(const RawSqlite&) = delete;
+  RawSqlite& operator=(const RawSqlite&) = delete;
+  ~RawSqlite();
+
+  void Clear();
+  void Begin();
+  void Insert(const InventoryRow& row);
+  void Commit();
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace Norvik::Bench

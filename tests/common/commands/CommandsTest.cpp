@@ -1,0 +1,101 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include "common/commands/CommandRunner.h"
+#include "common/commands/CommandWords.h"
+#include "common/commands/Execute.h"
+#include "common/text/Text.h"
+#include "support/LogCapture.h"
+
+namespace {
+
+using namespace Norvik::Common;
+using Norvik::Tests::LogCapture;
+using testing::ElementsAre;
+
+TEST(CommandRunner, GivesTheOutputWholeAndUnchanged) {
+  const LogCapture log;
+  EXPECT_EQ(CommandRunner::ExecCommand("printf 'a\\n\\n b\\000c\\n' | cat"),
+            std::string("a\n\n b\0c\n", 8));
+  EXPECT_EQ(CommandRunner::ExecCommand("head -c 1048576 /dev/zero | tr '\\0' x; "
+                                       "head -c 1048576 /dev/zero | tr '\\0' y >&2"),
+            std::string(1048576, 'x'));
+}
+
+TEST(CommandRunner, LogsTheErrorChannelLineByLine) {
+  const LogCapture log;
+  EXPECT_EQ(CommandRunner::ExecCommand("echo one >&2; echo >&2; printf two >&2; exit 3"), "");
+  EXPECT_THAT(log.Texts(Logger::LEVEL_DETAIL), ElementsAre("one", "two"));
+}
+
+TEST(CommandRunner, AnswersWithNothingForAToolThatIsMissing) {
+  const LogCapture log;
+  EXPECT_EQ(CommandRunner::ExecCommand("no-such-tool-of-norvik -x"), "");
+  EXPECT_EQ(log.Texts(Logger::LEVEL_DETAIL).size(), 1u);
+}
+
+TEST(CommandWords, AreSplitAsAShellDoes) {
+  struct Case {
+    std::string line;
+    std::vector<std::string> words;
+  };
+  const Case cases[] = {
+      {"", {}},
+      {"  \t\n ", {}},
+      {"ls -l  /tmp ", {"ls", "-l", "/tmp"}},
+      {"a 'b c' \"d e\"", {"a", "b c", "d e"}},
+      {"a'b'\"c\"d", {"abcd"}},
+      {"'' \"\"", {"", ""}},
+      {R"(a\ b \'c \\)", {"a b", "'c", "\\"}},
+      {R"('a\b' "a\b" "a\"b" "\$x\\")", {"a\\b", "a\\b", "a\"b", "$x\\"}},
+      {"a\\\nb \"c\\\nd\"", {"ab", "cd"}},
+      {"$HOME * ; x", {"$HOME", "*", ";", "x"}},
+  };
+  for (const auto& [line, words] : cases) {
+    const auto split = SplitCommandWords(line);
+    ASSERT_TRUE(split) << line;
+    EXPECT_EQ(*split, words) << line;
+  }
+  for (const auto* open : {"'a", "a \"b", "a\\", "\"a\\\"", "\"a\\"}) {
+    EXPECT_FALSE(SplitCommandWords(open)) << open;
+  }
+}
+
+TEST(Execute, RunsWithoutAShellAndKeepsBothChannels) {
+  Execute both("sh -c 'echo out; echo err >&2; exit 5'");
+  EXPECT_EQ(both.Run(""), 5);
+  EXPECT_EQ(both.Output(), "out\nerr\n");
+
+  Execute plain("echo '$HOME'");
+  EXPECT_EQ(plain.Run("'a  b' ; c"), 0);
+  EXPECT_EQ(plain.Output(), "$HOME a  b ; c\n");
+}
+
+TEST(Execute, SaysWhyNothingWasStarted) {
+  for (const auto* command : {"", "echo 'open", "/no/such/program", "/tmp"}) {
+    Execute execute(command);
+    EXPECT_EQ(execute.Run(""), -1) << command;
+    EXPECT_FALSE(execute.Output().empty()) << command;
+  }
+}
+
+TEST(Execute, RunsAsAUserWhereItMay) {
+  const passwd* const self = ::getpwuid(::geteuid());
+  ASSERT_NE(self, nullptr);
+  Execute execute("id -un");
+  EXPECT_EQ(execute.RunAs(WxStringFromStdString(self->pw_name), "", "", ""), 0);
+  EXPECT_EQ(execute.Output(), std::string(self->pw_name) + "\n");
+  EXPECT_EQ(execute.RunAs("no-such-user-of-norvik", "", "", ""), -1);
+}
+
+TEST(Execute, RefusesASessionThatNobodyHas) {
+  int processId = 17;
+  Execute execute("echo text");
+  EXPECT_EQ(execute.RunAs(&processId, -12345), -1);
+  EXPECT_EQ(processId, 17);
+  EXPECT_NE(execute.Output().find("-12345"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+#include "common/database/AgentData.h"
+
+#include <gmock/gmock.h>
+
+#include <boost/optional/optional_io.hpp>
+#include <limits>
+
+#include "support/LogCapture.h"
+#include "support/TestDatabase.h"
+
+namespace Norvik::Common {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::system_clock;
+using testing::Pointee;
+
+class AgentDataTest : public testing::Test {
+ protected:
+  Tests::TestDatabase database_;
+  AgentData data_{database_, "KOB_DATA"};
+};
+
+TEST_F(AgentDataTest, KeepsTextsNumbersAndTimes) {
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+  EXPECT_EQ(data_.GetInt64("k"), nullptr);
+  EXPECT_EQ(data_.GetDateTime("k"), nullptr);
+
+  for (const std::string text : {"it's {1}", "", "\xC3\xB1"}) {
+    EXPECT_TRUE(data_.SetString("k", text));
+    EXPECT_EQ(data_.GetOptionalString("k"), text);
+  }
+  for (const std::int64_t value : {std::numeric_limits<std::int64_t>::min(),
+                                   std::numeric_limits<std::int64_t>::max(), std::int64_t{0}}) {
+    EXPECT_TRUE(data_.SetInt64("k", value));
+    EXPECT_THAT(data_.GetInt64("k"), Pointee(value));
+  }
+  EXPECT_TRUE(data_.SetDateTime("k", system_clock::from_time_t(1700000000) + milliseconds(900)));
+  EXPECT_THAT(data_.GetDateTime("k"), Pointee(system_clock::from_time_t(1700000000)));
+
+  EXPECT_TRUE(data_.Remove("k"));
+  EXPECT_TRUE(data_.Remove("k"));
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+}
+
+TEST_F(AgentDataTest, SharesItsRowsWithTheSqlRoad) {
+  data_.SetInt64("inventory_changed_period", 3600);
+  EXPECT_EQ(
+      Tests::TestDatabase::Run("select value from KOB_DATA WHERE name='inventory_changed_period'"),
+      V2::DataBaseRows({{std::string("3600")}}));
+
+  AgentData general(database_, "DATA");
+  general.SetString("OPERATING_SYSTEM_TYPE", "macOS");
+  EXPECT_EQ(V2::DataBase::GetOptionalStringDataTable("OPERATING_SYSTEM_TYPE"),
+            std::string("macOS"));
+  V2::DataBase::SetDataTable("KOB_INVENTORY", 12);
+  EXPECT_THAT(general.GetInt64("KOB_INVENTORY"), Pointee(12));
+}
+
+TEST_F(AgentDataTest, ReadsATextThatIsNoNumberAsNoNumber) {
+  for (const char* text : {"", "x", "12x", " 12", "9223372036854775808"}) {
+    data_.SetString("k", text);
+    EXPECT_EQ(data_.GetInt64("k"), nullptr) << text;
+    EXPECT_EQ(data_.GetDateTime("k"), nullptr) << text;
+  }
+  data_.SetInt64("k", std::numeric_limits<std::int64_t>::max());
+  EXPECT_EQ(data_.GetDateTime("k"), nullptr);
+}
+
+TEST_F(AgentDataTest, AnswersByResultWhenTheTableOrTheDatabaseIsGone) {
+  const Tests::LogCapture log;
+  AgentData missing(database_, "MISSING");
+  EXPECT_FALSE(missing.SetInt64("k", 1));
+  EXPECT_EQ(log.Texts(2).size(), 1U);
+  EXPECT_THROW(missing.GetInt64("k"), std::exception);
+
+  data_.SetString("k", "v");
+  database_.Close();
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+  EXPECT_FALSE(data_.SetString("k", "w"));
+  EXPECT_FALSE(data_.Remove("k"));
+  database_.Open();
+  EXPECT_EQ(AgentData(database_, "KOB_DATA").GetOptionalString("k"), std::string("v"));
+}
+
+}  // namespace
+}  // namespace Norvik::Common

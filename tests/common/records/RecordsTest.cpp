@@ -1,0 +1,101 @@
+#include <boost/property_tree/ptree.hpp>
+
+#include "common/records/MemoryInfo.h"
+#include "common/records/NetworkAdapterInfo.h"
+#include "common/records/OperatingSystemInfo.h"
+#include "common/records/PhysicalDiskInfo.h"
+#include "common/records/ProcessorInfo.h"
+#include "common/records/SetupInfo.h"
+#include "common/records/SoftwareRegisteredInfo.h"
+#include "support/CommaLocale.h"
+#include "support/RecordSuite.h"
+
+namespace tests {
+
+using namespace Norvik::Common;
+
+using Records = testing::Types<DiskPartitionInfo, LogicalDiskInfo, MemoryInfo, NetworkAdapterInfo,
+                               OperatingSystemInfo, PhysicalDiskInfo, ProcessorInfo, SetupInfo,
+                               SmbMemoryDeviceInfo, SmbPortConnectorInfo, SoftwareRegisteredInfo>;
+INSTANTIATE_TYPED_TEST_SUITE_P(CommonRecords, RecordSuite, Records, RecordName);
+
+template <class T>
+class LenientRecordTest : public testing::Test {};
+TYPED_TEST_SUITE(LenientRecordTest, Records, RecordName);
+
+TYPED_TEST(LenientRecordTest, AnEmptyTreeGivesDefaults) {
+  EXPECT_TRUE(TypeParam(boost::property_tree::ptree()) == TypeParam());
+}
+
+TYPED_TEST(LenientRecordTest, TextsSurviveWhateverTheLocale) {
+  const auto record = Filled<TypeParam>();
+  for (const char* name : {"C", "C.UTF-8"}) {
+    const ScopedLocale locale(name);
+    EXPECT_TRUE(ReadBack<TypeParam>(JsonText(record)) == record) << name;
+  }
+}
+
+TYPED_TEST(LenientRecordTest, NumbersSurviveALocaleThatGroupsDigits) {
+  const auto record = Filled<TypeParam>();
+  const CommaLocale comma;
+  EXPECT_TRUE(ReadBack<TypeParam>(JsonText(record)) == record);
+}
+
+TEST(RecordsTest, IdentityIsWhatTheDeletedFormKeeps) {
+  EXPECT_EQ(IdentityOf<ProcessorInfo>(), "index");
+  EXPECT_EQ(IdentityOf<PhysicalDiskInfo>(), "pnpDeviceId");
+  EXPECT_EQ(IdentityOf<NetworkAdapterInfo>(), "name");
+  EXPECT_EQ(IdentityOf<SmbMemoryDeviceInfo>(), "name");
+  EXPECT_EQ(IdentityOf<SmbPortConnectorInfo>(), "erd name");
+  EXPECT_EQ(IdentityOf<SoftwareRegisteredInfo>(), "name productCode softwareKey");
+}
+
+TEST(RecordsTest, KeysThatTheServerReadsAreThere) {
+  const auto software = ParseJson(JsonText(Filled<SoftwareRegisteredInfo>()));
+  for (const char* key : {"name", "version", "productCode", "softwareKey"}) {
+    EXPECT_EQ(software.count(key), 1u) << key;
+  }
+  const auto processor = ParseJson(JsonText(Filled<ProcessorInfo>()));
+  for (const char* key : {"index", "manufacturer", "model"}) {
+    EXPECT_EQ(processor.count(key), 1u) << key;
+  }
+}
+
+TEST(RecordsTest, AVolumeAsATreeIsTheSameVolume) {
+  LogicalDiskInfo volume = Filled<LogicalDiskInfo>();
+  volume.sizeBytes = 18446744073709551615u;
+  const CommaLocale comma;
+  const boost::property_tree::ptree tree = volume;
+  EXPECT_EQ(tree.get<std::string>("sizeBytes"), "18446744073709551615");
+  EXPECT_TRUE(LogicalDiskInfo(tree) == volume);
+}
+
+TEST(RecordsTest, ASizeAboveTheSignedRangeIsWrittenNegativeAndReadsBackRight) {
+  LogicalDiskInfo volume;
+  volume.sizeBytes = 18446744073709551615u;
+  EXPECT_NE(JsonText(volume).find("\"sizeBytes\":-1"), std::string::npos);
+  EXPECT_EQ(ReadBack<LogicalDiskInfo>(JsonText(volume)).sizeBytes, volume.sizeBytes);
+}
+
+TEST(RecordsTest, AMissingInstallDateIsNullAndStaysMissing) {
+  const OperatingSystemInfo system;
+  EXPECT_NE(JsonText(system).find("\"installDate\":null"), std::string::npos);
+  EXPECT_FALSE(ReadBack<OperatingSystemInfo>(JsonText(system)).installDate);
+}
+
+TEST(RecordsTest, DatesAreMillisecondsInTheDocumentAndCutToSecondsInMemory) {
+  SoftwareRegisteredInfo software;
+  software.installDate = 1577836800;
+  EXPECT_NE(JsonText(software).find("\"installDate\":1577836800000"), std::string::npos);
+  EXPECT_EQ(ReadBack<SoftwareRegisteredInfo>("{\"installDate\":1577836800999}").installDate,
+            1577836800);
+}
+
+TEST(RecordsTest, AValueThatDoesNotConvertTakesTheDefault) {
+  const auto port = ReadBack<SmbPortConnectorInfo>("{\"typeCode\":300,\"name\":\"J1\"}");
+  EXPECT_EQ(port.typeCode, 0);
+  EXPECT_EQ(port.name, "J1");
+  EXPECT_EQ(ReadBack<SmbPortConnectorInfo>("{\"typeCode\":255}").typeCode, 255);
+}
+
+}  // namespace tests

@@ -1,0 +1,149 @@
+#include "platform/ChildProcess.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <stdexcept>
+#include <string>
+
+#include "platform/Accounts.h"
+#include "platform/FileDescriptor.h"
+
+namespace {
+
+using namespace Norvik::Platform;
+
+struct Printed {
+  ChildResult result;
+  std::string output;
+  std::string errors;
+};
+
+Printed RunShell(const std::string& script, const ChildAccount* account = nullptr) {
+  Printed printed;
+  ChildCommand command;
+  command.words = {"/bin/sh", "-c", script};
+  command.account = account;
+  command.onOutput = [&](std::string_view piece) { printed.output += piece; };
+  command.onErrors = [&](std::string_view piece) { printed.errors += piece; };
+  printed.result = RunChild(command);
+  return printed;
+}
+
+ChildAccount OwnAccount() { return {::geteuid(), ::getegid(), "nobody-special", "/", "/bin/sh"}; }
+
+/// Both ways to start a child, with which all of this has to hold.
+class ChildProcess : public testing::TestWithParam<bool> {
+ protected:
+  Printed Run(const std::string& script) const {
+    const ChildAccount own = OwnAccount();
+    return RunShell(script, GetParam() ? &own : nullptr);
+  }
+};
+
+TEST_P(ChildProcess, KeepsTheChannelsApartAndTellsTheExitCode) {
+  const Printed printed = Run("echo out; echo err >&2; exit 7");
+  EXPECT_TRUE(printed.result.started);
+  EXPECT_EQ(printed.output, "out\n");
+  EXPECT_EQ(printed.errors, "err\n");
+  EXPECT_EQ(printed.result.exitCode, 7);
+}
+
+TEST_P(ChildProcess, TellsTheSignalThatEndedTheChild) {
+  EXPECT_EQ(Run("kill -KILL $$").result.exitCode, 128 + SIGKILL);
+}
+
+TEST_P(ChildProcess, TakesAMebibyteOfEitherChannelWithoutBlocking) {
+  const Printed printed = Run(
+      "head -c 1048576 /dev/zero >&2; head -c 1048576 /dev/zero; head -c 1048576 /dev/zero >&2");
+  EXPECT_EQ(printed.output.size(), 1048576u);
+  EXPECT_EQ(printed.errors.size(), 2 * 1048576u);
+}
+
+TEST_P(ChildProcess, GivesTheChildAnEmptyInput) { EXPECT_EQ(Run("cat; echo $?").output, "0\n"); }
+
+TEST_P(ChildProcess, GivesTheChildNoneOfTheOtherDescriptors) {
+  const FileDescriptor low(::open("/dev/null", O_RDONLY));
+  const FileDescriptor high(::fcntl(low.Get(), F_DUPFD, 200));
+  ASSERT_EQ(high.Get(), 200);
+  const std::string test = "for n in $(seq 3 250); do [ -e /dev/fd/$n ] && echo $n; done; true";
+  // The shell itself may hold one above 9 for its own use; ours are below 10 or 200 and above.
+  for (const auto* leaked : {"3\n", "4\n", "5\n", "6\n", "7\n", "200\n"}) {
+    EXPECT_EQ(("\n" + Run(test).output).find("\n" + std::string(leaked)), std::string::npos)
+        << leaked;
+  }
+}
+
+TEST_P(ChildProcess, RestoresTheSignalsOfTheChild) {
+  const auto former = ::signal(SIGPIPE, SIG_IGN);
+  const Printed printed = Run("kill -PIPE $$; echo alive");
+  ::signal(SIGPIPE, former);
+  EXPECT_EQ(printed.output, "");
+  EXPECT_EQ(printed.result.exitCode, 128 + SIGPIPE);
+}
+
+TEST_P(ChildProcess, LeavesNoZombieWhenASinkRaises) {
+  const ChildAccount own = OwnAccount();
+  ChildCommand command;
+  command.words = {"/bin/echo", "text"};
+  command.account = GetParam() ? &own : nullptr;
+  command.onOutput = [](std::string_view) { throw std::runtime_error("full"); };
+  EXPECT_THROW(RunChild(command), std::runtime_error);
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_P(ChildProcess, TellsWhyAProgramDoesNotStart) {
+  const ChildAccount own = OwnAccount();
+  struct Case {
+    std::vector<std::string> words;
+    int error;
+  };
+  const Case cases[] = {{{"/no/such/program"}, ENOENT},
+                        {{"no-such-program-in-the-path"}, ENOENT},
+                        {{"/etc/passwd"}, EACCES},
+                        {{}, EINVAL},
+                        {{""}, EINVAL},
+                        {{"/bin/echo", std::string("a\0b", 3)}, EINVAL}};
+  for (const auto& [words, error] : cases) {
+    ChildCommand command;
+    command.words = words;
+    command.account = GetParam() ? &own : nullptr;
+    const ChildResult result = RunChild(command);
+    EXPECT_FALSE(result.started) << (words.empty() ? "" : words[0]);
+    EXPECT_EQ(result.problem, std::generic_category().message(error));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothWays, ChildProcess, testing::Bool(), [](const auto& way) {
+  return way.param ? "ForAnAccount" : "ForThisProcess";
+});
+
+TEST(ChildOfAnAccount, RunsInTheHomeWithASmallEnvironment) {
+  ::setenv("NORVIK_TEST_SECRET", "secret", 1);
+  ChildAccount account = OwnAccount();
+  account.home = "/usr";
+  const Printed printed = RunShell("pwd; echo $HOME $USER; echo [$NORVIK_TEST_SECRET]", &account);
+  ::unsetenv("NORVIK_TEST_SECRET");
+  EXPECT_EQ(printed.output, "/usr\n/usr nobody-special\n[]\n");
+}
+
+TEST(ChildOfAnAccount, IsThatUserOrDoesNotRun) {
+  const auto nobody = AccountOf("nobody");
+  ASSERT_TRUE(nobody);
+  const Printed printed = RunShell("id -u; id -G", &*nobody);
+  if (::geteuid() == 0) {
+    EXPECT_EQ(printed.output.substr(0, printed.output.find('\n')), std::to_string(nobody->user));
+    EXPECT_EQ(printed.output.find("\n0 "), std::string::npos);
+  } else {
+    EXPECT_FALSE(printed.result.started);
+  }
+}
+
+TEST(Accounts, KnowsNoUserOfAnUnknownName) { EXPECT_FALSE(AccountOf("no-such-user-here")); }
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include "support/FakeHost.h"
+
+#include <algorithm>
+#include <boost/filesystem/fstream.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <boost/property_tree/json_parser.hpp>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+#include "common/action/ActionCodes.h"
+#include "common/files/FileSealer.h"
+#include "common/files/Paths.h"
+#include "platform/MachinePath.h"
+
+namespace Norvik::Tests {
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+unsigned int CodeOf(const Common::ModuleAction& action) {
+  for (const auto& name : Common::ACTION_NAMES) {
+    if (action.name == name.name) return name.code;
+  }
+  return 0;
+}
+
+std::string TextOf(const FakeActionSystem::Started& started) {
+  std::string text = started.what + " " + std::to_string(started.code);
+  if (started.what == "once") return text + " +" + std::to_string(started.delay.count());
+  if (started.what == "create" || started.what == "replace") {
+    text += " every " + std::to_string(started.timing.period.count());
+  }
+  return text;
+}
+
+}  // namespace
+
+void FakeActionSystem::Record(Started started) { started_.push_back(std::move(started)); }
+
+void FakeActionSystem::AddSchedule(const Common::Schedule& schedule) {
+  Record({"schedule", schedule.code, {}, {}, {}});
+}
+
+Common::ActionResponse FakeActionSystem::RunAction(Common::ModuleAction action) {
+  Record({"run", CodeOf(action), action, {}, {}});
+  return action.handler(action.parameters);
+}
+
+void FakeActionSystem::QueueAction(Common::ModuleAction action) {
+  Record({"queue", CodeOf(action), action, {}, {}});
+  waiting_.push_back(std::move(action));
+}
+
+void FakeActionSystem::RunOneShot(unsigned int code, Common::ModuleAction action,
+                                  std::chrono::seconds delay) {
+  Record({"once", code, action, delay, {}});
+  if (delay.count() == 0) waiting_.push_back(std::move(action));
+}
+
+void FakeActionSystem::CreatePeriodic(unsigned int code, Common::ModuleAction action,
+                                      Common::AgentData& /*data*/,
+                                      const Common::ActionTiming& timing) {
+  Record({"create", code, std::move(action), {}, timing});
+}
+
+void FakeActionSystem::ReplacePeriodic(unsigned int code, Common::ModuleAction action,
+                                       Common::AgentData& /*data*/,
+                                       const Common::ActionTiming& timing) {
+  Record({"replace", code, std::move(action), {}, timing});
+}
+
+std::vector<std::string> FakeActionSystem::Texts() const {
+  std::vector<std::string> texts;
+  std::transform(started_.begin(), started_.end(), std::back_inserter(texts), TextOf);
+  return texts;
+}
+
+const FakeActionSystem::Started& FakeActionSystem::Last(unsigned int code) const {
+  const auto found = std::find_if(started_.rbegin(), started_.rend(),
+                                  [&](const Started& started) { return started.code == code; });
+  if (found == started_.rend()) throw std::logic_error("nothing started " + std::to_string(code));
+  return *found;
+}
+
+bool FakeActionSystem::RunNext() {
+  if (waiting_.empty()) return false;
+  Common::ModuleAction action = std::move(waiting_.front());
+  waiting_.pop_front();
+  action.handler(action.parameters);
+  return true;
+}
+
+bool FakeCommunications::ProcessMessage(const Common::IRestRequest& request,
+                                        Common::IRestResponse& response) {
+  json::JSON body = request;
+  requests.push_back(body.strUgly());
+  if (answers.empty()) return false;
+  std::istringstream answer(answers.front());
+  answers.pop_front();
+  boost::property_tree::ptree tree;
+  boost::property_tree::read_json(answer, tree);
+  response.Assign(tree);
+  return true;
+}
+
+void FakeCommunications::ReportTaskStatus(const Common::TaskResponseInfo& status) {
+  statuses.push_back(status);
+}
+
+bool FakeCommunications::Send(const Common::IPCMessage& message, unsigned long long session) {
+  sent.emplace_back(session, message);
+  return accepts;
+}
+
+std::vector<std::string> FakeCommunications::TakeStatuses() {
+  std::vector<std::string> texts;
+  for (const auto& status : std::exchange(statuses, {})) {
+    texts.push_back(std::to_string(status.status));
+    if (!status.message.empty()) texts.back() += " " + status.message;
+  }
+  return texts;
+}
+
+Common::FirstInventoryInfo FakeIdentification::GetFirstInventoryInfo() {
+  if (!failure.empty()) throw std::runtime_error(failure);
+  return first;
+}
+
+bool FaultPipeline::Fails(const std::string& step, const std::string& text) {
+  calls.push_back(text);
+  if (beforeStep) beforeStep(step);
+  return step == failingStep || calls.size() == static_cast<std::size_t>(failingCall);
+}
+
+bool FaultPipeline::Compress(const Path& source, const Path& target) {
+  return !Fails("compress", "compress") && next_->Compress(source, target);
+}
+
+bool FaultPipeline::Encrypt(const Path& source, const Path& target) {
+  return !Fails("encrypt", "encrypt") && next_->Encrypt(source, target);
+}
+
+bool FaultPipeline::Copy(const Path& source, const Path& target) {
+  return !Fails("copy", "copy") && next_->Copy(source, target);
+}
+
+bool FaultPipeline::MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) {
+  const std::string kind = !incremental ? "" : *incremental ? " incremental" : " total";
+  return !Fails("move", "move" + kind) && next_->MoveToOutbox(file, incremental);
+}
+
+FakeHost::FakeHost(int processKind)
+    : previousFolder_(Common::Paths(Common::Paths::DATA, false).AppData()),
+      previousPipeline_(Common::GetFilePipeline()) {
+  Common::Paths::SetDataFolder(database.Folder());
+  pipeline = std::make_shared<FaultPipeline>(previousPipeline_);
+  Common::SetFilePipeline(pipeline);
+  dependencies->configuration.kob.emplace();
+  dependencies->processKind = processKind;
+  dependencies->identification = identification;
+  dependencies->actionSystem = actions;
+  dependencies->communications = communications;
+  dependencies->dataBase = database.Get();
+}
+
+FakeHost::~FakeHost() {
+  Platform::SetMachineRoot("");
+  Common::SetFilePipeline(std::move(previousPipeline_));
+  Common::Paths::SetDataFolder(previousFolder_);
+}
+
+std::string FakeHost::DeliveredDocument() const {
+  const auto names = NamesIn(Outbox());
+  if (names.size() != 1) {
+    throw std::runtime_error(std::to_string(names.size()) + " files in the outbox");
+  }
+  const fs::path archive = Folder() / "opened.zip";
+  Common::FileSealer(Folder() / "keys").Open(Outbox() / names.front(), archive);
+  return Common::ReadArchive(archive);
+}
+
+void FakeHost::UseMachine(const fs::path& root) { Platform::SetMachineRoot(root.string()); }
+
+std::string ReadFile(const fs::path& file) {
+  fs::ifstream stream(file, std::ios::binary);
+  if (!stream) throw std::runtime_error("cannot read " + file.string());
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void WriteFile(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
+  fs::ofstream stream(file, std::ios::binary);
+  stream << text;
+  stream.close();
+  if (!stream) throw std::runtime_error("cannot write " + file.string());
+}
+
+std::vector<std::string> NamesIn(const fs::path& folder) {
+  std::vector<std::string> names;
+  if (!fs::exists(folder)) return names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace Norvik::Tests
+
+// A module lets its change checker go without deleting it, on purpose.
+extern "C" __attribute__((used, visibility("default"))) const char* __lsan_default_suppressions() {
+  return "leak:SoftwareChangesChecker\n";
+}

@@ -1,0 +1,169 @@
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/action/IActionSystem.h"
+#include "common/action/ModuleDependencies.h"
+#include "common/files/FilePipeline.h"
+#include "common/identification/IIdentificationSystem.h"
+#include "common/ipc/ICommunicationIPC.h"
+#include "common/rest/ICommunicationSystem.h"
+#include "support/LogCapture.h"
+#include "support/TestDatabase.h"
+
+namespace Norvik::Tests {
+
+/// Records what is started, in order, and runs nothing by itself but `RunAction`.
+class FakeActionSystem final : public Common::IActionSystem {
+ public:
+  struct Started {
+    std::string what;  ///< "run", "queue", "once", "create", "replace" or "schedule"
+    unsigned int code = 0;
+    Common::ModuleAction action;
+    std::chrono::seconds delay{0};  ///< of "once"
+    Common::ActionTiming timing;    ///< of "create" and "replace"
+  };
+
+  /// Codes are told by the name of the action, so give it the actions of a loaded module.
+  void AddSchedule(const Common::Schedule& schedule) override;
+  Common::ActionResponse RunAction(Common::ModuleAction action) override;
+  void QueueAction(Common::ModuleAction action) override;
+  void RunOneShot(unsigned int code, Common::ModuleAction action,
+                  std::chrono::seconds delay) override;
+  void CreatePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
+                      const Common::ActionTiming& timing) override;
+  void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
+                       const Common::ActionTiming& timing) override;
+
+  /// All that was started since the last `Forget`, one text each: "run 32004", "queue 1036",
+  /// "once 1071 +60", "create 1072 every 432000", "replace 1036 every 3600".
+  std::vector<std::string> Texts() const;
+  const std::vector<Started>& All() const { return started_; }
+  /// The last one with the code.
+  const Started& Last(unsigned int code) const;
+  void Forget() { started_.clear(); }
+
+  /// Runs the oldest action that waits to run (queued, or once without delay). False if none waits.
+  bool RunNext();
+  void RunWaiting() {
+    while (RunNext()) {
+    }
+  }
+
+ private:
+  void Record(Started started);
+
+  std::vector<Started> started_;
+  std::deque<Common::ModuleAction> waiting_;
+};
+
+/// The server and the users' processes.
+class FakeCommunications final : public Common::ICommunicationSystem,
+                                 public Common::ICommunicationIPC {
+ public:
+  bool ProcessMessage(const Common::IRestRequest& request,
+                      Common::IRestResponse& response) override;
+  void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
+  void NewFileOnOutbox() override { ++newFiles; }
+  bool Send(const Common::IPCMessage& message, unsigned long long session) override;
+  std::map<unsigned long long, Common::IPCSessionData> GetSessions() override { return sessions; }
+
+  /// Statuses since the last call, in order: "7", "8 reason".
+  std::vector<std::string> TakeStatuses();
+
+  std::map<unsigned long long, Common::IPCSessionData> sessions;
+  bool accepts = true;  ///< answer of `Send`
+  std::vector<std::pair<unsigned long long, Common::IPCMessage>> sent;
+  std::deque<std::string> answers;    ///< bodies of the server's next answers; none: no server
+  std::vector<std::string> requests;  ///< bodies of the requests, as JSON
+  std::vector<Common::TaskResponseInfo> statuses;
+  int newFiles = 0;
+};
+
+class FakeIdentification final : public Common::IIdentificationSystem {
+ public:
+  /// Raises `std::runtime_error` with the text of `failure`, if there is one.
+  Common::FirstInventoryInfo GetFirstInventoryInfo() override;
+  std::weak_ptr<Common::SmBios> GetSmBios() override { return smBios; }
+  std::string GetAgentIdentifier() override { return identifier; }
+  std::string GetToken() override { return token; }
+
+  Common::FirstInventoryInfo first;
+  std::shared_ptr<Common::SmBios> smBios = std::make_shared<Common::SmBios>();
+  std::string identifier = "agent-1";
+  std::string token = "token-1";
+  std::string failure;
+};
+
+/// Passes each step on to the pipeline that it replaces, unless that step is to fail.
+class FaultPipeline final : public Common::IFilePipeline {
+ public:
+  using Path = boost::filesystem::path;
+
+  explicit FaultPipeline(std::shared_ptr<Common::IFilePipeline> next) : next_(std::move(next)) {}
+
+  bool Compress(const Path& source, const Path& target) override;
+  bool Encrypt(const Path& source, const Path& target) override;
+  bool Copy(const Path& source, const Path& target) override;
+  bool MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) override;
+
+  std::string failingStep;  ///< "copy", "compress", "encrypt" or "move"
+  int failingCall = 0;      ///< number of the call, of any step, that fails, from 1
+  std::function<void(const std::string& step)> beforeStep;
+  std::vector<std::string> calls;  ///< steps in order; the move as "move", "move total" or
+                                   ///< "move incremental"
+
+ private:
+  bool Fails(const std::string& step, const std::string& text);
+
+  std::shared_ptr<Common::IFilePipeline> next_;
+};
+
+/// All that a module needs of its host, under control of a test, in a data folder of its own. Puts
+/// itself in the place of the process's data folder, log, file pipeline and database, and brings
+/// back what was there at its end. The module must be gone before.
+class FakeHost {
+ public:
+  explicit FakeHost(int processKind = 0);
+  FakeHost(const FakeHost&) = delete;
+  FakeHost& operator=(const FakeHost&) = delete;
+  ~FakeHost();
+
+  std::weak_ptr<Common::ModuleDependencies> Dependencies() const { return dependencies; }
+  boost::filesystem::path Folder() const { return database.Folder(); }
+  boost::filesystem::path Outbox() const { return Folder() / "outbox"; }
+  boost::filesystem::path Work() const { return Folder() / "work"; }
+  boost::filesystem::path Previous() const { return Folder() / "previous"; }
+  /// The one document of the outbox, decrypted and unpacked. Raises if there is none or it cannot
+  /// be opened.
+  std::string DeliveredDocument() const;
+  /// Puts a recorded machine's files in force, for as long as the host lives.
+  void UseMachine(const boost::filesystem::path& root);
+
+  TestDatabase database;
+  LogCapture log;
+  std::shared_ptr<FakeActionSystem> actions = std::make_shared<FakeActionSystem>();
+  std::shared_ptr<FakeCommunications> communications = std::make_shared<FakeCommunications>();
+  std::shared_ptr<FakeIdentification> identification = std::make_shared<FakeIdentification>();
+  std::shared_ptr<FaultPipeline> pipeline;
+  std::shared_ptr<Common::ModuleDependencies> dependencies =
+      std::make_shared<Common::ModuleDependencies>();
+
+ private:
+  boost::filesystem::path previousFolder_;
+  std::shared_ptr<Common::IFilePipeline> previousPipeline_;
+};
+
+std::string ReadFile(const boost::filesystem::path& file);
+void WriteFile(const boost::filesystem::path& file, const std::string& text);
+/// Names in a folder, sorted; none if it does not exist.
+std::vector<std::string> NamesIn(const boost::filesystem::path& folder);
+
+}  // namespace Norvik::Tests

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/filesystem/path.hpp>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+
+namespace Norvik::Tests {
+
+inline std::string ContentOf(const boost::filesystem::path& path) {
+  std::ifstream file(path.string(), std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteFile(const boost::filesystem::path& path, const std::string& content) {
+  std::ofstream(path.string(), std::ios::binary) << content;
+}
+
+/// Files and links below a folder, as paths relative to it.
+inline std::set<std::string> FilesBelow(const boost::filesystem::path& folder) {
+  std::set<std::string> files;
+  for (const auto& entry : boost::filesystem::recursive_directory_iterator(folder)) {
+    const auto type = entry.symlink_status().type();
+    if (type == boost::filesystem::directory_file) continue;
+    files.insert(boost::filesystem::relative(entry.path().parent_path(), folder).string() + "/" +
+                 entry.path().filename().string());
+  }
+  return files;
+}
+
+}  // namespace Norvik::Tests
