@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <vector>
+
+#include "common/records/SoftwareRegisteredInfo.h"
+
+namespace Norvik::KOB {
+
+/// The module's named values (table "KOB_DATA", every value a decimal text) and the last known
+/// software (table "KOB_REGISTERED_SOFTWARE"). Nothing here raises: a failure is logged as an error
+/// and answered by false or 0, so a getter's 0 is an absent key, a failure or a stored 0.
+/// Safe on any thread; times are kept as whole seconds since the epoch.
+class KOBDataSourceV2 {
+ public:
+  using TimePoint = std::chrono::system_clock::time_point;
+
+  static bool updateLastInventoryChanged(const TimePoint& time);
+  static bool updateInventoryChangedPeriod(const unsigned int& seconds);
+  static bool updateScheduleInventoryID(const unsigned int& id);
+  static bool updateRudCompletoLastInventory(const TimePoint& time);
+  static bool updateDateTimeLastInventory(const TimePoint& time);
+  static bool updateAmountInventoriesExecutedOnDay(unsigned int amount);
+  static bool updateAmountAttemptsExecutedOnTimeSlot(unsigned int amount);
+
+  static unsigned int getDateTimeLastInventory();
+  static unsigned int getAmountInventoriesExecutedOnDay();
+  static unsigned int getAmountAttemptsExecutedOnTimeSlot();
+  static unsigned int getInventoryChangePeriod();
+  static unsigned int getLastInventoryChanged();
+  static unsigned int getLastScheduleInventoryID();
+  static unsigned int getRudCompletoLastInventory();
+
+  /// Writes a 0 for each of the four values of the machine inventory that reads as 0.
+  static void checkKOBDataTable();
+
+  /// Replaces the whole table. Of records that the table takes for the same, the first stays.
+  static bool ReplaceRegistredSoftware(const std::vector<Common::SoftwareRegisteredInfo>& software);
+};
+
+}  // namespace Norvik::KOB

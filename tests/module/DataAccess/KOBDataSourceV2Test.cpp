@@ -1,0 +1,178 @@
+#include "module/DataAccess/KOBDataSourceV2.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "support/LogCapture.h"
+#include "support/TestDatabase.h"
+
+namespace Norvik::KOB {
+namespace {
+
+using Common::V2::DataBaseRows;
+using std::chrono::milliseconds;
+using std::chrono::system_clock;
+using testing::ElementsAre;
+using testing::SizeIs;
+using testing::StartsWith;
+using Store = KOBDataSourceV2;
+using Tests::TestDatabase;
+
+struct Value {
+  const char* key;
+  std::function<bool(unsigned int)> update;
+  std::function<unsigned int()> get;
+  const char* updateFailure;
+  const char* getFailure;
+};
+
+Store::TimePoint At(unsigned int seconds) {
+  return system_clock::from_time_t(seconds) + milliseconds(999);
+}
+
+std::vector<Value> AllValues() {
+  return {
+      {"last_inventory_changed", [](auto v) { return Store::updateLastInventoryChanged(At(v)); },
+       &Store::getLastInventoryChanged,
+       "Unable to Insert last_inventory_changed: ", "Unable to Get last_inventory_changed: "},
+      {"inventory_changed_period", [](auto v) { return Store::updateInventoryChangedPeriod(v); },
+       &Store::getInventoryChangePeriod,
+       "Unable to Insert inventory_changed_period: ", "Unable to Get inventory_changed_period: "},
+      {"scheduled_inventory_id", [](auto v) { return Store::updateScheduleInventoryID(v); },
+       &Store::getLastScheduleInventoryID,
+       "Unable to Insert scheduled_inventory_id: ", "Unable to Get scheduled_inventory_id: "},
+      {"rud_last_inventory", [](auto v) { return Store::updateRudCompletoLastInventory(At(v)); },
+       &Store::getRudCompletoLastInventory,
+       "Unable to Insert rud_last_inventory: ", "Unable to Get rud_last_inventory: "},
+      {"datetime_last_inventory", [](auto v) { return Store::updateDateTimeLastInventory(At(v)); },
+       &Store::getDateTimeLastInventory,
+       "Unable to update DateTimeLastInventory KOB: ", "Unable to get DateTimeLastInventory KOB: "},
+      {"Amount_Inventories_Executed_On_Day",
+       [](auto v) { return Store::updateAmountInventoriesExecutedOnDay(v); },
+       &Store::getAmountInventoriesExecutedOnDay,
+       "Unable to update Amount_Inventories_Executed_On_Day: ",
+       "Unable to get AmountInventoriesExecutedOnDay KOB: "},
+      {"Amount_Attempts_Executed_On_Time_Slot",
+       [](auto v) { return Store::updateAmountAttemptsExecutedOnTimeSlot(v); },
+       &Store::getAmountAttemptsExecutedOnTimeSlot,
+       "Unable to update Amount_Attempts_Executed_On_Time_Slot: ",
+       "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: "},
+  };
+}
+
+DataBaseRows RowsOf(const std::string& key) {
+  return TestDatabase::Run("select value from KOB_DATA where name='{1}'", {key});
+}
+
+TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKey) {
+  const TestDatabase database;
+  for (const auto& value : AllValues()) {
+    SCOPED_TRACE(value.key);
+    EXPECT_EQ(value.get(), 0U);
+    for (const unsigned int number : {1700000000U, 4294967295U, 0U}) {
+      EXPECT_TRUE(value.update(number));
+      EXPECT_EQ(value.get(), number);
+      EXPECT_EQ(RowsOf(value.key), DataBaseRows({{std::to_string(number)}}));
+    }
+  }
+}
+
+TEST(KOBDataSourceV2, CutsTimesTo32BitsButForTheDateOfTheLastInventory) {
+  const TestDatabase database;
+  const Store::TimePoint late = system_clock::from_time_t(4294967296 + 5);
+  Store::updateLastInventoryChanged(late);
+  Store::updateRudCompletoLastInventory(late);
+  Store::updateDateTimeLastInventory(late);
+  EXPECT_EQ(RowsOf("last_inventory_changed"), DataBaseRows({{std::string("5")}}));
+  EXPECT_EQ(RowsOf("rud_last_inventory"), DataBaseRows({{std::string("5")}}));
+  EXPECT_EQ(RowsOf("datetime_last_inventory"), DataBaseRows({{std::string("4294967301")}}));
+  EXPECT_EQ(Store::getDateTimeLastInventory(), 5U);
+}
+
+TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
+  const TestDatabase database;
+  TestDatabase::Run("drop table KOB_DATA");
+  for (const auto& value : AllValues()) {
+    SCOPED_TRACE(value.key);
+    const Tests::LogCapture log;
+    EXPECT_FALSE(value.update(5));
+    EXPECT_EQ(value.get(), 0U);
+    EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith(value.updateFailure + std::string("no such")),
+                                          StartsWith(value.getFailure + std::string("no such"))));
+  }
+}
+
+TEST(KOBDataSourceV2, AnswersFalseWhenTheInsertIsRefused) {
+  const TestDatabase database;
+  TestDatabase::Run(
+      "create trigger Refuse before insert on KOB_DATA begin select raise(abort, 'refused'); end");
+  const Tests::LogCapture log;
+  EXPECT_FALSE(Store::updateAmountInventoriesExecutedOnDay(1));
+  EXPECT_THAT(log.Texts(2), SizeIs(1));
+  TestDatabase::Run("drop trigger Refuse");
+  EXPECT_TRUE(Store::updateAmountInventoriesExecutedOnDay(1));
+}
+
+TEST(KOBDataSourceV2, ReadsAValueThatIsNoNumberAsZeroAndSaysSo) {
+  const TestDatabase database;
+  for (const char* text : {"", "x", "99999999999999999999"}) {
+    TestDatabase::Run("insert or replace into KOB_DATA(name, value) values('{1}', '{2}')",
+                      {std::string("scheduled_inventory_id"), std::string(text)});
+    const Tests::LogCapture log;
+    EXPECT_EQ(Store::getLastScheduleInventoryID(), 0U) << text;
+    EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("Unable to Get scheduled_inventory_id: ")));
+  }
+}
+
+TEST(KOBDataSourceV2, SeedsZerosAndLeavesWhatIsThere) {
+  const TestDatabase database;
+  Store::updateScheduleInventoryID(7);
+  Store::checkKOBDataTable();
+  EXPECT_EQ(TestDatabase::Run("select name, value from KOB_DATA order by id"),
+            DataBaseRows({{std::string("scheduled_inventory_id"), std::string("7")},
+                          {std::string("last_inventory_changed"), std::string("0")},
+                          {std::string("inventory_changed_period"), std::string("0")},
+                          {std::string("rud_last_inventory"), std::string("0")}}));
+}
+
+Common::SoftwareRegisteredInfo Software(const std::string& name, const std::string& version) {
+  Common::SoftwareRegisteredInfo software;
+  software.isPatch = true;
+  software.name = name;
+  software.uninstallCommand = "remove 'it'";
+  software.installDate = 1700000000;
+  software.version = version;
+  software.publisher = "Maker";
+  software.sizeBytes = 5000000000;
+  software.productCode = "{1}";
+  software.source = "store";
+  software.location = "/Applications";
+  return software;
+}
+
+TEST(KOBDataSourceV2, ReplacesTheRegisteredSoftwareAndPassesOverDuplicates) {
+  const TestDatabase database;
+  EXPECT_TRUE(Store::ReplaceRegistredSoftware({Software("Old", "1")}));
+  EXPECT_TRUE(Store::ReplaceRegistredSoftware(
+      {Software("O'Editor", "1"), Software("O'Editor", "2"), Software("O'Editor", "1")}));
+  const auto rows = TestDatabase::Run(
+      "select is_patch, name, uninstall_str, install_date, version, publisher, size, product_id, "
+      "source, location from KOB_REGISTERED_SOFTWARE order by version");
+  ASSERT_THAT(rows, SizeIs(2));
+  EXPECT_EQ(rows[0], Common::V2::DataBaseRow(
+                         {1, std::string("O'Editor"), std::string("remove 'it'"), 1700000000,
+                          std::string("1"), std::string("Maker"), 5000000000LL, std::string("{1}"),
+                          std::string("store"), std::string("/Applications")}));
+}
+
+TEST(KOBDataSourceV2, LogsWhyTheSoftwareCouldNotBeReplaced) {
+  const TestDatabase database;
+  TestDatabase::Run("drop table KOB_REGISTERED_SOFTWARE");
+  const Tests::LogCapture log;
+  EXPECT_FALSE(Store::ReplaceRegistredSoftware({}));
+  EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("Create table error: no such table")));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB
