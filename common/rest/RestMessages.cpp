@@ -21,8 +21,7 @@ constexpr char URL[] = "url";
 /// that cannot be understood must not pass for one that says nothing.
 template <class T>
 T ValueOf(const boost::property_tree::ptree& body, const char* key, const T& missing) {
-  const auto child = body.get_child_optional(key);
-  return child ? child->get_value<T>() : missing;
+  return body.get_child_optional(key) ? body.get<T>(key) : missing;
 }
 
 auto AsTuple(const SurveyResponseInfo& info) { return std::tie(info.available, info.url); }

@@ -1,7 +1,6 @@
 #include "support/FakeHost.h"
 
 #include <algorithm>
-#include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <boost/property_tree/json_parser.hpp>
 #include <iterator>
@@ -16,6 +15,7 @@
 namespace Norvik::Tests {
 
 namespace fs = boost::filesystem;
+using Common::Paths;
 
 namespace {
 
@@ -37,7 +37,10 @@ std::string TextOf(const FakeActionSystem::Started& started) {
 
 }  // namespace
 
-void FakeActionSystem::Record(Started started) { started_.push_back(std::move(started)); }
+void FakeActionSystem::Record(Started started) {
+  started_.push_back(std::move(started));
+  if (const auto hook = std::exchange(onNextStart, nullptr)) hook();
+}
 
 void FakeActionSystem::AddSchedule(const Common::Schedule& schedule) {
   Record({"schedule", schedule.code, {}, {}, {}});
@@ -111,6 +114,7 @@ void FakeCommunications::ReportTaskStatus(const Common::TaskResponseInfo& status
 
 bool FakeCommunications::Send(const Common::IPCMessage& message, unsigned long long session) {
   sent.emplace_back(session, message);
+  if (const auto hook = std::exchange(onNextSend, nullptr)) hook();
   return accepts;
 }
 
@@ -152,9 +156,9 @@ bool FaultPipeline::MoveToOutbox(const Path& file, const boost::optional<bool>& 
 }
 
 FakeHost::FakeHost(int processKind)
-    : previousFolder_(Common::Paths(Common::Paths::DATA, false).AppData()),
+    : previousFolder_(Paths(Paths::DATA, false).AppData()),
       previousPipeline_(Common::GetFilePipeline()) {
-  Common::Paths::SetDataFolder(database.Folder());
+  Paths::SetDataFolder(database.Folder());
   pipeline = std::make_shared<FaultPipeline>(previousPipeline_);
   Common::SetFilePipeline(pipeline);
   dependencies->configuration.kob.emplace();
@@ -168,8 +172,14 @@ FakeHost::FakeHost(int processKind)
 FakeHost::~FakeHost() {
   Platform::SetMachineRoot("");
   Common::SetFilePipeline(std::move(previousPipeline_));
-  Common::Paths::SetDataFolder(previousFolder_);
+  Paths::SetDataFolder(previousFolder_);
 }
+
+fs::path FakeHost::Outbox() const { return Paths(Paths::OUTBOX, true).AppData(); }
+
+fs::path FakeHost::Work() const { return Paths(Paths::WORK, true).AppData(); }
+
+fs::path FakeHost::Previous() const { return Paths(Paths::PREVIOUS_INVENTORY, true).AppData(); }
 
 std::string FakeHost::DeliveredDocument() const {
   const auto names = NamesIn(Outbox());
@@ -182,20 +192,6 @@ std::string FakeHost::DeliveredDocument() const {
 }
 
 void FakeHost::UseMachine(const fs::path& root) { Platform::SetMachineRoot(root.string()); }
-
-std::string ReadFile(const fs::path& file) {
-  fs::ifstream stream(file, std::ios::binary);
-  if (!stream) throw std::runtime_error("cannot read " + file.string());
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void WriteFile(const fs::path& file, const std::string& text) {
-  fs::create_directories(file.parent_path());
-  fs::ofstream stream(file, std::ios::binary);
-  stream << text;
-  stream.close();
-  if (!stream) throw std::runtime_error("cannot write " + file.string());
-}
 
 std::vector<std::string> NamesIn(const fs::path& folder) {
   std::vector<std::string> names;

@@ -57,6 +57,9 @@ class FakeActionSystem final : public Common::IActionSystem {
     }
   }
 
+  /// Called once, when the next action is started.
+  std::function<void()> onNextStart;
+
  private:
   void Record(Started started);
 
@@ -79,7 +82,8 @@ class FakeCommunications final : public Common::ICommunicationSystem,
   std::vector<std::string> TakeStatuses();
 
   std::map<unsigned long long, Common::IPCSessionData> sessions;
-  bool accepts = true;  ///< answer of `Send`
+  bool accepts = true;               ///< answer of `Send`
+  std::function<void()> onNextSend;  ///< called once
   std::vector<std::pair<unsigned long long, Common::IPCMessage>> sent;
   std::deque<std::string> answers;    ///< bodies of the server's next answers; none: no server
   std::vector<std::string> requests;  ///< bodies of the requests, as JSON
@@ -138,9 +142,10 @@ class FakeHost {
 
   std::weak_ptr<Common::ModuleDependencies> Dependencies() const { return dependencies; }
   boost::filesystem::path Folder() const { return database.Folder(); }
-  boost::filesystem::path Outbox() const { return Folder() / "outbox"; }
-  boost::filesystem::path Work() const { return Folder() / "work"; }
-  boost::filesystem::path Previous() const { return Folder() / "previous"; }
+  // Folders of the module's files; made if they are missing.
+  boost::filesystem::path Outbox() const;
+  boost::filesystem::path Work() const;
+  boost::filesystem::path Previous() const;
   /// The one document of the outbox, decrypted and unpacked. Raises if there is none or it cannot
   /// be opened.
   std::string DeliveredDocument() const;
@@ -161,8 +166,6 @@ class FakeHost {
   std::shared_ptr<Common::IFilePipeline> previousPipeline_;
 };
 
-std::string ReadFile(const boost::filesystem::path& file);
-void WriteFile(const boost::filesystem::path& file, const std::string& text);
 /// Names in a folder, sorted; none if it does not exist.
 std::vector<std::string> NamesIn(const boost::filesystem::path& folder);
 

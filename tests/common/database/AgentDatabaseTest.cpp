@@ -1,6 +1,8 @@
 #include "common/database/AgentDatabase.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -185,6 +187,31 @@ TEST(AgentDatabase, TakesNoOtherFailureForDamage) {
   EXPECT_THAT([&] { AgentDatabase database(folder.Path()); },
               ThrowsMessage<std::runtime_error>(HasSubstr("Is a directory")));
   EXPECT_THAT(FilesOf(folder.Path()), ElementsAre(file.string()));
+}
+
+TEST(AgentDatabase, TakesADiskWithoutRoomForNoDamage) {
+  Tests::TestDatabase database;
+  V2::DataBase::SetDataTable("k", 4);
+  database.Close();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit nothing{0, 0};
+    ::setrlimit(RLIMIT_FSIZE, &nothing);
+    try {
+      database.Open();
+    } catch (const CorruptDatabaseError&) {
+      ::_exit(2);
+    } catch (const std::runtime_error&) {
+      ::_exit(0);
+    }
+    ::_exit(1);
+  }
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  database.Open();
+  EXPECT_EQ(V2::DataBase::GetDataTable("k"), 4);
 }
 
 TEST(AgentDatabase, RefusesAnUnknownSchemaAndLeavesItAlone) {

@@ -1,0 +1,168 @@
+#include "module/Actions/InventoryActions.h"
+
+#include <chrono>
+#include <utility>
+
+#include "common/database/DataBase.h"
+#include "common/log/Logger.h"
+#include "common/text/OperatingSystemType.h"
+#include "common/text/Text.h"
+#include "module/ActionCodes.h"
+#include "module/Actions/NetworkDrivesActions.h"
+#include "module/ConfigurationText.h"
+#include "module/KobInventory.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+using Common::TaskResponseInfo;
+using std::chrono::seconds;
+using std::chrono::system_clock;
+
+constexpr char INCREMENTAL_PARAMETER[] = "kobIncremental";
+constexpr char ALREADY_RUNNING[] = "KOB Inventory already running";
+constexpr char NO_FILE_INVENTORY[] = "The file inventory is not part of this build";
+
+}  // namespace
+
+InventoryActions::InventoryActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
+                                   const Common::ActionFactory& factory,
+                                   Common::HandlerMap& handlers)
+    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies) {
+  NORVIK_SCOPE();
+  const std::shared_ptr<Common::ModuleDependencies> locked(dependencies);
+  configuration_ = locked->configuration.kob;
+  communications_ = locked->configuration.communications;
+  profileId_ = locked->configuration.profileId;
+  children_.push_back(std::make_unique<NetworkDrivesActions>(dependencies, factory, handlers));
+  if (processKind == 0) {
+    agentIdentifier_ = std::shared_ptr<Common::IIdentificationSystem>(locked->identification)
+                           ->GetAgentIdentifier();
+  }
+  RegisterHandlers(handlers);
+  Common::ActionParameters none;
+  OnSaveOperatingSystemType(none);
+}
+
+void InventoryActions::RegisterHandlers(Common::HandlerMap& handlers) {
+  const auto serve = [&](ActionCodes code, auto handler) {
+    CreateActionRunner(handlers, code, handler, this);
+  };
+  serve(ACTION_UPDATE_CONFIGURATION, &InventoryActions::OnUpdateConfiguration);
+  serve(ACTION_TOTAL_INVENTORY, &InventoryActions::DoKOBInventoryV2);
+  serve(ACTION_INCREMENTAL_INVENTORY, &InventoryActions::DoKOBIncrementalInventory);
+  serve(ACTION_FILE_INVENTORY, &InventoryActions::OnRUDInventoryV2);
+  serve(ACTION_FILE_INVENTORY_ON_DEMAND, &InventoryActions::OnRUDInventoryOnDemandV2);
+  serve(ACTION_FILE_INVENTORY_INCREMENTAL_ON_DEMAND,
+        &InventoryActions::DoRUDInventoryIncrementalOnDemandV2);
+  serve(ACTION_FILE_INVENTORY_INCREMENTAL, &InventoryActions::DoRUDInventoryIncrementalV2);
+  serve(ACTION_FILE_INVENTORY_INIT, &InventoryActions::RUDInventoryInitV2);
+  serve(ACTION_SAVE_OPERATING_SYSTEM_TYPE, &InventoryActions::OnSaveOperatingSystemType);
+}
+
+Common::ActionResponse InventoryActions::OnUpdateConfiguration(
+    Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const std::string key =
+      std::string("KOB_ACTIONS_LOCAL_") + Common::COMMON_PARAMETER_CONFIGURATION;
+  if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) return {};
+  const std::lock_guard<std::mutex> lock(configurationLock_);
+  const auto agent =
+      parameters.Get<Common::AgentConfigurationInfo>(Common::COMMON_PARAMETER_CONFIGURATION);
+  profileId_ = agent.profileId;
+  if (!agent.kob) {
+    NORVIK_ERROR("missing configuration");
+    return {};
+  }
+  configuration_ = agent.kob;
+  Common::AgentData(dataBase, AGENT_DATA_TABLE).SetString(key, ConfigurationText(*agent.kob));
+  return {};
+}
+
+Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const std::unique_lock<std::mutex> lock(inventoryLock_, std::try_to_lock);
+  if (!lock) {
+    NORVIK_WARNING(ALREADY_RUNNING);
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, ALREADY_RUNNING);
+    return {};
+  }
+  const std::shared_ptr<Common::IIdentificationSystem> identity(identification);
+  if (identity->GetToken().empty()) {
+    NORVIK_INFORMATION("The token is null, kob Inventory not started");
+    // Deliberately a total inventory without the request's parameters, whatever was asked for.
+    RunOneShotAction(ACTION_TOTAL_INVENTORY, SECONDS_TO_RETRY_GET_INVENTORY, nullptr);
+    return {};
+  }
+  KobInventory inventory(dataBase, identification, configuration_.value(), communications_.value(),
+                         profileId_);
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  const bool incremental =
+      parameters.Exist(INCREMENTAL_PARAMETER) && parameters.Get<bool>(INCREMENTAL_PARAMETER);
+  NORVIK_INFORMATION(incremental ? "Generating KOB incremental inventory..."
+                                 : "Generating KOB inventory...");
+  inventory.GenerateInventory(incremental);
+  // Cut to the 32 bits that the table's numbers have.
+  Common::V2::DataBase::SetDataTable(
+      LAST_INVENTORY_KEY, static_cast<int>(system_clock::to_time_t(system_clock::now())));
+  NORVIK_INFORMATION(incremental ? "KOB incremental Inventory finished" : "KOB Inventory finished");
+  RiseNewFileOnOutbox();
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::DoKOBIncrementalInventory(
+    Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  parameters.Set(INCREMENTAL_PARAMETER, true);
+  if (Common::V2::DataBase::GetDataTable(LAST_INVENTORY_KEY) != 0) {
+    DoKOBInventoryV2(parameters);
+  } else {
+    RunOneShotAction(ACTION_TOTAL_INVENTORY, seconds(0), nullptr);
+  }
+  return {};
+}
+
+Common::ActionResponse InventoryActions::OnSaveOperatingSystemType(Common::ActionParameters&) {
+  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  if (data.GetOptionalString(Common::OPERATING_SYSTEM_AGENT_DATA)) return {};
+  const auto first =
+      std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();
+  data.SetString(Common::OPERATING_SYSTEM_AGENT_DATA, Common::ToUtf8(first.operatingSystemType));
+  return {};
+}
+
+Common::ActionResponse InventoryActions::RefuseFileInventory(Common::ActionParameters& parameters) {
+  NORVIK_WARNING(NO_FILE_INVENTORY);
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, NO_FILE_INVENTORY);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::OnRUDInventoryV2(Common::ActionParameters& parameters) {
+  return RefuseFileInventory(parameters);
+}
+
+Common::ActionResponse InventoryActions::OnRUDInventoryOnDemandV2(
+    Common::ActionParameters& parameters) {
+  return RefuseFileInventory(parameters);
+}
+
+Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalOnDemandV2(
+    Common::ActionParameters& parameters) {
+  return RefuseFileInventory(parameters);
+}
+
+Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalV2(
+    Common::ActionParameters& parameters) {
+  return RefuseFileInventory(parameters);
+}
+
+Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParameters&) {
+  // The second half of a request; only the first half answers for a task.
+  NORVIK_WARNING(NO_FILE_INVENTORY);
+  return {};
+}
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <boost/optional.hpp>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "common/action/ActionPerformerBase.h"
+#include "common/ipc/ICommunicationIPC.h"
+
+namespace Norvik::KOB {
+
+/// Actions that are neither inventories nor remote administration: messages to users, reactions to
+/// changes, pending tasks, the regular total inventory. Each runs once at a time; a second call
+/// gives up at once.
+class KOBActions final : public Common::ActionPerformerBase {
+ public:
+  KOBActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
+             const Common::ActionFactory& factory, Common::HandlerMap& handlers);
+
+  /// Deliberately without an action code: whether a logon starts an inventory is decided elsewhere.
+  Common::ActionResponse OnLogon(Common::ActionParameters& parameters);
+
+ private:
+  Common::ActionResponse OnHardwareChangesDetected(Common::ActionParameters& parameters);
+  Common::ActionResponse OnSoftwareChangeDetected(Common::ActionParameters& parameters);
+  Common::ActionResponse OnShowMessage(Common::ActionParameters& parameters);
+  Common::ActionResponse KOBGetPendingTasks(Common::ActionParameters& parameters);
+  Common::ActionResponse OnUpdateConfiguration(Common::ActionParameters& parameters);
+  Common::ActionResponse OnScheduleTotalInventory(Common::ActionParameters& parameters);
+
+  void HandleChangeDetection(Common::ActionParameters& parameters, std::mutex& lock,
+                             const std::string& kind);
+  void ReprogramInventory(std::int64_t last, std::int64_t period);
+  void SendMessageToSession(Common::ICommunicationIPC& ipc, unsigned long long session,
+                            const Common::IPCSessionData& data, const std::string& text);
+
+  boost::optional<Common::KobConfigurationInfo> configuration_;
+  boost::optional<Common::CommunicationsInfo> communications_;
+  std::mutex hardwareLock_;
+  std::mutex messageLock_;
+  std::mutex pendingTasksLock_;
+  std::mutex softwareLock_;
+  std::mutex configurationLock_;
+  std::mutex totalInventoryLock_;
+  std::uint32_t profileId_ = 0;
+};
+
+}  // namespace Norvik::KOB

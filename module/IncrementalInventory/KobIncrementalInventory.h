@@ -1,0 +1,56 @@
+#pragma once
+
+#include <algorithm>
+#include <boost/optional.hpp>
+#include <memory>
+
+#include "module/Entities/InventoryKOBInfo.h"
+
+namespace Norvik::KOB {
+
+/// The comparison of two inventories. An object serves one comparison.
+class KobIncrementalInventory {
+ public:
+  /// Neither may be null.
+  KobIncrementalInventory(std::unique_ptr<InventoryKOBInfo> previous,
+                          std::unique_ptr<InventoryKOBInfo> current);
+
+  /// What has changed: an `IncrementalInventoryKOBInfo`, which is null in JSON if nothing has.
+  std::unique_ptr<InventoryKOBInfo> GenerateIncrementalInventoryKOB() const;
+
+  /// Compares two lists or vectors of records and adds what it finds at the end of the first three:
+  /// present records without a previous one of their key, previous ones without a present one, and
+  /// present ones that differ from the first previous one of their key. Created and updated records
+  /// keep the present order, deleted ones the previous.
+  ///
+  /// Deliberately a plain scan: the server relies on that order, and on the first record of a key
+  /// standing for all of them, even where a later one is equal.
+  template <class L, class D>
+  static void GetItems(L& created, D& deleted, L& updated, const L& previous, const L& current) {
+    for (const auto& record : previous) {
+      const auto isSame = [&](const auto& other) { return other.HasSameKey(record); };
+      if (std::none_of(current.begin(), current.end(), isSame)) deleted.emplace_back(record);
+    }
+    for (const auto& record : current) {
+      const auto isSame = [&](const auto& other) { return record.HasSameKey(other); };
+      const auto match = std::find_if(previous.begin(), previous.end(), isSame);
+      if (match == previous.end()) {
+        created.push_back(record);
+      } else if (record != *match) {
+        updated.push_back(record);
+      }
+    }
+  }
+
+  /// The present record, if it differs.
+  template <class T>
+  static boost::optional<T> GetUpdatedItems(const T& previous, const T& current) {
+    return boost::make_optional(previous != current, current);
+  }
+
+ private:
+  std::unique_ptr<InventoryKOBInfo> previous_;
+  std::unique_ptr<InventoryKOBInfo> current_;
+};
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,80 @@
+#include "module/Inventory/SystemSection.h"
+
+#include <string.h>
+#include <utmpx.h>
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "common/commands/CommandRunner.h"
+#include "common/identification/HostInfoProvider.h"
+#include "common/text/Text.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+using Common::WxStringFromStdString;
+using std::chrono::system_clock;
+
+constexpr char DOMAIN_COMMAND[] =
+    R"(scutil --dns | grep "search domain\[0\]" | uniq | awk -F' : ' '{print $2}')";
+constexpr char WORK_GROUP_COMMAND[] =
+    "defaults read /Library/Preferences/SystemConfiguration/com.apple.smb.server Workgroup";
+constexpr char DESCRIPTION_COMMAND[] =
+    "defaults read /Library/Preferences/SystemConfiguration/com.apple.smb.server ServerDescription";
+constexpr char PROCESSOR_FEATURES_COMMAND[] = "sysctl machdep.cpu.features";
+
+struct Virtualization {
+  const char* feature;
+  const char* label;
+  const char* keyword;
+};
+constexpr Virtualization VIRTUALIZATIONS[] = {
+    {"VMX", "Virtualization Intel", "vt-x"},
+    {"SVM", "Virtualization AMD", "amd-v"},
+};
+
+wxString OutputOf(const char* command) {
+  return WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
+}
+
+void SetVirtualization(const std::string& features, SystemInfo& result) {
+  result.virtualizationAvailable = false;
+  for (const Virtualization& virtualization : VIRTUALIZATIONS) {
+    if (features.find(virtualization.feature) == std::string::npos) continue;
+    result.virtualizationAvailable = true;
+    result.virtualizationLabel = virtualization.label;
+    result.virtualizationKeyword = virtualization.keyword;
+    return;
+  }
+}
+
+}  // namespace
+
+void SystemSection::GetInfo(SystemInfo& result) {
+  result.hostName = WxStringFromStdString(Common::HostInfoProvider::GetHostName());
+  result.collectionTime = system_clock::to_time_t(system_clock::now());
+  result.domain = OutputOf(DOMAIN_COMMAND);
+  result.workGroup = OutputOf(WORK_GROUP_COMMAND);
+  result.description = OutputOf(DESCRIPTION_COMMAND);
+  SetVirtualization(Common::CommandRunner::ExecCommand(PROCESSOR_FEATURES_COMMAND), result);
+  SetUserName(result);
+}
+
+void SystemSection::SetUserName(SystemInfo& result) {
+  // Deliberately every type of entry, the start of the system among them.
+  long long newest = std::numeric_limits<std::int32_t>::min();
+  while (const utmpx* const entry = ::getutxent()) {
+    if (entry->ut_tv.tv_sec <= newest) continue;
+    newest = entry->ut_tv.tv_sec;
+    // A name that fills its field has no NUL behind it.
+    result.userName = WxStringFromStdString(
+        std::string(entry->ut_user, ::strnlen(entry->ut_user, sizeof(entry->ut_user))));
+  }
+  ::endutxent();
+}
+
+}  // namespace Norvik::KOB

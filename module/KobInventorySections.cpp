@@ -1,0 +1,186 @@
+#include <chrono>
+#include <utility>
+
+#include "common/configuration/AgentVersion.h"
+#include "common/log/Logger.h"
+#include "common/text/CharacterConverter.h"
+#include "common/text/OperatingSystemType.h"
+#include "common/text/Text.h"
+#include "module/DataAccess/DataSource.h"
+#include "module/Inventory/GeoLocationCommon.h"
+#include "module/KobInventory.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+using Common::OperatingSystemType;
+using Common::ToUtf8;
+using Common::WxStringFromStdString;
+
+/// More than most machines have installed; saves the vector its growth.
+constexpr std::size_t EXPECTED_SOFTWARE = 8192;
+
+template <class Section, class Result>
+void Fill(const char* description, const Section& section, Result& result) {
+  NORVIK_DETAIL(description);
+  if (section) section->GetInfo(result);
+}
+
+}  // namespace
+
+KobInventory::KobInventory(std::weak_ptr<Common::IDataBase> dataBase,
+                           std::weak_ptr<Common::IIdentificationSystem> identification,
+                           const Common::KobConfigurationInfo& configuration,
+                           const Common::CommunicationsInfo& communications, unsigned int profileId)
+    : dataBase_(std::move(dataBase)),
+      identification_(std::move(identification)),
+      configuration_(configuration),
+      communications_(communications),
+      profileId_(profileId),
+      sectionFactory_(std::make_unique<SectionFactory>(identification_, dataBase_)) {
+  InitializeMainSections();
+}
+
+void KobInventory::InitializeMainSections() {
+  const SectionFactory& factory = *sectionFactory_;
+  Fill("Retrieving network adapters section", factory.GetNetworkAdaptersSection(),
+       networkAdapters_);
+  Fill("Retrieving setup section", factory.GetSetupSection(), setup_);
+  Fill("Retrieving operating system section", factory.GetOperatingSystemSection(),
+       operatingSystem_);
+  Fill("Retrieving system section", factory.GetSystemSection(), system_);
+  Fill("Retrieving Users Information", factory.GetLocalUsersSection(), localUsers_);
+  Fill("Retrieving memory section", factory.GetMemorySection(), memory_);
+}
+
+template <class Result>
+Result KobInventory::Retrieve(const char* description,
+                              std::unique_ptr<Common::ISection<Result>> (SectionFactory::*section)()
+                                  const) {
+  NORVIK_SCOPE();
+  Result result;
+  Fill(description, (*sectionFactory_.*section)(), result);
+  return result;
+}
+
+KobInventory::InventoryPointer KobInventory::GenerateInventoryKOB() {
+  NORVIK_SCOPE();
+  using From = SectionFactory;
+  auto inventory = std::make_unique<InventoryKOBInfo>();
+  InventoryKOBInfo& it = *inventory;
+  it.cdroms = Retrieve("Retrieving cdrom section", &From::GetCdromSection);
+  it.configuration = GetConfigurationInfo();
+  it.device = GetDeviceInfo();
+  it.hardware = Retrieve("Retrieving hardware section", &From::GetHardwareSection);
+  it.features = GetFeatureInfo();
+  it.location = GetGeoLocationInfo();
+  it.localUsers = GetLocalUsersInfo();
+  it.keyboards = Retrieve("Retrieving keyboard section", &From::GetKeyboardSection);
+  it.monitors = Retrieve("Retrieving monitor section", &From::GetMonitorsSection);
+  it.networkAdapters = networkAdapters_;
+  it.networkDrives = Retrieve("Retrieving network drives section", &From::GetNetworkDrivesSection);
+  it.operatingSystem = operatingSystem_;
+  it.printers = Retrieve("Retrieving printer section", &From::GetPrinterSection);
+  it.startupCommands = Retrieve("Retrieving run command section", &From::GetRunCommandsSection);
+  it.services = Retrieve("Retrieving service section", &From::GetServicesSection);
+  it.sharedResources =
+      Retrieve("Retrieving shared resources section", &From::GetSharedResourcesSection);
+  it.firmware = Retrieve("Retrieving bios section", &From::GetBiosSection);
+  it.systemSlots = Retrieve("Retrieving boardslots section", &From::GetBoardSlotsSection);
+  it.videoCards = Retrieve("Retrieving video section", &From::GetVideoSection);
+  it.software = GetSoftwareRegisteredInfo();
+  it.physicalDisks = Retrieve("Retrieving physical disk section", &From::GetPhysicalDiskSection);
+  it.memorySlots = memory_.devices;
+  it.memory = memory_;
+  it.portConnectors = setup_.portConnectors;
+  it.processors = Retrieve("Retrieving processor section", &From::GetProcessorsSection);
+  it.setup = setup_;
+  return inventory;
+}
+
+ConfigurationInfo KobInventory::GetConfigurationInfo() {
+  NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving configuration section");
+  ConfigurationInfo result;
+  result.agentVersion = WxStringFromStdString(Common::GetAgentVersion());
+  result.profileId = static_cast<int>(profileId_);
+  result.communicationsNumber = static_cast<std::uint16_t>(communications_.port & 0xFFFFU);
+  result.communicationsText = WxStringFromStdString(communications_.address);
+  return result;
+}
+
+const DeviceInfo& KobInventory::GetDeviceInfo() {
+  NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving device section");
+  device_ = DeviceInfo();
+  if (const auto identity = identification_.lock()) device_.guid = identity->GetAgentIdentifier();
+  GetOperatingSystemType();
+  device_.name = ToUtf8(system_.hostName);
+  device_.assetDate = std::chrono::duration_cast<std::chrono::milliseconds>(
+                          std::chrono::system_clock::now().time_since_epoch())
+                          .count();
+  device_.description = ToUtf8(system_.description);
+  device_.domain = ToUtf8(system_.domain);
+  device_.workGroup = ToUtf8(system_.workGroup);
+  device_.userName = ToUtf8(system_.userName);
+  device_.server = ToUtf8(system_.server);
+  device_.type = system_.type;
+
+  const auto functions = CreateIdFunctionsMap();
+  const auto function = functions.find(identifier_.type);
+  if (function != functions.end()) {
+    const std::string found =
+        function->second({setup_, networkAdapters_, system_.hostName, identifier_.identifier});
+    identifier_.identifier =
+        WxStringFromStdString(Common::CharacterConverter::ChangeSpecialCharacter(found));
+  } else {
+    identifier_ = {system_.hostName, IdType::PC};
+  }
+  device_.alias = ToUtf8(identifier_.identifier);
+  return device_;
+}
+
+void KobInventory::GetOperatingSystemType() {
+  using Types = OperatingSystemType::Types;
+  system_.type = 0;
+  for (const Types type :
+       {OperatingSystemType::MACOS, OperatingSystemType::LINUX, OperatingSystemType::WINDOWS}) {
+    const wxString name = WxStringFromStdString(OperatingSystemType::ToString(type));
+    if (!operatingSystem_.family.IsSameAs(name, false)) continue;
+    system_.type = static_cast<unsigned char>(type);
+    return;
+  }
+}
+
+std::vector<FeaturesInfo> KobInventory::GetFeatureInfo() {
+  NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving feature section");
+  // Deliberately nothing: the section is left out on this system.
+  return {};
+}
+
+GeoLocationPoint KobInventory::GetGeoLocationInfo() {
+  NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving Geolocation section");
+  return GeoLocationCommon().GetLocation();
+}
+
+LocalUserInfo KobInventory::GetLocalUsersInfo() {
+  NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving local user section");
+  return localUsers_.size() == 1 ? localUsers_.front() : LocalUserInfo();
+}
+
+std::vector<Common::SoftwareRegisteredInfo> KobInventory::GetSoftwareRegisteredInfo() {
+  NORVIK_SCOPE();
+  // Made for what its making does: it fills in the defaults of the module's store.
+  const KOBDataSource store(dataBase_);
+  std::vector<Common::SoftwareRegisteredInfo> result;
+  result.reserve(EXPECTED_SOFTWARE);
+  Fill("Retrieving software registered section", sectionFactory_->GetSoftwareRegisteredSection(),
+       result);
+  return result;
+}
+
+}  // namespace Norvik::KOB

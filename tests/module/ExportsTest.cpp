@@ -1,0 +1,27 @@
+#include <gmock/gmock.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <sstream>
+
+#include "common/commands/CommandRunner.h"
+
+namespace Norvik::KOB {
+namespace {
+
+TEST(Exports, TheLibraryOffersOneFunction) {
+#ifdef __APPLE__
+  const std::string library = NORVIK_BINARY_DIR "/lib/libNorvikKOB.dylib";
+  const std::string tool = "nm -gU ", expected = "_GetAgentModuleObject";
+#else
+  const std::string library = NORVIK_BINARY_DIR "/lib/libNorvikKOB.so";
+  const std::string tool = "nm -D --defined-only ", expected = "GetAgentModuleObject";
+#endif
+  ASSERT_TRUE(boost::filesystem::exists(library)) << library;
+  std::istringstream lines(Common::CommandRunner::ExecCommand(tool + "'" + library + "'"));
+  std::vector<std::string> names;
+  for (std::string address, kind, name; lines >> address >> kind >> name;) names.push_back(name);
+  EXPECT_THAT(names, testing::ElementsAre(expected));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB

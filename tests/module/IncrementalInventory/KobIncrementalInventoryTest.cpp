@@ -1,0 +1,273 @@
+#include "module/IncrementalInventory/KobIncrementalInventory.h"
+
+#include <gmock/gmock.h>
+
+#include <boost/property_tree/ptree.hpp>
+#include <sstream>
+
+#include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
+#include "support/LogCapture.h"
+#include "support/RecordSuite.h"
+
+namespace Norvik::KOB {
+namespace {
+
+using namespace tests;
+using testing::ElementsAre;
+using MemorySlots = std::list<Common::SmbMemoryDeviceInfo>;
+
+/// Features from words such as "a1": version "a", name "1".
+template <class Features>
+Features FeaturesOf(const std::string& words) {
+  Features features;
+  std::istringstream stream(words);
+  for (std::string word; stream >> word;) {
+    auto& feature = features.emplace_back();
+    feature.version = word.substr(0, 1);
+    feature.name = word.substr(1);
+  }
+  return features;
+}
+
+template <class Features>
+std::string WordsOf(const Features& features) {
+  std::string words;
+  for (const auto& feature : features) {
+    words += (words.empty() ? "" : " ") + feature.version + feature.name;
+  }
+  return words;
+}
+
+template <class Deleted>
+std::string KeysOfGone(const Deleted& deleted) {
+  std::string words;
+  for (const auto& it : deleted) {
+    words +=
+        (words.empty() ? "" : " ") + ParseJson(JsonText(it)).template get<std::string>("version");
+  }
+  return words;
+}
+
+struct ListRow {
+  const char* name;
+  const char* previous;
+  const char* current;
+  const char* created;
+  const char* updated;
+  const char* deleted;
+};
+
+const ListRow LIST_ROWS[] = {
+    {"both empty", "", "", "", "", ""},
+    {"nothing changed", "a1 b1 c1", "a1 b1 c1", "", "", ""},
+    {"another order", "a1 b1 c1", "c1 a1 b1", "", "", ""},
+    {"none before", "", "c1 a1 b1", "c1 a1 b1", "", ""},
+    {"none any more", "c1 a1 b1", "", "", "", "c a b"},
+    {"a change is told whole, in the present order", "a1 b1 c1", "c2 b1 a2", "", "c2 a2", ""},
+    {"another key is another record", "a1 b1", "x1 b1", "x1", "", "a"},
+    {"all at once", "a1 b1 c1 d1", "n1 d2 b1 m1", "n1 m1", "d2", "a c"},
+    {"of equal keys the second finds the first", "a1 a2", "a1 a2", "", "a2", ""},
+    {"the first decides though a later one is equal", "a2 a1", "a1", "", "a1", ""},
+    {"duplicates before only", "a1 a1 a1", "a1", "", "", ""},
+    {"different duplicates before only", "a1 a2", "a1", "", "", ""},
+    {"duplicates now only", "a1", "a1 a1 a2 a2", "", "a2 a2", ""},
+    {"created duplicates", "", "a1 a1", "a1 a1", "", ""},
+    {"deleted duplicates", "a1 a2", "", "", "", "a a"},
+};
+
+template <template <class...> class Container>
+void CheckListRows() {
+  using Features = Container<FeaturesInfo>;
+  for (const auto& row : LIST_ROWS) {
+    Features created, updated;
+    Container<FeaturesDeletedInfo> deleted;
+    auto previous = FeaturesOf<Features>(row.previous);
+    auto current = FeaturesOf<Features>(row.current);
+    KobIncrementalInventory::GetItems(created, deleted, updated, previous, current);
+    EXPECT_EQ(WordsOf(created), row.created) << row.name;
+    EXPECT_EQ(WordsOf(updated), row.updated) << row.name;
+    EXPECT_EQ(KeysOfGone(deleted), row.deleted) << row.name;
+    EXPECT_EQ(WordsOf(previous), row.previous) << row.name;
+    EXPECT_EQ(WordsOf(current), row.current) << row.name;
+  }
+}
+
+TEST(GetItemsTest, ListsAreComparedByTheFirstRecordOfAKey) { CheckListRows<std::list>(); }
+TEST(GetItemsTest, VectorsAreComparedByTheFirstRecordOfAKey) { CheckListRows<std::vector>(); }
+
+GeoLocationPoint PointAt(double latitude) {
+  GeoLocationPoint point;
+  point.latitude = latitude;
+  return point;
+}
+
+TEST(GetUpdatedItemsTest, ASingleRecordIsUpdatedIfItDiffers) {
+  const struct {
+    double previous;
+    double current;
+    bool updated;
+  } rows[] = {{0, 0, false},    {41.25, 41.25, false},   {41.25, 41.250009, false},
+              {0, 1e-5, true},  {41.25, 41.2499, true},  {41.25, 0, true},
+              {0, 41.25, true}, {41.25, 41.250011, true}};
+  for (const auto& row : rows) {
+    const auto updated =
+        KobIncrementalInventory::GetUpdatedItems(PointAt(row.previous), PointAt(row.current));
+    ASSERT_EQ(updated.has_value(), row.updated) << row.previous << " " << row.current;
+    if (updated) EXPECT_EQ(updated->latitude, row.current);
+  }
+}
+
+class KobIncrementalInventoryTest : public testing::Test {
+ protected:
+  const std::unique_ptr<InventoryKOBInfo>& Compare() {
+    result = KobIncrementalInventory(std::make_unique<InventoryKOBInfo>(previous),
+                                     std::make_unique<InventoryKOBInfo>(current))
+                 .GenerateIncrementalInventoryKOB();
+    return result;
+  }
+  std::string Document() { return JsonText(*Compare()); }
+  /// The document of changes that are told in these words.
+  std::string DocumentOf(const std::string& created, const std::string& deleted,
+                         const std::string& updated) {
+    return R"({"create":)" + created + R"(,"delete":)" + deleted + R"(,"device":)" +
+           JsonText(current.device) + R"(,"update":)" + updated + "}";
+  }
+  const IncrementalInventoryKOBInfo& Changes() {
+    return dynamic_cast<const IncrementalInventoryKOBInfo&>(*Compare());
+  }
+  template <class Section, class Value>
+  void Set(const Section& section, const Value& before, const Value& now) {
+    section.In(previous) = before;
+    section.In(current) = now;
+  }
+
+  const ScopedLocale utf8_{"C.UTF-8"};
+  InventoryKOBInfo previous;
+  InventoryKOBInfo current;
+  std::unique_ptr<InventoryKOBInfo> result;  ///< of the last comparison; owned by its base
+};
+
+InventoryKOBInfo FilledInventory() {
+  InventoryKOBInfo inventory;
+  Filler filler;
+  ForEachSection([&](const auto& section) { filler.Fill(section.In(inventory)); });
+  return inventory;
+}
+
+template <class T>
+T Numbered(int number) {
+  T record;
+  Filler(number * 100).FillRecord(record);
+  return record;
+}
+
+/// The record with a change in the last field that does not identify it.
+template <class T>
+T ChangedOutsideKey(const T& record) {
+  T result = record;
+  const auto change = [&](const auto& field) {
+    T changed = record;
+    Filler(9000).FillField(field, changed);
+    if (changed.HasSameKey(record)) result = changed;
+  };
+  std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
+  return result;
+}
+
+/// An object with a list under a key.
+template <class... T>
+std::string ObjectOf(const std::string& key, const T&... records) {
+  std::string text;
+  ((text += (text.empty() ? "" : ",") + JsonText(records)), ...);
+  return "{\"" + key + "\":[" + text + "]}";
+}
+
+TEST_F(KobIncrementalInventoryTest, EachListTellsWhatWasCreatedUpdatedAndDeleted) {
+  ForEachSection([&](const auto& section) {
+    using Section = std::decay_t<decltype(section)>;
+    if constexpr (Section::isList) {
+      using Record = typename Section::Value::value_type;
+      using Deleted = DeletedRecordOf<Record>;
+      std::vector<Record> r;
+      for (int number = 0; number < 6; ++number) r.push_back(Numbered<Record>(number));
+      const Record changed = ChangedOutsideKey(r[2]);
+      previous = current = InventoryKOBInfo();
+      Set(section, typename Section::Value{r[0], r[1], r[2], r[3]},
+          typename Section::Value{r[5], changed, r[1], r[4]});
+      const std::string updated = ObjectOf(section.key, changed);
+      if constexpr (Section::kind == SectionKind::ListOfUpdates) {
+        EXPECT_EQ(Document(), DocumentOf("null", "null", updated));
+      } else {
+        EXPECT_EQ(Document(),
+                  DocumentOf(ObjectOf(section.key, r[5], r[4]),
+                             ObjectOf(section.key, Deleted(r[0]), Deleted(r[3])), updated));
+      }
+    }
+  });
+}
+
+TEST_F(KobIncrementalInventoryTest, EachFieldOfASingleRecordIsAnUpdateOfTheWholeRecord) {
+  ForEachSection([&](const auto& section) {
+    using Section = std::decay_t<decltype(section)>;
+    using Value = typename Section::Value;
+    if constexpr (!Section::isList && Section::kind != SectionKind::Device) {
+      previous = current = FilledInventory();
+      ForEachChange<Value>([&](const std::string& key, const Value& changed) {
+        Set(section, Filled<Value>(), changed);
+        EXPECT_EQ(Document(),
+                  DocumentOf("null", "null",
+                             "{\"" + std::string(section.key) + "\":" + JsonText(changed) + "}"))
+            << section.key << " " << key;
+      });
+    }
+  });
+}
+
+TEST_F(KobIncrementalInventoryTest, EqualInventoriesGiveNullThoughTheDeviceIsCopied) {
+  previous = current = FilledInventory();
+  current.device.name = "mac-08";
+  EXPECT_TRUE(json::JSON(*Compare()).IsNull());
+  EXPECT_EQ(result->device.name, "mac-08");
+}
+
+TEST_F(KobIncrementalInventoryTest, AnInventoryDoesNotDifferFromItsStoredDocument) {
+  current = FilledInventory();
+  previous = ReadBack<InventoryKOBInfo>(JsonText(current));
+  EXPECT_EQ(Document(), "null");
+}
+
+TEST_F(KobIncrementalInventoryTest, ARemovedMemoryModuleIsKeptButNotTold) {
+  previous.memorySlots.resize(1);
+  EXPECT_EQ(Document(), "null");
+  EXPECT_EQ(Changes().Deleted<MemorySlots>().size(), 1u);
+}
+
+TEST_F(KobIncrementalInventoryTest, AnAddedMemoryModuleIsKeptButNotTold) {
+  current.memorySlots.resize(1);
+  EXPECT_EQ(Document(), "null");
+  EXPECT_EQ(Changes().memorySlots.size(), 1u);
+}
+
+TEST_F(KobIncrementalInventoryTest, ALocationThatIsLostIsAnUpdateToZeros) {
+  previous.location = PointAt(41.25);
+  EXPECT_EQ(Document(),
+            DocumentOf("null", "null",
+                       R"({"location":{"acceleration":0,"height":0,"latitude":0,"longitude":0}})"));
+}
+
+TEST_F(KobIncrementalInventoryTest, TwoMonitorsOfAModelAreAnUpdateEvenIfNothingChanged) {
+  MonitorInfo first, second;
+  first.model = second.model = "M27";
+  second.serial = "2";
+  previous.monitors = current.monitors = {first, second};
+  EXPECT_EQ(Document(), DocumentOf("null", "null", ObjectOf("displays", second)));
+}
+
+TEST_F(KobIncrementalInventoryTest, TheComparisonIsTraced) {
+  const Tests::LogCapture log;
+  Compare();
+  EXPECT_THAT(log.Texts(7), ElementsAre(">>", "<<"));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB

@@ -1,0 +1,135 @@
+#include "module/Inventory/SystemSection.h"
+
+#include <gmock/gmock.h>
+#include <stdlib.h>
+#include <utmpx.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <cstring>
+
+#include "common/identification/HostInfoProvider.h"
+#include "common/text/Text.h"
+#include "support/FakeHost.h"
+#include "support/Files.h"
+
+namespace Norvik::KOB {
+namespace {
+
+namespace fs = boost::filesystem;
+using namespace Tests;
+
+/// A folder of programs that comes first in PATH.
+class Programs {
+ public:
+  Programs() : path_(::getenv("PATH")) {
+    ::setenv("PATH", (folder_.Path().string() + ":" + path_).c_str(), 1);
+  }
+  ~Programs() { ::setenv("PATH", path_.c_str(), 1); }
+  Programs(const Programs&) = delete;
+  Programs& operator=(const Programs&) = delete;
+
+  void Add(const std::string& name, const std::string& script) {
+    WriteFile(folder_ / name, "#!/bin/sh\n" + script);
+    fs::permissions(folder_ / name, fs::owner_all);
+  }
+
+ private:
+  TemporaryFolder folder_;
+  std::string path_;
+};
+
+class SystemSectionTest : public testing::Test {
+ protected:
+  SystemInfo Collect() {
+    SystemInfo info;
+    SystemSection().GetInfo(info);
+    return info;
+  }
+
+  FakeHost host;
+  Programs programs;
+};
+
+TEST_F(SystemSectionTest, TakesWhatTheToolsPrintAsItComes) {
+  programs.Add("scutil",
+               "[ \"$*\" = --dns ] && printf 'search domain[0] : acme.test\\n"
+               "search domain[0] : acme.test\\n  search domain[1] : other\\n'");
+  programs.Add("defaults",
+               "[ \"$2\" = /Library/Preferences/SystemConfiguration/com.apple.smb.server ] && "
+               "echo \"the $3\"");
+  const auto before = std::time(nullptr);
+  const SystemInfo info = Collect();
+  EXPECT_EQ(info.hostName, Common::WxStringFromStdString(Common::HostInfoProvider::GetHostName()));
+  EXPECT_GE(info.collectionTime, before);
+  EXPECT_LE(info.collectionTime, std::time(nullptr));
+  EXPECT_EQ(info.domain, "acme.test\n");
+  EXPECT_EQ(info.workGroup, "the Workgroup\n");
+  EXPECT_EQ(info.description, "the ServerDescription\n");
+}
+
+TEST_F(SystemSectionTest, AToolThatFailsLeavesItsFieldEmpty) {
+  for (const char* tool : {"scutil", "defaults", "sysctl"}) programs.Add(tool, "exit 1");
+  const SystemInfo info = Collect();
+  EXPECT_EQ(info.domain, "");
+  EXPECT_EQ(info.workGroup, "");
+  EXPECT_EQ(info.description, "");
+  EXPECT_FALSE(info.virtualizationAvailable);
+  EXPECT_EQ(info.server, "");
+}
+
+TEST_F(SystemSectionTest, VirtualizationIsReadFromTheProcessorsFeatures) {
+  struct Row {
+    const char* features;
+    bool available;
+    const char* label;
+    const char* keyword;
+  };
+  const Row rows[] = {{"FPU VMX SSE", true, "Virtualization Intel", "vt-x"},
+                      {"FPU SVM", true, "Virtualization AMD", "amd-v"},
+                      {"SVM VMX", true, "Virtualization Intel", "vt-x"},
+                      {"FPU vmx", false, "", ""}};
+  for (const Row& row : rows) {
+    programs.Add("sysctl", std::string("[ \"$*\" = machdep.cpu.features ] && ") +
+                               "echo machdep.cpu.features: " + row.features);
+    const SystemInfo info = Collect();
+    EXPECT_EQ(info.virtualizationAvailable, row.available) << row.features;
+    EXPECT_EQ(info.virtualizationLabel, row.label) << row.features;
+    EXPECT_EQ(info.virtualizationKeyword, row.keyword) << row.features;
+  }
+}
+
+#ifdef __linux__  // Elsewhere the system's own records cannot be replaced.
+TEST_F(SystemSectionTest, TheNewestEntryOfAnyTypeNamesTheUser) {
+  const auto entry = [](short type, int seconds, const char* user) {
+    utmpx record{};
+    record.ut_type = type;
+    record.ut_tv.tv_sec = seconds;
+    std::strncpy(record.ut_user, user, sizeof(record.ut_user));
+    return record;
+  };
+  const std::string longName(sizeof(utmpx::ut_user), 'x');
+  struct Row {
+    std::vector<utmpx> entries;
+    std::string user;
+  };
+  const Row rows[] = {
+      {{}, ""},
+      {{entry(USER_PROCESS, 100, "anna"), entry(BOOT_TIME, 300, "reboot"),
+        entry(USER_PROCESS, 200, "ben")},
+       "reboot"},
+      {{entry(USER_PROCESS, 100, "first"), entry(USER_PROCESS, 100, "second")}, "first"},
+      {{entry(USER_PROCESS, 100, longName.c_str())}, longName},
+  };
+  const auto file = host.Folder() / "utmpx";
+  for (const Row& row : rows) {
+    WriteFile(file, std::string(reinterpret_cast<const char*>(row.entries.data()),
+                                row.entries.size() * sizeof(utmpx)));
+    ::utmpxname(file.c_str());
+    EXPECT_EQ(Common::ToUtf8(Collect().userName), row.user);
+  }
+  ::utmpxname("/var/run/utmp");
+}
+#endif
+
+}  // namespace
+}  // namespace Norvik::KOB
