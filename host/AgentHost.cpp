@@ -1,0 +1,110 @@
+#include "host/AgentHost.h"
+
+#include <langinfo.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
+#include <clocale>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "common/files/Paths.h"
+#include "common/log/FileLogger.h"
+#include "common/log/Logger.h"
+#include "host/AgentIdentity.h"
+#include "host/ConfigurationFile.h"
+#include "host/Identification.h"
+#include "host/ModuleLoader.h"
+#include "host/TextFile.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+using namespace Common;
+namespace fs = boost::filesystem;
+
+fs::path MakeDataFolder(const fs::path& folder) {
+  Paths::SetDataFolder(folder);
+  try {
+    return Paths(Paths::DATA, true).AppData();
+  } catch (const fs::filesystem_error& error) {
+    throw std::runtime_error("cannot make the data folder " + folder.string() + ": " +
+                             error.code().message());
+  }
+}
+
+std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOptions& options) {
+  auto log = MakeFileLogger(folder / LOG_FOLDER / LOG_FILE, options.logLevel);
+  return std::make_unique<const LoggerScope>(
+      std::make_shared<ListeningLogger>(std::move(log), options.logListener));
+}
+
+AgentConfigurationInfo ReadConfiguration(const AgentOptions& options, const fs::path& folder) {
+  const fs::path stored = folder / CONFIGURATION_FILE;
+  const bool given = !options.configurationFile.empty();
+  if (!given && !fs::exists(stored)) return DefaultConfiguration();
+  if (given) return ReadConfigurationFile(options.configurationFile).configuration;
+  try {
+    return ReadConfigurationFile(stored).configuration;
+  } catch (const UsageError& error) {
+    // The agent wrote this file itself, so it is no wrong use.
+    throw std::runtime_error(error.what());
+  }
+}
+
+}  // namespace
+
+void UseUtf8Characters() {
+  for (const char* name : {"", "C.UTF-8", "en_US.UTF-8", "UTF-8"}) {
+    if (!std::setlocale(LC_CTYPE, name)) continue;
+    if (std::string(::nl_langinfo(CODESET)) == "UTF-8") return;
+  }
+}
+
+AgentHost::AgentHost(const AgentOptions& options) {
+  UseUtf8Characters();
+  const fs::path folder = MakeDataFolder(options.dataFolder);
+  AgentConfigurationInfo configuration = ReadConfiguration(options, folder);
+  if (options.communications) configuration.communications = *options.communications;
+  if (options.exclusive) lock_ = std::make_unique<const DataFolderLock>(folder);
+  logger_ = OpenLog(folder, options);
+  dataBase_ = std::make_shared<AgentDatabase>(folder);
+  identification_ = std::make_shared<Identification>(ReadOrMakeIdentity(folder / IDENTITY_FILE));
+  communications_ = std::make_shared<Communications>();
+  actionSystem_ = std::make_shared<ActionSystem>(AgentData(dataBase_, "DATA"));
+
+  dependencies_ = std::make_shared<ModuleDependencies>();
+  dependencies_->configuration = configuration;
+  dependencies_->identification = identification_;
+  dependencies_->processKind = options.userProcess ? 1 : 0;
+  dependencies_->actionSystem = actionSystem_;
+  dependencies_->communications = communications_;
+  dependencies_->dataBase = dataBase_;
+
+  module_ = LoadModule(options.moduleFile, dependencies_);
+  actionSystem_->SetActionFactory([this](unsigned int code, const ActionParameters& parameters) {
+    return module_->GetAction(code, parameters);
+  });
+}
+
+AgentHost::~AgentHost() {
+  if (actionSystem_) actionSystem_->Stop();
+}
+
+ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& parameters) {
+  ActionResponse response;
+  std::exception_ptr failure;
+  try {
+    response = actionSystem_->RunAction(module_->GetAction(code, parameters));
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % std::to_string(code) % error.what());
+    failure = std::current_exception();
+  }
+  actionSystem_->WaitIdle();
+  if (failure) std::rethrow_exception(failure);
+  return response;
+}
+
+}  // namespace Norvik::Host

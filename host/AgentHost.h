@@ -1,0 +1,66 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <boost/optional.hpp>
+#include <memory>
+
+#include "common/action/IModule.h"
+#include "common/action/ModuleDependencies.h"
+#include "common/database/AgentDatabase.h"
+#include "host/Communications.h"
+#include "host/DataFolder.h"
+#include "host/ListeningLogger.h"
+#include "host/actions/ActionSystem.h"
+
+namespace Norvik::Host {
+
+/// What an agent is made from.
+struct AgentOptions {
+  boost::filesystem::path dataFolder;
+  boost::filesystem::path moduleFile;
+  /// Configuration for this process; empty: the one stored in the data folder, if there is one.
+  boost::filesystem::path configurationFile;
+  /// Takes the place of the configuration's own; empty: no.
+  boost::optional<Common::CommunicationsInfo> communications;
+  int logLevel = 4;
+  bool userProcess = false;
+  /// Refuse to work beside another agent on the same data folder.
+  bool exclusive = true;
+  LogListener logListener;
+};
+
+/// Sets a UTF-8 character type for the process and leaves the rest of its locale alone.
+void UseUtf8Characters();
+
+/// The running agent: every part of the host, put together, and the module loaded into it. Nothing
+/// runs in the module until an action is run. One at a time in a process.
+class AgentHost {
+ public:
+  /// Makes the data folder and what belongs in it. Raises `UsageError` for a configuration that is
+  /// wrong, and another `std::exception` with the reason for any other failure.
+  explicit AgentHost(const AgentOptions& options);
+  AgentHost(const AgentHost&) = delete;
+  AgentHost& operator=(const AgentHost&) = delete;
+  /// Waits for the actions that run; what is delayed or periodic is left for the next start.
+  ~AgentHost();
+
+  Communications& GetCommunications() { return *communications_; }
+  Common::IModule& Module() { return *module_; }
+
+  /// Runs an action on this thread, then waits until everything has ended that it started without
+  /// a delay. What the handler raises comes out after that.
+  Common::ActionResponse Run(unsigned int code, const Common::ActionParameters& parameters);
+
+ private:
+  // In the order in which they need each other; the module goes first and the logger last.
+  std::unique_ptr<const DataFolderLock> lock_;
+  std::unique_ptr<const LoggerScope> logger_;
+  std::shared_ptr<Common::AgentDatabase> dataBase_;
+  std::shared_ptr<Common::IIdentificationSystem> identification_;
+  std::shared_ptr<Communications> communications_;
+  std::shared_ptr<ActionSystem> actionSystem_;
+  std::shared_ptr<Common::ModuleDependencies> dependencies_;
+  std::unique_ptr<Common::IModule> module_;
+};
+
+}  // namespace Norvik::Host

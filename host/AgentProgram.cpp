@@ -1,0 +1,52 @@
+#include "host/AgentProgram.h"
+
+#include <exception>
+#include <map>
+#include <ostream>
+
+#include "host/HostError.h"
+#include "host/TextFile.h"
+#include "host/commands/Commands.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+using Command = int (*)(const CommandLine&, std::ostream&, std::ostream&);
+
+const std::map<std::string, Command>& AllCommands() {
+  static const std::map<std::string, Command> commands = {
+      {"inventory", RunInventory}, {"open", RunOpen},           {"action", RunAction},
+      {"actions", RunActions},     {"configure", RunConfigure}, {"status", RunStatus}};
+  return commands;
+}
+
+int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  if (line.command.empty()) {
+    output << line.help;
+    return EXIT_DONE;
+  }
+  return AllCommands().at(line.command)(line, output, errors);
+}
+
+int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
+  errors << "norvik-agent: " << OnOneLine(error.what()) << std::endl;
+  return code;
+}
+
+}  // namespace
+
+int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
+                    std::ostream& errors) {
+  try {
+    const int code = Run(ParseCommandLine(arguments), output, errors);
+    if (output.flush()) return code;
+    throw std::runtime_error("cannot write the output");
+  } catch (const UsageError& error) {
+    return Fail(error, EXIT_WRONG_USE, errors);
+  } catch (const std::exception& error) {
+    return Fail(error, EXIT_FAILED, errors);
+  }
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Norvik::Host {
+
+/// What an exit code of the program says.
+enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
+
+/// The whole of `norvik-agent`: reads the command line, runs the command and answers its exit code.
+/// A failure is told on one line of `errors`. Never raises. Not for two threads at once: a process
+/// has one agent.
+/// @param arguments the program's name and what follows it
+int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
+                    std::ostream& errors);
+
+}  // namespace Norvik::Host

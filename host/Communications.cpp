@@ -1,0 +1,41 @@
+#include "host/Communications.h"
+
+#include <boost/format.hpp>
+#include <utility>
+
+#include "common/log/Logger.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+
+void Communications::SetStatusListener(StatusListener listener) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  listener_ = std::move(listener);
+}
+
+bool Communications::ProcessMessage(const IRestRequest& /*request*/, IRestResponse& /*response*/) {
+  NORVIK_DETAIL("No server is configured; the message is not sent");
+  return false;
+}
+
+void Communications::ReportTaskStatus(const TaskResponseInfo& status) {
+  NORVIK_DETAIL(boost::format("Task \"%1%\" has the status %2% %3%") % status.taskName %
+                static_cast<unsigned int>(status.status) % status.message);
+  // Inside the lock, so that a listener sees the states in their order.
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (listener_) listener_(status);
+}
+
+void Communications::NewFileOnOutbox() {
+  NORVIK_DETAIL("A new file waits in the outbox; there is no server to send it to");
+}
+
+bool Communications::Send(const IPCMessage& message, unsigned long long session) {
+  NORVIK_DETAIL(boost::format("Message %1% finds no session %2%") % message.code % session);
+  return false;
+}
+
+std::map<unsigned long long, IPCSessionData> Communications::GetSessions() { return {}; }
+
+}  // namespace Norvik::Host

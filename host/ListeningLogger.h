@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "common/log/Logger.h"
+
+namespace Norvik::Host {
+
+/// One line of the log.
+struct LogLine {
+  Common::Logger::Level level;
+  const std::string& text;
+  std::string function;
+};
+
+/// Gets every line of every level, on the thread that logs it. Must not raise, nor log.
+using LogListener = std::function<void(const LogLine&)>;
+
+/// Lets a listener see what goes to a log.
+class ListeningLogger : public Common::Logger {
+ public:
+  /// @param log      may be null: then the lines go to the listener alone
+  /// @param listener may be empty
+  ListeningLogger(std::shared_ptr<Common::Logger> log, LogListener listener);
+
+  void Log(Level level, const std::string& text, const char* file, int line,
+           const char* function) override;
+
+ private:
+  const std::shared_ptr<Common::Logger> log_;
+  const LogListener listener_;
+};
+
+/// Makes a logger the process's own for a scope.
+class LoggerScope {
+ public:
+  explicit LoggerScope(std::shared_ptr<Common::Logger> logger);
+  LoggerScope(const LoggerScope&) = delete;
+  LoggerScope& operator=(const LoggerScope&) = delete;
+  ~LoggerScope();
+
+ private:
+  std::shared_ptr<Common::Logger> previous_;
+};
+
+}  // namespace Norvik::Host

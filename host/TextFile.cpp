@@ -1,0 +1,45 @@
+#include "host/TextFile.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include "platform/FileSystem.h"
+#include "platform/ReplacementFile.h"
+
+namespace Norvik::Host {
+
+std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit) {
+  const std::string name = file.string();
+  // A user may name a link or a pipe, so this is not limited to regular files.
+  const Platform::FileDescriptor descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!descriptor.IsOpen()) throw std::runtime_error(name + ": " + std::strerror(errno));
+  std::string text(limit + 1, '\0');
+  try {
+    text.resize(Platform::ReadFull(descriptor, text.data(), text.size()));
+  } catch (const std::exception& error) {
+    throw std::runtime_error(name + ": " + error.what());
+  }
+  if (text.size() > limit) {
+    throw std::runtime_error(name + " is larger than " + std::to_string(limit) + " bytes");
+  }
+  return text;
+}
+
+void WriteTextFile(const boost::filesystem::path& file, const std::string& text) {
+  Platform::ReplacementFile target(file.string());
+  Platform::WriteAll(target.Descriptor(), text.data(), text.size());
+  target.Commit();
+}
+
+std::string OnOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,287 @@
+#include "host/actions/ActionSystem.h"
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <exception>
+#include <utility>
+
+#include "common/log/Logger.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+using std::chrono::seconds;
+
+/// A periodic action. `state`, `waiting` and `spent` are guarded by the system's `mutex_`; the rest
+/// does not change.
+struct ActionSystem::Periodic {
+  Periodic(std::string keyText, std::string labelText, ModuleAction runnable, AgentData store,
+           const ActionTiming& timing)
+      : key(std::move(keyText)),
+        label(std::move(labelText)),
+        action(std::move(runnable)),
+        data(std::move(store)) {
+    state.period = std::max(timing.period, seconds(0));
+    state.next = timing.next;
+  }
+
+  const std::string key;
+  const std::string label;
+  const ModuleAction action;
+  AgentData data;
+  PeriodicState state;
+  bool waiting = false;  ///< for a thread, or for the end of its run
+  bool spent = false;    ///< its only run has started
+};
+
+namespace {
+
+/// The time of day may be set at any time, and a sleeping machine stops the steady clock.
+constexpr seconds LONGEST_WAIT(30);
+constexpr seconds LONGEST_DELAY(std::chrono::hours(24 * 3650));
+
+std::string LabelOf(unsigned int code, const ModuleAction& action) {
+  return std::to_string(code) + (action.name.empty() ? "" : " " + action.name);
+}
+
+ActionResponse Invoke(ModuleAction& action) {
+  if (action.handler) return action.handler(action.parameters);
+  NORVIK_WARNING("An action without a handler was to run");
+  return {};
+}
+
+void RunLogged(const std::string& label, ModuleAction action) {
+  NORVIK_DETAIL(boost::format("Action %1% starts") % label);
+  try {
+    Invoke(action);
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % label % error.what());
+  } catch (...) {
+    NORVIK_ERROR(boost::format("Action %1% failed with an unknown exception") % label);
+  }
+}
+
+void Store(AgentData& data, const std::string& key, const PeriodicState& state) {
+  if (!data.SetString(key, ToText(state))) {
+    NORVIK_ERROR(boost::format("The state of %1% could not be stored") % key);
+  }
+}
+
+boost::optional<PeriodicState> Load(const AgentData& data, const std::string& key) {
+  const auto text = data.GetOptionalString(key);
+  if (!text) return boost::none;
+  const auto state = ParsePeriodicState(*text);
+  if (!state) NORVIK_WARNING(boost::format("The state of %1% is unreadable: %2%") % key % *text);
+  return state;
+}
+
+}  // namespace
+
+ActionSystem::ActionSystem(AgentData scheduleData, std::shared_ptr<const Clock> clock,
+                           std::size_t threads)
+    : threads_(threads),
+      clock_(std::move(clock)),
+      scheduleData_(std::move(scheduleData)),
+      timer_(threads_.Context()) {}
+
+ActionSystem::~ActionSystem() { Stop(); }
+
+void ActionSystem::SetActionFactory(ActionFactory factory) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  factory_ = std::move(factory);
+}
+
+ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(action); }
+
+void ActionSystem::QueueAction(ModuleAction action) {
+  threads_.Post([action = std::move(action)] { RunLogged(action.name, action); });
+}
+
+void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {
+  OneShot shot{LabelOf(code, action), std::move(action)};
+  if (delay <= seconds(0)) {
+    threads_.Post([shot = std::move(shot)] { RunLogged(shot.label, shot.action); });
+    return;
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  oneShots_.emplace(clock_->Steady() + std::min(delay, LONGEST_DELAY), std::move(shot));
+  ArmTimer();
+}
+
+void ActionSystem::CreatePeriodic(unsigned int code, ModuleAction action, AgentData& data,
+                                  const ActionTiming& timing) {
+  std::string label = LabelOf(code, action);
+  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
+                                                std::move(action), data, timing);
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  if (const auto known = Known(entry->key)) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!known->spent) return;
+  } else {
+    TakeUpStored(*entry);
+  }
+  Install(entry);
+}
+
+void ActionSystem::ReplacePeriodic(unsigned int code, ModuleAction action, AgentData& data,
+                                   const ActionTiming& timing) {
+  std::string label = LabelOf(code, action);
+  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
+                                                std::move(action), data, timing);
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  Install(entry);
+}
+
+void ActionSystem::AddSchedule(const Schedule& schedule) {
+  ActionFactory factory;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    factory = factory_;
+  }
+  if (!factory) {
+    NORVIK_ERROR(boost::format("Schedule %1% came before the module") % schedule.identifier);
+    return;
+  }
+  ModuleAction action = factory(schedule.code, schedule.parameters);
+  std::string label = LabelOf(schedule.code, action);
+  const auto entry = std::make_shared<Periodic>(
+      SCHEDULE_KEY_PREFIX + schedule.identifier, std::move(label), std::move(action), scheduleData_,
+      ActionTiming{seconds(schedule.when.periodSeconds), schedule.when.NextTime()});
+
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  if (const auto known = Known(entry->key)) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const bool same = known->state.period == entry->state.period;
+    if (same && known->state.next >= entry->state.next) return;
+  } else if (const auto stored = Load(entry->data, entry->key)) {
+    const bool same = stored->period == entry->state.period;
+    if (same && stored->next >= entry->state.next) TakeUpStored(*entry);
+  }
+  Install(entry);
+}
+
+/// Lets an action that is new in this process go on where it was before a restart.
+bool ActionSystem::TakeUpStored(Periodic& entry) {
+  const auto stored = Load(entry.data, entry.key);
+  if (!stored) return false;
+  entry.state.period = stored->period;
+  entry.state.next = stored->Due();
+  return true;
+}
+
+ActionSystem::PeriodicPointer ActionSystem::Known(const std::string& key) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = periodics_.find(key);
+  return found == periodics_.end() ? nullptr : found->second;
+}
+
+void ActionSystem::Install(const PeriodicPointer& entry) {
+  Store(entry->data, entry->key, entry->state);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  periodics_[entry->key] = entry;
+  StartDue();
+}
+
+/// Whether the action was not replaced. With `mutex_` held.
+bool ActionSystem::IsCurrent(const PeriodicPointer& entry) const {
+  const auto found = periodics_.find(entry->key);
+  return found != periodics_.end() && found->second == entry;
+}
+
+void ActionSystem::RunPeriodic(const PeriodicPointer& entry) {
+  if (!Begin(entry)) return;
+  RunLogged(entry->label, entry->action);
+  End(entry);
+}
+
+bool ActionSystem::Begin(const PeriodicPointer& entry) {
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  PeriodicState state;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!IsCurrent(entry)) return false;
+    entry->state.interrupted = entry->state.next;
+    entry->state.next = entry->state.Following(clock_->Now());
+    entry->spent = entry->state.period == seconds(0);
+    state = entry->state;
+  }
+  Store(entry->data, entry->key, state);
+  return true;
+}
+
+void ActionSystem::End(const PeriodicPointer& entry) {
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  PeriodicState state;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!IsCurrent(entry)) return;
+    entry->state.interrupted = boost::none;
+    state = entry->state;
+    if (entry->spent) periodics_.erase(entry->key);
+  }
+  if (entry->spent) {
+    entry->data.Remove(entry->key);
+  } else {
+    Store(entry->data, entry->key, state);
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  entry->waiting = false;
+  StartDue();
+}
+
+void ActionSystem::LookAtClock() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  StartDue();
+}
+
+/// Hands everything that is due to the threads. With `mutex_` held.
+void ActionSystem::StartDue() {
+  if (stopped_) return;
+  const auto end = oneShots_.upper_bound(clock_->Steady());
+  for (auto next = oneShots_.begin(); next != end; next = oneShots_.erase(next)) {
+    threads_.Post([shot = std::move(next->second)] { RunLogged(shot.label, shot.action); });
+  }
+  const auto now = clock_->Now();
+  for (const auto& item : periodics_) {
+    const PeriodicPointer& entry = item.second;
+    if (entry->waiting || entry->state.next > now) continue;
+    entry->waiting = true;
+    threads_.Post([this, entry] { RunPeriodic(entry); });
+  }
+  ArmTimer();
+}
+
+/// Sets the timer to what is due next. With `mutex_` held.
+void ActionSystem::ArmTimer() {
+  if (stopped_) return;
+  std::chrono::nanoseconds wait = LONGEST_WAIT;
+  bool any = !oneShots_.empty();
+  if (any) {
+    wait = std::min<std::chrono::nanoseconds>(wait, oneShots_.begin()->first - clock_->Steady());
+  }
+  const auto now = clock_->Now();
+  for (const auto& item : periodics_) {
+    if (item.second->waiting) continue;
+    any = true;
+    if (item.second->state.next < now + wait) wait = item.second->state.next - now;
+  }
+  if (!any) {
+    timer_.cancel();
+    return;
+  }
+  timer_.expires_after(std::max(wait, std::chrono::nanoseconds(0)));
+  timer_.async_wait([this](const boost::system::error_code& error) {
+    if (!error) LookAtClock();
+  });
+}
+
+void ActionSystem::Stop() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopped_ = true;
+    timer_.cancel();
+  }
+  threads_.Stop();
+}
+
+}  // namespace Norvik::Host

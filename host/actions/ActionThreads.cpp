@@ -1,0 +1,52 @@
+#include "host/actions/ActionThreads.h"
+
+#include <boost/asio/post.hpp>
+#include <utility>
+
+namespace Norvik::Host {
+
+ActionThreads::ActionThreads(std::size_t count) : guard_(boost::asio::make_work_guard(context_)) {
+  for (std::size_t i = 0; i < count; ++i) threads_.emplace_back([this] { context_.run(); });
+}
+
+ActionThreads::~ActionThreads() { Stop(); }
+
+void ActionThreads::Post(std::function<void()> work) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (stopping_) return;
+    ++active_;
+  }
+  boost::asio::post(context_, [this, work = std::move(work)] { Run(work); });
+}
+
+void ActionThreads::Run(const std::function<void()>& work) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (stopping_) {
+      if (--active_ == 0) idle_.notify_all();
+      return;
+    }
+  }
+  work();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (--active_ == 0) idle_.notify_all();
+}
+
+void ActionThreads::WaitIdle() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  idle_.wait(lock, [this] { return active_ == 0; });
+}
+
+void ActionThreads::Stop() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopping_ = true;
+  }
+  guard_.reset();
+  for (auto& thread : threads_) {
+    if (thread.joinable()) thread.join();
+  }
+}
+
+}  // namespace Norvik::Host

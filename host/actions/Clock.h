@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+
+namespace Norvik::Host {
+
+/// The two clocks that actions go by: delays count on the steady one, appointments on the time of
+/// day, which may be set while the agent runs. Safe on any thread.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  virtual std::chrono::system_clock::time_point Now() const {
+    return std::chrono::system_clock::now();
+  }
+  virtual std::chrono::steady_clock::time_point Steady() const {
+    return std::chrono::steady_clock::now();
+  }
+
+  Clock() = default;
+  Clock(const Clock&) = delete;
+  Clock& operator=(const Clock&) = delete;
+};
+
+}  // namespace Norvik::Host

@@ -1,0 +1,113 @@
+#include "host/commands/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "common/configuration/AgentVersion.h"
+#include "host/DataFolder.h"
+#include "host/HostError.h"
+#include "host/ModuleLoader.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+/// Options as CLI11 fills them.
+struct Texts {
+  std::string data;
+  std::string configuration;
+  std::string module;
+  std::string file;
+};
+
+std::string NotEmpty(const std::string& value) {
+  return value.empty() ? "wants a text that is not empty" : "";
+}
+
+void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
+  program.add_option("--data", texts.data, "the data folder")->check(NotEmpty)->type_name("DIR");
+  program.add_option("--config", texts.configuration, "use this configuration for one call")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  program.add_option("--log-level", line.agent.logLevel, "from 2 (errors) to 7 (everything)")
+      ->check(CLI::Range(2, 7))
+      ->type_name("N");
+  program.add_option("--module", texts.module, "the module to load")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  program.add_flag("--user-process", line.agent.userProcess, "be the agent of a user");
+  program.add_flag("--json", line.json, "answer in JSON");
+}
+
+void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
+  inventory->add_flag("--incremental", line.incremental, "tell only what has changed");
+
+  auto* open = program.add_subcommand("open", "print the document in an outbox file");
+  open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
+  open->add_flag("--pretty", line.pretty, "indent the document");
+
+  auto* action = program.add_subcommand("action", "run one action and print its response");
+  action->add_option("ACTION", line.action, "code or name of the action")->required();
+  action->add_option("PARAMETERS", line.parameters,
+                     "key=value, key:bool=true or key:u64=123, any number");
+
+  program.add_subcommand("actions", "list the actions of the module");
+
+  auto* configure = program.add_subcommand("configure", "check, store and apply a configuration");
+  configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
+
+  program.add_subcommand("status", "tell the state of the agent");
+}
+
+void Take(const Texts& texts, CommandLine& line) {
+  line.agent.dataFolder = texts.data.empty() ? DefaultDataFolder() : texts.data;
+  line.agent.configurationFile = texts.configuration;
+  line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
+  line.file = texts.file;
+}
+
+/// CLI11's text for a missing command names none.
+std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
+  if (!dynamic_cast<const CLI::RequiredError*>(&error) || !program.get_subcommands().empty()) {
+    return error.what();
+  }
+  std::string names;
+  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  return "a command is wanted: one of " + names;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
+  CommandLine line;
+  Texts texts;
+  CLI::App program("Inventory and remote administration of this machine", "norvik-agent");
+  program.set_version_flag("--version", Common::GetAgentVersion());
+  program.require_subcommand(1);
+  program.fallthrough();
+  AddGlobalOptions(program, line, texts);
+  AddCommands(program, line, texts);
+
+  // CLI11 takes them from the back.
+  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+  if (!reversed.empty()) reversed.pop_back();
+  try {
+    program.parse(reversed);
+  } catch (const CLI::CallForHelp&) {
+    line.help = program.help();
+    return line;
+  } catch (const CLI::CallForVersion&) {
+    line.help = program.version() + "\n";
+    return line;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(TextOf(error, program));
+  }
+  line.command = program.get_subcommands().front()->get_name();
+  Take(texts, line);
+  return line;
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <string>
+#include <vector>
+
+#include "host/AgentHost.h"
+
+namespace Norvik::Host {
+
+/// What the command line asks for.
+struct CommandLine {
+  std::string command;  ///< empty: only `help` is to be shown
+  std::string help;
+  AgentOptions agent;
+  bool json = false;
+  // Of single commands.
+  bool incremental = false;
+  bool pretty = false;
+  boost::filesystem::path file;
+  std::string action;
+  std::vector<std::string> parameters;
+};
+
+/// Reads the command line; the first argument is the program's name. Raises `UsageError`.
+CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
+
+}  // namespace Norvik::Host

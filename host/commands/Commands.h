@@ -1,0 +1,21 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "host/commands/CommandLine.h"
+
+namespace Norvik::Host {
+
+// The commands of the program. Each writes its answer to `output` and what went wrong, one line
+// each, to `errors`, and answers an exit code. `UsageError` and other subclasses of
+// `std::exception` come out with the reason; nothing of an answer is written then.
+
+int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors);
+int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
+int RunActions(const CommandLine& line, std::ostream& output, std::ostream& errors);
+int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Only looks: makes neither files nor folders, and loads no module.
+int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors);
+
+}  // namespace Norvik::Host
