@@ -108,7 +108,7 @@ bool TakeChannels(const ForkedChild& child) {
 void ResetSignals() {
   for (int number = 1; number < NSIG; ++number) ::signal(number, SIG_DFL);
   sigset_t none;
-  ::sigemptyset(&none);
+  sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
@@ -178,9 +178,9 @@ int StartChild(const std::vector<std::string>& words, const ChildChannels& chann
 
   SpawnAttributes attributes;
   sigset_t signals;
-  ::sigfillset(&signals);
+  sigfillset(&signals);
   ::posix_spawnattr_setsigdefault(attributes.Get(), &signals);
-  ::sigemptyset(&signals);
+  sigemptyset(&signals);
   ::posix_spawnattr_setsigmask(attributes.Get(), &signals);
   ::posix_spawnattr_setflags(
       attributes.Get(),

@@ -4,14 +4,14 @@
 // is the one place of its numbers; the enumerations and the names for logs come from it.
 
 /// Codes of the host contract: X(enumerator, code).
-#define NORVIK_COMMON_ACTION_CODES(X)       \
-  X(COMMON_ACTION_NEW_CONFIGURATION, 32011) \
-  X(COMMON_ACTION_INIT, 32012)              \
-  X(COMMON_ACTION_USER_MESSAGE, 32016)      \
+#define NORVIK_COMMON_ACTION_CODES(X)        \
+  X(COMMON_ACTION_NEW_CONFIGURATION, 32011)  \
+  X(COMMON_ACTION_INIT, 32012)               \
+  X(COMMON_ACTION_USER_MESSAGE, 32016)       \
   X(COMMON_ACTION_START_CHANGE_CHECK, 32019) \
-  X(COMMON_ACTION_HARDWARE_CHANGES, 32022)  \
-  X(COMMON_ACTION_SOFTWARE_CHANGES, 32023)  \
-  X(COMMON_ACTION_SURVEY_DIALOG, 32025)     \
+  X(COMMON_ACTION_HARDWARE_CHANGES, 32022)   \
+  X(COMMON_ACTION_SOFTWARE_CHANGES, 32023)   \
+  X(COMMON_ACTION_SURVEY_DIALOG, 32025)      \
   X(COMMON_ACTION_GET_PENDING_TASKS, 32027)
 
 /// Codes of the inventory and remote-administration module: X(enumerator, code).
@@ -81,8 +81,8 @@ struct ActionName {
 
 #define NORVIK_ACTION_NAME(name, code) ActionName{code, #name},
 /// All codes of both lists, in no particular order.
-inline constexpr ActionName ACTION_NAMES[] = {
-    NORVIK_COMMON_ACTION_CODES(NORVIK_ACTION_NAME) NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_NAME)};
+inline constexpr ActionName ACTION_NAMES[] = {NORVIK_COMMON_ACTION_CODES(NORVIK_ACTION_NAME)
+                                                  NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_NAME)};
 #undef NORVIK_ACTION_NAME
 
 }  // namespace Norvik::Common

@@ -77,5 +77,4 @@ class NORVIK_COMMON_API LogScope {
 #define NORVIK_INFORMATION(message) NORVIK_LOG(::Norvik::Common::Logger::LEVEL_INFORMATION, message)
 #define NORVIK_DETAIL(message) NORVIK_LOG(::Norvik::Common::Logger::LEVEL_DETAIL, message)
 #define NORVIK_TRACE(message) NORVIK_LOG(::Norvik::Common::Logger::LEVEL_TRACE, message)
-#define NORVIK_SCOPE() \
-  const ::Norvik::Common::LogScope logScope_(__FILE_NAME__, __LINE__, __func__)
+#define NORVIK_SCOPE() const ::Norvik::Common::LogScope logScope_(__FILE_NAME__, __LINE__, __func__)
