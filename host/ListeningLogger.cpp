@@ -12,7 +12,7 @@ ListeningLogger::ListeningLogger(std::shared_ptr<Logger> log, LogListener listen
 void ListeningLogger::Log(Level level, const std::string& text, const char* file, int line,
                           const char* function) {
   if (log_) log_->Log(level, text, file, line, function);
-  if (listener_) listener_({level, text, function});
+  if (listener_) listener_({level, text});
 }
 
 LoggerScope::LoggerScope(std::shared_ptr<Logger> logger) : previous_(Logger::GetInstance()) {

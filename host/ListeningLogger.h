@@ -12,7 +12,6 @@ namespace Norvik::Host {
 struct LogLine {
   Common::Logger::Level level;
   const std::string& text;
-  std::string function;
 };
 
 /// Gets every line of every level, on the thread that logs it. Must not raise, nor log.

@@ -14,6 +14,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 namespace Norvik::KOB {
 
@@ -153,14 +154,14 @@ bool KobInventory::CheckJsonFile(const Path& file) const {
 }
 
 KobInventory::InventoryPointer KobInventory::GenerateIncrementalInventoryData(
-    const std::string& previousDocument, InventoryPointer /*inventory*/) {
+    const std::string& previousDocument, InventoryPointer inventory) {
   NORVIK_SCOPE();
   fs::ifstream stream(previousDocument);
   boost::property_tree::ptree tree;
   boost::property_tree::read_json(stream, tree);
-  const InventoryKOBInfo previous(tree);
-  // Two inventories are not compared yet, so every one goes out as a whole.
-  return nullptr;
+  auto previous = std::make_unique<InventoryKOBInfo>(tree);
+  return KobIncrementalInventory(std::move(previous), std::move(inventory))
+      .GenerateIncrementalInventoryKOB();
 }
 
 bool KobInventory::ProcessIncrementalInventoryData(const Path& document,

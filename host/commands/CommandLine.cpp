@@ -67,7 +67,7 @@ void Take(const Texts& texts, CommandLine& line) {
   line.file = texts.file;
 }
 
-/// CLI11's text for a missing command names none.
+/// CLI11's text for a missing or unknown command names none.
 std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
   if (!dynamic_cast<const CLI::RequiredError*>(&error) || !program.get_subcommands().empty()) {
     return error.what();
@@ -76,7 +76,9 @@ std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
   for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
     names += (names.empty() ? "" : ", ") + command->get_name();
   }
-  return "a command is wanted: one of " + names;
+  const auto unknown = program.remaining();
+  return (unknown.empty() ? "a command is wanted" : "unknown command " + unknown.front()) +
+         "; the commands are " + names;
 }
 
 }  // namespace

@@ -73,8 +73,11 @@ void InventoryWatch::See(const LogLine& line) {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (boost::starts_with(line.text, RETRIEVAL)) {
     Start(line);
-  } else if (line.text == "<<" && line.function == openFunction_) {
-    EndOpenSection();
+  } else if (line.text == ">>") {
+    ++depth_;
+  } else if (line.text == "<<") {
+    // What leaves more often than it entered is the function that retrieves the section.
+    if (--depth_ < 0) EndOpenSection();
   } else if (boost::starts_with(line.text, FALLBACK)) {
     fallbackReason_ = lastReason_.empty() ? "the comparison failed" : lastReason_;
   }
@@ -87,14 +90,15 @@ void InventoryWatch::Start(const LogLine& line) {
   EndOpenSection();
   const std::string name = SectionName(line.text);
   sections_.push_back({name, KeysOf(name), 0});
-  openFunction_ = line.function;
+  open_ = true;
+  depth_ = 0;
   openSince_ = steady_clock::now();
   if (onSection_) onSection_(name);
 }
 
 void InventoryWatch::EndOpenSection() {
-  if (openFunction_.empty()) return;
-  openFunction_.clear();
+  if (!open_) return;
+  open_ = false;
   const std::chrono::duration<double> taken = steady_clock::now() - openSince_;
   sections_.back().seconds = taken.count();
 }

@@ -41,7 +41,8 @@ class InventoryWatch {
   const SectionStarts onSection_;
   mutable std::mutex mutex_;
   std::vector<RetrievedSection> sections_;
-  std::string openFunction_;  ///< that retrieves the last section; empty when it is done
+  bool open_ = false;  ///< the last section is still being retrieved
+  int depth_ = 0;      ///< of functions entered since then
   std::chrono::steady_clock::time_point openSince_;
   std::vector<std::string> problems_;
   std::string lastReason_;

@@ -110,9 +110,14 @@ NetworkAdapterInfo AdapterOf(const SystemFiles& files, const NetworkFacts& facts
   return adapter;
 }
 
-/// One end of a pair for a container: its name is chance and it goes with the container. The end
-/// inside a container has a name of its own kind.
-bool IsContainerEnd(const std::string& name) { return boost::starts_with(name, "veth"); }
+/// Interfaces that are no part of the machine: the loopback, the outer end of a container's pair,
+/// which has a name by chance, and what the kernel offers but nobody uses.
+bool IsNoAdapter(const SystemFiles& files, const NetworkAdapterInfo& adapter) {
+  if (adapter.hardwareType == LOOPBACK || boost::starts_with(adapter.name, "veth")) return true;
+  const bool isDevice = files.Exists("/sys/class/net/" + adapter.name + "/device");
+  const bool isMade = adapter.type != "Ethernet" && !adapter.type.empty();
+  return !isDevice && !isMade && adapter.addresses.empty();
+}
 
 }  // namespace
 
@@ -120,9 +125,9 @@ std::vector<NetworkAdapterInfo> GatherAdapters(const SystemFiles& files) {
   const NetworkFacts facts = ReadFacts(files);
   std::vector<NetworkAdapterInfo> adapters;
   for (const auto& name : files.Names("/sys/class/net")) {
-    if (!files.Exists("/sys/class/net/" + name + "/type") || IsContainerEnd(name)) continue;
+    if (!files.Exists("/sys/class/net/" + name + "/type")) continue;
     NetworkAdapterInfo adapter = AdapterOf(files, facts, name);
-    if (adapter.hardwareType != LOOPBACK) adapters.push_back(std::move(adapter));
+    if (!IsNoAdapter(files, adapter)) adapters.push_back(std::move(adapter));
   }
   return adapters;
 }

@@ -95,6 +95,8 @@ BlockDisk DiskOf(const SystemFiles& files, const std::string& name) {
   info.sizeBytes = files.Number(folder + "size") * SECTOR;
   info.busType = BusTypeOf(files.Resolved(folder));
   info.manufacturer = FirstText(files, folder, {"device/vendor"});
+  // Some buses put a number there.
+  if (boost::starts_with(info.manufacturer, "0x")) info.manufacturer.clear();
   info.model = FirstText(files, folder, {"device/model", "device/name"});
   info.serial = FirstText(files, folder, {"device/serial", "serial"});
   if (info.serial.empty()) info.serial = ScsiSerial(files, folder);

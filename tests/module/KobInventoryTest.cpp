@@ -183,11 +183,35 @@ TEST_F(KobInventoryTest, APreviousDocumentThatCannotBeAskedForIsNoBase) {
   EXPECT_TRUE(log->Holds(3, FALLBACK));
 }
 
-TEST_F(KobInventoryTest, AReadablePreviousDocumentIsReadWhole) {
+TEST_F(KobInventoryTest, AMachineWithoutChangesSendsATotalInventory) {
   Run(false);
   Run(true);
-  EXPECT_THAT(log->Texts(2), ElementsAre("Failed to generate incremental inventory data"));
-  EXPECT_THAT(host.pipeline->calls.back(), "move total");
+  EXPECT_THAT(log->Texts(2), IsEmpty());
+  EXPECT_TRUE(log->Holds(4, "No new updates. KOB incremental inventory will not be sent"));
+  EXPECT_TRUE(log->Holds(3, FALLBACK));
+  EXPECT_EQ(host.pipeline->calls.back(), "move total");
+}
+
+TEST_F(KobInventoryTest, AChangeIsSentAloneBesideWhatStillWaits) {
+  Run(false);
+  WriteFile(host.Outbox() / "older.jsonkob", "undelivered");
+  host.identification->first.networkAdapters.pop_back();
+  Run(true);
+  EXPECT_EQ(host.pipeline->calls.back(), "move incremental");
+  EXPECT_TRUE(log->Holds(5, "JSON KOB incremental inventory file renamed successfully"));
+  EXPECT_FALSE(log->Holds(3, FALLBACK));
+  EXPECT_EQ(NamesIn(host.Outbox()).size(), 2U);
+
+  const ptree document = Parse(host.DeliveredDocument());
+  EXPECT_EQ(document.size(), 4U);
+  EXPECT_EQ(document.get_child("delete").size(), 1U);
+  EXPECT_EQ(document.get_child("delete.networkAdapter").front().second.get<std::string>("name"),
+            "en1");
+  EXPECT_EQ(document.get<std::string>("create"), "null");
+  EXPECT_EQ(document.get<std::string>("update"), "null");
+  EXPECT_EQ(document.get<std::string>("device.guid"), "agent-1");
+  // What the next run compares with is the full document all the same.
+  EXPECT_EQ(Parse(ContentOf(PreviousDocument())).get_child("networkAdapter").size(), 1U);
 }
 
 struct StepCase {

@@ -113,7 +113,7 @@ TEST(GetUpdatedItemsTest, ASingleRecordIsUpdatedIfItDiffers) {
     const auto updated =
         KobIncrementalInventory::GetUpdatedItems(PointAt(row.previous), PointAt(row.current));
     ASSERT_EQ(updated.has_value(), row.updated) << row.previous << " " << row.current;
-    if (updated) EXPECT_EQ(updated->latitude, row.current);
+    EXPECT_EQ(updated.value_or(PointAt(row.current)).latitude, row.current);
   }
 }
 
@@ -141,7 +141,8 @@ class KobIncrementalInventoryTest : public testing::Test {
     section.In(current) = now;
   }
 
-  const ScopedLocale utf8_{"C.UTF-8"};
+  const ScopedLocale utf8{"C.UTF-8"};
+  const Tests::LogCapture log;
   InventoryKOBInfo previous;
   InventoryKOBInfo current;
   std::unique_ptr<InventoryKOBInfo> result;  ///< of the last comparison; owned by its base
@@ -264,7 +265,6 @@ TEST_F(KobIncrementalInventoryTest, TwoMonitorsOfAModelAreAnUpdateEvenIfNothingC
 }
 
 TEST_F(KobIncrementalInventoryTest, TheComparisonIsTraced) {
-  const Tests::LogCapture log;
   Compare();
   EXPECT_THAT(log.Texts(7), ElementsAre(">>", "<<"));
 }
