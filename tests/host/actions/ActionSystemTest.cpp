@@ -259,6 +259,7 @@ TEST_F(ActionSystemTest, AHandlerMayInstallItsOwnActionAnew) {
 }
 
 TEST_F(ActionSystemTest, RunsOfOneActionDoNotOverlap) {
+  std::promise<void> started;
   std::promise<void> release;
   const auto released = release.get_future().share();
   std::atomic<int> running{0};
@@ -266,12 +267,14 @@ TEST_F(ActionSystemTest, RunsOfOneActionDoNotOverlap) {
   AgentData data = Data();
   system_->CreatePeriodic(CODE, Action([&, released](ActionParameters&) {
                             most = std::max<int>(most, ++running);
+                            if (runs_ == 0) started.set_value();
                             released.wait();
                             --running;
                             ++runs_;
                             return ActionResponse();
                           }),
                           data, Timing(PERIOD, START));
+  started.get_future().wait();
   for (int i = 0; i < 5; ++i) {
     clock_->Move(seconds(PERIOD));
     system_->LookAtClock();
