@@ -8,7 +8,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "host/actions/FakeClock.h"
+#include "support/FakeActionClock.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 
@@ -87,7 +87,7 @@ class ActionSystemTest : public testing::Test {
 
   TestDatabase dataBase_;
   LogCapture log_;
-  std::shared_ptr<FakeClock> clock_ = std::make_shared<FakeClock>(START);
+  std::shared_ptr<FakeActionClock> clock_ = std::make_shared<FakeActionClock>(START);
   std::atomic<int> runs_{0};
   std::unique_ptr<ActionSystem> system_;
 };

@@ -7,11 +7,11 @@
 namespace Norvik::Tests {
 
 /// Both clocks stand still until they are moved.
-class FakeClock : public Host::Clock {
+class FakeActionClock : public Host::Clock {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
 
-  explicit FakeClock(long seconds) : now_(std::chrono::seconds(seconds)) {}
+  explicit FakeActionClock(long seconds) : now_(std::chrono::seconds(seconds)) {}
 
   TimePoint Now() const override {
     const std::lock_guard<std::mutex> lock(mutex_);

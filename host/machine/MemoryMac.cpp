@@ -1,0 +1,14 @@
+#include "host/machine/Gather.h"
+#include "host/machine/SysctlMac.h"
+
+namespace Norvik::Host {
+
+Common::MemoryInfo GatherMemory() {
+  Common::MemoryInfo memory;
+  // No swap: the system makes and removes its swap files as it needs them.
+  memory.totalBytes = SysctlNumber("hw.memsize");
+  memory.pageBytes = SysctlNumber("hw.pagesize");
+  return memory;
+}
+
+}  // namespace Norvik::Host
