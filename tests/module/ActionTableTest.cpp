@@ -6,7 +6,6 @@ namespace Norvik::KOB {
 namespace {
 
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 using namespace Tests;
 
 /// Codes that a fresh instance serves, ascending.
@@ -21,65 +20,49 @@ std::vector<unsigned int> ServedCodes(int processKind) {
   return codes;
 }
 
-std::vector<unsigned int> CodesOfBothKinds() {
-  std::vector<unsigned int> codes = {1036, 1037, 1038, 1039, 1041, 1045, 1046, 1047, 1060,
-                                     1062, 1065, 1068, 1069, 1070, 1071, 1072, 1073};
+/// Codes of both kinds and the one of a kind, ascending.
+std::vector<unsigned int> CodesWith(unsigned int ofItsKind) {
+  std::vector<unsigned int> codes = {
+      1036, 1037, 1038, 1039, 1041,  1045,  1046,  1047,  1060,  1062,  1065,  1068,     1069,
+      1070, 1071, 1072, 1073, 32001, 32004, 32011, 32012, 32022, 32023, 32027, ofItsKind};
   for (unsigned int code = 1000; code <= 1032; ++code) {
     if (code != 1004 && code != 1005 && code != 1014 && code != 1028) codes.push_back(code);
   }
-  for (const unsigned int code : {32001U, 32004U, 32011U, 32012U, 32022U, 32023U, 32027U}) {
-    codes.push_back(code);
-  }
-  return codes;
-}
-
-std::vector<unsigned int> With(std::vector<unsigned int> codes, unsigned int code) {
-  codes.push_back(code);
   std::sort(codes.begin(), codes.end());
   return codes;
 }
 
-TEST(ActionTable, TheServiceServesItsCodes) {
-  EXPECT_EQ(ServedCodes(0), With(CodesOfBothKinds(), 1066));
+TEST(ActionTable, EachKindOfProcessServesItsCodes) {
+  EXPECT_EQ(ServedCodes(0), CodesWith(1066));
+  EXPECT_EQ(ServedCodes(1), CodesWith(1067));
 }
 
-TEST(ActionTable, AUsersProcessServesItsCodes) {
-  EXPECT_EQ(ServedCodes(1), With(CodesOfBothKinds(), 1067));
-}
-
-TEST(ActionTable, TheModuleNamesItsProductAndItsFiles) {
+TEST(ActionTable, TheModuleNamesItsProductAndItsFilesAndWarnsOfAnUnknownCode) {
   FakeHost host;
   ModuleUnderTest module(host);
   EXPECT_EQ(module->GetProductCode(), 1U);
   EXPECT_THAT(module->GetOutputExtensionFiles(), ElementsAre(".jsonkob", ".jsonrud"));
-}
-
-TEST(ActionTable, ACodeThatNobodyServesIsAnsweredWithAWarning) {
-  FakeHost host;
-  ModuleUnderTest module(host);
-  EXPECT_FALSE(module.Run(Common::COMMON_ACTION_START_CHANGE_CHECK).text);
+  EXPECT_FALSE(module.Run(32019).text);
   EXPECT_THAT(host.log.Texts(3), ElementsAre("No handler is registered for the action 32019"));
 }
 
 TEST(ActionTable, TheInventoryTakesOverTheUpdateOfTheConfiguration) {
   FakeHost host;
   ModuleUnderTest module(host);
+  const auto stored = [&] {
+    return Common::AgentData(host.database, "DATA")
+        .GetOptionalString("KOB_ACTIONS_LOCAL_ParameterConfigurationInfo")
+        .has_value();
+  };
   Common::AgentConfigurationInfo configuration;
+  module.Run(ACTION_UPDATE_CONFIGURATION, WithConfiguration(configuration));
+  EXPECT_TRUE(host.log.Holds(2, "missing configuration"));
+  EXPECT_FALSE(stored());
   configuration.kob.emplace();
   module.Run(ACTION_UPDATE_CONFIGURATION, WithConfiguration(configuration));
-  EXPECT_TRUE(Common::AgentData(host.database, "DATA")
-                  .GetOptionalString("KOB_ACTIONS_LOCAL_ParameterConfigurationInfo"));
+  EXPECT_TRUE(stored());
   EXPECT_FALSE(host.log.Holds(4, "Applying new configuration to module"));
   EXPECT_FALSE(host.log.Holds(4, "!"));
-}
-
-TEST(ActionTable, AnUpdateWithoutThisProductsConfigurationChangesNothing) {
-  FakeHost host;
-  ModuleUnderTest module(host);
-  module.Run(ACTION_UPDATE_CONFIGURATION, WithConfiguration({}));
-  EXPECT_TRUE(host.log.Holds(2, "missing configuration"));
-  EXPECT_FALSE(Common::AgentData(host.database, "DATA")
-                   .GetOptionalString("KOB_ACTIONS_LOCAL_ParameterConfigurationInfo"));
 }
 
 TEST(ActionTable, AModuleIsNotBuiltWithoutItsDependencies) {

@@ -27,25 +27,22 @@ TEST_F(DeviceIdentifiersTest, NamesOfTheMachineAreMadePlain) {
   EXPECT_EQ(Identifier(IdType::PC), "mac__1");
 }
 
-TEST_F(DeviceIdentifiersTest, TheAssetIsTakenFromTheBoardThenFromTheChassis) {
-  EXPECT_EQ(Identifier(IdType::ASSET), "");
-  EXPECT_THAT(log.Texts(2), ElementsAre("Identifier for IdType::ASSET not found"));
-  setup.chassis.assetTag = "chassis";
-  EXPECT_EQ(Identifier(IdType::ASSET), "chassis");
-  setup.baseboard.assetTag = "board";
-  EXPECT_EQ(Identifier(IdType::ASSET), "board");
-}
-
-TEST_F(DeviceIdentifiersTest, TheSerialIsTakenFromTheSystemTheBoardThenTheChassis) {
-  EXPECT_EQ(Identifier(IdType::SERIAL), "");
-  EXPECT_THAT(log.Texts(2), ElementsAre("Identifier for IdType::SERIAL not found"));
-  setup.chassis.serial = "chassis";
-  EXPECT_EQ(Identifier(IdType::SERIAL), "chassis");
-  setup.baseboard.serial = "board";
-  EXPECT_EQ(Identifier(IdType::SERIAL), "board");
-  setup.system.serial = "system";
-  EXPECT_EQ(Identifier(IdType::SERIAL), "system");
-  EXPECT_THAT(log.Texts(2), ElementsAre("Identifier for IdType::SERIAL not found"));
+TEST_F(DeviceIdentifiersTest, AssetAndSerialAreTakenFromTheFirstPartThatHasThem) {
+  const auto both = [&] {
+    const std::string asset = Identifier(IdType::ASSET);
+    return asset + " " + Identifier(IdType::SERIAL);
+  };
+  EXPECT_EQ(both(), " ");
+  setup.chassis.assetTag = "A3";
+  setup.chassis.serial = "S3";
+  EXPECT_EQ(both(), "A3 S3");
+  setup.baseboard.assetTag = "A2";
+  setup.baseboard.serial = "S2";
+  EXPECT_EQ(both(), "A2 S2");
+  setup.system.serial = "S1";
+  EXPECT_EQ(both(), "A2 S1");
+  EXPECT_THAT(log.Texts(2), ElementsAre("Identifier for IdType::ASSET not found",
+                                        "Identifier for IdType::SERIAL not found"));
 }
 
 TEST_F(DeviceIdentifiersTest, AddressesGiveNothingToAMachineWithoutIdentifier) {

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
-#include <boost/property_tree/json_parser.hpp>
 #include <iterator>
-#include <sstream>
 #include <stdexcept>
 
 #include "common/action/ActionCodes.h"
@@ -87,25 +85,10 @@ const FakeActionSystem::Started& FakeActionSystem::Last(unsigned int code) const
   return *found;
 }
 
-bool FakeActionSystem::RunNext() {
-  if (waiting_.empty()) return false;
-  Common::ModuleAction action = std::move(waiting_.front());
-  waiting_.pop_front();
-  action.handler(action.parameters);
-  return true;
-}
-
-bool FakeCommunications::ProcessMessage(const Common::IRestRequest& request,
-                                        Common::IRestResponse& response) {
-  json::JSON body = request;
-  requests.push_back(body.strUgly());
-  if (answers.empty()) return false;
-  std::istringstream answer(answers.front());
-  answers.pop_front();
-  boost::property_tree::ptree tree;
-  boost::property_tree::read_json(answer, tree);
-  response.Assign(tree);
-  return true;
+void FakeActionSystem::RunWaiting() {
+  for (; !waiting_.empty(); waiting_.pop_front()) {
+    waiting_.front().handler(waiting_.front().parameters);
+  }
 }
 
 void FakeCommunications::ReportTaskStatus(const Common::TaskResponseInfo& status) {
@@ -135,7 +118,7 @@ Common::FirstInventoryInfo FakeIdentification::GetFirstInventoryInfo() {
 bool FaultPipeline::Fails(const std::string& step, const std::string& text) {
   calls.push_back(text);
   if (beforeStep) beforeStep(step);
-  return step == failingStep || calls.size() == static_cast<std::size_t>(failingCall);
+  return step == failingStep;
 }
 
 bool FaultPipeline::Compress(const Path& source, const Path& target) {

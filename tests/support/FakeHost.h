@@ -50,12 +50,8 @@ class FakeActionSystem final : public Common::IActionSystem {
   const Started& Last(unsigned int code) const;
   void Forget() { started_.clear(); }
 
-  /// Runs the oldest action that waits to run (queued, or once without delay). False if none waits.
-  bool RunNext();
-  void RunWaiting() {
-    while (RunNext()) {
-    }
-  }
+  /// Runs the actions that wait to run (queued, or once without delay), the oldest first.
+  void RunWaiting();
 
   /// Called once, when the next action is started.
   std::function<void()> onNextStart;
@@ -71,8 +67,10 @@ class FakeActionSystem final : public Common::IActionSystem {
 class FakeCommunications final : public Common::ICommunicationSystem,
                                  public Common::ICommunicationIPC {
  public:
-  bool ProcessMessage(const Common::IRestRequest& request,
-                      Common::IRestResponse& response) override;
+  /// There is no server.
+  bool ProcessMessage(const Common::IRestRequest&, Common::IRestResponse&) override {
+    return false;
+  }
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
   void NewFileOnOutbox() override { ++newFiles; }
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;
@@ -85,8 +83,6 @@ class FakeCommunications final : public Common::ICommunicationSystem,
   bool accepts = true;               ///< answer of `Send`
   std::function<void()> onNextSend;  ///< called once
   std::vector<std::pair<unsigned long long, Common::IPCMessage>> sent;
-  std::deque<std::string> answers;    ///< bodies of the server's next answers; none: no server
-  std::vector<std::string> requests;  ///< bodies of the requests, as JSON
   std::vector<Common::TaskResponseInfo> statuses;
   int newFiles = 0;
 };
@@ -119,7 +115,6 @@ class FaultPipeline final : public Common::IFilePipeline {
   bool MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) override;
 
   std::string failingStep;  ///< "copy", "compress", "encrypt" or "move"
-  int failingCall = 0;      ///< number of the call, of any step, that fails, from 1
   std::function<void(const std::string& step)> beforeStep;
   std::vector<std::string> calls;  ///< steps in order; the move as "move", "move total" or
                                    ///< "move incremental"

@@ -118,16 +118,6 @@ void ForEachChange(Action action) {
   std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
 }
 
-/// Keys of a record's JSON object, sorted, with a blank between.
-template <class T>
-std::string KeysOf(const T& record) {
-  std::string keys;
-  for (const auto& child : ParseJson(JsonText(record))) {
-    keys += (keys.empty() ? "" : " ") + child.first;
-  }
-  return keys;
-}
-
 /// Keys of the fields that `HasSameKey` looks at, in the order of the table.
 template <class T>
 std::string IdentityOf() {

@@ -16,16 +16,13 @@ using testing::IsEmpty;
 using namespace Tests;
 using Common::V2::DataBase;
 
-constexpr char BUSY[] = "KOB Inventory already running";
-
-Common::ActionParameters Incremental() {
-  Common::ActionParameters parameters;
-  parameters.Set("kobIncremental", true);
-  return parameters;
-}
-
 class InventoryActionsTest : public testing::Test {
  protected:
+  void RunTotal(bool incremental) {
+    Common::ActionParameters parameters;
+    parameters.Set("kobIncremental", incremental);
+    module.Run(1071, parameters);
+  }
   std::vector<std::string> Statuses() { return host.communications->TakeStatuses(); }
   int LastInventory() { return DataBase::GetDataTable("KOB_INVENTORY"); }
 
@@ -68,17 +65,15 @@ TEST_F(InventoryActionsTest, ALaterIncrementalInventoryRunsAtOnce) {
 }
 
 TEST_F(InventoryActionsTest, TheKindIsTheParametersValue) {
-  auto parameters = Incremental();
-  parameters.Set("kobIncremental", false);
-  module.Run(1071, parameters);
+  RunTotal(false);
   EXPECT_TRUE(host.log.Holds(4, "KOB Inventory finished"));
-  module.Run(1071, Incremental());
+  RunTotal(true);
   EXPECT_TRUE(host.log.Holds(4, "KOB incremental Inventory finished"));
 }
 
 TEST_F(InventoryActionsTest, WithoutATokenATotalInventoryIsTriedLater) {
   host.identification->token.clear();
-  module.Run(1071, Incremental());
+  RunTotal(true);
   EXPECT_THAT(Statuses(), IsEmpty());
   EXPECT_THAT(host.actions->Texts(), ElementsAre("once 1071 +60"));
   EXPECT_TRUE(host.actions->Last(1071).action.parameters.Values().empty());
@@ -95,8 +90,8 @@ TEST_F(InventoryActionsTest, ASecondRequestDuringARunIsRefused) {
     statusesOfTheSecond = Statuses();
   };
   module.Run(1071);
-  EXPECT_THAT(statusesOfTheSecond, ElementsAre(std::string("8 ") + BUSY));
-  EXPECT_TRUE(host.log.Holds(3, BUSY));
+  EXPECT_THAT(statusesOfTheSecond, ElementsAre("8 KOB Inventory already running"));
+  EXPECT_TRUE(host.log.Holds(3, "KOB Inventory already running"));
   EXPECT_THAT(Statuses(), ElementsAre("2"));
   EXPECT_EQ(host.communications->newFiles, 1);
   module.Run(1071);
@@ -119,9 +114,6 @@ TEST_F(InventoryActionsTest, AFailureBeforeTheRunGoesBackAndReleasesTheLock) {
   host.identification->failure.clear();
   module.Run(1071);
   EXPECT_THAT(Statuses(), ElementsAre("7", "2"));
-}
-
-TEST_F(InventoryActionsTest, AServiceThatHasGoneGoesBackToTheHost) {
   host.identification.reset();
   EXPECT_THROW(module.Run(1071), std::bad_weak_ptr);
 }

@@ -47,16 +47,12 @@ TEST(KOBDataSource, WritesWhatTheNewerStoreReads) {
 }
 
 TEST(KOBDataSource, WaitsFromTheFirstSecondBehindAChangeUntilThePeriodIsOver) {
-  struct Case {
-    int sinceChange;
-    bool waiting;
-  };
   const TestDatabase database;
-  for (const auto& [sinceChange, waiting] : {Case{-50, false}, Case{50, true}, Case{300, false}}) {
+  for (const int sinceChange : {-50, 50, 300}) {
     KOBDataSourceV2::updateInventoryChangedPeriod(200);
     KOBDataSourceV2::updateLastInventoryChanged(system_clock::now() - seconds(sinceChange));
     const KOBDataSource store(database);
-    EXPECT_EQ(store.checkWaitingPeriod(), waiting) << sinceChange;
+    EXPECT_EQ(store.checkWaitingPeriod(), sinceChange == 50) << sinceChange;
     EXPECT_NEAR(static_cast<double>(store.waitingTime()), sinceChange, 10.0);
   }
 }
@@ -89,27 +85,23 @@ TEST(KOBDataSource, AnswersNullFalseOrNothingWithoutItsTablesOrItsDatabase) {
   EXPECT_FALSE(KOBDataSource(database).checkWaitingPeriod());
 }
 
-Common::SoftwareRegisteredInfo Software(const std::string& name) {
-  Common::SoftwareRegisteredInfo software;
-  software.name = name;
-  software.installDate = 1700000000;
-  return software;
-}
-
 TEST(KOBDataSource, ReplacesTheRegisteredSoftwareInOneBatch) {
   const TestDatabase database;
   KOBDataSource store(database);
   const auto installed = [] {
     return TestDatabase::Run("select name, install_date from KOB_REGISTERED_SOFTWARE");
   };
-  EXPECT_TRUE(store.ReplaceRegistredSoftware({Software("Old")}));
+  Common::SoftwareRegisteredInfo software;
+  EXPECT_TRUE(store.ReplaceRegistredSoftware({software}));
+  software.name = "O'Editor";
+  software.installDate = 1700000000;
   const Tests::LogCapture log;
-  EXPECT_TRUE(store.ReplaceRegistredSoftware({Software("O'Editor")}));
+  EXPECT_TRUE(store.ReplaceRegistredSoftware({software}));
   EXPECT_THAT(installed(), ElementsAre(ElementsAre(std::string("O'Editor"), 1700000000)));
   EXPECT_THAT(log.Texts(7), ElementsAre(">>", "<<"));
 
   // Unlike the newer store this one refuses a duplicate, and the rows before are still there.
-  EXPECT_FALSE(store.ReplaceRegistredSoftware({Software("A"), Software("A")}));
+  EXPECT_FALSE(store.ReplaceRegistredSoftware({software, software}));
   EXPECT_THAT(log.Texts(2),
               ElementsAre(StartsWith("Error Replace Registered Software: UNIQUE constraint")));
   EXPECT_THAT(installed(), ElementsAre(ElementsAre(std::string("O'Editor"), 1700000000)));

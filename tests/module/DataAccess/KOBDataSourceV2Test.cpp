@@ -27,39 +27,38 @@ struct Value {
   const char* getFailure;
 };
 
-Store::TimePoint At(unsigned int seconds) {
-  return system_clock::from_time_t(seconds) + milliseconds(999);
-}
-
-std::vector<Value> AllValues() {
-  return {
-      {"last_inventory_changed", [](auto v) { return Store::updateLastInventoryChanged(At(v)); },
-       &Store::getLastInventoryChanged,
-       "Unable to Insert last_inventory_changed: ", "Unable to Get last_inventory_changed: "},
-      {"inventory_changed_period", [](auto v) { return Store::updateInventoryChangedPeriod(v); },
-       &Store::getInventoryChangePeriod,
-       "Unable to Insert inventory_changed_period: ", "Unable to Get inventory_changed_period: "},
-      {"scheduled_inventory_id", [](auto v) { return Store::updateScheduleInventoryID(v); },
-       &Store::getLastScheduleInventoryID,
-       "Unable to Insert scheduled_inventory_id: ", "Unable to Get scheduled_inventory_id: "},
-      {"rud_last_inventory", [](auto v) { return Store::updateRudCompletoLastInventory(At(v)); },
-       &Store::getRudCompletoLastInventory,
-       "Unable to Insert rud_last_inventory: ", "Unable to Get rud_last_inventory: "},
-      {"datetime_last_inventory", [](auto v) { return Store::updateDateTimeLastInventory(At(v)); },
-       &Store::getDateTimeLastInventory,
-       "Unable to update DateTimeLastInventory KOB: ", "Unable to get DateTimeLastInventory KOB: "},
-      {"Amount_Inventories_Executed_On_Day",
-       [](auto v) { return Store::updateAmountInventoriesExecutedOnDay(v); },
-       &Store::getAmountInventoriesExecutedOnDay,
-       "Unable to update Amount_Inventories_Executed_On_Day: ",
-       "Unable to get AmountInventoriesExecutedOnDay KOB: "},
-      {"Amount_Attempts_Executed_On_Time_Slot",
-       [](auto v) { return Store::updateAmountAttemptsExecutedOnTimeSlot(v); },
-       &Store::getAmountAttemptsExecutedOnTimeSlot,
-       "Unable to update Amount_Attempts_Executed_On_Time_Slot: ",
-       "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: "},
+/// An update by a time, which is to be cut to seconds.
+std::function<bool(unsigned int)> Timed(bool (*update)(const Store::TimePoint&)) {
+  return [=](unsigned int seconds) {
+    return update(system_clock::from_time_t(seconds) + milliseconds(999));
   };
 }
+
+const Value VALUES[] = {
+    {"last_inventory_changed", Timed(&Store::updateLastInventoryChanged),
+     &Store::getLastInventoryChanged,
+     "Unable to Insert last_inventory_changed: ", "Unable to Get last_inventory_changed: "},
+    {"inventory_changed_period", &Store::updateInventoryChangedPeriod,
+     &Store::getInventoryChangePeriod,
+     "Unable to Insert inventory_changed_period: ", "Unable to Get inventory_changed_period: "},
+    {"scheduled_inventory_id", &Store::updateScheduleInventoryID,
+     &Store::getLastScheduleInventoryID,
+     "Unable to Insert scheduled_inventory_id: ", "Unable to Get scheduled_inventory_id: "},
+    {"rud_last_inventory", Timed(&Store::updateRudCompletoLastInventory),
+     &Store::getRudCompletoLastInventory,
+     "Unable to Insert rud_last_inventory: ", "Unable to Get rud_last_inventory: "},
+    {"datetime_last_inventory", Timed(&Store::updateDateTimeLastInventory),
+     &Store::getDateTimeLastInventory,
+     "Unable to update DateTimeLastInventory KOB: ", "Unable to get DateTimeLastInventory KOB: "},
+    {"Amount_Inventories_Executed_On_Day", &Store::updateAmountInventoriesExecutedOnDay,
+     &Store::getAmountInventoriesExecutedOnDay,
+     "Unable to update Amount_Inventories_Executed_On_Day: ",
+     "Unable to get AmountInventoriesExecutedOnDay KOB: "},
+    {"Amount_Attempts_Executed_On_Time_Slot", &Store::updateAmountAttemptsExecutedOnTimeSlot,
+     &Store::getAmountAttemptsExecutedOnTimeSlot,
+     "Unable to update Amount_Attempts_Executed_On_Time_Slot: ",
+     "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: "},
+};
 
 DataBaseRows RowsOf(const std::string& key) {
   return TestDatabase::Run("select value from KOB_DATA where name='{1}'", {key});
@@ -67,7 +66,7 @@ DataBaseRows RowsOf(const std::string& key) {
 
 TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKey) {
   const TestDatabase database;
-  for (const auto& value : AllValues()) {
+  for (const auto& value : VALUES) {
     SCOPED_TRACE(value.key);
     EXPECT_EQ(value.get(), 0U);
     for (const unsigned int number : {1700000000U, 4294967295U, 0U}) {
@@ -92,8 +91,11 @@ TEST(KOBDataSourceV2, CutsTimesTo32BitsButForTheDateOfTheLastInventory) {
 
 TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
   const TestDatabase database;
+  TestDatabase::Run(
+      "create trigger Refuse before insert on KOB_DATA begin select raise(abort, 'refused'); end");
+  for (const auto& value : VALUES) EXPECT_FALSE(value.update(5)) << value.key;
   TestDatabase::Run("drop table KOB_DATA");
-  for (const auto& value : AllValues()) {
+  for (const auto& value : VALUES) {
     SCOPED_TRACE(value.key);
     const Tests::LogCapture log;
     EXPECT_FALSE(value.update(5));
@@ -101,17 +103,6 @@ TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
     EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith(value.updateFailure + std::string("no such")),
                                           StartsWith(value.getFailure + std::string("no such"))));
   }
-}
-
-TEST(KOBDataSourceV2, AnswersFalseWhenTheInsertIsRefused) {
-  const TestDatabase database;
-  TestDatabase::Run(
-      "create trigger Refuse before insert on KOB_DATA begin select raise(abort, 'refused'); end");
-  const Tests::LogCapture log;
-  EXPECT_FALSE(Store::updateAmountInventoriesExecutedOnDay(1));
-  EXPECT_THAT(log.Texts(2), SizeIs(1));
-  TestDatabase::Run("drop trigger Refuse");
-  EXPECT_TRUE(Store::updateAmountInventoriesExecutedOnDay(1));
 }
 
 TEST(KOBDataSourceV2, ReadsAValueThatIsNoNumberAsZeroAndSaysSo) {

@@ -26,62 +26,49 @@ std::vector<std::string> Texts(const std::list<PrinterInfo>& printers) {
   return texts;
 }
 
-struct Row {
-  const char* name;
-  const char* configuration;
-  std::vector<std::string> printers;
+/// Configurations and their printers, the driver of "p" being "D:p".
+const std::pair<const char*, std::vector<std::string>> SECTIONS[] = {
+    {"<Printer office>\nDeviceURI ipp://host/queue\nInfo a b\nMakeModel Acme Laser\n</Printer>\n",
+     {"office| a b|ipp://host/queue|D:office|Acme"}},
+    {"<DefaultPrinter x>\n</DefaultPrinter>\n", {"x|||D:x|"}},
+    {"<Printer not closed>\nInfo a\n", {}},
+    {"<Printer cut off>\nInfo a\n<Printer q>\n</Printer>\n", {"q|||D:q|"}},
+    {"<Printer p>\nInfo a\n</Printer>\n</Printer>\n", {"p| a||D:p|", "p| a||D:p|"}},
+    {"<Printer p>\r\nInfo a\r\n</Printer>\r\n", {"p| a||D:p|"}},
+    {"<Printer b\xC3\xBCro>\nInfo \xE5\x8D\xB0\n</Printer>\n",
+     {"b\xC3\xBCro| \xE5\x8D\xB0||D:b\xC3\xBCro|"}},
+    {"", {}},
 };
 
-const Row ROWS[] = {
-    {"a whole section",
-     "<Printer office>\nDeviceURI ipp://host/queue\nInfo a b\nMakeModel Acme Laser\n</Printer>\n",
-     {"office| a b|ipp://host/queue|driver of office|Acme"}},
-    {"the default printer", "<DefaultPrinter x>\n</DefaultPrinter>\n", {"x|||driver of x|"}},
-    {"comments and empty lines",
-     "# Printer configuration\n\n<Printer p>\n#Info no\nInfo yes\n</Printer>\n",
-     {"p| yes||driver of p|"}},
-    {"a keyword behind a blank and anywhere on the line",
-     "<Printer p>\n Info a\nUUID urn DeviceURI usb://x\n</Printer>\n",
-     {"p| a|usb://x|driver of p|"}},
-    {"a keyword is taken by its letters",
-     "<Printer p>\ninfo a\nINFO b\nInfos c\n</Printer>\n",
-     {"p|||driver of p|"}},
-    {"Info twice", "<Printer p>\nInfo a\nInfo b\n</Printer>\n", {"p| a b||driver of p|"}},
-    {"Info swallows keywords",
-     "<Printer p>\nInfo at MakeModel x\n</Printer>\n",
-     {"p| at MakeModel x||driver of p|"}},
-    {"Info without text", "<Printer p>\nInfo\n</Printer>\n", {"p|||driver of p|"}},
-    {"two blanks hold an empty word",
-     "<Printer p>\nInfo a  b\nDeviceURI  usb://x\n</Printer>\n",
-     {"p| a  b||driver of p|"}},
-    {"the rest of MakeModel is walked on",
-     "<Printer p>\nMakeModel A DeviceURI u\n</Printer>\n",
-     {"p||u|driver of p|A"}},
-    {"a keyword at the end of its line",
-     "<Printer p>\nDeviceURI\n</Printer>\n",
-     {"p|||driver of p|"}},
-    {"a section that is not closed", "<Printer p>\nInfo a\n", {}},
-    {"a section that another one cuts off",
-     "<Printer p>\nInfo a\n<Printer q>\n</Printer>\n",
-     {"q|||driver of q|"}},
-    {"closed twice",
-     "<Printer p>\nInfo a\n</Printer>\n</Printer>\n",
-     {"p| a||driver of p|", "p| a||driver of p|"}},
-    {"line ends of another system",
-     "<Printer p>\r\nInfo a\r\n</Printer>\r\n",
-     {"p| a||driver of p|"}},
-    {"other alphabets",
-     "<Printer b\xC3\xBCro>\nInfo \xE5\x8D\xB0\n</Printer>\n",
-     {"b\xC3\xBCro| \xE5\x8D\xB0||driver of b\xC3\xBCro|"}},
-    {"nothing", "", {}},
+/// Lines of a closed section for "p", and what follows its name.
+const struct {
+  const char* lines;
+  const char* description;
+  const char* port;
+  const char* manufacturer;
+} LINES[] = {
+    {"#Info no\n\nInfo yes", " yes", "", ""},
+    {" Info a\nUUID urn DeviceURI usb://x", " a", "usb://x", ""},  // anywhere on the line
+    {"info a\nINFO b\nInfos c", "", "", ""},                       // by its letters
+    {"Info a\nInfo b", " a b", "", ""},
+    {"Info at MakeModel x", " at MakeModel x", "", ""},  // swallows keywords
+    {"Info", "", "", ""},
+    {"Info a  b\nDeviceURI  usb://x", " a  b", "", ""},  // two blanks hold an empty word
+    {"MakeModel A DeviceURI u", "", "u", "A"},           // the rest is walked on
+    {"DeviceURI", "", "", ""},
 };
+
+std::vector<std::string> Read(const std::string& configuration) {
+  std::istringstream stream(configuration);
+  return Texts(ReadPrintersConfiguration(stream, [](const wxString& name) { return "D:" + name; }));
+}
 
 TEST(PrintersConfiguration, IsReadWordByWord) {
-  for (const Row& row : ROWS) {
-    std::istringstream stream(row.configuration);
-    const auto printers =
-        ReadPrintersConfiguration(stream, [](const wxString& name) { return "driver of " + name; });
-    EXPECT_EQ(Texts(printers), row.printers) << row.name;
+  for (const auto& [text, printers] : SECTIONS) EXPECT_EQ(Read(text), printers) << text;
+  for (const auto& [lines, description, port, manufacturer] : LINES) {
+    EXPECT_THAT(Read("<Printer p>\n" + std::string(lines) + "\n</Printer>\n"),
+                ElementsAre(std::string("p|") + description + "|" + port + "|D:p|" + manufacturer))
+        << lines;
   }
 }
 

@@ -6,14 +6,7 @@
 namespace Norvik::KOB::V2 {
 namespace {
 
-using Common::V2::DataBaseRows;
 using Tests::TestDatabase;
-
-DataBaseRows Rows() {
-  return TestDatabase::Run(
-      "select id, id_state_harverting, date_begin, date_modified, date_end from "
-      "RUD2_CURRENT_STATUS");
-}
 
 TEST(RudDataSource, ATransitionWritesItsStateAndItsTimeOnly) {
   const TestDatabase database;
@@ -23,9 +16,10 @@ TEST(RudDataSource, ATransitionWritesItsStateAndItsTimeOnly) {
   EXPECT_TRUE(RudDataSource::SetStatus(RudStatusSaving, 200, DateModified));
   EXPECT_TRUE(RudDataSource::SetStatus(RudStatusFinished, 300, DateEnd));
   EXPECT_EQ(RudDataSource::GetStatus(), RudStatusFinished);
-  EXPECT_EQ(Rows(), DataBaseRows({{1, 2, 100, 200, 300}}));
   EXPECT_TRUE(RudDataSource::SetStatus(RudStatusScanning, 400, DateBegin));
-  EXPECT_EQ(Rows(), DataBaseRows({{1, 3, 400, 200, 300}}));
+  EXPECT_EQ(TestDatabase::Run("select id, id_state_harverting, date_begin, date_modified, date_end "
+                              "from RUD2_CURRENT_STATUS"),
+            Common::V2::DataBaseRows({{1, 3, 400, 200, 300}}));
 }
 
 TEST(RudDataSource, ATimeThatNobodyKnowsIsRefusedByTheStore) {
