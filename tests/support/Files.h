@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <boost/filesystem/operations.hpp>
 #include <boost/filesystem/path.hpp>
 #include <fstream>
@@ -16,6 +18,12 @@ inline std::string ContentOf(const boost::filesystem::path& path) {
 
 inline void WriteFile(const boost::filesystem::path& path, const std::string& content) {
   std::ofstream(path.string(), std::ios::binary) << content;
+}
+
+/// Permissions of what is there; 0 if nothing is.
+inline unsigned int ModeOf(const boost::filesystem::path& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777u : 0;
 }
 
 /// Files and links below a folder, as paths relative to it.

@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <boost/core/demangle.hpp>
-#include <boost/property_tree/json_parser.hpp>
 #include <clocale>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <typeinfo>
 #include <vector>
 
 #include "common/records/InventoryRecord.h"
+#include "support/Json.h"
 
 /// Tests that every record passes: its table is walked to fill and to change a record, so that a
 /// record is tested by naming it.
@@ -30,13 +29,6 @@ class ScopedLocale {
  private:
   std::string previous_;
 };
-
-inline boost::property_tree::ptree ParseJson(const std::string& text) {
-  std::istringstream stream(text);
-  boost::property_tree::ptree tree;
-  read_json(stream, tree);
-  return tree;
-}
 
 template <class T>
 std::string JsonText(const T& record) {

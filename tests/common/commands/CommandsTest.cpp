@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -12,37 +11,26 @@
 namespace {
 
 using namespace Norvik::Common;
-using Norvik::Tests::LogCapture;
+using testing::_;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
-TEST(CommandRunner, GivesTheOutputWholeAndUnchanged) {
-  const LogCapture log;
-  EXPECT_EQ(CommandRunner::ExecCommand("printf 'a\\n\\n b\\000c\\n' | cat"),
-            std::string("a\n\n b\0c\n", 8));
-  EXPECT_EQ(CommandRunner::ExecCommand("head -c 1048576 /dev/zero | tr '\\0' x; "
-                                       "head -c 1048576 /dev/zero | tr '\\0' y >&2"),
-            std::string(1048576, 'x'));
-}
-
-TEST(CommandRunner, LogsTheErrorChannelLineByLine) {
-  const LogCapture log;
-  EXPECT_EQ(CommandRunner::ExecCommand("echo one >&2; echo >&2; printf two >&2; exit 3"), "");
-  EXPECT_THAT(log.Texts(Logger::LEVEL_DETAIL), ElementsAre("one", "two"));
-}
-
-TEST(CommandRunner, AnswersWithNothingForAToolThatIsMissing) {
-  const LogCapture log;
-  EXPECT_EQ(CommandRunner::ExecCommand("no-such-tool-of-norvik -x"), "");
-  EXPECT_EQ(log.Texts(Logger::LEVEL_DETAIL).size(), 1u);
+TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
+  const std::tuple<const char*, std::string, testing::Matcher<std::vector<std::string>>> cases[] = {
+      {"printf 'a\\n\\n b\\000c\\n' | cat", std::string("a\n\n b\0c\n", 8), IsEmpty()},
+      {"head -c 1048576 /dev/zero | tr '\\0' x; head -c 1048576 /dev/zero | tr '\\0' y >&2",
+       std::string(1048576, 'x'), Not(IsEmpty())},
+      {"echo one >&2; echo >&2; printf two >&2; exit 3", "", ElementsAre("one", "two")},
+      {"no-such-tool-of-norvik -x", "", ElementsAre(_)}};
+  for (const auto& [command, output, logged] : cases) {
+    const Norvik::Tests::LogCapture log;
+    EXPECT_TRUE(CommandRunner::ExecCommand(command) == output) << command;
+    EXPECT_THAT(log.Texts(Logger::LEVEL_DETAIL), logged) << command;
+  }
 }
 
 TEST(CommandWords, AreSplitAsAShellDoes) {
-  struct Case {
-    std::string line;
-    std::vector<std::string> words;
-  };
-  const Case cases[] = {
-      {"", {}},
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"  \t\n ", {}},
       {"ls -l  /tmp ", {"ls", "-l", "/tmp"}},
       {"a 'b c' \"d e\"", {"a", "b c", "d e"}},
@@ -81,18 +69,15 @@ TEST(Execute, SaysWhyNothingWasStarted) {
   }
 }
 
-TEST(Execute, RunsAsAUserWhereItMay) {
+TEST(Execute, RunsAsAUserOrInASessionThatThereIs) {
   const passwd* const self = ::getpwuid(::geteuid());
   ASSERT_NE(self, nullptr);
   Execute execute("id -un");
   EXPECT_EQ(execute.RunAs(WxStringFromStdString(self->pw_name), "", "", ""), 0);
   EXPECT_EQ(execute.Output(), std::string(self->pw_name) + "\n");
   EXPECT_EQ(execute.RunAs("no-such-user-of-norvik", "", "", ""), -1);
-}
 
-TEST(Execute, RefusesASessionThatNobodyHas) {
   int processId = 17;
-  Execute execute("echo text");
   EXPECT_EQ(execute.RunAs(&processId, -12345), -1);
   EXPECT_EQ(processId, 17);
   EXPECT_NE(execute.Output().find("-12345"), std::string::npos);

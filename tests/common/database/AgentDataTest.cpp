@@ -14,6 +14,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::system_clock;
 using testing::Pointee;
+using Limits = std::numeric_limits<std::int64_t>;
 
 class AgentDataTest : public testing::Test {
  protected:
@@ -25,13 +26,11 @@ TEST_F(AgentDataTest, KeepsTextsNumbersAndTimes) {
   EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
   EXPECT_EQ(data_.GetInt64("k"), nullptr);
   EXPECT_EQ(data_.GetDateTime("k"), nullptr);
-
   for (const std::string text : {"it's {1}", "", "\xC3\xB1"}) {
     EXPECT_TRUE(data_.SetString("k", text));
     EXPECT_EQ(data_.GetOptionalString("k"), text);
   }
-  for (const std::int64_t value : {std::numeric_limits<std::int64_t>::min(),
-                                   std::numeric_limits<std::int64_t>::max(), std::int64_t{0}}) {
+  for (const std::int64_t value : {Limits::min(), Limits::max(), std::int64_t{0}}) {
     EXPECT_TRUE(data_.SetInt64("k", value));
     EXPECT_THAT(data_.GetInt64("k"), Pointee(value));
   }
@@ -43,12 +42,7 @@ TEST_F(AgentDataTest, KeepsTextsNumbersAndTimes) {
   EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
 }
 
-TEST_F(AgentDataTest, SharesItsRowsWithTheSqlRoad) {
-  data_.SetInt64("inventory_changed_period", 3600);
-  EXPECT_EQ(
-      Tests::TestDatabase::Run("select value from KOB_DATA WHERE name='inventory_changed_period'"),
-      V2::DataBaseRows({{std::string("3600")}}));
-
+TEST_F(AgentDataTest, SharesTheRowsOfTheGeneralTable) {
   AgentData general(database_, "DATA");
   general.SetString("OPERATING_SYSTEM_TYPE", "macOS");
   EXPECT_EQ(V2::DataBase::GetOptionalStringDataTable("OPERATING_SYSTEM_TYPE"),
@@ -63,7 +57,7 @@ TEST_F(AgentDataTest, ReadsATextThatIsNoNumberAsNoNumber) {
     EXPECT_EQ(data_.GetInt64("k"), nullptr) << text;
     EXPECT_EQ(data_.GetDateTime("k"), nullptr) << text;
   }
-  data_.SetInt64("k", std::numeric_limits<std::int64_t>::max());
+  data_.SetInt64("k", Limits::max());
   EXPECT_EQ(data_.GetDateTime("k"), nullptr);
 }
 

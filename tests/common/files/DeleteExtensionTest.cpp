@@ -1,7 +1,6 @@
 #include "common/files/DeleteExtension.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "support/Files.h"
@@ -11,19 +10,17 @@
 namespace {
 
 using namespace Norvik::Common;
-using Norvik::Tests::FilesBelow;
-using Norvik::Tests::LogCapture;
-using Norvik::Tests::TemporaryFolder;
-using Norvik::Tests::WriteFile;
+using namespace Norvik::Tests;
 using testing::ElementsAre;
-using testing::IsEmpty;
 namespace fs = boost::filesystem;
 
 class DeleteExtensionTest : public testing::Test {
  protected:
-  void Make(const std::string& name) {
-    fs::create_directories((folder_ / name).parent_path());
-    WriteFile(folder_ / name, "content");
+  void Make(const std::vector<std::string>& names) {
+    for (const auto& name : names) {
+      fs::create_directories((folder_ / name).parent_path());
+      WriteFile(folder_ / name, "content");
+    }
   }
   std::set<std::string> Left() const { return FilesBelow(folder_.Path()); }
 
@@ -33,70 +30,58 @@ class DeleteExtensionTest : public testing::Test {
 
 TEST_F(DeleteExtensionTest, DeletesByTheWholeExtensionWithOrWithoutItsDot) {
   for (const auto* extension : {".log", "log"}) {
-    for (const auto* name :
-         {"a.log", "a.LOG", "a.logs", "alog", ".log", "a.log.txt", "b/c/d.log", "b/e.x.log"}) {
-      Make(name);
-    }
+    Make({"a.log", "a.LOG", "a.logs", "alog", ".log", "a.log.txt", "b/c/d.log", "b/e.x.log"});
     DeleteExtensionInPath(extension, folder_.Path(), {});
     EXPECT_THAT(Left(), ElementsAre("./.log", "./a.LOG", "./a.log.txt", "./a.logs", "./alog"));
   }
 }
 
 TEST_F(DeleteExtensionTest, LeavesExcludedEntriesAndWhatIsBelowThem) {
-  for (const auto* name : {"keep/a.x", "keep/deep/b.x", "keeper/c.x", "d.x", "e.x"}) Make(name);
-  DeleteExtensionInPath(
-      "x", folder_.Path(),
-      {(folder_ / "keep").string() + "/", folder_ / "keeper" / ".." / "d.x", folder_ / "missing"});
-  EXPECT_THAT(Left(), ElementsAre("./d.x", "keep/a.x", "keep/deep/b.x"));
+  using Names = std::vector<std::string>;
+  const std::tuple<const char*, Names, std::set<std::string>> cases[] = {
+      {"keep", {"missing"}, {"./d.x", "keeper/deep/c.x"}},
+      {".", {"keep/", "keeper/../d.x", "missing"}, {"./d.x", "keep/a.x", "keep/deep/b.x"}},
+      // The dot entries of a listing are no entries.
+      {"keeper", {"keeper/.", "keeper/.."}, {"./d.x", "keep/a.x", "keep/deep/b.x"}},
+      // The folder is itself excluded, or one above it.
+      {"keep/deep", {"keep"}, {"./d.x", "keep/a.x", "keep/deep/b.x", "keeper/deep/c.x"}},
+      {"keep/deep", {"keep/deep"}, {"./d.x", "keep/a.x", "keep/deep/b.x", "keeper/deep/c.x"}},
+  };
+  for (const auto& [folder, names, left] : cases) {
+    Make({"keep/a.x", "keep/deep/b.x", "keeper/deep/c.x", "d.x"});
+    std::vector<fs::path> excluded;
+    for (const auto& name : names) excluded.push_back(folder_ / name);
+    DeleteExtensionInPath("x", folder_ / folder, excluded);
+    EXPECT_EQ(Left(), left) << folder;
+  }
 }
 
-TEST_F(DeleteExtensionTest, TakesTheDotEntriesOfAListingForNoEntries) {
-  Make("outbox/host.jsonkob");
-  Make("outbox/old/host.jsonkob");
-  const fs::path outbox = folder_ / "outbox";
-  DeleteExtensionInPath(".jsonkob", outbox, {outbox / ".", outbox / ".."});
-  EXPECT_THAT(Left(), IsEmpty());
-}
-
-TEST_F(DeleteExtensionTest, DeletesNothingInAFolderThatIsItselfExcluded) {
-  Make("opt/tools/a.x");
-  DeleteExtensionInPath("x", folder_ / "opt" / "tools", {folder_ / "opt"});
-  DeleteExtensionInPath("x", folder_ / "opt" / "tools", {folder_ / "opt" / "tools"});
-  EXPECT_THAT(Left(), ElementsAre("opt/tools/a.x"));
-}
-
-TEST_F(DeleteExtensionTest, NeitherFollowsNorDeletesLinks) {
-  Make("outside/a.x");
-  Make("inside/b.x");
-  fs::create_directory_symlink(folder_ / "outside", folder_ / "inside" / "folder.x");
-  fs::create_symlink(folder_ / "outside" / "a.x", folder_ / "inside" / "file.x");
+TEST_F(DeleteExtensionTest, NeitherFollowsNorDeletesWhatIsNoFile) {
+  Make({"outside/a.x", "inside/b.x"});
+  const fs::path inside = folder_ / "inside";
+  fs::create_directory_symlink(folder_ / "outside", inside / "folder.x");
+  fs::create_symlink(folder_ / "outside" / "a.x", inside / "file.x");
   fs::create_directory_symlink(folder_ / "outside", folder_ / "start");
-  DeleteExtensionInPath("x", folder_ / "inside", {});
+  fs::create_directories(inside / "empty.x");
+  ASSERT_EQ(::mkfifo((inside / "pipe.x").c_str(), 0600), 0);
+  DeleteExtensionInPath("x", inside, {});
   DeleteExtensionInPath("x", folder_ / "start", {});
-  EXPECT_THAT(Left(), ElementsAre("./start", "inside/file.x", "inside/folder.x", "outside/a.x"));
-}
-
-TEST_F(DeleteExtensionTest, LeavesWhatIsNoFile) {
-  fs::create_directories(folder_ / "folder.x");
-  ASSERT_EQ(::mkfifo((folder_ / "pipe.x").c_str(), 0600), 0);
-  DeleteExtensionInPath("x", folder_.Path(), {});
-  EXPECT_THAT(Left(), ElementsAre("./pipe.x"));
-  EXPECT_TRUE(fs::exists(folder_ / "folder.x"));
+  EXPECT_THAT(Left(), ElementsAre("./start", "inside/file.x", "inside/folder.x", "inside/pipe.x",
+                                  "outside/a.x"));
+  EXPECT_TRUE(fs::exists(inside / "empty.x"));
 }
 
 TEST_F(DeleteExtensionTest, LogsWhatItCannotDoAndGoesOn) {
-  fs::path deep = folder_.Path();
-  for (int level = 0; level < 210; ++level) deep /= "d";
-  fs::create_directories(deep);
-  WriteFile(deep / "hidden.x", "");
-  Make("e.x");
+  std::string deep;
+  for (int level = 0; level < 210; ++level) deep += "d/";
+  Make({deep + "hidden.x", "e.x"});
   DeleteExtensionInPath("x", folder_.Path(), {});
   DeleteExtensionInPath("x", folder_ / "missing", {});
   DeleteExtensionInPath("", folder_.Path(), {});
   DeleteExtensionInPath(".", folder_.Path(), {});
   EXPECT_EQ(log_.Texts(Logger::LEVEL_WARNING).size(), 4u);
   EXPECT_FALSE(fs::exists(folder_ / "e.x"));
-  EXPECT_TRUE(fs::exists(deep / "hidden.x"));
+  EXPECT_TRUE(fs::exists(folder_ / deep / "hidden.x"));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "common/identification/SmBios.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "common/identification/HostInfoProvider.h"
@@ -82,18 +81,19 @@ TEST(SmBios, ReadsNothingBeyondAStructure) {
   const SmBios bios(0x301, Machine().table);
   const auto* const system = StructuresOf(bios, 1).front();
   EXPECT_EQ(system->Length(), 8u);
-  EXPECT_EQ(system->GetString(0), "");
-  EXPECT_EQ(system->GetString(4), "");
-  EXPECT_EQ(system->GetString(~0ul), "");
+  for (const unsigned long text : {0ul, 4ul, ~0ul}) EXPECT_EQ(system->GetString(text), "") << text;
+  EXPECT_EQ(system->TextAt(200), "");
+  using Field = std::pair<std::size_t, std::size_t>;
   EXPECT_EQ(system->Field(4, 4), 0x03000201u);
   EXPECT_EQ(system->Field(0, 8), 0x0300020100010801u);
-  EXPECT_EQ(system->Field(7, 2), 0u);
-  EXPECT_EQ(system->Field(8, 1), 0u);
-  EXPECT_EQ(system->Field(~std::size_t{0}, 2), 0u);
-  EXPECT_EQ(system->TextAt(200), "");
+  for (const auto& [at, bytes] : {Field(7, 2), Field(8, 1), Field(~std::size_t{0}, 2)}) {
+    EXPECT_EQ(system->Field(at, bytes), 0u) << at;
+  }
 }
 
 TEST(SmBios, KeepsTheWholeStructuresOfATableThatWasCut) {
+  EXPECT_FALSE(SmBios().IsValid());
+  EXPECT_EQ(SmBios().GetVersion(), 0u);
   const Machine machine;
   for (std::size_t length = 0; length <= machine.table.size(); ++length) {
     const auto cut = machine.table.begin() + static_cast<std::ptrdiff_t>(length);
@@ -109,28 +109,23 @@ TEST(SmBios, KeepsTheWholeStructuresOfATableThatWasCut) {
 TEST(SmBios, EndsWhereTheBytesAreDamaged) {
   Bytes whole;
   Append(whole, 1, 0, {1}, {"one"});
-  const auto countWith = [&](const Bytes& rest) {
+  const std::pair<Bytes, std::size_t> cases[] = {
+      {{}, 1},
+      {{2, 4, 0, 0, 0, 0}, 2},
+      {{2, 0, 0, 0, 0, 0}, 1},
+      {{2, 1, 0, 0, 0, 0}, 1},
+      {{2, 3, 0, 0, 0, 0}, 1},
+      {{2, 255, 0, 0, 0, 0}, 1},                    // longer than the table
+      {{2, 4, 0, 0, 0}, 1},                         // one NUL
+      {{2, 4, 0, 0, 0, 3, 4, 0}, 1},                // one NUL, more behind it
+      {{2, 4, 0, 0, 'a', 'b'}, 1},                  // a text without end
+      {{127, 4, 0, 0, 0, 0, 2, 4, 0, 0, 0, 0}, 1},  // behind the end
+  };
+  for (const auto& [rest, count] : cases) {
     Bytes table = whole;
     table.insert(table.end(), rest.begin(), rest.end());
-    return CountOf(SmBios(0x301, table));
-  };
-  EXPECT_EQ(countWith({}), 1u);
-  EXPECT_EQ(countWith({2, 4, 0, 0, 0, 0}), 2u);
-  for (const std::uint8_t length : Bytes{0, 1, 3}) {
-    EXPECT_EQ(countWith(Bytes{2, length, 0, 0, 0, 0}), 1u) << length;
+    EXPECT_EQ(CountOf(SmBios(0x301, table)), count) << testing::PrintToString(rest);
   }
-  EXPECT_EQ(countWith({2, 255, 0, 0, 0, 0}), 1u);                    // longer than the table
-  EXPECT_EQ(countWith({2, 4, 0, 0, 0}), 1u);                         // one NUL
-  EXPECT_EQ(countWith({2, 4, 0, 0, 0, 3, 4, 0}), 1u);                // one NUL, more behind it
-  EXPECT_EQ(countWith({2, 4, 0, 0, 'a', 'b'}), 1u);                  // a text without end
-  EXPECT_EQ(countWith({127, 4, 0, 0, 0, 0, 2, 4, 0, 0, 0, 0}), 1u);  // behind the end
-}
-
-TEST(SmBios, IsNotValidWithoutATable) {
-  SmBios none;
-  EXPECT_FALSE(none.IsValid());
-  EXPECT_EQ(none.GetVersion(), 0u);
-  EXPECT_EQ(CountOf(none), 0u);
 }
 
 TEST(HostInfoProvider, GivesTheNameThatTheSystemHas) {

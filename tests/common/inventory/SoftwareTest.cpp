@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <utime.h>
 
 #include <sstream>
 
@@ -11,14 +9,14 @@
 #include "common/inventory/SoftwareRegisteredSection.h"
 #include "platform/MachinePath.h"
 #include "support/Files.h"
+#include "support/Json.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
 
 using namespace Norvik::Common;
-using Norvik::Tests::TemporaryFolder;
-using Norvik::Tests::WriteFile;
+using namespace Norvik::Tests;
 using Software = std::vector<SoftwareRegisteredInfo>;
 
 constexpr char STATUS[] = R"(Package: libfjord2
@@ -60,6 +58,12 @@ Version: nameless
 Package: last
 Status: install ok installed)";
 
+/// Whether a record holds these fields of a document and defaults in all others.
+void ExpectRecord(const SoftwareRegisteredInfo& software, const char* fields) {
+  const SoftwareRegisteredInfo expected(tests::ParseJson(fields));
+  EXPECT_EQ(json::RecordToJson(software).strUgly(), json::RecordToJson(expected).strUgly());
+}
+
 Software ReadStatus(const std::string& text) {
   std::istringstream stream(text);
   return ReadPackageStatus(stream, [](const std::string& name, const std::string& architecture) {
@@ -70,24 +74,17 @@ Software ReadStatus(const std::string& text) {
 TEST(PackageDatabase, GivesTheInstalledPackages) {
   const Software packages = ReadStatus(STATUS);
   ASSERT_EQ(packages.size(), 3u);
-  const auto& package = packages[0];
-  EXPECT_EQ(package.name, "libfjord2");
-  EXPECT_EQ(package.productCode, "libfjord2");
-  EXPECT_EQ(package.softwareKey, "libfjord2:amd64");
-  EXPECT_EQ(package.version, "1:1.2-3+b1");
-  EXPECT_EQ(package.publisher, "Fjord Team <fjord@example.org>");
-  EXPECT_EQ(package.sizeBytes, 2048u * 1024);
-  EXPECT_EQ(package.architecture, "amd64");
-  EXPECT_EQ(package.source, "fjord (1.2-3)");
-  EXPECT_EQ(package.description, "shared library: the fjord");
-  EXPECT_EQ(package.category, "libs");
-  EXPECT_EQ(package.url, "https://fjord.example.org/");
-  EXPECT_EQ(package.installDate, 1700000000);
-  EXPECT_FALSE(package.systemComponent);
-  EXPECT_EQ(packages[1].name, "skerry");
-  EXPECT_TRUE(packages[1].systemComponent);
-  EXPECT_EQ(packages[1].sizeBytes, 0u);
-  EXPECT_EQ(packages[2].name, "last");
+  ExpectRecord(packages[0], R"({
+      "name": "libfjord2", "productCode": "libfjord2", "softwareKey": "libfjord2:amd64",
+      "version": "1:1.2-3+b1", "publisher": "Fjord Team <fjord@example.org>",
+      "sizeBytes": 2097152, "architecture": "amd64", "source": "fjord (1.2-3)",
+      "description": "shared library: the fjord", "category": "libs",
+      "url": "https://fjord.example.org/", "installDate": 1700000000000
+})");
+  ExpectRecord(packages[1], R"({
+      "name": "skerry", "productCode": "skerry", "softwareKey": "skerry:", "version": "2",
+      "systemComponent": true})");
+EXPECT_EQ(packages[2].name, "last");
 }
 
 TEST(PackageDatabase, StandsAnyText) {
@@ -134,24 +131,18 @@ constexpr char REPORT[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 TEST(ApplicationsReport, GivesTheApplicationsThatHaveAName) {
   const Software applications = ReadApplicationsReport(REPORT);
   ASSERT_EQ(applications.size(), 2u);
-  const auto& application = applications[0];
-  EXPECT_EQ(application.name, "Nöte & Pad");
-  EXPECT_EQ(application.version, "4.1");
-  EXPECT_EQ(application.location, "/Applications/Note.app");
-  EXPECT_EQ(application.softwareKey, "/Applications/Note.app");
-  EXPECT_EQ(application.source, "identified_developer");
-  EXPECT_EQ(application.signedBy, "Developer: Skerry");
-  EXPECT_EQ(application.architecture, "arch_arm_i64");
-  EXPECT_EQ(application.description, "Nöte 4.1, © Skerry");
-  EXPECT_EQ(application.installDate, 1682942400);
-  EXPECT_FALSE(application.systemComponent);
-  EXPECT_EQ(applications[1].name, "Dock");
-  EXPECT_EQ(applications[1].installDate, 0);
-  EXPECT_TRUE(applications[1].systemComponent);
+  ExpectRecord(applications[0], R"({
+      "name": "Nöte & Pad", "version": "4.1", "location": "/Applications/Note.app",
+      "softwareKey": "/Applications/Note.app", "source": "identified_developer",
+      "signedBy": "Developer: Skerry", "architecture": "arch_arm_i64",
+      "description": "Nöte 4.1, © Skerry", "installDate": 1682942400000})");
+  ExpectRecord(applications[1], R"({
+      "name": "Dock", "location": "/System/Library/Dock.app",
+      "softwareKey": "/System/Library/Dock.app", "systemComponent": true})");
 }
 
 TEST(ApplicationsReport, GivesNothingForTextThatIsNone) {
-  const Norvik::Tests::LogCapture log;
+  const LogCapture log;
   const std::string text = REPORT;
   for (std::size_t length = 0; length < text.size() - 8; ++length) {
     EXPECT_TRUE(ReadApplicationsReport(text.substr(0, length)).empty()) << length;
@@ -165,10 +156,7 @@ TEST(ApplicationsReport, GivesNothingForTextThatIsNone) {
 /// A machine that the section sees instead of this one.
 class SoftwareRegisteredSectionTest : public testing::Test {
  protected:
-  SoftwareRegisteredSectionTest() {
-    boost::filesystem::create_directories(root_ / "var/lib/dpkg/info");
-    Norvik::Platform::SetMachineRoot(root_.Path().string());
-  }
+  SoftwareRegisteredSectionTest() { Norvik::Platform::SetMachineRoot(root_.Path().string()); }
   ~SoftwareRegisteredSectionTest() override { Norvik::Platform::SetMachineRoot(""); }
 
   Software Collect() {
@@ -181,11 +169,11 @@ class SoftwareRegisteredSectionTest : public testing::Test {
 };
 
 TEST_F(SoftwareRegisteredSectionTest, ReadsThePackageDatabaseWithItsDates) {
-  WriteFile(root_ / "var/lib/dpkg/status", STATUS);
   const auto list = root_ / "var/lib/dpkg/info/libfjord2:amd64.list";
+  boost::filesystem::create_directories(list.parent_path());
+  WriteFile(root_ / "var/lib/dpkg/status", STATUS);
   WriteFile(list, "");
-  const utimbuf times{1600000000, 1600000000};
-  ASSERT_EQ(::utime(list.c_str(), &times), 0);
+  boost::filesystem::last_write_time(list, 1600000000);
   const Software software = Collect();
   ASSERT_EQ(software.size(), 4u);
   EXPECT_EQ(software[1].installDate, 1600000000);

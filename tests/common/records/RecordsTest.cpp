@@ -27,18 +27,14 @@ TYPED_TEST(LenientRecordTest, AnEmptyTreeGivesDefaults) {
   EXPECT_TRUE(TypeParam(boost::property_tree::ptree()) == TypeParam());
 }
 
-TYPED_TEST(LenientRecordTest, TextsSurviveWhateverTheLocale) {
+TYPED_TEST(LenientRecordTest, ARecordSurvivesWhateverTheLocale) {
   const auto record = Filled<TypeParam>();
   for (const char* name : {"C", "C.UTF-8"}) {
     const ScopedLocale locale(name);
     EXPECT_TRUE(ReadBack<TypeParam>(JsonText(record)) == record) << name;
+    const CommaLocale comma;
+    EXPECT_TRUE(ReadBack<TypeParam>(JsonText(record)) == record) << name;
   }
-}
-
-TYPED_TEST(LenientRecordTest, NumbersSurviveALocaleThatGroupsDigits) {
-  const auto record = Filled<TypeParam>();
-  const CommaLocale comma;
-  EXPECT_TRUE(ReadBack<TypeParam>(JsonText(record)) == record);
 }
 
 TEST(RecordsTest, IdentityIsWhatTheDeletedFormKeeps) {
@@ -50,45 +46,26 @@ TEST(RecordsTest, IdentityIsWhatTheDeletedFormKeeps) {
   EXPECT_EQ(IdentityOf<SoftwareRegisteredInfo>(), "name productCode softwareKey");
 }
 
-TEST(RecordsTest, KeysThatTheServerReadsAreThere) {
-  const auto software = ParseJson(JsonText(Filled<SoftwareRegisteredInfo>()));
-  for (const char* key : {"name", "version", "productCode", "softwareKey"}) {
-    EXPECT_EQ(software.count(key), 1u) << key;
-  }
-  const auto processor = ParseJson(JsonText(Filled<ProcessorInfo>()));
-  for (const char* key : {"index", "manufacturer", "model"}) {
-    EXPECT_EQ(processor.count(key), 1u) << key;
-  }
-}
-
-TEST(RecordsTest, AVolumeAsATreeIsTheSameVolume) {
+TEST(RecordsTest, ASizeAboveTheSignedRangeIsNegativeInADocumentAndPlainInATree) {
   LogicalDiskInfo volume = Filled<LogicalDiskInfo>();
   volume.sizeBytes = 18446744073709551615u;
+  EXPECT_NE(JsonText(volume).find("\"sizeBytes\":-1"), std::string::npos);
+  EXPECT_EQ(ReadBack<LogicalDiskInfo>(JsonText(volume)).sizeBytes, volume.sizeBytes);
   const CommaLocale comma;
   const boost::property_tree::ptree tree = volume;
   EXPECT_EQ(tree.get<std::string>("sizeBytes"), "18446744073709551615");
   EXPECT_TRUE(LogicalDiskInfo(tree) == volume);
 }
 
-TEST(RecordsTest, ASizeAboveTheSignedRangeIsWrittenNegativeAndReadsBackRight) {
-  LogicalDiskInfo volume;
-  volume.sizeBytes = 18446744073709551615u;
-  EXPECT_NE(JsonText(volume).find("\"sizeBytes\":-1"), std::string::npos);
-  EXPECT_EQ(ReadBack<LogicalDiskInfo>(JsonText(volume)).sizeBytes, volume.sizeBytes);
-}
-
-TEST(RecordsTest, AMissingInstallDateIsNullAndStaysMissing) {
-  const OperatingSystemInfo system;
-  EXPECT_NE(JsonText(system).find("\"installDate\":null"), std::string::npos);
-  EXPECT_FALSE(ReadBack<OperatingSystemInfo>(JsonText(system)).installDate);
-}
-
-TEST(RecordsTest, DatesAreMillisecondsInTheDocumentAndCutToSecondsInMemory) {
+TEST(RecordsTest, DatesAreMillisecondsInADocumentCutToSecondsInMemoryAndMayBeMissing) {
   SoftwareRegisteredInfo software;
   software.installDate = 1577836800;
   EXPECT_NE(JsonText(software).find("\"installDate\":1577836800000"), std::string::npos);
   EXPECT_EQ(ReadBack<SoftwareRegisteredInfo>("{\"installDate\":1577836800999}").installDate,
             1577836800);
+  const std::string system = JsonText(OperatingSystemInfo());
+  EXPECT_NE(system.find("\"installDate\":null"), std::string::npos);
+  EXPECT_FALSE(ReadBack<OperatingSystemInfo>(system).installDate);
 }
 
 TEST(RecordsTest, AValueThatDoesNotConvertTakesTheDefault) {

@@ -2,19 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <boost/property_tree/json_parser.hpp>
-#include <sstream>
+#include "support/Json.h"
 
 namespace {
 
 using namespace Norvik::Common;
-
-boost::property_tree::ptree Parse(const std::string& text) {
-  std::istringstream stream(text);
-  boost::property_tree::ptree tree;
-  read_json(stream, tree);
-  return tree;
-}
+using tests::ParseJson;
 
 TEST(RestMessages, WriteTheRequestAsAnObject) {
   ProcessMessageRequest request;
@@ -29,23 +22,23 @@ TEST(RestMessages, WriteTheRequestAsAnObject) {
 
 TEST(RestMessages, ReadTheResponseWithDefaultsForWhatIsMissing) {
   ProcessMessageResponse response;
-  response.Assign(Parse(R"({"result": 5, "message": "{\"available\":true}"})"));
+  response.Assign(ParseJson(R"({"result": 5, "message": "{\"available\":true}"})"));
   EXPECT_EQ(response.result, 5u);
   EXPECT_EQ(response.message, "{\"available\":true}");
-  response.Assign(Parse("{}"));
+  response.Assign(ParseJson("{}"));
   EXPECT_EQ(response.result, 0u);
   EXPECT_TRUE(response.message.empty());
-  EXPECT_THROW(response.Assign(Parse(R"({"result": "much"})")), boost::property_tree::ptree_error);
+  EXPECT_THROW(response.Assign(ParseJson(R"({"result": "much"})")),
+               boost::property_tree::ptree_error);
 }
 
 TEST(RestMessages, TellASurveyApart) {
-  const SurveyResponseInfo survey(Parse(R"({"available": true, "url": "https://s.example/1"})"));
+  const SurveyResponseInfo survey(ParseJson(R"({"available": true, "url": "https://s.example"})"));
   EXPECT_TRUE(survey.available);
-  EXPECT_EQ(survey.url, "https://s.example/1");
-  const SurveyResponseInfo again(Parse(static_cast<json::JSON>(survey).strUgly()));
-  EXPECT_TRUE(again == survey);
-  EXPECT_TRUE(SurveyResponseInfo(Parse("{}")) != survey);
-  EXPECT_THROW(SurveyResponseInfo(Parse(R"({"available": "perhaps"})")),
+  EXPECT_EQ(survey.url, "https://s.example");
+  EXPECT_TRUE(SurveyResponseInfo(ParseJson(json::JSON(survey).strUgly())) == survey);
+  EXPECT_TRUE(SurveyResponseInfo(ParseJson("{}")) != survey);
+  EXPECT_THROW(SurveyResponseInfo(ParseJson(R"({"available": "perhaps"})")),
                boost::property_tree::ptree_error);
 }
 

@@ -31,16 +31,12 @@ long SecondsOf(const system_clock::time_point& time) { return system_clock::to_t
 
 TEST(Dates, AreWrittenInUtc) {
   const TimeZone zone("PST8PDT");
-  struct Case {
-    long seconds;
-    const char* date;
-    const char* combined;
-  };
-  const Case cases[] = {{0, "1970-01-01", "1970-01-01T00:00:00Z"},
-                        {1769903998, "2026-01-31", "2026-01-31T23:59:58Z"},
-                        {-1, "1969-12-31", "1969-12-31T23:59:59Z"},
-                        {253402300800, "10000-01-01", "10000-01-01T00:00:00Z"},
-                        {LONG_MAX, "", ""}};
+  const std::tuple<long, const char*, const char*> cases[] = {
+      {0, "1970-01-01", "1970-01-01T00:00:00Z"},
+      {1769903998, "2026-01-31", "2026-01-31T23:59:58Z"},
+      {-1, "1969-12-31", "1969-12-31T23:59:59Z"},
+      {253402300800, "10000-01-01", "10000-01-01T00:00:00Z"},
+      {LONG_MAX, "", ""}};
   for (const auto& [seconds, date, combined] : cases) {
     EXPECT_EQ(DateToISODateUTC(seconds), date);
     EXPECT_EQ(DateToISOCombinedUTC(seconds), combined);
@@ -58,24 +54,20 @@ TEST(Dates, AreReadInLocalTimeOrUtc) {
 }
 
 TEST(Dates, GiveTheZeroPointForTextThatDoesNotMatch) {
-  struct Case {
-    const char* text;
-    const char* format;
-  };
-  const Case cases[] = {{"", "%Y"},
-                        {"Tue Jul 16 21:04:04 PST 2019", "%a %b %d %H:%M:%S PDT %Y "},
-                        {"20190716210404x", "%Y%m%d%H%M%S"},
-                        {"2019071621", "%Y%m%d%H%M%S"},
-                        {"2019-02-29", "%Y-%m-%d"},
-                        {"2019-13-01", "%Y-%m-%d"},
-                        {"9999-01-01", "%Y-%m-%d"},
-                        {"mar. 16 juil. 2019", "%a %d %b %Y"}};
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "%Y"},
+      {"Tue Jul 16 21:04:04 PST 2019", "%a %b %d %H:%M:%S PDT %Y "},
+      {"20190716210404x", "%Y%m%d%H%M%S"},
+      {"2019071621", "%Y%m%d%H%M%S"},
+      {"2019-02-29", "%Y-%m-%d"},
+      {"2019-13-01", "%Y-%m-%d"},
+      {"9999-01-01", "%Y-%m-%d"},
+      {"mar. 16 juil. 2019", "%a %d %b %Y"},
+      {std::string("2019\0", 5), "%Y"}};
   for (const auto& [text, format] : cases) {
     EXPECT_EQ(UTCStringToTimePoint(text, format), system_clock::time_point()) << text;
     EXPECT_EQ(StringToTimePoint(text, format), system_clock::time_point()) << text;
   }
-  const std::string withNul("2019\0", 5);
-  EXPECT_EQ(UTCStringToTimePoint(withNul, "%Y"), system_clock::time_point());
   EXPECT_NE(UTCStringToTimePoint("2020-02-29", "%Y-%m-%d"), system_clock::time_point());
 }
 
