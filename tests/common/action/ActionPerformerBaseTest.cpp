@@ -11,8 +11,7 @@ using namespace Norvik::Common;
 using namespace Norvik::Tests;
 using namespace std::chrono_literals;
 using std::chrono::system_clock;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace testing;
 
 constexpr unsigned int LIST_FILES = 1002;
 
@@ -48,7 +47,7 @@ class Performer : public ActionPerformerBase {
   HandlerMap handlers;
 };
 
-class ActionPerformerBaseTest : public testing::Test {
+class ActionPerformerBaseTest : public Test {
  protected:
   FakeHost host_{3};
   Performer performer_{host_.Dependencies()};

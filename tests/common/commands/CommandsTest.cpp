@@ -11,12 +11,10 @@
 namespace {
 
 using namespace Norvik::Common;
-using testing::_;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
-  const std::tuple<const char*, std::string, testing::Matcher<std::vector<std::string>>> cases[] = {
+  const std::tuple<const char*, std::string, Matcher<std::vector<std::string>>> cases[] = {
       {"printf 'a\\n\\n b\\000c\\n' | cat", std::string("a\n\n b\0c\n", 8), IsEmpty()},
       {"head -c 1048576 /dev/zero | tr '\\0' x; head -c 1048576 /dev/zero | tr '\\0' y >&2",
        std::string(1048576, 'x'), Not(IsEmpty())},

@@ -42,15 +42,6 @@ TEST_F(AgentDataTest, KeepsTextsNumbersAndTimes) {
   EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
 }
 
-TEST_F(AgentDataTest, SharesTheRowsOfTheGeneralTable) {
-  AgentData general(database_, "DATA");
-  general.SetString("OPERATING_SYSTEM_TYPE", "macOS");
-  EXPECT_EQ(V2::DataBase::GetOptionalStringDataTable("OPERATING_SYSTEM_TYPE"),
-            std::string("macOS"));
-  V2::DataBase::SetDataTable("KOB_INVENTORY", 12);
-  EXPECT_THAT(general.GetInt64("KOB_INVENTORY"), Pointee(12));
-}
-
 TEST_F(AgentDataTest, ReadsATextThatIsNoNumberAsNoNumber) {
   for (const char* text : {"", "x", "12x", " 12", "9223372036854775808"}) {
     data_.SetString("k", text);

@@ -19,13 +19,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 using namespace Tests;
-using testing::Each;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsNull;
-using testing::SizeIs;
-using testing::StartsWith;
-using testing::ThrowsMessage;
+using namespace testing;
 using V2::DataBase;
 
 constexpr std::streamoff PageSize = 4096;

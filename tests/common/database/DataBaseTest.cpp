@@ -12,9 +12,7 @@
 namespace Norvik::Common {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::ThrowsMessage;
+using namespace testing;
 using V2::DataBase;
 using V2::DataBaseRow;
 using V2::DataBaseRows;
@@ -27,7 +25,7 @@ void Insert(DataBase& dataBase, const std::string& name, const std::string& valu
   dataBase.ExecuteSentence("insert into DATA(name, value) values('{1}', '{2}')", {name, value});
 }
 
-class ExecuteSentence : public testing::Test, protected Tests::TestDatabase {
+class ExecuteSentence : public Test, protected Tests::TestDatabase {
  protected:
   using TestDatabase::Run;
 

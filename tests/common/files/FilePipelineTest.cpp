@@ -16,9 +16,7 @@ namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
+using namespace testing;
 namespace fs = boost::filesystem;
 
 /// Content that does not shrink when it is compressed.
@@ -32,7 +30,7 @@ std::string Noise(std::size_t size) {
   return noise;
 }
 
-class FilePipelineTest : public testing::Test {
+class FilePipelineTest : public Test {
  protected:
   FilePipelineTest() { Paths::SetDataFolder(folder_ / "data"); }
 
@@ -127,19 +125,14 @@ TEST_F(FilePipelineTest, MovesIntoTheOutboxFromAnotherFileSystemWholeOrNotAtAll)
   EXPECT_EQ(ContentOf(Outbox() / source.filename()), content);
 }
 
-TEST_F(FilePipelineTest, GoesThroughThePipelineThatIsPutInItsPlace) {
+TEST_F(FilePipelineTest, ComesBackWhenNothingIsPutInItsPlace) {
   const auto faulty = std::make_shared<FaultPipeline>(GetFilePipeline());
+  faulty->failingStep = "copy";
   WriteFile(source_, "content");
   SetFilePipeline(faulty);
-  for (const auto& [name, step] : STEPS) {
-    faulty->failingStep = name;
-    EXPECT_FALSE(step(source_, target_)) << name;
-  }
-  faulty->failingStep = "move";
-  EXPECT_FALSE(MoveToOutbox(folder_ / "source", true));
+  EXPECT_FALSE(CopyFileToDestination(source_, target_));
   SetFilePipeline(nullptr);
   EXPECT_TRUE(CopyFileToDestination(source_, target_));
-  EXPECT_THAT(faulty->calls, ElementsAre("compress", "encrypt", "copy", "move incremental"));
 }
 
 TEST_F(FilePipelineTest, ReadsNoArchiveThatIsDamaged) {

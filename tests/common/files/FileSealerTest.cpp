@@ -78,9 +78,8 @@ TEST_F(FileSealerTest, OpensNoFileThatWasCutAnywhere) {
   }
   const std::string large = Seal(Pattern(2 * 65536 + 100));
   for (const std::size_t border :
-       {CHUNKS, CHUNKS + FULL_CHUNK, CHUNKS + 2 * FULL_CHUNK, large.size() - 1}) {
+       {CHUNKS, CHUNKS + FULL_CHUNK, CHUNKS + 2 * FULL_CHUNK, large.size() - 18}) {
     for (const std::size_t length : {border - 17, border - 1, border, border + 1, border + 17}) {
-      if (length >= large.size()) continue;
       EXPECT_FALSE(Opens(large.substr(0, length))) << length;
     }
   }

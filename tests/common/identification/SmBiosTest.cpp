@@ -19,8 +19,7 @@ void Append(Bytes& table, std::uint8_t type, std::uint8_t handle, const Bytes& f
     table.insert(table.end(), text.begin(), text.end());
     table.push_back(0);
   }
-  if (texts.empty()) table.push_back(0);
-  table.push_back(0);
+  table.insert(table.end(), texts.empty() ? 2 : 1, 0);
 }
 
 /// Firmware, system, two memory modules, end; and where each structure ends.

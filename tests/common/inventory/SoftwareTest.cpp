@@ -21,12 +21,10 @@ using Software = std::vector<SoftwareRegisteredInfo>;
 
 constexpr char STATUS[] = R"(Package: libfjord2
 Status: install ok installed
-Priority: optional
 Section: libs
 Installed-Size: 2048
 Maintainer: Fjord Team <fjord@example.org>
 Architecture: amd64
-Multi-Arch: same
 Source: fjord (1.2-3)
 Version: 1:1.2-3+b1
 Conffiles:
@@ -74,17 +72,16 @@ Software ReadStatus(const std::string& text) {
 TEST(PackageDatabase, GivesTheInstalledPackages) {
   const Software packages = ReadStatus(STATUS);
   ASSERT_EQ(packages.size(), 3u);
-  ExpectRecord(packages[0], R"({
+  ExpectRecord(packages[0], R"json({
       "name": "libfjord2", "productCode": "libfjord2", "softwareKey": "libfjord2:amd64",
       "version": "1:1.2-3+b1", "publisher": "Fjord Team <fjord@example.org>",
       "sizeBytes": 2097152, "architecture": "amd64", "source": "fjord (1.2-3)",
       "description": "shared library: the fjord", "category": "libs",
-      "url": "https://fjord.example.org/", "installDate": 1700000000000
-})");
-  ExpectRecord(packages[1], R"({
+      "url": "https://fjord.example.org/", "installDate": 1700000000000})json");
+  ExpectRecord(packages[1], R"json({
       "name": "skerry", "productCode": "skerry", "softwareKey": "skerry:", "version": "2",
-      "systemComponent": true})");
-EXPECT_EQ(packages[2].name, "last");
+      "systemComponent": true})json");
+  EXPECT_EQ(packages[2].name, "last");
 }
 
 TEST(PackageDatabase, StandsAnyText) {
@@ -102,43 +99,36 @@ TEST(PackageDatabase, StandsAnyText) {
 
 constexpr char REPORT[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Example//DTD PLIST 1.0//EN" "http://www.example.com/plist.dtd">
-<plist version="1.0">
-<array>
-  <dict>
+<plist version="1.0"><array><dict>
     <key>_SPCommandLineArguments</key><array><string>-xml</string></array>
     <key>_dataType</key><string>SPApplicationsDataType</string>
-    <key>_items</key>
-    <array>
+    <key>_items</key><array>
       <dict>
-        <key>_name</key><string>Nöte &amp; Pad</string>
+        <key>_name</key><string>Nöte &amp; Pad</string><key>version</key><string>4.1</string>
         <key>arch_kind</key><string>arch_arm_i64</string>
         <key>info</key><string>Nöte 4.1, © Skerry</string>
         <key>lastModified</key><date>2023-05-01T12:00:00Z</date>
         <key>obtained_from</key><string>identified_developer</string>
         <key>path</key><string>/Applications/Note.app</string>
-        <key>signed_by</key>
-        <array><string>Developer: Skerry</string><string>Root</string></array>
-        <key>version</key><string>4.1</string>
+        <key>signed_by</key><array><string>Developer: Skerry</string><string>Root</string></array>
       </dict>
       <dict><key>path</key><string>/System/Nameless.app</string></dict>
       <dict><key>_name</key><string>Dock</string>
             <key>path</key><string>/System/Library/Dock.app</string></dict>
     </array>
-  </dict>
-</array>
-</plist>)";
+</dict></array></plist>)";
 
 TEST(ApplicationsReport, GivesTheApplicationsThatHaveAName) {
   const Software applications = ReadApplicationsReport(REPORT);
   ASSERT_EQ(applications.size(), 2u);
-  ExpectRecord(applications[0], R"({
+  ExpectRecord(applications[0], R"json({
       "name": "Nöte & Pad", "version": "4.1", "location": "/Applications/Note.app",
       "softwareKey": "/Applications/Note.app", "source": "identified_developer",
       "signedBy": "Developer: Skerry", "architecture": "arch_arm_i64",
-      "description": "Nöte 4.1, © Skerry", "installDate": 1682942400000})");
-  ExpectRecord(applications[1], R"({
+      "description": "Nöte 4.1, © Skerry", "installDate": 1682942400000})json");
+  ExpectRecord(applications[1], R"json({
       "name": "Dock", "location": "/System/Library/Dock.app",
-      "softwareKey": "/System/Library/Dock.app", "systemComponent": true})");
+      "softwareKey": "/System/Library/Dock.app", "systemComponent": true})json");
 }
 
 TEST(ApplicationsReport, GivesNothingForTextThatIsNone) {
