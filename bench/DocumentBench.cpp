@@ -1,11 +1,14 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <boost/property_tree/json_parser.hpp>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "module/Entities/InventoryKOBInfo.h"
+#include "module/IncrementalInventory/Entities/DeletedRecords.h"
+#include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 // One large inventory, as a workstation of a developer has it, rendered and read back. The rendered
 // bytes per second of both writers are those of the same document.
@@ -118,6 +121,24 @@ void RecordsFromTree(benchmark::State& state) {
   CountBytes(state, text.size());
 }
 BENCHMARK(RecordsFromTree)->Unit(benchmark::kMillisecond);
+
+/// The worst case of the scan: every record is found at the far end.
+void CompareReversed(benchmark::State& state) {
+  using namespace Norvik::KOB;
+  const InventoryKOBInfo previous = LargeInventory();
+  InventoryKOBInfo current = previous;
+  std::reverse(current.software.begin(), current.software.end());
+  for (std::size_t i = 0; i < current.software.size(); i += 100)
+    current.software[i].version = "new";
+  for (auto _ : state) {
+    std::vector<Norvik::Common::SoftwareRegisteredInfo> created, updated;
+    std::vector<SoftwareDeletedInfo> deleted;
+    KobIncrementalInventory::GetItems(created, deleted, updated, previous.software,
+                                      current.software);
+    if (updated.size() != softwareCount / 100 + 1) state.SkipWithError("wrong comparison");
+  }
+}
+BENCHMARK(CompareReversed)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

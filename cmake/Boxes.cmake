@@ -20,12 +20,17 @@ function(norvik_box name)
   endforeach()
 endfunction()
 
-# Sources of the current folder, below it, without the subfolders named behind EXCLUDE.
+# Sources of the current folder, below it: without the subfolders named behind EXCLUDE, and of
+# those behind ONLY if there are any.
 function(norvik_sources result)
-  cmake_parse_arguments(ARG "" "" "EXCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "EXCLUDE;ONLY" ${ARGN})
   file(GLOB_RECURSE found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
   foreach(excluded IN LISTS ARG_EXCLUDE)
     list(FILTER found EXCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/${excluded}")
   endforeach()
+  if(ARG_ONLY)
+    list(JOIN ARG_ONLY "|" wanted)
+    list(FILTER found INCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/(${wanted})")
+  endif()
   set(${result} "${found}" PARENT_SCOPE)
 endfunction()

@@ -23,3 +23,15 @@ add_library(norvik_soci INTERFACE)
 target_include_directories(norvik_soci SYSTEM INTERFACE "${SOCI_INCLUDE_DIR}" "${SOCI_INCLUDE_DIR}/soci")
 target_link_libraries(norvik_soci INTERFACE
   "${SOCI_SQLITE3_LIBRARY}" "${SOCI_CORE_LIBRARY}" SQLite::SQLite3)
+
+# What the operating system of a Mac answers. Elsewhere platform/compat answers, under Apple's names.
+add_library(norvik_apple INTERFACE)
+if(APPLE)
+  target_link_libraries(norvik_apple INTERFACE "-framework IOKit" "-framework CoreFoundation"
+    "-framework Foundation" "-framework CoreLocation")
+else()
+  pkg_check_modules(libplist REQUIRED IMPORTED_TARGET libplist-2.0)
+  target_include_directories(norvik_apple INTERFACE
+    "${CMAKE_SOURCE_DIR}/platform/compat/include")
+  target_link_libraries(norvik_apple INTERFACE PkgConfig::libplist)
+endif()

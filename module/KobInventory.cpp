@@ -14,6 +14,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "json/Nesting.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 namespace Norvik::KOB {
@@ -48,6 +49,20 @@ std::unique_ptr<json::JSON> ToDocument(const Common::ISerializerJson& record) {
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
+}
+
+/// Raises `json_parser_error` or another subclass of `std::exception`.
+std::unique_ptr<InventoryKOBInfo> ReadInventory(const std::string& document) {
+  using boost::property_tree::json_parser_error;
+  fs::ifstream stream(document);
+  if (json::NestsDeeper(stream, json::MAX_NESTING)) {
+    throw json_parser_error("the document nests too deep", document, 0);
+  }
+  stream.clear();
+  stream.seekg(0);
+  boost::property_tree::ptree tree;
+  boost::property_tree::read_json(stream, tree);
+  return std::make_unique<InventoryKOBInfo>(tree);
 }
 
 void LogFailure(bool done, const char* message, const fs::path& first, const fs::path& second) {
@@ -156,11 +171,7 @@ bool KobInventory::CheckJsonFile(const Path& file) const {
 KobInventory::InventoryPointer KobInventory::GenerateIncrementalInventoryData(
     const std::string& previousDocument, InventoryPointer inventory) {
   NORVIK_SCOPE();
-  fs::ifstream stream(previousDocument);
-  boost::property_tree::ptree tree;
-  boost::property_tree::read_json(stream, tree);
-  auto previous = std::make_unique<InventoryKOBInfo>(tree);
-  return KobIncrementalInventory(std::move(previous), std::move(inventory))
+  return KobIncrementalInventory(ReadInventory(previousDocument), std::move(inventory))
       .GenerateIncrementalInventoryKOB();
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <fstream>
 #include <utility>
 #include <vector>
 
@@ -180,6 +181,13 @@ void FileSealer::Open(const boost::filesystem::path& source,
   Platform::ReplacementFile to(target.string());
   ReadChunks(from, to.Descriptor(), stream);
   to.Commit();
+}
+
+bool IsSealedFile(const boost::filesystem::path& file) {
+  std::ifstream stream(file.string(), std::ios::binary);
+  std::array<char, MARK.size()> start{};
+  stream.read(start.data(), start.size());
+  return stream && std::equal(start.begin(), start.end(), MARK.begin());
 }
 
 }  // namespace Norvik::Common

@@ -34,6 +34,9 @@ class NORVIK_COMMON_API FileSealer {
   boost::filesystem::path keyFolder_;
 };
 
+/// Whether a file begins as sealed ones do. False if it cannot be read.
+NORVIK_COMMON_API bool IsSealedFile(const boost::filesystem::path& file);
+
 /// The one entry of an archive that `CompressFile` wrote. Raises `std::runtime_error` if the file
 /// is no such archive or its content does not match its checksum.
 NORVIK_COMMON_API std::string ReadArchive(const boost::filesystem::path& archive);

@@ -18,6 +18,8 @@ struct Texts {
   std::string configuration;
   std::string module;
   std::string file;
+  std::string secondFile;
+  std::string outputFile;
 };
 
 std::string NotEmpty(const std::string& value) {
@@ -39,6 +41,23 @@ void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
   program.add_flag("--json", line.json, "answer in JSON");
 }
 
+struct Argument {
+  const char* name;
+  const char* meaning;
+};
+
+void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
+                        const Argument& first, const Argument& second) {
+  const char* const meaning = name == "apply" ? "apply an incremental document to a full one"
+                                              : "tell what differs between two full documents";
+  auto* command = program.add_subcommand(name, meaning);
+  command->add_option(first.name, texts.file, first.meaning)->required()->check(NotEmpty);
+  command->add_option(second.name, texts.secondFile, second.meaning)->required()->check(NotEmpty);
+  command->add_option("--output", texts.outputFile, "write the document to this file")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+}
+
 void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
   inventory->add_flag("--incremental", line.incremental, "tell only what has changed");
@@ -46,6 +65,11 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
   open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
   open->add_flag("--pretty", line.pretty, "indent the document");
+
+  AddDocumentCommand(program, texts, "apply", {"FULL", "the full document"},
+                     {"INCREMENTAL", "what has changed since"});
+  AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
+                     {"NEW", "the one to compare with it"});
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();
@@ -65,6 +89,8 @@ void Take(const Texts& texts, CommandLine& line) {
   line.agent.configurationFile = texts.configuration;
   line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
   line.file = texts.file;
+  line.secondFile = texts.secondFile;
+  line.outputFile = texts.outputFile;
 }
 
 /// CLI11's text for a missing or unknown command names none.

@@ -18,6 +18,8 @@ struct CommandLine {
   bool incremental = false;
   bool pretty = false;
   boost::filesystem::path file;
+  boost::filesystem::path secondFile;
+  boost::filesystem::path outputFile;  ///< empty: the answer goes to the output
   std::string action;
   std::vector<std::string> parameters;
 };

@@ -12,6 +12,10 @@ namespace Norvik::Host {
 
 int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Applies an incremental document to a full one.
+int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// The incremental document between two full ones.
+int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunActions(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);

@@ -1,5 +1,6 @@
 #include "module/Entities/InventoryKOBInfo.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 
 #include "json/SerializerHelpers.h"
@@ -27,16 +28,39 @@ json::JSON SectionToJson(const Section& section, const InventoryKOBInfo& invento
   return ToJson(value);
 }
 
+using boost::property_tree::ptree;
+
+bool IsEmpty(const ptree& node) {
+  return node.empty() && (node.data().empty() || node.data() == "null");
+}
+bool IsRecord(const ptree& node) {
+  return IsEmpty(node) || (!node.empty() && !node.front().first.empty());
+}
+bool IsListOfRecords(const ptree& node) {
+  return IsEmpty(node) || (!node.empty() && std::all_of(node.begin(), node.end(), [](auto& child) {
+           return child.first.empty() && IsRecord(child.second);
+         }));
+}
+
+/// The section's node. One of another kind would read as an empty section, and everything in it
+/// would be told as new.
+const ptree& NodeOf(const ptree& document, const char* key, bool isList) {
+  const ptree& node = document.get_child(key);
+  if (isList ? IsListOfRecords(node) : IsRecord(node)) return node;
+  throw boost::property_tree::ptree_bad_data(
+      std::string(key) + " is no " + (isList ? "list of records" : "record"), node.data());
+}
+
 }  // namespace
 
-InventoryKOBInfo::InventoryKOBInfo(const boost::property_tree::ptree& document) {
+InventoryKOBInfo::InventoryKOBInfo(const ptree& document) {
   ForEachSection([&](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
     using Value = typename Section::Value;
     if constexpr (Section::isList) {
-      section.In(*this) = LoadFromTree<Value>(document.get_child(section.key));
+      section.In(*this) = LoadFromTree<Value>(NodeOf(document, section.key, true));
     } else if constexpr (Section::kind != SectionKind::Device) {
-      section.In(*this) = Value(document.get_child(section.key));
+      section.In(*this) = Value(NodeOf(document, section.key, false));
     }
   });
 }

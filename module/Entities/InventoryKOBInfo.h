@@ -39,8 +39,9 @@ namespace Norvik::KOB {
 class InventoryKOBInfo : public Common::ISerializerJson {
  public:
   InventoryKOBInfo() = default;
-  /// From the root of a stored document. Raises `ptree_bad_path` if a section is missing; what is
-  /// missing inside a section takes its default. The device is not read.
+  /// From the root of a stored document. Raises `ptree_bad_path` if a section is missing and
+  /// `ptree_bad_data` if it is of the wrong kind; what is missing inside a section takes its
+  /// default. The device is not read.
   explicit InventoryKOBInfo(const boost::property_tree::ptree& document);
   InventoryKOBInfo(const InventoryKOBInfo&) = default;
   InventoryKOBInfo(InventoryKOBInfo&&) = default;

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "module/Entities/InventorySections.h"
-#include "support/RecordSuite.h"
+#include "support/RecordFiller.h"
 
 namespace tests {
 
@@ -14,6 +14,27 @@ inline Norvik::KOB::InventoryKOBInfo FilledInventory() {
   Filler filler;
   Norvik::KOB::ForEachSection([&](const auto& section) { filler.Fill(section.In(inventory)); });
   return inventory;
+}
+
+/// Records of different numbers have different identities.
+template <class T>
+T Numbered(int number) {
+  T record;
+  Filler(number * 100).FillRecord(record);
+  return record;
+}
+
+/// The record with a change in the last field that does not identify it.
+template <class T>
+T ChangedOutsideKey(const T& record) {
+  T result = record;
+  const auto change = [&](const auto& field) {
+    T changed = record;
+    Filler(9000).FillField(field, changed);
+    if (changed.HasSameKey(record)) result = changed;
+  };
+  std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
+  return result;
 }
 
 /// A document that is kept with a line for each section, in one line as it is written.

@@ -116,6 +116,7 @@ TEST_F(KobInventoryTest, TheFamilyDecidesTheTypeWhateverItsLetterCaseAndWithoutA
 }
 
 TEST_F(KobInventoryTest, AUselessPreviousDocumentGivesATotalInventoryInsteadAndIsHealed) {
+  const std::string hostile = "{\"cdrom\":" + std::string(1 << 20, '[');
   const struct {
     const char* content;  ///< null: there is no document
     const char* complaint;
@@ -123,7 +124,12 @@ TEST_F(KobInventoryTest, AUselessPreviousDocumentGivesATotalInventoryInsteadAndI
       {nullptr, "' does not exist"},
       {"", "' is empty"},
       {"{\"cdrom\":[{", "KOB incremental inventory will not be sent due to a JSON parsing error: "},
-      {"{}", "KOB incremental inventory will not be sent due to an error: "}};
+      {"{}", "KOB incremental inventory will not be sent due to an error: No such node (cdrom)"},
+      {R"({"cdrom":{"name":"x"}})", "due to an error: cdrom is no list of records"},
+      {R"({"cdrom":[1]})", "due to an error: cdrom is no list of records"},
+      {R"({"cdrom":null,"agentConfiguration":[{}]})",
+       "due to an error: agentConfiguration is no record"},
+      {hostile.c_str(), "due to a JSON parsing error: "}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.complaint);
     fs::remove(PreviousDocument());

@@ -3,124 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <boost/core/demangle.hpp>
-#include <clocale>
 #include <string>
-#include <tuple>
 #include <typeinfo>
-#include <vector>
 
-#include "common/records/InventoryRecord.h"
-#include "support/Json.h"
+#include "support/RecordFiller.h"
 
-/// Tests that every record passes: its table is walked to fill and to change a record, so that a
-/// record is tested by naming it.
+/// Tests that every record passes, so that a record is tested by naming it.
 namespace tests {
-
-/// Sets the C locale while it lives.
-class ScopedLocale {
- public:
-  explicit ScopedLocale(const char* name) : previous_(std::setlocale(LC_ALL, nullptr)) {
-    if (!std::setlocale(LC_ALL, name)) ADD_FAILURE() << "no locale " << name;
-  }
-  ~ScopedLocale() { std::setlocale(LC_ALL, previous_.c_str()); }
-  ScopedLocale(const ScopedLocale&) = delete;
-  ScopedLocale& operator=(const ScopedLocale&) = delete;
-
- private:
-  std::string previous_;
-};
-
-template <class T>
-std::string JsonText(const T& record) {
-  return json::RecordToJson(record).strUgly();
-}
-
-template <class T>
-T ReadBack(const std::string& text) {
-  return T(ParseJson(text));
-}
-
-/// Gives each field a value that no other has: texts hold what JSON must escape and what only
-/// Unicode can say.
-class Filler {
- public:
-  explicit Filler(int start = 0) : next_(start) {}
-
-  template <class T>
-  void FillRecord(T& record) {
-    std::apply([&](const auto&... field) { (FillField(field, record), ...); }, T::Fields());
-  }
-  template <class FieldKind, class T>
-  void FillField(const FieldKind& field, T& record) {
-    Fill(record.*field.member);
-  }
-
-  void Fill(wxString& text) { text = wxString::FromUTF8(Text()); }
-  void Fill(std::string& text) { text = Text(); }
-  void Fill(bool& flag) { flag = !flag; }
-  void Fill(double& number) { number = ++next_ + 0.25; }
-  template <class Value>
-  void Fill(boost::optional<Value>& value) {
-    value.emplace();
-    Fill(*value);
-  }
-  template <class Text>
-  void Fill(std::set<Text>& texts) {
-    for (int i = 0; i < 2; ++i) {
-      Text text;
-      Fill(text);
-      texts.insert(text);
-    }
-  }
-  template <class Value>
-  void Fill(Value& value) {
-    if constexpr (std::is_integral_v<Value>) {
-      value = static_cast<Value>(++next_);
-    } else if constexpr (json::HasFields<Value>::value) {
-      FillRecord(value);
-    } else {
-      value.resize(2);
-      for (auto& element : value) Fill(element);
-    }
-  }
-
- private:
-  std::string Text() {
-    return "\"caf\xC3\xA9\" \\ \xF0\x9F\x98\x80 /\n\t" + std::to_string(++next_);
-  }
-  int next_;
-};
-
-template <class T>
-T Filled() {
-  T record;
-  Filler().FillRecord(record);
-  return record;
-}
-
-/// Calls `action(key, changed)` for each field, with a record that differs from the filled one in
-/// this field alone.
-template <class T, class Action>
-void ForEachChange(Action action) {
-  const auto change = [&](const auto& field) {
-    T changed = Filled<T>();
-    Filler(1000).FillField(field, changed);
-    action(std::string(field.key), changed);
-  };
-  std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
-}
-
-/// Keys of the fields that `HasSameKey` looks at, in the order of the table.
-template <class T>
-std::string IdentityOf() {
-  std::string keys;
-  ForEachChange<T>([&](const std::string& key, const T& changed) {
-    const T record = Filled<T>();
-    EXPECT_EQ(changed.HasSameKey(record), record.HasSameKey(changed));
-    if (!changed.HasSameKey(record)) keys += (keys.empty() ? "" : " ") + key;
-  });
-  return keys;
-}
 
 /// Names the tests of a list of records after the records.
 struct RecordName {

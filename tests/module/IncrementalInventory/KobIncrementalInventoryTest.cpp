@@ -120,26 +120,6 @@ class KobIncrementalInventoryTest : public testing::Test {
   std::unique_ptr<InventoryKOBInfo> result;  ///< of the last comparison; owned by its base
 };
 
-template <class T>
-T Numbered(int number) {
-  T record;
-  Filler(number * 100).FillRecord(record);
-  return record;
-}
-
-/// The record with a change in the last field that does not identify it.
-template <class T>
-T ChangedOutsideKey(const T& record) {
-  T result = record;
-  const auto change = [&](const auto& field) {
-    T changed = record;
-    Filler(9000).FillField(field, changed);
-    if (changed.HasSameKey(record)) result = changed;
-  };
-  std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
-  return result;
-}
-
 /// An object with a list under a key.
 template <class... T>
 std::string ObjectOf(const std::string& key, const T&... records) {

@@ -1,0 +1,58 @@
+#include "host/commands/DocumentFile.h"
+
+#include <stdlib.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <stdexcept>
+
+#include "common/files/FileSealer.h"
+#include "host/TextFile.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+constexpr std::size_t MAX_DOCUMENT_BYTES = std::size_t{1} << 30;
+
+/// A folder that only this user can enter, removed with its content.
+class PrivateFolder {
+ public:
+  PrivateFolder() {
+    std::string pattern = (fs::temp_directory_path() / "norvik-open-XXXXXX").string();
+    if (!::mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
+    path_ = pattern;
+  }
+  PrivateFolder(const PrivateFolder&) = delete;
+  PrivateFolder& operator=(const PrivateFolder&) = delete;
+  ~PrivateFolder() {
+    boost::system::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  const fs::path& Path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+}  // namespace
+
+std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
+  const PrivateFolder folder;
+  const fs::path archive = folder.Path() / "document.zip";
+  try {
+    Common::FileSealer(keys).Open(file, archive);
+    return Common::ReadArchive(archive);
+  } catch (const std::exception& error) {
+    throw std::runtime_error("cannot open " + file.string() + ": " + error.what());
+  }
+}
+
+std::string ReadDocument(const fs::path& file, const fs::path& keys) {
+  if (Common::IsSealedFile(file)) return ReadSealedDocument(file, keys);
+  return ReadTextFile(file, MAX_DOCUMENT_BYTES);
+}
+
+}  // namespace Norvik::Host

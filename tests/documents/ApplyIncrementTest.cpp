@@ -1,0 +1,325 @@
+#include "documents/ApplyIncrement.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <random>
+
+#include "documents/Difference.h"
+#include "documents/DocumentError.h"
+#include "documents/MachineSections.h"
+#include "module/IncrementalInventory/KobIncrementalInventory.h"
+#include "module/Inventories.h"
+#include "support/LogCapture.h"
+
+namespace Norvik::Documents {
+namespace {
+
+using namespace KOB;
+using namespace tests;
+using testing::HasSubstr;
+
+/// Inventories of a machine that lives: records come, go, change, change places and share names.
+class Life {
+ public:
+  explicit Life(unsigned int seed) : random_(seed) {}
+
+  InventoryKOBInfo Begin() {
+    InventoryKOBInfo inventory;
+    ForEachSection([&](const auto& section) { Fill(section, inventory); });
+    inventory.device.guid = "guid";
+    return inventory;
+  }
+  InventoryKOBInfo GoOn(InventoryKOBInfo inventory) {
+    ForEachSection([&](const auto& section) {
+      if (!Chance(4)) Change(section, inventory);
+    });
+    inventory.device.guid = "guid";
+    return inventory;
+  }
+
+ private:
+  bool Chance(int outOf) { return random_() % static_cast<unsigned>(outOf) == 0; }
+  int Number(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
+
+  template <class Section>
+  void Fill(const Section& section, InventoryKOBInfo& inventory) {
+    auto& value = section.In(inventory);
+    if constexpr (Section::isList) {
+      const int records = Number(5);
+      for (int i = 0; i < records; ++i) Add(value, i);
+    } else if constexpr (Section::kind == SectionKind::Location) {
+      value.latitude = Number(90'000'000) / 1e6;
+      value.longitude = Number(9'000'000) / 1e6;
+    } else {
+      Filler(Number(4) * 100).Fill(value);
+    }
+  }
+  template <class Section>
+  void Change(const Section& section, InventoryKOBInfo& inventory) {
+    auto& value = section.In(inventory);
+    if constexpr (Section::kind == SectionKind::Location) {
+      if (Chance(3)) value = {};
+      value.longitude += Number(30) / 1e6;
+    } else if constexpr (Section::isList) {
+      ChangeList(value);
+    } else {
+      Fill(section, inventory);
+    }
+  }
+  template <class List>
+  void ChangeList(List& records) {
+    using Record = typename List::value_type;
+    List result;
+    for (const auto& record : records) {
+      if (Chance(4)) continue;
+      result.push_back(Chance(3) ? ChangedOutsideKey(record) : record);
+    }
+    if (Chance(2)) Add(result, 5 + Number(3));
+    if (Chance(20) && !result.empty()) result.push_back(ChangedOutsideKey(result.front()));
+    if (Chance(20)) result.insert(result.end(), {Record(), ChangedOutsideKey(Record())});
+    if (Chance(8) && !result.empty()) std::rotate(result.begin(), ++result.begin(), result.end());
+    records = std::move(result);
+  }
+  template <class List>
+  void Add(List& records, int number) {
+    records.push_back(Numbered<typename List::value_type>(number + 1));
+    SetId(records.back());
+  }
+  void SetId(NetworkDriveInfo& drive) { drive.id = random_(); }
+  template <class Record>
+  void SetId(Record& /*hasNone*/) {}
+
+  std::mt19937 random_;
+};
+
+/// One way of an inventory to the server and what came of it there.
+struct Journey {
+  Json before;
+  Json after;   ///< what the machine has
+  Json merged;  ///< what the server has
+  bool sent;
+};
+
+std::vector<std::string> Sorted(const Json& records) {
+  std::vector<std::string> texts;
+  for (const Json& record : records) texts.push_back(record.dump());
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
+std::string IdentityOf(const MachineSection& section, const Json& record) {
+  std::string identity;
+  for (const auto& key : section.identity) identity += record[key].dump() + " ";
+  return identity;
+}
+bool IsEmpty(const std::string& identity) {
+  return identity.find_first_not_of("\"0 ") == std::string::npos;
+}
+
+std::set<std::string> Identities(const MachineSection& section, const Json& records) {
+  std::set<std::string> identities;
+  for (const Json& record : records) identities.insert(IdentityOf(section, record));
+  return identities;
+}
+
+/// Identities that several records of one inventory have.
+std::set<std::string> SharedIdentities(const MachineSection& section, const Journey& journey) {
+  std::set<std::string> shared;
+  for (const Json* document : {&journey.before, &journey.after}) {
+    std::set<std::string> seen;
+    for (const Json& record : (*document)[section.key]) {
+      const std::string identity = IdentityOf(section, record);
+      if (!seen.insert(identity).second) shared.insert(identity);
+    }
+  }
+  return shared;
+}
+
+Json Without(const std::set<std::string>& identities, const MachineSection& section,
+             const Json& records) {
+  Json others = Json::array();
+  for (const Json& record : records) {
+    if (!identities.count(IdentityOf(section, record))) others.push_back(record);
+  }
+  return others;
+}
+
+bool IsNear(const Json& left, const Json& right) {
+  return std::abs(left.get<double>() - right.get<double>()) < 2 * GeoLocationPoint::tolerance;
+}
+
+/// The name of what the format could not tell about a section; empty if all is told, "?" if the
+/// difference has no reason.
+std::string LossIn(const MachineSection& section, const Journey& journey) {
+  const Json& wanted = journey.after[section.key];
+  const Json& got = journey.merged[section.key];
+  if (wanted == got) return "";
+  if (section.kind == SectionKind::Device)
+    return journey.sent ? "?" : "a device that changed alone";
+  if (section.kind == SectionKind::Location) {
+    const bool near = !wanted.is_null() && !got.is_null() &&
+                      IsNear(wanted["longitude"], got["longitude"]) &&
+                      IsNear(wanted["latitude"], got["latitude"]);
+    return near ? "a location beyond its six digits" : "?";
+  }
+  if (!section.IsList()) return "?";
+  if (Sorted(wanted) == Sorted(got)) return "the order of records";
+  if (section.kind == SectionKind::ListOfUpdates) {
+    const bool sameSlots = Identities(section, wanted) == Identities(section, got);
+    if (!sameSlots) return "a memory slot that was added or removed";
+  }
+  const auto shared = SharedIdentities(section, journey);
+  const bool othersAreTold =
+      Sorted(Without(shared, section, wanted)) == Sorted(Without(shared, section, got));
+  if (shared.empty() || !othersAreTold) return "?";
+  return IsEmpty(*shared.begin()) ? "records without identity" : "records that share an identity";
+}
+
+bool IdsAreLost(const InventoryKOBInfo& after, const Json& merged) {
+  const auto stored = ReadBack<InventoryKOBInfo>(merged.dump());
+  return std::any_of(stored.networkDrives.begin(), stored.networkDrives.end(), [&](auto& drive) {
+    return std::none_of(after.networkDrives.begin(), after.networkDrives.end(),
+                        [&](auto& own) { return own.id == drive.id; });
+  });
+}
+
+/// First column of the table under a heading of a document.
+std::set<std::string> DocumentedLosses() {
+  std::ifstream file(NORVIK_SOURCE_DIR "/docs/documents.md");
+  std::set<std::string> names;
+  bool inside = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line.rfind("## ", 0) == 0) inside = line == "## What an incremental document cannot tell";
+    if (!inside || line.rfind("| ", 0) != 0 || line.rfind("| what", 0) == 0) continue;
+    names.insert(line.substr(2, line.find(" |", 2) - 2));
+  }
+  return names;
+}
+
+class ApplyIncrementTest : public testing::Test {
+ protected:
+  static std::string Changes(const std::string& before, const InventoryKOBInfo& after) {
+    KobIncrementalInventory comparison(
+        std::make_unique<InventoryKOBInfo>(ReadBack<InventoryKOBInfo>(before)),
+        std::make_unique<InventoryKOBInfo>(after));
+    return JsonText(*comparison.GenerateIncrementalInventoryKOB());
+  }
+  const ScopedLocale utf8{"C.UTF-8"};
+  const Tests::LogCapture log;
+};
+
+TEST_F(ApplyIncrementTest, AServerComesToWhatTheMachineHasButForTheKnownLosses) {
+  std::map<std::string, int> losses;
+  for (unsigned int seed = 0; seed < 100; ++seed) {
+    Life life(seed);
+    const InventoryKOBInfo before = life.Begin();
+    const InventoryKOBInfo after = life.GoOn(before);
+    const std::string text = JsonText(before);
+    const std::string changes = Changes(text, after);
+    const std::string merged = ApplyIncrement({"full", text}, {"changes", changes});
+    const Journey journey{Json::parse(text), Json::parse(JsonText(after)), Json::parse(merged),
+                          changes != "null"};
+    for (const MachineSection& section : MachineSections()) {
+      const std::string loss = LossIn(section, journey);
+      ASSERT_NE(loss, "?") << "seed " << seed << ": " << section.key << "\n"
+                           << journey.after[section.key] << "\n"
+                           << journey.merged[section.key];
+      if (!loss.empty()) ++losses[loss];
+    }
+    if (IdsAreLost(after, journey.merged)) ++losses["the id of a network drive"];
+  }
+  // A device alone changes too rarely by chance.
+  InventoryKOBInfo named;
+  named.device.name = "new";
+  const std::string changes = Changes(JsonText(InventoryKOBInfo()), named);
+  if (changes == "null") ++losses["a device that changed alone"];
+
+  std::set<std::string> found;
+  for (const auto& [name, count] : losses) {
+    std::cout << "lost: " << name << " (" << count << ")\n";
+    found.insert(name);
+  }
+  EXPECT_EQ(found, DocumentedLosses());
+}
+
+TEST_F(ApplyIncrementTest, NothingToApplyLeavesTheDocumentAsItIs) {
+  const std::string text = JsonText(FilledInventory());
+  EXPECT_EQ(ApplyIncrement({"full", text}, {"changes", "null"}), text);
+  EXPECT_EQ(DifferenceOf({"old", text}, {"new", text}), "null");
+}
+
+TEST_F(ApplyIncrementTest, TheDifferenceOfTwoDocumentsLeadsFromOneToTheOther) {
+  InventoryKOBInfo before = FilledInventory();
+  InventoryKOBInfo after = before;
+  after.printers.pop_front();
+  after.services.front().state = "Stopped";
+  after.device.name = "renamed";
+  after.location = {};
+  const NamedText old{"old", JsonText(before)};
+  const NamedText present{"new", JsonText(after)};
+  const NamedText changes{"changes", DifferenceOf(old, present)};
+  EXPECT_EQ(Json::parse(changes.text)["device"]["name"], "renamed");
+  EXPECT_EQ(ApplyIncrement(old, changes), present.text);
+}
+
+TEST_F(ApplyIncrementTest, DocumentsThatDoNotFitAreRefusedWithTheReason) {
+  const Json full = Json::parse(JsonText(FilledInventory()));
+  const auto fullWith = [&](const char* key, Json value) {
+    Json document = full;
+    document[key] = std::move(value);
+    return document.dump();
+  };
+  const auto changesWith = [&](const char* kind, Json sections) {
+    Json document = {{"create", nullptr}, {"delete", nullptr}, {"update", nullptr}};
+    document["device"] = full["device"];
+    document[kind] = std::move(sections);
+    return document.dump();
+  };
+  const Json known = full["printer"][0];
+  Json unknown = known;
+  unknown["name"] = "no such printer";
+  const std::string none = changesWith("create", nullptr);
+  const struct {
+    std::string full;
+    std::string changes;
+    const char* reason;
+  } rows[] = {
+      {"", none, "full: not JSON"},
+      {full.dump().substr(0, 99), none, "full: not JSON"},
+      {std::string(1 << 20, '['), none, "full: nests deeper"},
+      {"[]", none, "full: no full inventory: it is no object"},
+      {none, none, "full: no full inventory: it has no \"cdrom\""},
+      {fullWith("printer", "x"), none, "full: \"printer\" is no list of records"},
+      {fullWith("printer", {1}), none, "full: \"printer\" is no list of records"},
+      {fullWith("printer", {Json::object()}), none,
+       "full: a record of \"printer\" has no \"name\""},
+      {fullWith("os", nullptr), none, "full: \"os\" is no record"},
+      {full.dump(), full.dump(), "changes: no incremental inventory: it has no \"create\""},
+      {full.dump(), changesWith("device", {}), "changes: \"device\" is no record"},
+      {full.dump(), changesWith("create", 1), "changes: \"create\" is no object"},
+      {full.dump(), changesWith("create", {{"os", full["os"]}}), "unknown section \"os\""},
+      {full.dump(), changesWith("update", {{"x", {}}}), "unknown section \"x\""},
+      {full.dump(), changesWith("device", {{"guid", "b"}}),
+       "changes does not fit full: it is of the machine \"b\""},
+      {full.dump(), changesWith("create", {{"printer", {known}}}), "it creates what is there"},
+      {full.dump(), changesWith("update", {{"printer", {unknown}}}),
+       "it updates a record that is not there in \"printer\": {\"name\":\"no such printer\"}"},
+      {full.dump(), changesWith("delete", {{"printer", {unknown}}}),
+       "it deletes a record that is not there"},
+  };
+  for (const auto& row : rows) {
+    try {
+      ApplyIncrement({"full", row.full}, {"changes", row.changes});
+      ADD_FAILURE() << row.reason;
+    } catch (const DocumentError& error) {
+      EXPECT_THAT(error.what(), HasSubstr(row.reason));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Norvik::Documents
