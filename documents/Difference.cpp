@@ -1,30 +1,26 @@
 #include "documents/Difference.h"
 
-#include <boost/property_tree/json_parser.hpp>
 #include <memory>
 #include <sstream>
 
 #include "documents/MachineDocument.h"
+#include "module/Entities/InventoryReader.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 namespace Norvik::Documents {
 
 namespace {
 
-std::unique_ptr<KOB::InventoryKOBInfo> ReadInventory(const NamedText& document) {
-  ReadFullDocument(document);  // The tree below does not tell a text from a record.
+std::unique_ptr<KOB::InventoryKOBInfo> ReadChecked(const NamedText& document) {
+  ReadFullDocument(document);
   std::istringstream stream(document.text);
-  boost::property_tree::ptree tree;
-  read_json(stream, tree);
-  auto inventory = std::make_unique<KOB::InventoryKOBInfo>(tree);
-  inventory->device = KOB::DeviceInfo(tree.get_child("device"));
-  return inventory;
+  return KOB::ReadInventory(stream, document.name);
 }
 
 }  // namespace
 
 std::string DifferenceOf(const NamedText& oldDocument, const NamedText& newDocument) {
-  KOB::KobIncrementalInventory comparison(ReadInventory(oldDocument), ReadInventory(newDocument));
+  KOB::KobIncrementalInventory comparison(ReadChecked(oldDocument), ReadChecked(newDocument));
   return json::JSON(*comparison.GenerateIncrementalInventoryKOB()).strUgly();
 }
 

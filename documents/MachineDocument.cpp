@@ -1,25 +1,27 @@
 #include "documents/MachineDocument.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "documents/DocumentError.h"
 #include "documents/MachineSections.h"
-#include "json/Nesting.h"
 
 namespace Norvik::Documents {
 
 namespace {
 
+/// Values are written and freed by recursion: hostile text must not exhaust the stack.
+constexpr int MAX_NESTING = 64;
+
 Json Parse(const std::string& text) {
-  std::istringstream stream(text);
-  if (json::NestsDeeper(stream, json::MAX_NESTING)) {
-    throw DocumentError("nests deeper than any inventory");
-  }
+  const auto checkDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*value*/) {
+    if (depth > MAX_NESTING) throw DocumentError("nests deeper than any inventory");
+    return true;
+  };
   try {
-    return Json::parse(text);
+    return Json::parse(text, checkDepth);
   } catch (const Json::exception& error) {
-    throw DocumentError(std::string("not JSON: ") + error.what());
+    // The parser quotes the token it failed at, however long that is.
+    throw DocumentError("not JSON: " + std::string(error.what()).substr(0, 200));
   }
 }
 

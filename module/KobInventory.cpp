@@ -14,7 +14,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
-#include "json/Nesting.h"
+#include "module/Entities/InventoryReader.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 namespace Norvik::KOB {
@@ -51,20 +51,6 @@ std::unique_ptr<json::JSON> ToDocument(const Common::ISerializerJson& record) {
   }
 }
 
-/// Raises `json_parser_error` or another subclass of `std::exception`.
-std::unique_ptr<InventoryKOBInfo> ReadInventory(const std::string& document) {
-  using boost::property_tree::json_parser_error;
-  fs::ifstream stream(document);
-  if (json::NestsDeeper(stream, json::MAX_NESTING)) {
-    throw json_parser_error("the document nests too deep", document, 0);
-  }
-  stream.clear();
-  stream.seekg(0);
-  boost::property_tree::ptree tree;
-  boost::property_tree::read_json(stream, tree);
-  return std::make_unique<InventoryKOBInfo>(tree);
-}
-
 void LogFailure(bool done, const char* message, const fs::path& first, const fs::path& second) {
   if (!done) NORVIK_ERROR(boost::format(message) % first.string() % second.string());
 }
@@ -76,6 +62,19 @@ void CloseWhole(fs::ofstream& stream, const fs::path& file) {
   boost::system::error_code ignored;
   fs::remove(file, ignored);
   throw std::runtime_error("cannot write " + file.string());
+}
+
+/// @param write writes the content
+template <class Write>
+void WriteFile(const fs::path& file, Write write) {
+  fs::ofstream stream(file, std::ios::binary | std::ios::trunc);
+  if (!stream) {
+    NORVIK_ERROR("Failed to open the output file");
+    return;
+  }
+  write(stream);
+  CloseWhole(stream, file);
+  NORVIK_DETAIL("JSON data written to file successfully");
 }
 
 void DeleteUndelivered() {
@@ -140,7 +139,7 @@ bool KobInventory::ProcessInventoryData(const Path& document, const InventoryPoi
     NORVIK_ERROR("Failed to generate inventory data");
     return false;
   }
-  WriteJsonFile(*inventory, document);
+  WriteFile(document, [&](std::ostream& stream) { inventory->WriteTo(stream); });
   return true;
 }
 
@@ -171,7 +170,8 @@ bool KobInventory::CheckJsonFile(const Path& file) const {
 KobInventory::InventoryPointer KobInventory::GenerateIncrementalInventoryData(
     const std::string& previousDocument, InventoryPointer inventory) {
   NORVIK_SCOPE();
-  return KobIncrementalInventory(ReadInventory(previousDocument), std::move(inventory))
+  fs::ifstream stream(previousDocument);
+  return KobIncrementalInventory(ReadInventory(stream, previousDocument), std::move(inventory))
       .GenerateIncrementalInventoryKOB();
 }
 
@@ -200,14 +200,7 @@ void KobInventory::WriteJsonFile(const Common::ISerializerJson& record, const Pa
     hasChanges_ = false;
     return;
   }
-  fs::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  if (!stream) {
-    NORVIK_ERROR("Failed to open the output file");
-    return;
-  }
-  stream << document->strUgly();
-  CloseWhole(stream, file);
-  NORVIK_DETAIL("JSON data written to file successfully");
+  WriteFile(file, [&](std::ostream& stream) { stream << document->strUgly(); });
 }
 
 void KobInventory::RenameIncrementalJsonFile(const Path& from, const Path& to) const {

@@ -1,7 +1,9 @@
 #include "module/Entities/InventoryKOBInfo.h"
 
-#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
+#include <functional>
+#include <map>
+#include <ostream>
 
 #include "json/SerializerHelpers.h"
 #include "module/Entities/InventorySections.h"
@@ -28,39 +30,35 @@ json::JSON SectionToJson(const Section& section, const InventoryKOBInfo& invento
   return ToJson(value);
 }
 
-using boost::property_tree::ptree;
-
-bool IsEmpty(const ptree& node) {
-  return node.empty() && (node.data().empty() || node.data() == "null");
-}
-bool IsRecord(const ptree& node) {
-  return IsEmpty(node) || (!node.empty() && !node.front().first.empty());
-}
-bool IsListOfRecords(const ptree& node) {
-  return IsEmpty(node) || (!node.empty() && std::all_of(node.begin(), node.end(), [](auto& child) {
-           return child.first.empty() && IsRecord(child.second);
-         }));
+template <class List>
+void WriteList(const List& records, std::ostream& stream) {
+  const char* separator = "[";
+  for (const Common::ISerializerJson& record : records) {
+    stream << separator << static_cast<json::JSON>(record).strUgly();
+    separator = ",";
+  }
+  stream << (records.empty() ? "null" : "]");
 }
 
-/// The section's node. One of another kind would read as an empty section, and everything in it
-/// would be told as new.
-const ptree& NodeOf(const ptree& document, const char* key, bool isList) {
-  const ptree& node = document.get_child(key);
-  if (isList ? IsListOfRecords(node) : IsRecord(node)) return node;
-  throw boost::property_tree::ptree_bad_data(
-      std::string(key) + " is no " + (isList ? "list of records" : "record"), node.data());
+template <class Section>
+void WriteSection(const Section& section, const InventoryKOBInfo& inventory, std::ostream& stream) {
+  if constexpr (Section::isList) {
+    WriteList(section.In(inventory), stream);
+  } else {
+    stream << SectionToJson(section, inventory).strUgly();
+  }
 }
 
 }  // namespace
 
-InventoryKOBInfo::InventoryKOBInfo(const ptree& document) {
+InventoryKOBInfo::InventoryKOBInfo(const boost::property_tree::ptree& document) {
   ForEachSection([&](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
     using Value = typename Section::Value;
     if constexpr (Section::isList) {
-      section.In(*this) = LoadFromTree<Value>(NodeOf(document, section.key, true));
+      section.In(*this) = LoadFromTree<Value>(document.get_child(section.key));
     } else if constexpr (Section::kind != SectionKind::Device) {
-      section.In(*this) = Value(NodeOf(document, section.key, false));
+      section.In(*this) = Value(document.get_child(section.key));
     }
   });
 }
@@ -72,6 +70,20 @@ InventoryKOBInfo::operator json::JSON() const {
   ForEachSection(
       [&](const auto& section) { document[section.key] = SectionToJson(section, *this); });
   return document;
+}
+
+void InventoryKOBInfo::WriteTo(std::ostream& stream) const {
+  std::map<std::string, std::function<void()>> writers;  // in the order of a JSON object
+  ForEachSection([&](const auto& section) {
+    writers[section.key] = [&, section] { WriteSection(section, *this, stream); };
+  });
+  char separator = '{';
+  for (const auto& [key, write] : writers) {
+    stream << separator << '"' << key << "\":";
+    write();
+    separator = ',';
+  }
+  stream << '}';
 }
 
 }  // namespace Norvik::KOB

@@ -2,6 +2,7 @@
 
 #include <boost/optional.hpp>
 #include <boost/property_tree/ptree_fwd.hpp>
+#include <iosfwd>
 #include <list>
 #include <vector>
 
@@ -39,9 +40,8 @@ namespace Norvik::KOB {
 class InventoryKOBInfo : public Common::ISerializerJson {
  public:
   InventoryKOBInfo() = default;
-  /// From the root of a stored document. Raises `ptree_bad_path` if a section is missing and
-  /// `ptree_bad_data` if it is of the wrong kind; what is missing inside a section takes its
-  /// default. The device is not read.
+  /// From the root of a stored document. Raises `ptree_bad_path` if a section is missing; what is
+  /// missing inside a section takes its default. The device is not read.
   explicit InventoryKOBInfo(const boost::property_tree::ptree& document);
   InventoryKOBInfo(const InventoryKOBInfo&) = default;
   InventoryKOBInfo(InventoryKOBInfo&&) = default;
@@ -52,6 +52,9 @@ class InventoryKOBInfo : public Common::ISerializerJson {
 
   /// An object with a key for every section, null where there is nothing.
   operator json::JSON() const override;
+  /// Writes the text of that object, a record at a time: as one tree, a large inventory would take
+  /// several times the memory of its text.
+  void WriteTo(std::ostream& stream) const;
 
   std::list<CdromInfo> cdroms;
   ConfigurationInfo configuration;

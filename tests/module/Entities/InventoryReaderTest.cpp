@@ -1,0 +1,65 @@
+#include "module/Entities/InventoryReader.h"
+
+#include <boost/property_tree/json_parser.hpp>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "module/Inventories.h"
+
+namespace tests {
+
+using namespace Norvik::KOB;
+using boost::property_tree::json_parser_error;
+using boost::property_tree::ptree_bad_data;
+using boost::property_tree::ptree_bad_path;
+
+std::string ReadAndWritten(const std::string& text) {
+  std::istringstream stream(text);
+  std::ostringstream written;
+  ReadInventory(stream, "previous.jsonkob")->WriteTo(written);
+  return written.str();
+}
+
+TEST(InventoryReaderTest, ReadsWhatWasWrittenRecordByRecord) {
+  const ScopedLocale utf8("C.UTF-8");
+  InventoryKOBInfo withoutLists = FilledInventory();
+  withoutLists.software.clear();
+  withoutLists.location = {};
+  for (const auto& inventory : {InventoryKOBInfo(), FilledInventory(), withoutLists}) {
+    EXPECT_EQ(ReadAndWritten(JsonText(inventory)), JsonText(inventory));
+  }
+}
+
+TEST(InventoryReaderTest, RaisesWhatTheTreeOfTheDocumentWould) {
+  const nlohmann::json whole = nlohmann::json::parse(JsonText(InventoryKOBInfo()));
+  const auto with = [&](const char* key, const char* value) {
+    auto document = whole;
+    document[key] = nlohmann::json::parse(value);
+    return document.dump();
+  };
+  for (const char* text : {"", "{", "{\"cdrom\":[{", "garbage", "{}}", "{\"cdrom\":nul}"}) {
+    EXPECT_THROW(ReadAndWritten(text), json_parser_error) << text;
+  }
+  EXPECT_THROW(ReadAndWritten("{\"os\":{\"a\":" + std::string(1 << 20, '[')), json_parser_error);
+  for (const char* text : {"[]", "1", "null", "{}", "[{\"cdrom\":null}]"}) {
+    EXPECT_THROW(ReadAndWritten(text), ptree_bad_path) << text;
+  }
+  for (const auto& [key, section] : whole.items()) {
+    auto document = whole;
+    document.erase(key);
+    if (key == "device") {
+      EXPECT_NO_THROW(ReadAndWritten(document.dump()));
+    } else {
+      EXPECT_THROW(ReadAndWritten(document.dump()), ptree_bad_path) << key;
+    }
+  }
+  for (const char* value : {"1", "\"x\"", "true", "{\"name\":1}", "[1]", "[null]", "[[]]"}) {
+    EXPECT_THROW(ReadAndWritten(with("printer", value)), ptree_bad_data) << value;
+  }
+  for (const char* value : {"1", "\"x\"", "[]", "[{}]"}) {
+    EXPECT_THROW(ReadAndWritten(with("os", value)), ptree_bad_data) << value;
+  }
+  EXPECT_EQ(ReadAndWritten(with("novelty", "[[{\"a\":[1]}],2]")), whole.dump());
+}
+
+}  // namespace tests
