@@ -11,6 +11,7 @@
 #include "common/database/SQLiteNames.h"
 #include "host/DataFolder.h"
 #include "platform/ChildProcess.h"
+#include "support/SchemaCheck.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -125,6 +126,19 @@ TEST_F(AgentProgram, AnIncrementalInventoryFollowsATotalOne) {
   EXPECT_EQ(report["kind"] == "total", report["fallback"] != "");
   EXPECT_FALSE(report["statuses"].empty());
   EXPECT_EQ(report["statuses"].back()["status"], 2);
+}
+
+TEST_F(AgentProgram, TheDocumentsOfThisMachineFollowTheirSchemas) {
+  const auto take = [&](std::vector<std::string> words, const std::string& kind) {
+    words.insert(words.begin(), {"inventory", "--json"});
+    const Json report = RunWell(words).AsJson();
+    EXPECT_EQ(report["kind"], kind) << report;
+    return RunWell({"open", report["file"]}).output;
+  };
+  Tests::ExpectValid("inventory", take({}, "total"));
+  const auto other = WriteFile("other.json", R"({"profileId": 8})");
+  Tests::ExpectValid("incremental-inventory",
+                     take({"--incremental", "--config", other.string()}, "incremental"));
 }
 
 TEST_F(AgentProgram, StatusTellsWhatIsThereAndMakesNothing) {
