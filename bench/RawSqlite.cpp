@@ -15,7 +15,7 @@ constexpr char InsertText[] =
 // The settings of the agent's own connections.
 constexpr char Settings[] =
     "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; "
-    "PRAGMA journal_size_limit=4194304;";
+    "PRAGMA journal_size_limit=4194304; PRAGMA secure_delete=OFF;";
 
 void BindText(sqlite3_stmt* statement, int position, const std::string& text) {
   sqlite3_bind_text(statement, position, text.data(), static_cast<int>(text.size()), nullptr);

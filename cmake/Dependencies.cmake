@@ -6,6 +6,7 @@ find_path(SOCI_INCLUDE_DIR soci/soci.h REQUIRED)
 find_library(SOCI_CORE_LIBRARY soci_core REQUIRED)
 find_library(SOCI_SQLITE3_LIBRARY soci_sqlite3 REQUIRED)
 find_package(SQLite3 REQUIRED)
+find_package(EXPAT REQUIRED)
 find_package(spdlog REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(CLI11 REQUIRED)
@@ -28,7 +29,7 @@ target_link_libraries(norvik_soci INTERFACE
 add_library(norvik_apple INTERFACE)
 if(APPLE)
   target_link_libraries(norvik_apple INTERFACE "-framework IOKit" "-framework CoreFoundation"
-    "-framework Foundation" "-framework CoreLocation")
+    "-framework CoreServices" "-framework Foundation" "-framework CoreLocation")
 else()
   pkg_check_modules(libplist REQUIRED IMPORTED_TARGET libplist-2.0)
   target_include_directories(norvik_apple INTERFACE

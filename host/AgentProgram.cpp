@@ -7,6 +7,7 @@
 #include "host/HostError.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
+#include "host/machine/Recording.h"
 
 namespace Norvik::Host {
 
@@ -16,8 +17,8 @@ using Command = int (*)(const CommandLine&, std::ostream&, std::ostream&);
 
 const std::map<std::string, Command>& AllCommands() {
   static const std::map<std::string, Command> commands = {
-      {"inventory", RunInventory}, {"open", RunOpen},       {"apply", RunApply},
-      {"diff", RunDiff},           {"action", RunAction},   {"actions", RunActions},
+      {"inventory", RunInventory}, {"open", RunOpen},     {"apply", RunApply},
+      {"diff", RunDiff},           {"action", RunAction}, {"actions", RunActions},
       {"configure", RunConfigure}, {"status", RunStatus}};
   return commands;
 }
@@ -27,6 +28,7 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
     output << line.help;
     return EXIT_DONE;
   }
+  const auto machine = UseRecordedMachine(line.machine);
   return AllCommands().at(line.command)(line, output, errors);
 }
 

@@ -7,6 +7,7 @@
 #include "host/DataFolder.h"
 #include "host/HostError.h"
 #include "host/ModuleLoader.h"
+#include "host/machine/Recording.h"
 
 namespace Norvik::Host {
 
@@ -17,6 +18,7 @@ struct Texts {
   std::string data;
   std::string configuration;
   std::string module;
+  std::string machine;
   std::string file;
   std::string secondFile;
   std::string outputFile;
@@ -37,6 +39,11 @@ void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
   program.add_option("--module", texts.module, "the module to load")
       ->check(NotEmpty)
       ->type_name("FILE");
+  if (HasRecordedMachines()) {
+    program.add_option("--machine", texts.machine, "have a recorded Mac stand for this machine")
+        ->check(NotEmpty)
+        ->type_name("FOLDER");
+  }
   program.add_flag("--user-process", line.agent.userProcess, "be the agent of a user");
   program.add_flag("--json", line.json, "answer in JSON");
 }
@@ -88,6 +95,7 @@ void Take(const Texts& texts, CommandLine& line) {
   line.agent.dataFolder = texts.data.empty() ? DefaultDataFolder() : texts.data;
   line.agent.configurationFile = texts.configuration;
   line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
+  line.machine = texts.machine;
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;

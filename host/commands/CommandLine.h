@@ -13,6 +13,7 @@ struct CommandLine {
   std::string command;  ///< empty: only `help` is to be shown
   std::string help;
   AgentOptions agent;
+  boost::filesystem::path machine;  ///< recording that stands for this machine; empty: none
   bool json = false;
   // Of single commands.
   bool incremental = false;

@@ -1,45 +1,23 @@
 #include "host/machine/RegistryMac.h"
 
-#include <CoreFoundation/CoreFoundation.h>
-#include <IOKit/IOKitLib.h>
-
-#include <memory>
-#include <type_traits>
+#include "platform/ScopedHandle.h"
 
 namespace Norvik::Host {
 
 namespace {
 
-struct Releaser {
-  void operator()(const void* object) const { CFRelease(object); }
-};
-template <class Reference>
-using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releaser>;
+using Platform::CfRef;
+using Platform::IoObject;
 
-class Service {
- public:
-  /// The call takes over the matching dictionary. Port 0 is the default one in every release.
-  explicit Service(const char* serviceClass)
-      : object_(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(serviceClass))) {}
-  Service(const Service&) = delete;
-  Service& operator=(const Service&) = delete;
-  ~Service() {
-    if (object_ != IO_OBJECT_NULL) IOObjectRelease(object_);
-  }
-
-  /// Null if there is no service or property.
-  Owned<CFTypeRef> Property(const char* name) const {
-    if (object_ == IO_OBJECT_NULL) return nullptr;
-    const Owned<CFStringRef> key(
-        CFStringCreateWithCString(kCFAllocatorDefault, name, kCFStringEncodingUTF8));
-    if (!key) return nullptr;
-    return Owned<CFTypeRef>(
-        IORegistryEntryCreateCFProperty(object_, key.get(), kCFAllocatorDefault, 0));
-  }
-
- private:
-  const io_service_t object_;
-};
+/// Null if there is no service or property.
+CfRef<CFTypeRef> Property(const IoObject& service, const char* name) {
+  if (!service) return {};
+  const CfRef<CFStringRef> key(
+      CFStringCreateWithCString(kCFAllocatorDefault, name, kCFStringEncodingUTF8));
+  if (!key) return {};
+  return CfRef<CFTypeRef>(
+      IORegistryEntryCreateCFProperty(service.Get(), key.Get(), kCFAllocatorDefault, 0));
+}
 
 std::string TextOf(CFStringRef text) {
   const CFIndex size =
@@ -57,11 +35,14 @@ std::string BytesOf(CFDataRef data) {
 }  // namespace
 
 std::string RegistryProperty(const char* serviceClass, const char* property) {
-  const auto value = Service(serviceClass).Property(property);
+  // The call takes over the matching dictionary. Port 0 is the default one in every release.
+  const IoObject service(
+      IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(serviceClass)));
+  const auto value = Property(service, property);
   if (!value) return {};
-  const CFTypeID type = CFGetTypeID(value.get());
-  if (type == CFStringGetTypeID()) return TextOf(static_cast<CFStringRef>(value.get()));
-  if (type == CFDataGetTypeID()) return BytesOf(static_cast<CFDataRef>(value.get()));
+  const CFTypeID type = CFGetTypeID(value.Get());
+  if (type == CFStringGetTypeID()) return TextOf(static_cast<CFStringRef>(value.Get()));
+  if (type == CFDataGetTypeID()) return BytesOf(static_cast<CFDataRef>(value.Get()));
   return {};
 }
 

@@ -4,6 +4,7 @@
 #include "host/machine/GatherLinux.h"
 #include "host/machine/SmbiosFacts.h"
 #include "host/machine/SmbiosNames.h"
+#include "platform/RecordedMachine.h"
 
 namespace Norvik::Host {
 
@@ -24,6 +25,10 @@ void Complete(wxString& text, const SystemFiles& files, const char* name) {
 }  // namespace
 
 std::shared_ptr<SmBios> ReadSmBios() {
+  if (Platform::IsMachineRecorded()) {
+    const Platform::SmBiosBytes recorded = Platform::RecordedSmBios();
+    return MakeSmBios(recorded.entryPoint, recorded.table);
+  }
   const SystemFiles files;
   const std::string folder = "/sys/firmware/dmi/tables/";
   return MakeSmBios(files.Bytes(folder + "smbios_entry_point"), files.Bytes(folder + "DMI"));

@@ -7,10 +7,11 @@
 
 namespace Norvik::KOB {
 
-/// Slots of the board of a machine without an SMBIOS table.
+/// A machine without an SMBIOS table tells of no slots: deliberately nothing is added, a security
+/// chip neither.
 class AlternativeBoardSlotsSection final : public Common::ISection<std::list<SmbSystemSlotInfo>> {
  public:
-  void GetInfo(std::list<SmbSystemSlotInfo>& /*result*/) override {}  // Nothing is collected yet.
+  void GetInfo(std::list<SmbSystemSlotInfo>& /*result*/) override {}
 };
 
 }  // namespace Norvik::KOB

@@ -9,11 +9,12 @@
 
 namespace Norvik::KOB {
 
-/// Firmware, from the SMBIOS table.
+/// Firmware, from the first structure of the SMBIOS table that names a vendor or, without one, the
+/// last. Raises `std::bad_weak_ptr` if the reader of the table has gone.
 class BiosSection final : public Common::ISection<SmBiosInfo> {
  public:
   explicit BiosSection(std::weak_ptr<Common::SmBios> smBios) : smBios_(std::move(smBios)) {}
-  void GetInfo(SmBiosInfo& /*result*/) override {}  // Nothing is collected yet.
+  void GetInfo(SmBiosInfo& result) override;
 
  private:
   std::weak_ptr<Common::SmBios> smBios_;

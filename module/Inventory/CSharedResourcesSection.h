@@ -1,16 +1,25 @@
 #pragma once
 
+#include <functional>
 #include <list>
+#include <string>
 
 #include "common/inventory/ISection.h"
 #include "module/Entities/SharedResourceInfo.h"
 
 namespace Norvik::KOB {
 
-/// Folders that the machine shares.
+/// Folders that the machine shares. Leaves the files "/tmp/shareList" and "/tmp/propertyShare".
 class CSharedResourcesSection final : public Common::ISection<std::list<SharedResourceInfo>> {
  public:
-  void GetInfo(std::list<SharedResourceInfo>& /*result*/) override {}  // Nothing is collected yet.
+  void GetInfo(std::list<SharedResourceInfo>& result) override;
 };
+
+using PropertiesOfShare = std::function<std::string(const std::string& name)>;
+
+/// The shares of a list of names, one a line. `propertiesOf` is asked for each line, also an empty
+/// one, which is no share.
+std::list<SharedResourceInfo> ReadShares(const std::string& names,
+                                         const PropertiesOfShare& propertiesOf);
 
 }  // namespace Norvik::KOB

@@ -7,10 +7,14 @@
 
 namespace Norvik::KOB {
 
-/// Devices on the USB buses.
+/// Where another system would list its classes of devices.
+inline constexpr char SYS_CLASSES_PATH[] = "/sys/class";
+
+/// Devices of the first USB bus, without those behind a hub. Leaves the file "temp" in the working
+/// directory, and reads the one that is there if it cannot be written.
 class HardwareSection final : public Common::ISection<std::list<HardwareInfo>> {
  public:
-  void GetInfo(std::list<HardwareInfo>& /*result*/) override {}  // Nothing is collected yet.
+  void GetInfo(std::list<HardwareInfo>& result) override;
 };
 
 }  // namespace Norvik::KOB

@@ -1,16 +1,28 @@
 #pragma once
 
 #include <list>
+#include <string>
 
 #include "common/inventory/ISection.h"
 #include "module/Entities/KeyboardInfo.h"
 
 namespace Norvik::KOB {
 
-/// Keyboards.
+/// Keyboards, out of the reports of the USB and Bluetooth buses. All of them get the layout that
+/// the user has chosen. A source that fails is logged, and the next one is asked.
 class KeyboardSection final : public Common::ISection<std::list<KeyboardInfo>> {
  public:
-  void GetInfo(std::list<KeyboardInfo>& /*result*/) override {}  // Nothing is collected yet.
+  void GetInfo(std::list<KeyboardInfo>& result) override;
+
+  /// Keyboards one level below a bus: neither those of the bus itself nor those behind a hub.
+  void GetUSBInfo(std::list<KeyboardInfo>& result);
+  void GetBluetoothInfo(std::list<KeyboardInfo>& result);
+  void GetSPIInfo(std::list<KeyboardInfo>& result);
+  /// Name of the chosen layout in UTF-8; empty if the user has none.
+  std::string GetLayout();
 };
+
+/// The layout in what `defaults` prints of the input sources; empty without one.
+std::string ReadKeyboardLayout(const std::string& inputSources);
 
 }  // namespace Norvik::KOB

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "common/log/Logger.h"
 #include "common/text/Text.h"
 
 namespace Norvik::KOB {
@@ -19,6 +20,7 @@ wxString TextOf(const char* text) {
 }  // namespace
 
 void LocalUsersSection::GetInfo(std::list<LocalUserInfo>& result) {
+  NORVIK_SCOPE();
   LocalUserInfo info;
   GetLocalUsers(info);
   GetLocalGroups(info);

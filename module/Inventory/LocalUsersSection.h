@@ -13,7 +13,6 @@ class LocalUsersSection final : public Common::ISection<std::list<LocalUserInfo>
  public:
   void GetInfo(std::list<LocalUserInfo>& result) override;
 
- private:
   void GetLocalUsers(LocalUserInfo& info);
   void GetLocalGroups(LocalUserInfo& info);
 };

@@ -1,7 +1,6 @@
 #include "module/Inventory/PrintersSection.h"
 
-#include <wx/tokenzr.h>
-
+#include <algorithm>
 #include <fstream>
 #include <string>
 
@@ -15,14 +14,44 @@ namespace {
 
 constexpr char PRINTERS_FILE[] = "/etc/cups/printers.conf";
 
-/// Calls `read` with the words of each line that is neither empty nor a comment.
+wxString TextOf(const std::string& word) { return Common::WxStringFromStdString(word); }
+
+/// The words of a line, split as wxStringTokenizer does by default: with a delimiter that is no
+/// white space, there is an empty word between two delimiters. Unlike there, the time does not grow
+/// with the square of the line.
+class LineWords {
+ public:
+  LineWords(const std::string& line, const char* delimiters, bool keepEmpty)
+      : line_(line),
+        delimiters_(delimiters),
+        keepEmpty_(keepEmpty),
+        end_(line.find_last_not_of(delimiters) + 1) {}
+
+  bool HasMore() const { return at_ < end_; }
+  /// Empty behind the last word.
+  std::string Next() {
+    if (!HasMore()) return {};
+    if (!keepEmpty_) at_ = line_.find_first_not_of(delimiters_, at_);
+    const std::size_t begin = at_;
+    const std::size_t end = std::min(line_.find_first_of(delimiters_, begin), line_.size());
+    at_ = end + 1;
+    return line_.substr(begin, end - begin);
+  }
+
+ private:
+  const std::string& line_;
+  const char* delimiters_;
+  bool keepEmpty_;
+  std::size_t end_;  ///< of the last word
+  std::size_t at_ = 0;
+};
+
+/// Calls `read` with each line that is neither empty nor a comment.
 template <class Read>
-void ForEachLine(std::istream& stream, const char* delimiters, Read read) {
+void ForEachLine(std::istream& stream, Read read) {
   std::string line;
   while (std::getline(stream, line)) {
-    if (line.empty() || line.front() == '#') continue;
-    wxStringTokenizer words(Common::WxStringFromStdString(line), delimiters);
-    read(words);
+    if (!line.empty() && line.front() != '#') read(line);
   }
 }
 
@@ -32,23 +61,24 @@ class PrintersReader {
   PrintersReader(const DriverOfPrinter& driverOf, std::list<PrinterInfo>& printers)
       : driverOf_(driverOf), printers_(printers) {}
 
-  void ReadLine(wxStringTokenizer& words) {
-    while (words.HasMoreTokens()) ReadWord(words.GetNextToken(), words);
+  void ReadLine(const std::string& line) {
+    LineWords words(line, "\n\r >", true);
+    while (words.HasMore()) ReadWord(words.Next(), words);
   }
 
  private:
-  void ReadWord(const wxString& word, wxStringTokenizer& rest) {
+  void ReadWord(const std::string& word, LineWords& rest) {
     if (word == "<Printer" || word == "<DefaultPrinter") {
       current_ = PrinterInfo();
-      current_.name = rest.GetNextToken();
+      current_.name = TextOf(rest.Next());
       current_.driverName = driverOf_(current_.name);
     } else if (word == "DeviceURI") {
-      current_.port = rest.GetNextToken();
+      current_.port = TextOf(rest.Next());
     } else if (word == "Info") {
       // Deliberately a blank before the first word as well: the server knows it so.
-      while (rest.HasMoreTokens()) current_.description += " " + rest.GetNextToken();
+      while (rest.HasMore()) current_.description += " " + TextOf(rest.Next());
     } else if (word == "MakeModel") {
-      current_.manufacturer = rest.GetNextToken();
+      current_.manufacturer = TextOf(rest.Next());
     } else if (word == "</Printer" || word == "</DefaultPrinter") {
       printers_.push_back(current_);
     }
@@ -65,16 +95,17 @@ std::list<PrinterInfo> ReadPrintersConfiguration(std::istream& configuration,
                                                  const DriverOfPrinter& driverOf) {
   std::list<PrinterInfo> printers;
   PrintersReader reader(driverOf, printers);
-  ForEachLine(configuration, "\n\r >", [&](wxStringTokenizer& words) { reader.ReadLine(words); });
+  ForEachLine(configuration, [&](const std::string& line) { reader.ReadLine(line); });
   return printers;
 }
 
 wxString ReadDriverName(std::istream& description) {
   wxString driver;
-  ForEachLine(description, " \t\r\n", [&](wxStringTokenizer& words) {
-    while (words.HasMoreTokens()) {
-      if (!words.GetNextToken().Contains("PCFileName")) continue;
-      driver = words.GetNextToken();
+  ForEachLine(description, [&](const std::string& line) {
+    LineWords words(line, " \t\r\n", false);
+    while (words.HasMore()) {
+      if (words.Next().find("PCFileName") == std::string::npos) continue;
+      driver = TextOf(words.Next());
       driver.Replace("\"", "");
     }
   });
@@ -82,6 +113,7 @@ wxString ReadDriverName(std::istream& description) {
 }
 
 void PrintersSection::GetInfo(std::list<PrinterInfo>& result) {
+  NORVIK_SCOPE();
   std::ifstream configuration(Platform::MachinePath(PRINTERS_FILE));
   if (!configuration) {
     NORVIK_INFORMATION("/etc/cups/printers.conf not found");

@@ -10,6 +10,7 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/identification/HostInfoProvider.h"
+#include "common/log/Logger.h"
 #include "common/text/Text.h"
 
 namespace Norvik::KOB {
@@ -55,6 +56,7 @@ void SetVirtualization(const std::string& features, SystemInfo& result) {
 }  // namespace
 
 void SystemSection::GetInfo(SystemInfo& result) {
+  NORVIK_SCOPE();
   result.hostName = WxStringFromStdString(Common::HostInfoProvider::GetHostName());
   result.collectionTime = system_clock::to_time_t(system_clock::now());
   result.domain = OutputOf(DOMAIN_COMMAND);

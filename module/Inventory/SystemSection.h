@@ -10,8 +10,7 @@ namespace Norvik::KOB {
 class SystemSection final : public Common::ISection<SystemInfo> {
  public:
   void GetInfo(SystemInfo& result) override;
-
- private:
+  /// The user of the newest record of logins; left as it is if there is none.
   void SetUserName(SystemInfo& result);
 };
 

@@ -141,6 +141,25 @@ TEST_F(AgentProgram, TheDocumentsOfThisMachineFollowTheirSchemas) {
                      take({"--incremental", "--config", other.string()}, "incremental"));
 }
 
+TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
+  const std::string sealed = RunWell({"inventory", "--json"}).AsJson()["file"];
+  const Json before = Json::parse(RunWell({"open", sealed}).output);
+  Json after = before;
+  after["agentConfiguration"]["profileId"] = 8;
+  const std::string plain = WriteFile("after.json", after.dump()).string();
+  EXPECT_EQ(RunWell({"diff", sealed, sealed}).output, "null\n");
+
+  const std::string changes = (folder_ / "changes.json").string();
+  EXPECT_THAT(RunWell({"diff", sealed, plain, "--output", changes}).output, IsEmpty());
+  EXPECT_EQ(Json::parse(Content(changes))["update"].size(), 1u);
+  EXPECT_EQ(Json::parse(RunWell({"apply", sealed, changes}).output), after);
+
+  const std::string target = (folder_ / "merged.json").string();
+  ExpectRefusal({"apply", changes, sealed, "--output", target}, 1, "no full inventory");
+  ExpectRefusal({"diff", sealed, (folder_ / "none").string(), "--output", target}, 1, "none");
+  EXPECT_FALSE(fs::exists(target));
+}
+
 TEST_F(AgentProgram, StatusTellsWhatIsThereAndMakesNothing) {
   const Json before = RunWell({"status", "--json"}).AsJson();
   EXPECT_FALSE(fs::exists(Data()));

@@ -50,6 +50,16 @@ class KobInventoryTest : public testing::Test {
   fs::path PreviousDocument() const { return host.Previous() / DocumentName(); }
   fs::path WorkingDocument() const { return host.Work() / DocumentName(); }
 
+  /// Errors that were logged behind the collectors: what these miss is not this machine's fault.
+  std::vector<std::string> Complaints() const {
+    std::vector<std::string> texts;
+    for (const auto& line : log->Lines()) {
+      if (line.text.rfind("Retrieving ", 0) == 0) texts.clear();
+      if (line.level == 2) texts.push_back(line.text);
+    }
+    return texts;
+  }
+
   /// The section names of the log, in order.
   static std::string Retrieved(const LogCapture& capture) {
     std::string names;
@@ -137,7 +147,7 @@ TEST_F(KobInventoryTest, AUselessPreviousDocumentGivesATotalInventoryInsteadAndI
     WriteFile(host.Outbox() / "older.jsonkob", "undelivered");
     host.pipeline->calls.clear();
     Run(true);
-    EXPECT_THAT(log->Texts(2), ElementsAre(HasSubstr(row.complaint)));
+    EXPECT_THAT(Complaints(), ElementsAre(HasSubstr(row.complaint)));
     EXPECT_TRUE(log->Holds(3, FALLBACK));
     EXPECT_THAT(host.pipeline->calls, ElementsAreArray(TOTAL_STEPS));
     EXPECT_THAT(NamesIn(host.Outbox()), ElementsAre(DocumentName()));
@@ -155,7 +165,7 @@ TEST_F(KobInventoryTest, APreviousDocumentThatCannotBeAskedForIsNoBase) {
 TEST_F(KobInventoryTest, AMachineWithoutChangesSendsATotalInventory) {
   Run(false);
   Run(true);
-  EXPECT_THAT(log->Texts(2), IsEmpty());
+  EXPECT_THAT(Complaints(), IsEmpty());
   EXPECT_TRUE(log->Holds(4, "No new updates. KOB incremental inventory will not be sent"));
   EXPECT_TRUE(log->Holds(3, FALLBACK));
   EXPECT_EQ(host.pipeline->calls.back(), "move total");
@@ -219,7 +229,7 @@ TEST_F(KobInventoryTest, AFullDiskEndsTheRunBeforeAnythingIsReplaced) {
   WriteFile(PreviousDocument(), "older");
   fs::create_symlink("/dev/full", WorkingDocument());
   Run(false);
-  EXPECT_THAT(log->Texts(2),
+  EXPECT_THAT(Complaints(),
               ElementsAre(HasSubstr("Unable to generate kob inventory: cannot write ")));
   EXPECT_FALSE(log->Holds(5, WRITTEN));
   EXPECT_THAT(host.pipeline->calls, IsEmpty());
@@ -241,7 +251,7 @@ TEST_F(KobInventoryTest, ADocumentThatCannotBeOpenedOrAFolderThatCannotBeMadeIsL
   WriteFile(host.Folder() / "work", "in the way");
   host.pipeline->calls.clear();
   Run(false);
-  EXPECT_THAT(log->Texts(2), ElementsAre(HasSubstr("Unable to generate kob inventory: ")));
+  EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("Unable to generate kob inventory: ")));
   EXPECT_THAT(host.pipeline->calls, IsEmpty());
 }
 

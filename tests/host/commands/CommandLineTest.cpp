@@ -54,12 +54,14 @@ TEST(CommandLine, WrongUseIsToldOnOneLineWithTheOption) {
     std::vector<std::string> arguments;
     const char* error;
   } cases[] = {
-      {{}, "a command is wanted; the commands are inventory, open, action, actions"},
+      {{}, "a command is wanted; the commands are inventory, open, apply, diff, action"},
       {{"inventry"}, "unknown command inventry; the commands are inventory"},
       {{"inventory", "--full"}, "--full"},
       {{"inventory", "extra"}, "extra"},
       {{"open"}, "FILE"},
       {{"open", ""}, "FILE"},
+      {{"apply", "full.json"}, "INCREMENTAL"},
+      {{"diff", "old.json", "new.json", "--output", ""}, "--output"},
       {{"action"}, "ACTION"},
       {{"configure"}, "FILE"},
       {{"status", "--data"}, "--data"},

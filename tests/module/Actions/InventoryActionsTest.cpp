@@ -138,16 +138,5 @@ TEST(InventoryActions, AUsersProcessDoesNotAskForTheAgentsIdentity) {
   EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre("7", "2"));
 }
 
-TEST_F(InventoryActionsTest, AFileInventoryIsRefusedOpenly) {
-  for (const unsigned int code : {1047U, 1037U, 1038U, 1041U}) {
-    module.Run(code);
-    EXPECT_THAT(Statuses(), ElementsAre("8 The file inventory is not part of this build")) << code;
-  }
-  module.Run(1060);
-  EXPECT_THAT(Statuses(), IsEmpty());
-  EXPECT_THAT(host.log.Texts(3), testing::SizeIs(5));
-  EXPECT_THAT(host.actions->Texts(), IsEmpty());
-}
-
 }  // namespace
 }  // namespace Norvik::KOB

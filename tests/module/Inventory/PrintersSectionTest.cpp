@@ -55,6 +55,8 @@ const struct {
     {"Info", "", "", ""},
     {"Info a  b\nDeviceURI  usb://x", " a  b", "", ""},  // two blanks hold an empty word
     {"MakeModel A DeviceURI u", "", "u", "A"},           // the rest is walked on
+    {"DeviceURI\xFF MakeModel \xFF", "", "", ""},        // no UTF-8
+    {"Attribute m Info x\nInfo", " x", "", ""},
     {"DeviceURI", "", "", ""},
 };
 
@@ -72,6 +74,12 @@ TEST(PrintersConfiguration, IsReadWordByWord) {
   }
 }
 
+TEST(PrintersConfiguration, IsReadInTimeThatGrowsWithItsSize) {
+  const std::string blanks(1000000, ' ');
+  EXPECT_THAT(Read("<Printer p>\n" + blanks + "DeviceURI u\n</Printer>" + blanks + "\n"),
+              ElementsAre("p||u|D:p|"));
+}
+
 TEST(DriverName, IsTheLastPcFileName) {
   const std::pair<const char*, const char*> cases[] = {
       {"*PCFileName: \"HPLJ4.PPD\"\n", "HPLJ4.PPD"},
@@ -82,6 +90,7 @@ TEST(DriverName, IsTheLastPcFileName) {
       {"x\tPCFileName\t\"TAB.PPD\"\r\n", "TAB.PPD"},
       {"*PCFileName: A\"B\"C\n", "ABC"},
       {"*pcfilename: \"A.PPD\"\n", ""},
+      {"*PPD-Adobe: \"4.3\"\r# old\r*PCFileName: \"CR.PPD\"\r*End\r", "CR.PPD"},
       {"", ""},
   };
   for (const auto& [text, driver] : cases) {

@@ -1,42 +1,20 @@
 #include "module/Inventory/SystemSection.h"
 
 #include <gmock/gmock.h>
-#include <stdlib.h>
 #include <utmpx.h>
 
-#include <boost/filesystem/operations.hpp>
 #include <cstring>
 
 #include "common/identification/HostInfoProvider.h"
 #include "common/text/Text.h"
 #include "support/FakeHost.h"
 #include "support/Files.h"
+#include "support/Programs.h"
 
 namespace Norvik::KOB {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
-
-/// A folder of programs that comes first in PATH.
-class Programs {
- public:
-  Programs() : path_(::getenv("PATH")) {
-    ::setenv("PATH", (folder_.Path().string() + ":" + path_).c_str(), 1);
-  }
-  ~Programs() { ::setenv("PATH", path_.c_str(), 1); }
-  Programs(const Programs&) = delete;
-  Programs& operator=(const Programs&) = delete;
-
-  void Add(const std::string& name, const std::string& script) {
-    WriteFile(folder_ / name, "#!/bin/sh\n" + script);
-    fs::permissions(folder_ / name, fs::owner_all);
-  }
-
- private:
-  TemporaryFolder folder_;
-  std::string path_;
-};
 
 class SystemSectionTest : public testing::Test {
  protected:

@@ -1,0 +1,23 @@
+#include <boost/property_tree/ptree.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "Quiet.h"
+#include "common/mac/MacXMLToJSONParser.h"
+
+/// A report of a tool. Whatever it holds, reading it does not raise, and what is found in the tree
+/// is in the tree.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Norvik::Fuzz::Quiet quiet;
+  const std::string text(data, data + size);
+  for (const char* const path : {"plist.array", "plist"}) {
+    boost::property_tree::ptree tree;
+    Norvik::Common::MacXMLToJSONParser parser(text, tree);
+    parser.Parse(path);
+    if (tree.size() > 1) std::abort();
+    parser.SearchNode(tree, "system-firmware-version");
+  }
+  return 0;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+
+#include "common/log/Logger.h"
+
+namespace Norvik::Fuzz {
+
+/// Keeps the log of the code under test off the screen, from its construction on.
+struct Quiet {
+  Quiet() { Common::Logger::SetInstance(std::make_shared<Sink>()); }
+
+ private:
+  struct Sink final : Common::Logger {
+    void Log(Level, const std::string&, const char*, int, const char*) override {}
+  };
+};
+
+}  // namespace Norvik::Fuzz

@@ -1,0 +1,92 @@
+#include "module/Inventory/ServicesSection.h"
+
+#include <libproc.h>
+#include <wx/dir.h>
+#include <wx/log.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <queue>
+#include <utility>
+#include <vector>
+
+#include "common/text/Text.h"
+#include "platform/MachinePath.h"
+#include "platform/PropertyListFile.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+constexpr const char* DAEMON_FOLDERS[] = {"/System/Library/LaunchDaemons",
+                                          "/Library/LaunchDaemons"};
+constexpr int FILES_WITHOUT_LINKS = wxDIR_FILES | wxDIR_NO_FOLLOW;
+constexpr std::uint32_t PATH_SIZE = 4096;
+
+std::string FileName(const wxString& path) {
+  const wxCharBuffer bytes = path.mb_str(*wxConvFileName);
+  return bytes.data() ? bytes.data() : "";
+}
+
+std::vector<wxString> NamesIn(const wxString& folder) {
+  const wxLogNull quiet;  // a folder that is not there is no fault
+  std::vector<wxString> names;
+  const wxDir directory(folder);
+  wxString name;
+  // Asked first, since a search in a folder that could not be opened is a fault in itself.
+  bool found = directory.IsOpened() && directory.GetFirst(&name, "", FILES_WITHOUT_LINKS);
+  for (; found; found = directory.GetNext(&name)) names.push_back(name);
+  return names;
+}
+
+std::string CommandOf(const Platform::PropertyListFile& file) {
+  std::string command = file.Text("Program");
+  if (command.empty() && file.Has("ProgramArguments")) command = file.FirstText("ProgramArguments");
+  return command;
+}
+
+}  // namespace
+
+void ServicesSection::GetInfo(std::list<ServiceInfo>& result) {
+  FindProcesses();
+  std::queue<wxString> folders;
+  for (const char* const folder : DAEMON_FOLDERS) folders.push(folder);
+  for (; !folders.empty(); folders.pop()) {
+    const wxString folder =
+        Common::WxStringFromStdString(Platform::MachinePath(Common::ToUtf8(folders.front())));
+    for (const wxString& name : NamesIn(folder)) {
+      // Deliberately anywhere in the name, so that a copy that was set aside is listed as well.
+      if (name.rfind(".plist") != wxString::npos) ParsePList(result, folder + "/" + name);
+    }
+  }
+}
+
+void ServicesSection::FindProcesses() {
+  // Deliberately the answer, which is in bytes, as a count of entries: what is too much stays zero
+  // and leaves room for processes that have just begun.
+  const int count = std::max(::proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0), 0);
+  std::vector<std::int32_t> processes(static_cast<std::size_t>(count), 0);
+  ::proc_listpids(PROC_ALL_PIDS, 0, processes.data(), count * static_cast<int>(sizeof(int)));
+  for (const std::int32_t process : processes) {
+    if (process == 0) continue;
+    char path[PATH_SIZE] = {};
+    ::proc_pidpath(process, path, PATH_SIZE);
+    if (path[0] != '\0') processOfProgram_[path] = process;
+  }
+}
+
+void ServicesSection::ParsePList(std::list<ServiceInfo>& result, const wxString& path) {
+  const Platform::PropertyListFile file(FileName(path));
+  const std::string command = CommandOf(file);
+  ServiceInfo service;
+  service.name = Common::WxStringFromStdString(file.Text("Label"));
+  service.displayName = service.name;
+  service.command = Common::WxStringFromStdString(command);
+  // Deliberately by the key alone: a "Disabled" of false reads as disabled, as the server knows it.
+  service.startupMode = file.Has("Disabled") ? "Disabled" : "Enabled";
+  service.state = processOfProgram_.count(command) > 0 ? "Running" : "Stopped";
+  if (!service.name.empty()) result.push_back(std::move(service));
+}
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace Norvik::KOB {
+
+/// Runs a line through the shell, for a tool that writes a file: what becomes of it shows there.
+void RunToFile(const std::string& command);
+
+/// The whole of a file; empty if it cannot be opened.
+std::string ReadToolFile(const char* path);
+
+}  // namespace Norvik::KOB

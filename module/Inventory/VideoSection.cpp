@@ -1,0 +1,153 @@
+#include "module/Inventory/VideoSection.h"
+
+#include <boost/format.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "common/commands/CommandRunner.h"
+#include "common/log/Logger.h"
+#include "common/mac/AppleFundation.h"
+#include "common/text/Text.h"
+#include "platform/ScopedHandle.h"
+#include "platform/SystemLog.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+using Common::AppleFundation;
+using Platform::CfRef;
+using Platform::IoObject;
+
+constexpr char ACCELERATOR_CLASS[] = "IOAccelerator";
+constexpr char VENDOR_COMMAND[] =
+    R"(system_profiler SPDisplaysDataType | grep -i "Vendor" | awk -F ':' '{print $2;exit}')";
+constexpr char CHIPSET_COMMAND[] =
+    R"(system_profiler SPDisplaysDataType | grep -i "Chipset Model" )"
+    R"(| awk -F ':' '{print $2;exit}')";
+constexpr char BIOS_VERSION_COMMAND[] =
+    R"(system_profiler SPHardwareDataType | grep -i "Version" | awk -F ':' '{print $2;exit}')";
+constexpr char DRIVER_VERSION_COMMAND[] =
+    R"(system_profiler SPHardwareDataType | grep -i "EFI Driver Version" )"
+    R"(| awk -F ':' '{print $2;exit}')";
+
+constexpr double UTILIZATION_PER_PERCENT = 10'000'000.0;
+constexpr double PERCENT = 100.0;
+
+wxString OutputOf(const char* command) {
+  return Common::WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
+}
+
+/// Null if the entry is none or has no properties.
+CfRef<CFDictionaryRef> PropertiesOf(const IoObject& entry) {
+  CFMutableDictionaryRef properties = nullptr;
+  if (entry && IORegistryEntryCreateCFProperties(entry.Get(), &properties, kCFAllocatorDefault,
+                                                 0) == KERN_SUCCESS) {
+    return CfRef<CFDictionaryRef>(properties);
+  }
+  return {};
+}
+
+/// None if the machine has no accelerator.
+IoObject Accelerators() {
+  IoObject iterator;
+  const CFMutableDictionaryRef matching = IOServiceMatching(ACCELERATOR_CLASS);
+  if (matching) IOServiceGetMatchingServices(kIOMasterPortDefault, matching, iterator.Out());
+  return iterator;
+}
+
+/// What accelerator and parent tell of themselves; false if the record is to be left out.
+bool ReadDevice(const IoObject& accelerator, VideoInfo& video) {
+  CfRef<CFDictionaryRef> properties = PropertiesOf(accelerator);
+  if (!properties) return false;
+  const auto text = [&properties](const char* key) {
+    return AppleFundation::GetCFDictionaryStringProperty(properties.Ref(), key);
+  };
+  video.size = AppleFundation::GetCFDictionaryIntergerProperty(properties.Ref(), "VRAM,totalMB")
+               << 20;
+  video.driverName = text("CFBundleIdentifier");
+  video.dac = text("IOProviderClass");
+
+  IoObject parent;
+  IORegistryEntryGetParentEntry(accelerator.Get(), kIOServicePlane, parent.Out());
+  properties = PropertiesOf(parent);
+  video.chipset = video.name = text("model");
+  video.manufacturer = text("vendor-id");
+  return video.driverName != "com.unknown.bundle" && video.chipset != "Unknown Unknown";
+}
+
+/// Each report is run again for every accelerator: no collector keeps what a tool printed.
+void AskTools(VideoInfo& video) {
+  if (video.manufacturer.empty()) video.manufacturer = OutputOf(VENDOR_COMMAND);
+  if (video.chipset.empty()) video.chipset = video.name = OutputOf(CHIPSET_COMMAND);
+  video.date = 0;
+  video.versionBios = OutputOf(BIOS_VERSION_COMMAND);
+  video.version = OutputOf(DRIVER_VERSION_COMMAND);
+}
+
+/// None if the key is absent or holds no number.
+std::optional<double> NumberOf(CFDictionaryRef dictionary, const char* key) {
+  const CfRef<CFStringRef> name(
+      CFStringCreateWithCString(kCFAllocatorDefault, key, kCFStringEncodingUTF8));
+  const CFTypeRef value = CFDictionaryGetValue(dictionary, name.Get());
+  if (!value || CFGetTypeID(value) != CFNumberGetTypeID()) return {};
+  std::int64_t number = 0;
+  CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &number);
+  return static_cast<double>(number);
+}
+
+void DisplayStatistics(CFDictionaryRef statistics) {
+  const auto utilization = NumberOf(statistics, "GPU Core Utilization");
+  const auto free = NumberOf(statistics, "vramFreeBytes");
+  const auto used = NumberOf(statistics, "vramUsedBytes");
+  if (!utilization || !free || !used) return;
+  const double memory = *used / (*free + *used) * PERCENT;
+  Platform::WriteSystemLog((boost::format("GPU: %.3f%% VRAM: %.3f%%") %
+                            (*utilization / UTILIZATION_PER_PERCENT) % memory)
+                               .str());
+}
+
+}  // namespace
+
+void VideoSection::GetInfo(std::list<VideoInfo>& result) {
+  const IoObject accelerators = Accelerators();
+  if (!accelerators) return;
+  while (const IoObject accelerator{IOIteratorNext(accelerators.Get())}) {
+    VideoInfo video;
+    if (!ReadDevice(accelerator, video)) continue;
+    AskTools(video);
+    result.push_back(std::move(video));
+  }
+}
+
+void GetGPUList(unsigned int& parent, std::list<unsigned int>& out) {
+  NORVIK_SCOPE();
+  displayGraphicsInfo();
+  IoObject iterator;
+  if (parent != IO_OBJECT_NULL) {
+    IORegistryEntryGetChildIterator(parent, kIOServicePlane, iterator.Out());
+  }
+  // Deliberately in the place of the parent's children: all accelerators are wanted.
+  iterator = Accelerators();
+  if (!iterator) return;
+  while (const io_object_t accelerator = IOIteratorNext(iterator.Get())) {
+    out.push_back(accelerator);
+  }
+}
+
+void displayGraphicsInfo() {
+  const CfRef<CFStringRef> key(CFStringCreateWithCString(
+      kCFAllocatorDefault, "PerformanceStatistics", kCFStringEncodingUTF8));
+  const IoObject accelerators = Accelerators();
+  if (!accelerators) return;
+  while (const IoObject accelerator{IOIteratorNext(accelerators.Get())}) {
+    const CfRef<CFTypeRef> statistics(
+        IORegistryEntryCreateCFProperty(accelerator.Get(), key.Get(), kCFAllocatorDefault, 0));
+    if (!statistics || CFGetTypeID(statistics.Get()) != CFDictionaryGetTypeID()) continue;
+    DisplayStatistics(static_cast<CFDictionaryRef>(statistics.Get()));
+  }
+}
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,104 @@
+#include "platform/RecordedMachine.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
+#include <stdexcept>
+#include <system_error>
+
+#include "platform/MachinePath.h"
+#include "platform/compat/PropertyListReader.h"
+#include "platform/compat/Recording.h"
+
+namespace Norvik::Platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Recording {
+  std::mutex mutex;
+  std::string folder;  ///< empty: none is in force
+  std::shared_ptr<const Registry> registry;
+};
+
+Recording& Current() {
+  static Recording recording;
+  return recording;
+}
+
+std::string FolderOf(const std::string& text) {
+  std::error_code error;
+  const fs::path folder = fs::canonical(text, error);
+  if (error || !fs::is_directory(folder, error)) {
+    throw std::runtime_error("there is no folder " + text);
+  }
+  return folder.string();
+}
+
+void Replace(const std::string& folder) {
+  Recording& recording = Current();
+  const std::lock_guard lock(recording.mutex);
+  recording.folder = folder;
+  recording.registry.reset();
+}
+
+}  // namespace
+
+RecordedMachine::RecordedMachine(const std::string& folder) {
+  if (IsMachineRecorded()) throw std::runtime_error("a recorded machine is in force already");
+  const std::string real = FolderOf(folder);
+  const char* const path = ::getenv("PATH");
+  hadPath_ = path != nullptr;
+  previousPath_ = hadPath_ ? path : "";
+  ::setenv("PATH", (real + "/bin:/usr/bin:/bin").c_str(), 1);
+  SetMachineRoot(real + "/root");
+  Replace(real);
+}
+
+RecordedMachine::~RecordedMachine() {
+  Replace("");
+  SetMachineRoot("");
+  if (hadPath_) {
+    ::setenv("PATH", previousPath_.c_str(), 1);
+  } else {
+    ::unsetenv("PATH");
+  }
+}
+
+bool IsMachineRecorded() { return !RecordingFile("").empty(); }
+
+SmBiosBytes RecordedSmBios() {
+  const std::string bytes = ReadFileBytes(RecordingFile("smbios.bin"));
+  const bool isLong = bytes.compare(0, 5, "_SM3_") == 0;
+  const std::size_t shortest = isLong ? 0x18 : 0x1f;
+  if (bytes.size() < shortest) return {};
+  const auto length = static_cast<unsigned char>(bytes[isLong ? 6 : 5]);
+  std::uint32_t address = 0;
+  std::memcpy(&address, bytes.data() + (isLong ? 0x10 : 0x18), sizeof(address));
+  const bool isInside = address >= length && address < bytes.size();
+  const std::size_t begin = isInside ? address : std::min<std::size_t>(length, bytes.size());
+  return {bytes.substr(0, length), bytes.substr(begin)};
+}
+
+std::shared_ptr<const Registry> CurrentRegistry() {
+  const std::string file = RecordingFile("ioregistry.plist");
+  Recording& recording = Current();
+  const std::lock_guard lock(recording.mutex);
+  if (!recording.registry) {
+    recording.registry = std::make_shared<const Registry>(ReadFileBytes(file));
+  }
+  return recording.registry;
+}
+
+std::string RecordingFile(const std::string& name) {
+  Recording& recording = Current();
+  const std::lock_guard lock(recording.mutex);
+  return recording.folder.empty() ? std::string() : recording.folder + "/" + name;
+}
+
+}  // namespace Norvik::Platform

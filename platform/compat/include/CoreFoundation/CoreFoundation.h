@@ -1,0 +1,82 @@
+#pragma once
+
+// Core Foundation as far as it is called here, for systems that have none.
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned char Boolean;
+typedef uint8_t UInt8;
+typedef int32_t SInt32;
+typedef uint32_t UInt32;
+typedef long CFIndex;
+typedef unsigned long CFTypeID;
+typedef unsigned long CFOptionFlags;
+typedef uint32_t CFStringEncoding;
+typedef CFIndex CFNumberType;
+typedef CFIndex CFPropertyListFormat;
+typedef CFIndex CFURLPathStyle;
+
+typedef const void* CFTypeRef;
+typedef CFTypeRef CFPropertyListRef;
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFData* CFDataRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+typedef struct __CFDictionary* CFMutableDictionaryRef;
+typedef struct __CFError* CFErrorRef;
+typedef const struct __CFNumber* CFNumberRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFURL* CFURLRef;
+
+enum { kCFStringEncodingUTF8 = 0x08000100 };
+enum { kCFNumberSInt64Type = 4 };
+enum { kCFPropertyListImmutable = 0 };
+enum { kCFURLPOSIXPathStyle = 0 };
+
+extern const CFAllocatorRef kCFAllocatorDefault;
+
+CFTypeRef CFRetain(CFTypeRef object);
+void CFRelease(CFTypeRef object);
+CFTypeID CFGetTypeID(CFTypeRef object);
+
+CFTypeID CFDataGetTypeID(void);
+CFTypeID CFDictionaryGetTypeID(void);
+CFTypeID CFNumberGetTypeID(void);
+CFTypeID CFStringGetTypeID(void);
+
+CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
+                                      CFStringEncoding encoding);
+/// In UTF-16 units.
+CFIndex CFStringGetLength(CFStringRef string);
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
+/// False if text and NUL do not fit.
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding);
+
+/// False if the value does not fit into the type; what is nearest is stored then.
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+
+CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
+const UInt8* CFDataGetBytePtr(CFDataRef data);
+CFIndex CFDataGetLength(CFDataRef data);
+
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
+/// Null if the key is absent. The value belongs to the dictionary.
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
+
+CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path,
+                                       CFURLPathStyle style, Boolean isFolder);
+/// False if path and NUL do not fit.
+Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve, UInt8* buffer,
+                                         CFIndex size);
+
+CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
+                                               CFOptionFlags options, CFPropertyListFormat* format,
+                                               CFErrorRef* error);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,50 @@
+#pragma once
+
+// Apple Events as macOS sends them, as far as they are sent here. Elsewhere nobody receives them:
+// sending is refused with `procNotFound`.
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef int16_t OSErr;
+typedef int32_t OSStatus;
+typedef uint32_t DescType;
+typedef uint32_t AEEventClass;
+typedef uint32_t AEEventID;
+typedef int16_t AEReturnID;
+typedef int32_t AETransactionID;
+typedef int32_t AESendMode;
+typedef long Size;
+
+typedef struct OpaqueAEDataStorageType* AEDataStorageType;
+typedef AEDataStorageType* AEDataStorage;
+
+typedef struct AEDesc {
+  DescType descriptorType;
+  AEDataStorage dataHandle;
+} AEDesc;
+typedef AEDesc AEAddressDesc;
+typedef AEDesc AppleEvent;
+
+enum { noErr = 0, procNotFound = -600, memFullErr = -108 };
+enum { kAutoGenerateReturnID = -1, kAnyTransactionID = 0 };
+enum { kAENoReply = 0x00000001 };
+enum { kAEDefaultTimeout = -1 };
+
+// What a call makes belongs to the caller, who gives it to `AEDisposeDesc`.
+
+OSErr AECreateDesc(DescType typeCode, const void* dataPtr, Size dataSize, AEDesc* result);
+OSErr AECreateAppleEvent(AEEventClass theAEEventClass, AEEventID theAEEventID,
+                         const AEAddressDesc* target, AEReturnID returnID,
+                         AETransactionID transactionID, AppleEvent* result);
+OSStatus AESendMessage(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
+                       long timeOutInTicks);
+/// A descriptor without data is passed over.
+OSErr AEDisposeDesc(AEDesc* theAEDesc);
+
+#ifdef __cplusplus
+}
+#endif

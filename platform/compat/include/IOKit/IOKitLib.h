@@ -1,0 +1,66 @@
+#pragma once
+
+// The I/O Kit's library as far as it is called here, for systems that have none. A recording of a
+// Mac's registry answers; without one there is no service.
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef int kern_return_t;
+typedef int boolean_t;
+typedef unsigned int mach_port_t;
+typedef kern_return_t IOReturn;
+typedef UInt32 IOOptionBits;
+typedef mach_port_t io_object_t;
+typedef io_object_t io_iterator_t;
+typedef io_object_t io_registry_entry_t;
+typedef io_object_t io_service_t;
+typedef char io_name_t[128];
+
+enum { kIORegistryIterateRecursively = 0x00000001 };
+
+#define KERN_SUCCESS 0
+#define MACH_PORT_NULL 0
+#define IO_OBJECT_NULL ((io_object_t)0)
+#define kIOReturnSuccess KERN_SUCCESS
+#define kIOReturnBadArgument ((IOReturn)0xe00002c2)
+#define kIOReturnNoDevice ((IOReturn)0xe00002c0)
+#define kIOServicePlane "IOService"
+#define kIOProviderClassKey "IOProviderClass"
+
+extern const mach_port_t kIOMasterPortDefault;
+
+kern_return_t IOMasterPort(mach_port_t bootstrapPort, mach_port_t* masterPort);
+
+CFMutableDictionaryRef IOServiceMatching(const char* name);
+/// Takes over one reference to the matching dictionary, as does the next.
+io_service_t IOServiceGetMatchingService(mach_port_t masterPort, CFDictionaryRef matching);
+kern_return_t IOServiceGetMatchingServices(mach_port_t masterPort, CFDictionaryRef matching,
+                                           io_iterator_t* existing);
+
+io_object_t IOIteratorNext(io_iterator_t iterator);
+kern_return_t IOObjectRelease(io_object_t object);
+boolean_t IOObjectConformsTo(io_object_t object, const io_name_t className);
+
+kern_return_t IORegistryEntryGetName(io_registry_entry_t entry, io_name_t name);
+CFTypeRef IORegistryEntryCreateCFProperty(io_registry_entry_t entry, CFStringRef key,
+                                          CFAllocatorRef allocator, IOOptionBits options);
+kern_return_t IORegistryEntryCreateCFProperties(io_registry_entry_t entry,
+                                                CFMutableDictionaryRef* properties,
+                                                CFAllocatorRef allocator, IOOptionBits options);
+kern_return_t IORegistryEntryGetParentEntry(io_registry_entry_t entry, const io_name_t plane,
+                                            io_registry_entry_t* parent);
+kern_return_t IORegistryEntryGetChildEntry(io_registry_entry_t entry, const io_name_t plane,
+                                           io_registry_entry_t* child);
+kern_return_t IORegistryEntryGetChildIterator(io_registry_entry_t entry, const io_name_t plane,
+                                              io_iterator_t* iterator);
+kern_return_t IORegistryEntryCreateIterator(io_registry_entry_t entry, const io_name_t plane,
+                                            IOOptionBits options, io_iterator_t* iterator);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,58 @@
+#import <CoreLocation/CoreLocation.h>
+#import <Foundation/Foundation.h>
+
+#include "platform/Location.h"
+
+namespace Norvik::Platform {
+
+struct LocationService::Implementation {
+  /// The manager keeps no reference to it. It answers nothing: positions are asked for.
+  NSObject* delegate = nil;
+  CLLocationManager* manager = nil;
+};
+
+bool LocationService::IsEnabled() {
+  @autoreleasepool {
+    return [CLLocationManager locationServicesEnabled];
+  }
+}
+
+LocationService::LocationService() : implementation_(std::make_unique<Implementation>()) {
+  @autoreleasepool {
+    implementation_->delegate = [[NSObject alloc] init];
+    implementation_->manager = [[CLLocationManager alloc] init];
+  }
+}
+
+LocationService::~LocationService() {
+  @autoreleasepool {
+    implementation_.reset();
+  }
+}
+
+void LocationService::Start() {
+  @autoreleasepool {
+    CLLocationManager* const manager = implementation_->manager;
+    [manager setDelegate:static_cast<id<CLLocationManagerDelegate>>(implementation_->delegate)];
+    [manager setDesiredAccuracy:kCLLocationAccuracyBest];
+    [manager startUpdatingLocation];
+  }
+}
+
+std::optional<LocationFix> LocationService::CurrentFix() const {
+  @autoreleasepool {
+    CLLocation* const location = [implementation_->manager location];
+    if (!location) return {};
+    const CLLocationCoordinate2D coordinate = [location coordinate];
+    return LocationFix{coordinate.latitude, coordinate.longitude, [location altitude],
+                       [location speed]};
+  }
+}
+
+void LocationService::Stop() {
+  @autoreleasepool {
+    [implementation_->manager stopUpdatingLocation];
+  }
+}
+
+}  // namespace Norvik::Platform

@@ -1,0 +1,95 @@
+#include "common/mac/AppleFundation.h"
+
+#include <gtest/gtest.h>
+
+#include "common/text/Text.h"
+#include "platform/ScopedHandle.h"
+#include "platform/compat/LiveObjects.h"
+#include "support/MacRecording.h"
+
+namespace {
+
+using namespace Norvik::Tests;
+using Norvik::Common::AppleFundation;
+using Norvik::Common::ToUtf8;
+using Norvik::Platform::CfRef;
+using Norvik::Platform::CountLiveObjects;
+using Norvik::Platform::IoObject;
+using Norvik::Platform::LiveObjects;
+
+CfRef<CFPropertyListRef> ReadFile(const boost::filesystem::path& path) {
+  const CfRef<CFStringRef> text(
+      CFStringCreateWithCString(kCFAllocatorDefault, path.c_str(), kCFStringEncodingUTF8));
+  const CfRef<CFURLRef> url(
+      CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.Get(), kCFURLPOSIXPathStyle, false));
+  return CfRef<CFPropertyListRef>(AppleFundation::CreateMyPropertyListFromFile(url.Get()));
+}
+
+TEST(AppleFundation, ReadsTextsAndNumbersOfAFile) {
+  MacRecording files;
+  files.Add("a.plist", PropertyList(Dictionary({{"Größe", Text("groß")},
+                                                {"size", "<integer>8000000000</integer>"},
+                                                {"below", "<integer>-1</integer>"},
+                                                {"real", "<real>2.5</real>"},
+                                                {"data", "<data>AAEC</data>"},
+                                                {"on", "<true/>"}})));
+  {
+    const auto list = ReadFile(files.Path() / "a.plist");
+    ASSERT_TRUE(list);
+    auto root = static_cast<CFDictionaryRef>(list.Get());
+    CFDictionaryRef none = nullptr;
+    const struct {
+      CFDictionaryRef dictionary;
+      const char* key;
+      const char* text;
+      unsigned long long number;
+    } cases[] = {
+        {root, "Größe", "groß", 0}, {root, "size", "", 8000000000}, {root, "below", "", ~0ULL},
+        {root, "real", "", 2},      {root, "data", "", 0},          {root, "on", "", 0},
+        {root, "absent", "", 0},    {none, "size", "", 0},
+    };
+    for (auto row : cases) {
+      EXPECT_EQ(ToUtf8(AppleFundation::GetCFDictionaryStringProperty(row.dictionary, row.key)),
+                row.text)
+          << row.key;
+      EXPECT_EQ(AppleFundation::GetCFDictionaryIntergerProperty(row.dictionary, row.key),
+                row.number)
+          << row.key;
+    }
+  }
+  for (const char* const name : {"absent.plist", ".", "empty.plist"}) {
+    EXPECT_FALSE(ReadFile(files.Add("empty.plist", "").Path() / name)) << name;
+  }
+  EXPECT_FALSE(AppleFundation::CreateMyPropertyListFromFile(nullptr));
+  EXPECT_EQ(CountLiveObjects(), LiveObjects());
+}
+
+TEST(AppleFundation, FindsTheFirstOfAClassBelowAnEntry) {
+  const Keys derived = {{"IORegistryEntryName", Text("third")},
+                        {"IOObjectInherits", Array({Text("Wanted")})}};
+  MacRecording recording;
+  recording.AddRegistry(
+      Entry("Root", {},
+            {Entry("A", {}, {Entry("B", {}, {Entry("Wanted", {{"n", Text("1")}})})}),
+             Entry("Wanted", {}), Entry("C", {}, {Entry("Derived", derived)})}));
+  recording.PutInForce();
+  const auto found = [](const char* below, const char* className) -> std::string {
+    IoObject entry(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(below)));
+    const IoObject child(AppleFundation::FindRecursiveChildren(entry.Ref(), className));
+    if (!child) return "none";
+    IoObject parent;
+    IORegistryEntryGetParentEntry(child.Get(), kIOServicePlane, parent.Out());
+    io_name_t name = "";
+    IORegistryEntryGetName(parent.Get(), name);
+    return name;
+  };
+  EXPECT_EQ(found("Root", "Wanted"), "B");
+  EXPECT_EQ(found("C", "Wanted"), "C");
+  EXPECT_EQ(found("B", "A"), "none");
+  EXPECT_EQ(found("Wanted", "Wanted"), "none");
+  EXPECT_EQ(found("Nowhere", "Wanted"), "none");
+  recording.End();
+  EXPECT_EQ(CountLiveObjects(), LiveObjects());
+}
+
+}  // namespace
