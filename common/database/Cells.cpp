@@ -36,6 +36,22 @@ V2::DataBaseValue ReadStored(sqlite_api::sqlite3_stmt* statement, int column) {
   }
 }
 
+void ReadText(sqlite_api::sqlite3_stmt* statement, int column, V2::DataBaseValue& cell) {
+  auto* const former = boost::get<std::string>(&cell);
+  if (former == nullptr) {
+    cell = ReadCellAsText(statement, column);
+    return;
+  }
+  // The size comes first: many cells of a file inventory are empty.
+  const int size = sqlite_api::sqlite3_column_bytes(statement, column);
+  if (size == 0) {
+    former->clear();
+    return;
+  }
+  const auto* const text = sqlite_api::sqlite3_column_text(statement, column);
+  former->assign(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+}
+
 }  // namespace
 
 CellKind KindOfDeclaredType(const char* declaredType) {
@@ -64,20 +80,25 @@ std::string ReadCellAsText(sqlite_api::sqlite3_stmt* statement, int column) {
   return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }
 
-V2::DataBaseValue ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind) {
+void ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind,
+              V2::DataBaseValue& cell) {
   switch (kind) {
     case CellKind::Integer:
-      return sqlite_api::sqlite3_column_int(statement, column);
+      cell = sqlite_api::sqlite3_column_int(statement, column);
+      break;
     case CellKind::BigInteger:
-      return static_cast<long long>(sqlite_api::sqlite3_column_int64(statement, column));
+      cell = static_cast<long long>(sqlite_api::sqlite3_column_int64(statement, column));
+      break;
     case CellKind::Text:
-      return ReadCellAsText(statement, column);
+      ReadText(statement, column, cell);
+      break;
     case CellKind::Real:
-      return sqlite_api::sqlite3_column_double(statement, column);
+      cell = sqlite_api::sqlite3_column_double(statement, column);
+      break;
     case CellKind::Stored:
+      cell = ReadStored(statement, column);
       break;
   }
-  return ReadStored(statement, column);
 }
 
 }  // namespace Norvik::Common

@@ -18,8 +18,10 @@ CellKind KindOfDeclaredType(const char* declaredType);
 /// The kinds of the columns of the row that the statement stands on.
 std::vector<CellKind> KindsOfColumns(sqlite_api::sqlite3_stmt* statement);
 
-/// A cell of the row that the statement stands on. An `Integer` keeps the low 32 bits.
-V2::DataBaseValue ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind);
+/// Reads a cell of the row that the statement stands on, a text into the memory of the one before.
+/// An `Integer` keeps the low 32 bits.
+void ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind,
+              V2::DataBaseValue& cell);
 std::string ReadCellAsText(sqlite_api::sqlite3_stmt* statement, int column);
 
 }  // namespace Norvik::Common

@@ -73,6 +73,12 @@ DataBaseRows DataBase::ExecuteSentence(const std::string& sentence,
   return statement.Run(values);
 }
 
+void DataBase::VisitRows(const std::string& sentence, const RowVisitor& visit) {
+  Statement& statement = state_->Prepared(sentence);
+  if (statement.Writes()) state_->EnsureTransaction();
+  statement.Visit({}, visit);
+}
+
 void DataBase::Commit() {
   if (!state_->writing) return;
   state_->RequireTransaction();

@@ -2,6 +2,7 @@
 
 #include <boost/optional.hpp>
 #include <boost/variant.hpp>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@ using DataBaseValue =
     boost::variant<int, unsigned int, long long, unsigned long long, std::string, double, long>;
 using DataBaseRow = std::vector<DataBaseValue>;
 using DataBaseRows = std::vector<DataBaseRow>;
+using RowVisitor = std::function<void(DataBaseRow&)>;
 
 /// A batch of statements on the agent database, on a connection of its own. The first statement
 /// that writes opens a transaction; `Commit` ends it; without `Commit` the destructor rolls back.
@@ -37,6 +39,9 @@ class NORVIK_COMMON_API DataBase {
   /// zero or empty value.
   DataBaseRows ExecuteSentence(const std::string& sentence,
                                const std::vector<DataBaseValue>& values = {});
+  /// The same for a result that is too large to be held: the visitor gets each row before the next
+  /// is read, and may take its texts. It must not use this object.
+  void VisitRows(const std::string& sentence, const RowVisitor& visit);
   void Commit();
 
   static bool ExistTable(const std::string& name);

@@ -3,6 +3,7 @@
 #include <locale>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "common/database/Cells.h"
 
@@ -109,20 +110,26 @@ bool Statement::Step() {
 }
 
 V2::DataBaseRows Statement::Run(const std::vector<V2::DataBaseValue>& values) {
+  V2::DataBaseRows rows;
+  Visit(values, [&rows](V2::DataBaseRow& row) { rows.push_back(std::move(row)); });
+  return rows;
+}
+
+void Statement::Visit(const std::vector<V2::DataBaseValue>& values, const V2::RowVisitor& visit) {
   const ResetAtEnd reset(handle_.get());
   Bind(values);
-  V2::DataBaseRows rows;
-  std::vector<CellKind> kinds;
-  while (Step()) {
-    // Not before the first step: it prepares the text anew if the schema has changed.
-    if (rows.empty()) kinds = KindsOfColumns(handle_.get());
-    auto& row = rows.emplace_back();
-    row.reserve(kinds.size());
-    for (const CellKind kind : kinds) {
-      row.push_back(ReadCell(handle_.get(), static_cast<int>(row.size()), kind));
+  if (!Step()) return;
+  // Not before the first step: it prepares the text anew if the schema has changed.
+  const std::vector<CellKind> kinds = KindsOfColumns(handle_.get());
+  // The row is kept from step to step for the memory of its texts.
+  V2::DataBaseRow row;
+  do {
+    row.resize(kinds.size());
+    for (std::size_t column = 0; column < kinds.size(); ++column) {
+      ReadCell(handle_.get(), static_cast<int>(column), kinds[column], row[column]);
     }
-  }
-  return rows;
+    visit(row);
+  } while (Step());
 }
 
 std::unique_ptr<DbResponseTable> Statement::RunAsTable(

@@ -23,6 +23,8 @@ class Statement {
 
   /// Raises `std::out_of_range` if the text has a placeholder beyond the values.
   V2::DataBaseRows Run(const std::vector<V2::DataBaseValue>& values);
+  /// Hands each row over; raises also what the visitor raises.
+  void Visit(const std::vector<V2::DataBaseValue>& values, const V2::RowVisitor& visit);
   /// The result with every cell as text; null if it has no row.
   std::unique_ptr<DbResponseTable> RunAsTable(const std::vector<V2::DataBaseValue>& values);
 

@@ -11,6 +11,7 @@
 #include "module/Actions/NetworkDrivesActions.h"
 #include "module/ConfigurationText.h"
 #include "module/KobInventory.h"
+#include "module/RUD/RudInventoryV2.h"
 
 namespace Norvik::KOB {
 
@@ -22,7 +23,6 @@ using std::chrono::system_clock;
 
 constexpr char INCREMENTAL_PARAMETER[] = "kobIncremental";
 constexpr char ALREADY_RUNNING[] = "KOB Inventory already running";
-constexpr char NO_FILE_INVENTORY[] = "The file inventory is not part of this build";
 
 }  // namespace
 
@@ -44,6 +44,8 @@ InventoryActions::InventoryActions(std::weak_ptr<Common::ModuleDependencies> dep
   Common::ActionParameters none;
   OnSaveOperatingSystemType(none);
 }
+
+InventoryActions::~InventoryActions() = default;
 
 void InventoryActions::RegisterHandlers(Common::HandlerMap& handlers) {
   const auto serve = [&](ActionCodes code, auto handler) {
@@ -131,37 +133,6 @@ Common::ActionResponse InventoryActions::OnSaveOperatingSystemType(Common::Actio
   const auto first =
       std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();
   data.SetString(Common::OPERATING_SYSTEM_AGENT_DATA, Common::ToUtf8(first.operatingSystemType));
-  return {};
-}
-
-Common::ActionResponse InventoryActions::RefuseFileInventory(Common::ActionParameters& parameters) {
-  NORVIK_WARNING(NO_FILE_INVENTORY);
-  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, NO_FILE_INVENTORY);
-  return {};
-}
-
-Common::ActionResponse InventoryActions::OnRUDInventoryV2(Common::ActionParameters& parameters) {
-  return RefuseFileInventory(parameters);
-}
-
-Common::ActionResponse InventoryActions::OnRUDInventoryOnDemandV2(
-    Common::ActionParameters& parameters) {
-  return RefuseFileInventory(parameters);
-}
-
-Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalOnDemandV2(
-    Common::ActionParameters& parameters) {
-  return RefuseFileInventory(parameters);
-}
-
-Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalV2(
-    Common::ActionParameters& parameters) {
-  return RefuseFileInventory(parameters);
-}
-
-Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParameters&) {
-  // The second half of a request; only the first half answers for a task.
-  NORVIK_WARNING(NO_FILE_INVENTORY);
   return {};
 }
 

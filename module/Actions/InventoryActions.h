@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/filesystem/path.hpp>
 #include <boost/optional.hpp>
 #include <cstdint>
 #include <memory>
@@ -8,18 +9,27 @@
 #include <vector>
 
 #include "common/action/ActionPerformerBase.h"
+#include "module/RUD/ConfigScan.h"
 
 namespace Norvik::KOB {
 
-/// Runs the inventories. One machine inventory at a time: a request during a run is refused, not
-/// queued. What a run inside reports to nobody, the handlers cannot tell either: a run that left
-/// no file still counts as done.
+namespace V2 {
+class RudInventory;
+}
+
+/// Runs the inventories. One machine inventory and one file inventory at a time: a request during a
+/// run is refused, not queued. What a run inside reports to nobody, the handlers cannot tell
+/// either: a run that left no file still counts as done.
+///
+/// A file inventory has two halves. The handler of the request decides, prepares the run and starts
+/// the action that carries it out; the host must not run that one inside the call that starts it.
 class InventoryActions final : public Common::ActionPerformerBase {
  public:
   /// Records the operating-system type, and so reaches the database and the identification; raises
   /// what they raise.
   InventoryActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
                    const Common::ActionFactory& factory, Common::HandlerMap& handlers);
+  ~InventoryActions() override;
 
  private:
   Common::ActionResponse OnUpdateConfiguration(Common::ActionParameters& parameters);
@@ -33,15 +43,32 @@ class InventoryActions final : public Common::ActionPerformerBase {
   Common::ActionResponse DoRUDInventoryIncrementalOnDemandV2(Common::ActionParameters& parameters);
   Common::ActionResponse DoRUDInventoryIncrementalV2(Common::ActionParameters& parameters);
   Common::ActionResponse RUDInventoryInitV2(Common::ActionParameters& parameters);
-  Common::ActionResponse RefuseFileInventory(Common::ActionParameters& parameters);
+
+  /// Not owned, and reported as refused, if another thread has the lock.
+  std::unique_lock<std::mutex> TryRunLock(Common::ActionParameters& parameters);
+  /// The run that was accepted and not carried out yet; null if there is none.
+  V2::RudInventory* TakeWaitingRun();
+  /// Whether a total run has ended on this day of UTC.
+  bool blockInventoryRUDV2();
+  /// False if the run is turned away. The caller holds the run lock.
+  bool StartRudInventoryV2(const bool& incremental, Common::ActionParameters& parameters);
+  void ConfigureRUDV2(V2::RudInventory& run);
+  static void CompleteExtensionToScanV2(V2::RudInventory& run);
+  static void PrintLogConfigV2(const V2::RudInventory& run, const V2::ConfigScan& key,
+                               const std::string& label);
+  void OnRUDInventoryFinishV2(const boost::filesystem::path& result);
+  void SendRUDInventoryFileV2(boost::filesystem::path file);
 
   void RegisterHandlers(Common::HandlerMap& handlers);
 
   boost::optional<Common::KobConfigurationInfo> configuration_;
   boost::optional<Common::CommunicationsInfo> communications_;
   std::mutex inventoryLock_;
+  std::mutex runLock_;  ///< guards start and end of a file inventory, not its run
   std::mutex configurationLock_;
   std::uint32_t profileId_ = 0;
+  std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if there is none
+  bool runWaits_ = false;                         ///< it is accepted and not carried out yet
   std::vector<std::unique_ptr<Common::ActionPerformerBase>> children_;
   std::string agentIdentifier_;  ///< empty in a user's process
 };

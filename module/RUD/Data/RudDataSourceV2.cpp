@@ -1,13 +1,24 @@
 #include "module/RUD/Data/RudDataSourceV2.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
+#include <chrono>
 #include <string>
+#include <vector>
 
-#include "common/database/DataBase.h"
+#include "common/log/Logger.h"
+#include "module/RUD/Data/RudSentences.h"
 
 namespace Norvik::KOB::V2 {
 
 namespace {
+
+using Common::V2::DataBase;
+using Common::V2::DataBaseValue;
+using std::chrono::steady_clock;
+
+/// State of each file in its table. Readers take the state from the query that found the file.
+constexpr int FILE_STATE = 1;
 
 std::string TimePointToString(TimePointStatus point) {
   switch (point) {
@@ -21,28 +32,149 @@ std::string TimePointToString(TimePointStatus point) {
   return "unknown";
 }
 
+/// Runs a step; what it raises is logged and answered by the fallback.
+template <class Result, class Step>
+Result Try(const char* failure, Result fallback, Step step) {
+  try {
+    return step();
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format(failure) % error.what());
+    return fallback;
+  }
+}
+
+RudDataSource::Rows Read(const char* sentence, const char* failure) {
+  return Try(failure, RudDataSource::Rows(), [&] { return DataBase().ExecuteSentence(sentence); });
+}
+
+/// The only escaping of texts: a server of this system expects blanks.
+std::string& WithoutApostrophes(std::string& text) {
+  std::replace(text.begin(), text.end(), '\'', ' ');
+  return text;
+}
+
+/// Runs the inserts of one table in one transaction, which a failure takes back.
+template <class Inserts>
+void InsertAll(const Sentences::Insert& insert, Inserts inserts) {
+  Try(insert.failure, false, [&] {
+    DataBase dataBase;
+    inserts(dataBase, std::string(insert.sentence));
+    dataBase.Commit();
+    return true;
+  });
+}
+
+void InsertTexts(const Sentences::Insert& insert, const RudBuffer::Ids& ids) {
+  InsertAll(insert, [&](DataBase& dataBase, const std::string& sentence) {
+    std::vector<DataBaseValue> values(2);
+    std::string text;
+    for (const auto& [key, id] : ids) {
+      text = key;
+      values[0] = static_cast<unsigned int>(id);
+      values[1] = WithoutApostrophes(text);
+      dataBase.ExecuteSentence(sentence, values);
+    }
+  });
+}
+
+void Fill(std::vector<DataBaseValue>& values, RudFileInfo& file) {
+  values[0] = static_cast<unsigned int>(file.pathId);
+  values[1] = static_cast<unsigned int>(file.extensionId);
+  values[2] = static_cast<long long>(file.size);
+  values[3] = static_cast<long long>(file.lastModification);
+  values[4] = WithoutApostrophes(file.fileName);
+  values[5] = WithoutApostrophes(file.absolutePath);
+  values[6] = WithoutApostrophes(file.productName);
+  values[7] = WithoutApostrophes(file.version);
+  values[8] = file.isExecutable ? 1 : 0;
+  values[9] = static_cast<unsigned int>(file.companyId);
+  values[10] = WithoutApostrophes(file.fileDescription);
+  values[11] = FILE_STATE;
+  values[12] = WithoutApostrophes(file.fileVersion);
+}
+
+void InsertFiles(const Sentences::Insert& insert, std::vector<RudFileInfo>& files) {
+  InsertAll(insert, [&](DataBase& dataBase, const std::string& sentence) {
+    // Kept from row to row: a text is assigned into the memory of the one before it.
+    std::vector<DataBaseValue> values(13);
+    for (auto& file : files) {
+      Fill(values, file);
+      dataBase.ExecuteSentence(sentence, values);
+    }
+  });
+}
+
+void Save(RudBuffer& buffer, const Sentences::Generation& generation) {
+  for (const char* table : generation.tables) DataBase::ClearTable(table);
+  InsertTexts(generation.extensions, buffer.GetBufferExtension());
+  InsertTexts(generation.paths, buffer.GetBufferPath());
+  InsertTexts(generation.companies, buffer.GetBufferCompany());
+  InsertFiles(generation.files, buffer.GetBufferFile());
+}
+
 }  // namespace
 
 RudStatus RudDataSource::GetStatus() {
-  Common::V2::DataBase dataBase;
-  const auto rows = dataBase.ExecuteSentence("select id_state_harverting from RUD2_CURRENT_STATUS");
-  if (rows.empty()) return RudStatusNone;
-  return static_cast<RudStatus>(boost::get<int>(rows.front().front()));
+  return Try("Unable to Get Status RUD: %1%", RudStatusNone, [] {
+    DataBase dataBase;
+    const auto rows =
+        dataBase.ExecuteSentence("select id_state_harverting from RUD2_CURRENT_STATUS");
+    if (rows.empty()) return RudStatusNone;
+    return static_cast<RudStatus>(boost::get<int>(rows.front().front()));
+  });
 }
 
 bool RudDataSource::SetStatus(RudStatus status, long time, TimePointStatus point) {
-  Common::V2::DataBase dataBase;
-  const auto rows =
-      dataBase.ExecuteSentence("select id_state_harverting from RUD2_CURRENT_STATUS where id=1");
-  boost::format sentence(
-      rows.empty() ? "INSERT OR IGNORE INTO RUD2_CURRENT_STATUS(id, id_state_harverting, %1%) "
-                     "VALUES (1, {1}, {2})"
-                   : "UPDATE RUD2_CURRENT_STATUS set id_state_harverting = {1}, %1% = {2} WHERE "
-                     "id = 1");
-  dataBase.ExecuteSentence((sentence % TimePointToString(point)).str(),
-                           {static_cast<int>(status), time});
-  dataBase.Commit();
-  return true;
+  return Try("Unable to Insert RUD Status: %1%", false, [&] {
+    DataBase dataBase;
+    const auto rows =
+        dataBase.ExecuteSentence("select id_state_harverting from RUD2_CURRENT_STATUS where id=1");
+    boost::format sentence(
+        rows.empty() ? "INSERT OR IGNORE INTO RUD2_CURRENT_STATUS(id, id_state_harverting, %1%) "
+                       "VALUES (1, {1}, {2})"
+                     : "UPDATE RUD2_CURRENT_STATUS set id_state_harverting = {1}, %1% = {2} WHERE "
+                       "id = 1");
+    dataBase.ExecuteSentence((sentence % TimePointToString(point)).str(),
+                             {static_cast<int>(status), time});
+    dataBase.Commit();
+    return true;
+  });
+}
+
+bool RudDataSource::SaveBuffer(RudBuffer& buffer, const bool& incremental) {
+  NORVIK_SCOPE();
+  const auto start = steady_clock::now();
+  return Try("Unable to saving RUD data: %1%", false, [&] {
+    Save(buffer, incremental ? Sentences::TEMP : Sentences::MAIN);
+    const auto elapsed =
+        std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
+    NORVIK_INFORMATION(boost::format("RUD Save Buffer finish with %1% milliseconds") %
+                       elapsed.count());
+    return true;
+  });
+}
+
+RudDataSource::Rows RudDataSource::GetLastInventory() {
+  return Read(Sentences::ALL_FILES, "Error GetLastInventory: %1%");
+}
+
+bool RudDataSource::VisitLastInventory(const Common::V2::RowVisitor& visit) {
+  return Try("Error GetLastInventory: %1%", false, [&] {
+    DataBase().VisitRows(Sentences::ALL_FILES, visit);
+    return true;
+  });
+}
+
+RudDataSource::Rows RudDataSource::getNewFiles() {
+  return Read(Sentences::NEW_FILES, "Error getNewFiles: %1%");
+}
+
+RudDataSource::Rows RudDataSource::getRemoveFiles() {
+  return Read(Sentences::REMOVED_FILES, "Error getRemoveFiles: %1%");
+}
+
+RudDataSource::Rows RudDataSource::getModifiedFiles() {
+  return Read(Sentences::MODIFIED_FILES, "Error getModifiedFiles: %1%");
 }
 
 }  // namespace Norvik::KOB::V2

@@ -1,0 +1,247 @@
+// The file inventories of InventoryActions.
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <cctype>
+#include <chrono>
+#include <ctime>
+#include <functional>
+#include <utility>
+
+#include "common/database/DataBase.h"
+#include "common/files/FilePipeline.h"
+#include "common/log/Logger.h"
+#include "module/ActionCodes.h"
+#include "module/Actions/InventoryActions.h"
+#include "module/DataAccess/KOBDataSourceV2.h"
+#include "module/RUD/RudInventoryV2.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+using Common::TaskResponseInfo;
+using Common::V2::DataBase;
+using std::chrono::steady_clock;
+using std::chrono::system_clock;
+using Texts = std::set<std::string>;
+
+constexpr char INCREMENTAL_PARAMETER[] = "incremental";
+constexpr char MAIN_TABLE[] = "RUD2_LAST_INVENTORY";
+constexpr char LAST_SCHEDULED[] = "RUD_INVENTORY";
+constexpr char LAST_SCHEDULED_INCREMENTAL[] = "RUD_INVENTORY_INCREMENTAL";
+constexpr char ALREADY_RUNNING[] = "RUD Inventory already running";
+constexpr char BLOCKED_TODAY[] =
+    "RUD incremental inventory is blocked due RUD complet executed today";
+
+void RecordScheduledRun(const char* key) {
+  // Cut to the 32 bits that the table's numbers have.
+  DataBase::SetDataTable(key, static_cast<int>(system_clock::to_time_t(system_clock::now())));
+}
+
+bool HasNoBase() {
+  if (!DataBase::IsTableEmpty(MAIN_TABLE)) return false;
+  NORVIK_WARNING("RUD2_LAST_INVENTORY table is empty, RUD Total will run instead");
+  return true;
+}
+
+std::tm UtcOf(std::time_t time) {
+  std::tm fields{};
+  ::gmtime_r(&time, &fields);
+  return fields;
+}
+
+Texts SetOf(const std::vector<std::string>& values) { return {values.begin(), values.end()}; }
+
+std::string Mapped(std::string text, int (*convert)(int)) {
+  std::transform(text.begin(), text.end(), text.begin(), [&](char character) {
+    return static_cast<char>(convert(static_cast<unsigned char>(character)));
+  });
+  return text;
+}
+
+}  // namespace
+
+Common::ActionResponse InventoryActions::OnRUDInventoryV2(Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const auto lock = TryRunLock(parameters);
+  if (!lock) return {};
+  if (blockInventoryRUDV2()) {
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_NOT_RUN, nullptr);
+    return {};
+  }
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  RecordScheduledRun(LAST_SCHEDULED);
+  StartRudInventoryV2(false, parameters);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::OnRUDInventoryOnDemandV2(
+    Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const auto lock = TryRunLock(parameters);
+  if (!lock) return {};
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  StartRudInventoryV2(false, parameters);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalV2(
+    Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const auto lock = TryRunLock(parameters);
+  if (!lock) return {};
+  if (blockInventoryRUDV2()) {
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, BLOCKED_TODAY);
+    NORVIK_WARNING(BLOCKED_TODAY);
+    return {};
+  }
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  const bool incremental = !HasNoBase();
+  // Deliberately recorded also if the run is turned away: a schedule counts its firings.
+  StartRudInventoryV2(incremental, parameters);
+  RecordScheduledRun(incremental ? LAST_SCHEDULED_INCREMENTAL : LAST_SCHEDULED);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalOnDemandV2(
+    Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const auto lock = TryRunLock(parameters);
+  if (!lock) return {};
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
+  StartRudInventoryV2(!HasNoBase(), parameters);
+  return {};
+}
+
+Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParameters& parameters) {
+  NORVIK_SCOPE();
+  const bool incremental = parameters.Get<bool>(INCREMENTAL_PARAMETER);
+  const auto start = steady_clock::now();
+  V2::RudInventory* const run = TakeWaitingRun();
+  if (run == nullptr) {
+    NORVIK_WARNING("No RUD Inventory waits to be carried out");
+    return {};
+  }
+  run->StartHarvester(incremental);
+  // The run has destroyed itself.
+  if (!incremental) KOBDataSourceV2::updateRudCompletoLastInventory(system_clock::now());
+  const auto elapsed =
+      std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
+  NORVIK_INFORMATION(boost::format("RUD finish with %1% milliseconds") % elapsed.count());
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
+  return {};
+}
+
+std::unique_lock<std::mutex> InventoryActions::TryRunLock(Common::ActionParameters& parameters) {
+  std::unique_lock<std::mutex> lock(runLock_, std::try_to_lock);
+  if (!lock) {
+    NORVIK_WARNING(ALREADY_RUNNING);
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, ALREADY_RUNNING);
+  }
+  return lock;
+}
+
+V2::RudInventory* InventoryActions::TakeWaitingRun() {
+  const std::lock_guard<std::mutex> lock(runLock_);
+  return std::exchange(runWaits_, false) ? currentRun_.get() : nullptr;
+}
+
+bool InventoryActions::blockInventoryRUDV2() {
+  try {
+    const std::tm last = UtcOf(KOBDataSourceV2::getRudCompletoLastInventory());
+    const std::tm now = UtcOf(system_clock::to_time_t(system_clock::now()));
+    return last.tm_mday == now.tm_mday && last.tm_mon == now.tm_mon && last.tm_year == now.tm_year;
+  } catch (const std::exception& error) {
+    NORVIK_WARNING(
+        boost::format("No se pudo comparar la fecha del útlimo inventario RUD completo. %1%") %
+        error.what());
+    return false;
+  }
+}
+
+bool InventoryActions::StartRudInventoryV2(const bool& incremental,
+                                           Common::ActionParameters& parameters) {
+  if (currentRun_) {
+    NORVIK_WARNING("RUD is running, kindly wait until it finishes");
+    return false;
+  }
+  if (!configuration_) {
+    NORVIK_WARNING("RUD doesn't have a valid configuration");
+    return false;
+  }
+  NORVIK_INFORMATION(boost::format("RUD Inventory Started: %1%") % incremental);
+  auto run = std::make_unique<V2::RudInventory>(
+      std::bind(&InventoryActions::OnRUDInventoryFinishV2, this, std::placeholders::_1),
+      agentIdentifier_);
+  ConfigureRUDV2(*run);
+  parameters.Set(INCREMENTAL_PARAMETER, incremental);
+  // Not before it is configured: a run that is left behind would turn away all others.
+  currentRun_ = std::move(run);
+  runWaits_ = true;
+  RunOneShotAction(ACTION_FILE_INVENTORY_INIT, std::chrono::seconds(0), &parameters);
+  return true;
+}
+
+void InventoryActions::ConfigureRUDV2(V2::RudInventory& run) {
+  run.SetConfig(V2::ExcludeFile, SetOf(configuration_->excludedFiles));
+  run.SetConfig(V2::ExcludePath, SetOf(configuration_->excludedPaths));
+  run.SetConfig(V2::IncludeExtension, SetOf(configuration_->includedExtensions));
+  const auto first =
+      std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();
+  const Texts roots = V2::RudInventory::GetDevices(first.physicalDisks);
+  Texts additional = SetOf(configuration_->additionalExtensions);
+  additional.erase("EXE");
+  additional.erase("CPL");
+  run.AddConfig(V2::IncludeExtension, additional);
+  run.AddConfig(V2::IncludePath, roots);
+  CompleteExtensionToScanV2(run);
+  PrintLogConfigV2(run, V2::ExcludeFile, "Exclude file");
+  PrintLogConfigV2(run, V2::ExcludePath, "Exclude path");
+  PrintLogConfigV2(run, V2::IncludeExtension, "Include extension");
+  PrintLogConfigV2(run, V2::IncludePath, "Include path");
+}
+
+void InventoryActions::CompleteExtensionToScanV2(V2::RudInventory& run) {
+  Texts extensions;
+  for (const auto& extension : run.GetConfig(V2::IncludeExtension)) {
+    if (!extension.empty() && extension.front() != '.') extensions.insert("." + extension);
+    extensions.insert(extension);
+  }
+  Texts bothCases;
+  for (const auto& extension : extensions) {
+    bothCases.insert(Mapped(extension, std::toupper));
+    bothCases.insert(Mapped(extension, std::tolower));
+  }
+  run.SetConfig(V2::IncludeExtension, bothCases);
+}
+
+void InventoryActions::PrintLogConfigV2(const V2::RudInventory& run, const V2::ConfigScan& key,
+                                        const std::string& label) {
+  std::string text;
+  for (const auto& value : run.GetConfig(key)) text += value + ", ";
+  // Deliberately not for a set of one empty text, whose separator is all there is.
+  if (text.size() > 2) text.resize(text.size() - 2);
+  NORVIK_INFORMATION(boost::format("RUD config for %1%: [%2%]") % label % text);
+}
+
+void InventoryActions::OnRUDInventoryFinishV2(const boost::filesystem::path& result) {
+  const std::lock_guard<std::mutex> lock(runLock_);
+  if (!currentRun_->IsFinished()) {
+    NORVIK_ERROR("There was an error in RUD Inventory");
+  } else if (result.empty()) {
+    NORVIK_WARNING("RUD File empty. With nothing to send.");
+  } else {
+    SendRUDInventoryFileV2(result);
+  }
+  // This is called from inside the run, which looks at none of its members any more.
+  currentRun_.reset();
+  NORVIK_INFORMATION("RUD Inventory Finished");
+}
+
+void InventoryActions::SendRUDInventoryFileV2(boost::filesystem::path file) {
+  Common::MoveToOutbox(std::move(file), boost::none);
+  RiseNewFileOnOutbox();
+}
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "module/RUD/Data/RudFileInfo.h"
+
+namespace Norvik::KOB::V2 {
+
+/// One scan of the disk, on its way from the walk to the store. Paths, extensions and companies are
+/// kept once each, under ids of this buffer. A copy is deep. Use it on one thread.
+class RudBuffer {
+ public:
+  using Ids = std::unordered_map<std::string, std::uint32_t>;
+
+  /// @param capacity files and paths to make room for; not a limit
+  explicit RudBuffer(unsigned long capacity);
+
+  void Insert(const RudFileInfo& file) { files_.push_back(file); }
+
+  std::vector<RudFileInfo>& GetBufferFile() { return files_; }
+  Ids& GetBufferExtension() { return extensions_; }
+  Ids& GetBufferPath() { return paths_; }
+  /// Always holds the empty company, with the id 0.
+  Ids& GetBufferCompany() { return companies_; }
+
+  /// Gives the key a new id, also if it has one already.
+  std::uint32_t AddExtension(const std::string& extension);
+  /// Raises `std::out_of_range` for a key that was never added.
+  std::uint32_t GetIdExtension(const std::string& extension) const;
+  /// The id of the key, a new one at first sight.
+  std::uint32_t AddParentPath(const std::string& path);
+  std::uint32_t AddCompanyName(const std::string& company);
+
+ private:
+  std::vector<RudFileInfo> files_;
+  Ids extensions_;
+  Ids paths_;
+  Ids companies_{{"", 0}};
+  std::uint32_t nextExtensionId_ = 1;
+  std::uint32_t nextPathId_ = 1;
+  std::uint32_t nextCompanyId_ = 1;
+};
+
+}  // namespace Norvik::KOB::V2

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+/// One file of a scan. Ids mean something only within the `RudBuffer` that gave them.
+struct RudFileInfo {
+  std::uint32_t pathId = 0;
+  std::uint32_t extensionId = 0;
+  std::uint32_t companyId = 0;        ///< 0: none
+  std::int64_t lastModification = 0;  ///< milliseconds since the epoch; -1: could not be read
+  std::int64_t size = 0;              ///< bytes; 0 also if it could not be read
+  bool isExecutable = false;
+  std::string fileName;  ///< without its extension
+  std::string absolutePath;
+  std::string productName;
+  std::string version;  ///< of the product
+  std::string fileVersion;
+  std::string companyName;
+  std::string fileDescription;
+};
+
+// Else a growing vector would copy every file.
+static_assert(std::is_nothrow_move_constructible_v<RudFileInfo>);

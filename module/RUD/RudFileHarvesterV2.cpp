@@ -1,0 +1,220 @@
+#include "module/RUD/RudFileHarvesterV2.h"
+
+#include <boost/filesystem/exception.hpp>
+#include <boost/format.hpp>
+#include <chrono>
+#include <utility>
+
+#include "common/log/Logger.h"
+#include "common/text/Text.h"
+
+namespace Norvik::KOB::V2 {
+
+using Platform::EntryKind;
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::size_t INITIAL_CAPACITY = 5000;
+
+std::int64_t MillisecondsSince(steady_clock::time_point start) {
+  using std::chrono::milliseconds;
+  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start).count();
+}
+
+/// The folder as it is called in the paths of its entries, without a slash at its end.
+std::string ParentPathOf(const std::string& folder) {
+  const std::size_t last = folder.find_last_not_of('/');
+  return last == std::string::npos ? folder : folder.substr(0, last + 1);
+}
+
+std::string WithSlash(std::string folder) {
+  if (!folder.empty() && folder.back() != '/') folder += '/';
+  return folder;
+}
+
+}  // namespace
+
+/// The walk below one root. Texts are kept from entry to entry for their memory.
+struct FileHarvester::Walk {
+  Platform::DirectoryReader reader;
+  std::vector<std::string> waiting;  ///< folders, the next one last
+  RudFileInfo file;
+  std::string prefix;        ///< the open folder, with a slash at its end
+  std::string parent;        ///< the open folder, without
+  std::uint32_t pathId = 0;  ///< of the parent; 0 while none of its files was kept
+  std::string name;
+  std::string extension;
+};
+
+FileHarvester::FileHarvester() : buffer_(INITIAL_CAPACITY) {
+  messages_.reserve(INITIAL_CAPACITY);
+  ConfigureExecutableList();
+}
+
+void FileHarvester::SetConfigScan(const ScanConfiguration& config) {
+  config_.clear();
+  for (const auto& [key, values] : config) {
+    auto& encoded = config_[key];
+    for (const auto& value : values) encoded.insert(Common::EncodeUtf8Characters(value));
+  }
+  ConfigureFoldersToScan();
+}
+
+void FileHarvester::ConfigureFoldersToScan() {
+  foldersToScan_.clear();
+  if (const auto roots = config_.find(IncludePath); roots != config_.end()) {
+    foldersToScan_.assign(roots->second.begin(), roots->second.end());
+  }
+  const auto extensions = config_.find(IncludeExtension);
+  if (extensions == config_.end()) return;
+  for (const auto& extension : extensions->second) {
+    buffer_.AddExtension(Common::ToUpper(extension.substr(1)));
+  }
+}
+
+void FileHarvester::Harvester() {
+  NORVIK_SCOPE();
+  try {
+    for (const auto& root : foldersToScan_) ScanRoot(root);
+    PrintFilesWithError();
+    NORVIK_INFORMATION(boost::format("Scan finished in %1% milliseconds") % totalScanTime_);
+  } catch (const std::exception& error) {
+    PrintFilesWithError();
+    NORVIK_ERROR(boost::format("RUDHarvester exception: %1%") % error.what());
+  }
+}
+
+void FileHarvester::ScanRoot(const std::string& root) {
+  NORVIK_INFORMATION(boost::format("Init scan of %1%") % root);
+  const auto start = steady_clock::now();
+  Walk walk;
+  walk.waiting.push_back(root);
+  while (!walk.waiting.empty()) {
+    const std::string folder = std::move(walk.waiting.back());
+    walk.waiting.pop_back();
+    if (IsExcludedFolder(folder)) {
+      messages_.emplace_back("IsExcludedFolder", "Excluded folder by setting", folder);
+      continue;
+    }
+    try {
+      walk.reader.Open(folder);
+    } catch (const boost::filesystem::filesystem_error& error) {
+      NORVIK_DETAIL(boost::format("Cannot open directory %1%: %2%") % folder % error.what());
+      continue;
+    }
+    walk.prefix = WithSlash(folder);
+    walk.parent = ParentPathOf(folder);
+    walk.pathId = 0;
+    ScanFolder(walk);
+  }
+  const std::int64_t elapsed = MillisecondsSince(start);
+  NORVIK_INFORMATION(boost::format("Scan folder %1% finished in %2% milliseconds") % root %
+                     elapsed);
+  totalScanTime_ += elapsed;
+}
+
+void FileHarvester::ScanFolder(Walk& walk) {
+  Platform::DirectoryEntry entry;
+  std::error_code error;
+  while (walk.reader.Next(entry, error)) {
+    try {
+      ScanEntry(walk, entry);
+    } catch (const std::exception& failure) {
+      NORVIK_DETAIL(boost::format("Error processing file %1%: %2%") % (walk.prefix + entry.name) %
+                    failure.what());
+    }
+  }
+  // The entries behind the fault are lost; those of other folders are not.
+  if (error) {
+    NORVIK_DETAIL(boost::format("Skipping %1% due to error: %2%") % walk.parent % error.message());
+  }
+}
+
+void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry) {
+  EntryKind kind = entry.kind;
+  Metadata metadata;
+  if (kind == EntryKind::Unknown) {
+    metadata.facts = walk.reader.Ask(entry.name, metadata.error);
+    if (metadata.error) throw std::system_error(metadata.error);
+    kind = metadata.facts.kind;
+  }
+  if (kind == EntryKind::Link) return;
+  if (kind == EntryKind::Folder) {
+    walk.waiting.push_back(walk.prefix + entry.name);
+    return;
+  }
+  walk.name = entry.name;
+  if (IsExcludedFile(walk.name)) {
+    messages_.emplace_back("IsExcludedFile", "Excluded file by setting", walk.name);
+    return;
+  }
+  walk.extension = ExtensionOf(walk.name);
+  if (!IsIncludedExtension(walk.extension)) return;
+  if (entry.kind != EntryKind::Unknown) {
+    metadata.facts = walk.reader.Ask(entry.name, metadata.error);
+  }
+  TakeFile(walk, metadata);
+}
+
+void FileHarvester::TakeFile(Walk& walk, const Metadata& metadata) {
+  RudFileInfo& file = walk.file;
+  file.absolutePath.assign(walk.prefix).append(walk.name);
+  file.fileName = GetFileName(walk.name);
+  if (walk.pathId == 0) walk.pathId = buffer_.AddParentPath(walk.parent);
+  file.pathId = walk.pathId;
+  file.extensionId = buffer_.GetIdExtension(Common::ToUpper(walk.extension.substr(1)));
+  file.lastModification = GetLastModifiedTime(metadata, file.absolutePath, messages_);
+  file.size = GetFileSize(metadata, file.absolutePath, messages_);
+  file.isExecutable = IsExecutableList(walk.extension);
+  InsertFile(file, walk.extension);
+}
+
+void FileHarvester::InsertFile(RudFileInfo& file, const std::string& extension) {
+  if (extension == ".exe" || extension == ".dll") {
+    GetDetailsFiles(file, file.absolutePath);
+    file.companyId = buffer_.AddCompanyName(file.companyName);
+    buffer_.Insert(file);
+    file.companyId = 0;
+    for (std::string* detail : {&file.productName, &file.version, &file.companyName,
+                                &file.fileDescription, &file.fileVersion}) {
+      detail->clear();
+    }
+  } else {
+    buffer_.Insert(file);
+  }
+  file.lastModification = 0;
+  file.size = 0;
+  file.pathId = 0;
+  file.extensionId = 0;
+  file.isExecutable = false;
+}
+
+bool FileHarvester::IsExcludedFolder(const std::string& path) const {
+  return config_.at(ExcludePath).count(path) > 0;
+}
+
+bool FileHarvester::IsExcludedFile(const std::string& name) const {
+  return config_.at(ExcludeFile).count(name) > 0;
+}
+
+bool FileHarvester::IsIncludedExtension(const std::string& extension) const {
+  return config_.at(IncludeExtension).count(extension) > 0;
+}
+
+bool FileHarvester::IsExecutableList(const std::string& extension) const {
+  return executableList_.count(extension) > 0;
+}
+
+void FileHarvester::PrintFilesWithError() const {
+  for (const auto& [what, why, which] : messages_) {
+    NORVIK_WARNING(boost::format("RUD: %1% - %2% - %3%") % what % why % which);
+  }
+}
+
+std::string ExtensionOf(const std::string& name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
+}
+
+}  // namespace Norvik::KOB::V2

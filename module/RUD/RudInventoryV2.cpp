@@ -1,0 +1,78 @@
+#include "module/RUD/RudInventoryV2.h"
+
+#include <chrono>
+#include <utility>
+
+#include "common/log/Logger.h"
+#include "module/RUD/Data/RudDataSourceV2.h"
+#include "module/RUD/RudPrinterV2.h"
+
+namespace Norvik::KOB::V2 {
+
+namespace {
+
+void Enter(RudStatus status, TimePointStatus point) {
+  using std::chrono::system_clock;
+  RudDataSource::SetStatus(status, system_clock::to_time_t(system_clock::now()), point);
+}
+
+}  // namespace
+
+RudInventory::RudInventory(OnFinish onFinish, std::string guid)
+    : onFinish_(std::move(onFinish)), guid_(std::move(guid)) {}
+
+void RudInventory::SetConfig(const ConfigScan& key, const std::set<std::string>& values) {
+  config_[key] = values;
+}
+
+void RudInventory::AddConfig(const ConfigScan& key, const std::set<std::string>& values) {
+  config_[key].insert(values.begin(), values.end());
+}
+
+std::set<std::string> RudInventory::GetConfig(const ConfigScan& key) const {
+  return config_.at(key);
+}
+
+// Saving rewrites the texts of the buffer, to what the run's second save would make of them too: it
+// needs no copy.
+bool RudInventory::SaveForComparison() {
+  return RudDataSource::SaveBuffer(harvester_.GetBuffer(), true);
+}
+
+// Nobody reads the buffer after the run's last save: its memory is needed for the document.
+bool RudInventory::SaveLast() {
+  RudBuffer last = std::move(harvester_.GetBuffer());
+  return RudDataSource::SaveBuffer(last, false);
+}
+
+void RudInventory::StartHarvester(const bool& incremental) {
+  NORVIK_SCOPE();
+  Enter(RudStatusScanning, DateBegin);
+  harvester_.SetConfigScan(config_);
+  harvester_.Harvester();
+  Enter(RudStatusSaving, DateModified);
+  if (!(incremental ? SaveForComparison() : SaveLast())) {
+    Enter(RudStatusFinished, DateEnd);
+    onFinishInventory({});
+    return;
+  }
+  Enter(RudStatusPrinting, DateModified);
+  const Path result = RudPrinter::GenerateJSON(guid_, incremental);
+  if (incremental) {
+    // Not before the document is made, which tells the differences from the main tables.
+    Enter(RudStatusSaving, DateModified);
+    SaveLast();
+  }
+  Enter(RudStatusFinished, DateEnd);
+  finished_ = true;
+  onFinishInventory(result);
+}
+
+void RudInventory::onFinishInventory(const Path& result) {
+  // The call destroys this object: what it needs must live elsewhere, and nothing may follow it.
+  const OnFinish onFinish = onFinish_;
+  const Path path = result;
+  onFinish(path);
+}
+
+}  // namespace Norvik::KOB::V2

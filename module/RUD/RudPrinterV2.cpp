@@ -1,0 +1,253 @@
+#include "module/RUD/RudPrinterV2.h"
+
+#include <soci/error.h>
+
+#include <boost/filesystem/fstream.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
+#include <chrono>
+#include <utility>
+
+#include "common/files/FilePipeline.h"
+#include "common/files/Paths.h"
+#include "common/identification/HostInfoProvider.h"
+#include "common/log/Logger.h"
+#include "json/Escape.h"
+#include "json/JSON.h"
+#include "module/RUD/Data/RudDataSourceV2.h"
+#include "platform/WaitClock.h"
+
+namespace Norvik::KOB::V2 {
+
+namespace {
+
+namespace fs = boost::filesystem;
+using Common::V2::DataBaseRow;
+using Source = RudDataSource;
+using std::chrono::seconds;
+
+/// State of a file in the document.
+enum FileStatus : int { WHOLE_INVENTORY = -1, NEW_FILE = 1, MODIFIED_FILE = 2, REMOVED_FILE = 3 };
+
+constexpr int MOST_ATTEMPTS = 50;
+constexpr seconds PAUSE_PER_ATTEMPT{500};
+constexpr seconds PAUSE_OF_REMOVAL{5};
+
+std::string& TextOf(DataBaseRow& row, Source::Column column) {
+  return boost::get<std::string>(row.at(column));
+}
+
+json::JSON DetailOf(DataBaseRow& row) {
+  json::JSON detail;
+  const auto add = [&](const char* key, Source::Column column) {
+    if (!TextOf(row, column).empty()) detail[key] = TextOf(row, column);
+  };
+  add("name", Source::ProductName);
+  add("productVersion", Source::Version);
+  // Deliberately the product's version, and there whenever the file has one: servers read it so.
+  if (!TextOf(row, Source::FileVersion).empty()) {
+    detail["fileVersion"] = TextOf(row, Source::Version);
+  }
+  if (TextOf(row, Source::FileDescription) != " ") add("description", Source::FileDescription);
+  add("manufacturer", Source::Company);
+  return detail;
+}
+
+json::JSON FileObject(DataBaseRow& row, FileStatus status) {
+  json::JSON file;
+  file["filename"] = std::move(TextOf(row, Source::FileName));
+  file["extension"] = std::move(TextOf(row, Source::Extension));
+  file["size"] = boost::get<long long>(row.at(Source::Size));
+  file["fileStatus"] = static_cast<int>(status);
+  const long long time = boost::get<long long>(row.at(Source::LastModification));
+  // A time that could not be read goes with its bits.
+  if (time != 0) file["lastMod"] = static_cast<unsigned long long>(time);
+  if (json::JSON detail = DetailOf(row); !detail.IsNull()) file["detail"] = std::move(detail);
+  if (boost::get<int>(row.at(Source::IsExecutable)) != 0) file["executable"] = true;
+  return file;
+}
+
+/// The text of the document, made row by row: the values of a whole disk are too much to be held.
+/// Each run of rows of one folder is one object.
+class DocumentText {
+ public:
+  explicit DocumentText(const json::JSON& device)
+      : text_("{\"device\":" + device.strUgly() + ",\"paths\":[") {}
+
+  void Add(DataBaseRow& row, FileStatus status) {
+    if (TextOf(row, Source::Path) != currentPath_) {
+      if (groupIsOpen_) CloseGroup();
+      currentPath_ = TextOf(row, Source::Path);
+      groupIsOpen_ = true;
+      files_.clear();
+    }
+    if (!files_.empty()) files_ += ',';
+    files_ += FileObject(row, status).strUgly();
+  }
+
+  /// Ends the rows of one state.
+  void EndState() {
+    if (!files_.empty()) CloseGroup();
+    groupIsOpen_ = false;
+    currentPath_.clear();
+  }
+
+  /// The whole text; empty if it holds no file.
+  std::string Take(bool incremental) {
+    if (!hasGroups_) return {};
+    text_ += incremental ? "],\"typeInventory\":1}" : "],\"typeInventory\":0}";
+    return std::move(text_);
+  }
+
+ private:
+  void CloseGroup() {
+    if (std::exchange(hasGroups_, true)) text_ += ',';
+    text_.append("{\"files\":[").append(files_).append("]");
+    files_.clear();
+    if (groupIsOpen_) {
+      text_ += ",\"pathName\":\"";
+      json::AppendEscaped(text_, currentPath_);
+      text_ += '"';
+    }
+    text_ += '}';
+  }
+
+  std::string text_;
+  std::string files_;  ///< of the current folder
+  std::string currentPath_;
+  bool groupIsOpen_ = false;
+  bool hasGroups_ = false;
+};
+
+void printFiles(Source::Rows rows, DocumentText& document, FileStatus status) {
+  for (auto& row : rows) document.Add(row, status);
+  document.EndState();
+}
+
+/// False if not every file was read: half an inventory would tell the server that the rest is gone.
+bool CreateJSONCompleto(DocumentText& document) {
+  const bool whole =
+      Source::VisitLastInventory([&](DataBaseRow& row) { document.Add(row, WHOLE_INVENTORY); });
+  document.EndState();
+  return whole;
+}
+
+void CreateJSONIncremental(DocumentText& document) {
+  printFiles(Source::getNewFiles(), document, NEW_FILE);
+  printFiles(Source::getRemoveFiles(), document, REMOVED_FILE);
+  printFiles(Source::getModifiedFiles(), document, MODIFIED_FILE);
+}
+
+long long MillisecondsSinceEpoch() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+}
+
+std::string MakeDocument(const std::string& guid, bool incremental, int attempt) {
+  json::JSON device;
+  device["assetDate"] = MillisecondsSinceEpoch();
+  device["guid"] = guid;
+  DocumentText document(device);
+  bool whole = true;
+  if (incremental) {
+    CreateJSONIncremental(document);
+  } else {
+    whole = CreateJSONCompleto(document);
+  }
+  if (attempt >= 2) NORVIK_DETAIL(boost::format("Try [%1%]: Success") % attempt);
+  return whole ? document.Take(incremental) : std::string();
+}
+
+/// The document's text; empty if it would hold no file, and after a failure.
+std::string CreateJSON(const std::string& guid, bool incremental) {
+  const auto failure = [](int attempt, const std::exception& error) {
+    return boost::format("Creating JSOn of RUD - %2%") % attempt % error.what();
+  };
+  for (int attempt = 1;; ++attempt) {
+    try {
+      return MakeDocument(guid, incremental, attempt);
+    } catch (const soci::soci_error& error) {
+      NORVIK_DETAIL(boost::format("Try [%1%]") % attempt);
+      NORVIK_TRACE(failure(attempt, error));
+      // Deliberately in seconds, so that the last waits are hours: the database may be held long.
+      Platform::WaitClock::Current().SleepFor(PAUSE_PER_ATTEMPT * attempt);
+      if (attempt < MOST_ATTEMPTS) continue;
+      NORVIK_ERROR(failure(attempt, error));
+    } catch (const std::exception& error) {
+      NORVIK_ERROR(failure(attempt, error));
+    }
+    return {};
+  }
+}
+
+fs::path GenerateFilename() {
+  using Common::Paths;
+  return Paths(Paths::WORK, true).AppData() / (Common::HostInfoProvider::GetHostName() + ".rud");
+}
+
+/// Leaves no half of a document: whoever reads it would take the rest for deleted.
+void SaveFile(const std::string& text, const fs::path& file) {
+  fs::ofstream stream(file, std::ios::binary | std::ios::trunc);
+  stream << text;
+  stream.close();
+  if (stream) return;
+  NORVIK_ERROR(boost::format("Unable to write %1%") % file.string());
+  boost::system::error_code ignored;
+  fs::remove(file, ignored);
+}
+
+void Compress(const fs::path& from, const fs::path& to) {
+  if (Common::CompressFile(from, to)) return;
+  NORVIK_ERROR(boost::format("Unable to compress %1% from %2%") % to.string() % from.string());
+}
+
+void Encrypt(const fs::path& from, const fs::path& to) {
+  if (Common::AgentEncryptFile(from, to)) return;
+  NORVIK_ERROR(boost::format("Unable to encrypt %1% from %2%") % to.string() % from.string());
+}
+
+/// Deliberately without a limit: no readable copy of a document may stay behind.
+void RemoveTempFile(const fs::path& file) {
+  for (int attempt = 1;; ++attempt) {
+    boost::system::error_code error;
+    fs::remove(file, error);
+    if (!error) {
+      if (attempt >= 2) {
+        NORVIK_WARNING(boost::format("Try [%1%]. Success. Remove file %2%") % attempt %
+                       file.string());
+      }
+      return;
+    }
+    NORVIK_WARNING(boost::format("Try [%1%]. Remove file %2%: %3%") % attempt % file.string() %
+                   error.message());
+    Platform::WaitClock::Current().SleepFor(PAUSE_OF_REMOVAL);
+  }
+}
+
+}  // namespace
+
+fs::path RudPrinter::GenerateJSON(const std::string& guid, const bool& incremental) {
+  using namespace std::chrono;
+  NORVIK_INFORMATION("Generating JSON RUD Complete");
+  const auto start = steady_clock::now();
+  const fs::path base = GenerateFilename();
+  const fs::path archive = base.string() + "rud.zip";
+  const fs::path result = base.string() + ".jsonrud";
+  {
+    const std::string document = CreateJSON(guid, incremental);
+    if (document.empty()) {
+      NORVIK_WARNING("RUD incremental empty. Without changes.");
+      return {};
+    }
+    SaveFile(document, base);
+  }
+  Compress(base, archive);
+  Encrypt(archive, result);
+  RemoveTempFile(base);
+  RemoveTempFile(archive);
+  NORVIK_INFORMATION(boost::format("RUD Generating JSON finish with %1% milliseconds") %
+                     duration_cast<milliseconds>(steady_clock::now() - start).count());
+  return result;
+}
+
+}  // namespace Norvik::KOB::V2

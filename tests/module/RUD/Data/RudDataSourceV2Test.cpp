@@ -1,0 +1,200 @@
+#include "module/RUD/Data/RudDataSourceV2.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "module/RUD/Data/RudSentences.h"
+#include "support/FullDisk.h"
+#include "support/LogCapture.h"
+#include "support/TestDatabase.h"
+
+namespace Norvik::KOB::V2 {
+namespace {
+
+using namespace Tests;
+using Common::V2::DataBaseRow;
+using Common::V2::DataBaseRows;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+/// A scan of files in "/folder", all of the extension TXT.
+RudBuffer BufferOf(const std::vector<std::tuple<std::string, long, long>>& nameTimeSize) {
+  RudBuffer buffer(10);
+  RudFileInfo file;
+  file.extensionId = buffer.AddExtension("TXT");
+  file.pathId = buffer.AddParentPath("/folder");
+  for (const auto& [name, time, size] : nameTimeSize) {
+    file.fileName = name;
+    file.absolutePath = "/folder/" + name + ".txt";
+    file.lastModification = time;
+    file.size = size;
+    buffer.Insert(file);
+  }
+  return buffer;
+}
+
+bool Save(RudBuffer buffer, bool incremental) {
+  return RudDataSource::SaveBuffer(buffer, incremental);
+}
+
+std::vector<std::string> NamesOf(const DataBaseRows& rows) {
+  std::vector<std::string> names;
+  for (const auto& row : rows) names.push_back(boost::get<std::string>(row.at(2)));
+  return names;
+}
+
+int Count(const std::string& table) {
+  return boost::get<int>(TestDatabase::Run("select count(*) from " + table).at(0).at(0));
+}
+
+class RudDataSourceTest : public testing::Test {
+ protected:
+  TestDatabase database;
+  LogCapture log;
+};
+
+TEST_F(RudDataSourceTest, ATransitionWritesItsStateAndItsTimeOnly) {
+  EXPECT_EQ(RudDataSource::GetStatus(), RudStatusNone);
+  EXPECT_TRUE(RudDataSource::SetStatus(RudStatusScanning, 100, DateBegin));
+  EXPECT_EQ(RudDataSource::GetStatus(), RudStatusScanning);
+  EXPECT_TRUE(RudDataSource::SetStatus(RudStatusSaving, 200, DateModified));
+  EXPECT_TRUE(RudDataSource::SetStatus(RudStatusFinished, 300, DateEnd));
+  EXPECT_EQ(RudDataSource::GetStatus(), RudStatusFinished);
+  EXPECT_TRUE(RudDataSource::SetStatus(RudStatusScanning, 400, DateBegin));
+  EXPECT_FALSE(RudDataSource::SetStatus(RudStatusSaving, 1, static_cast<TimePointStatus>(9)));
+  EXPECT_EQ(TestDatabase::Run("select id, id_state_harverting, date_begin, date_modified, date_end "
+                              "from RUD2_CURRENT_STATUS"),
+            DataBaseRows({{1, 3, 400, 200, 300}}));
+}
+
+TEST_F(RudDataSourceTest, HostileNamesComeBackWithBlanksForApostrophesOnly) {
+  const std::string names[] = {"it's",       "a\"b",     "{3}", "'{1}'", "%1%",
+                               "two\nlines", "\xFF\xFE", "é",   ";--",   std::string(255, 'n')};
+  for (const auto& name : names) {
+    auto expected = name;
+    std::replace(expected.begin(), expected.end(), '\'', ' ');
+    RudBuffer buffer = BufferOf({{name, -1, 5000000000}});
+    buffer.AddParentPath("/o'brien");
+    ASSERT_TRUE(RudDataSource::SaveBuffer(buffer, false)) << name;
+    EXPECT_EQ(
+        RudDataSource::GetLastInventory(),
+        DataBaseRows({{1, "/folder", expected, "TXT", 5000000000LL, -1LL, "", "", "", "", 0, ""}}))
+        << name;
+    EXPECT_EQ(buffer.GetBufferFile()[0].absolutePath, "/folder/" + expected + ".txt");
+  }
+  EXPECT_EQ(TestDatabase::Run("select path from RUD2_FILE_PATH where id=2"),
+            DataBaseRows({{"/o brien"}}));
+}
+
+TEST_F(RudDataSourceTest, EachColumnComesFromItsField) {
+  RudBuffer buffer(1);
+  RudFileInfo file;
+  file.extensionId = buffer.AddExtension("EXE");
+  file.pathId = buffer.AddParentPath("/p");
+  file.companyId = buffer.AddCompanyName("Maker");
+  file.fileName = "n";
+  file.absolutePath = "/p/n.exe";
+  file.productName = "product";
+  file.version = "v";
+  file.fileVersion = "fv";
+  file.fileDescription = "it's";
+  file.isExecutable = true;
+  buffer.Insert(file);
+  EXPECT_TRUE(Save(buffer, false));
+  EXPECT_EQ(
+      RudDataSource::GetLastInventory(),
+      DataBaseRows({{1, "/p", "n", "EXE", 0LL, 0LL, "product", "v", "it s", "Maker", 1, "fv"}}));
+}
+
+TEST_F(RudDataSourceTest, ASaveReplacesItsOwnTablesOnly) {
+  EXPECT_TRUE(Save(BufferOf({{"a", 1, 1}, {"b", 1, 1}}), true));
+  EXPECT_TRUE(Save(BufferOf({{"c", 1, 1}, {"c", 2, 2}}), false));
+  EXPECT_EQ(Count("RUD2_LAST_INVENTORY_TEMP"), 2);
+  EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("c"));
+  EXPECT_TRUE(Save(RudBuffer(1), false));
+  for (const char* table : {"RUD2_LAST_INVENTORY", "RUD2_FILE_PATH", "RUD2_FILE_EXTENSION"}) {
+    EXPECT_EQ(Count(table), 0) << table;
+  }
+  EXPECT_EQ(TestDatabase::Run("select id, company from RUD2_FILE_COMPANY"),
+            DataBaseRows({{0, ""}}));
+}
+
+TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
+  EXPECT_TRUE(Save(BufferOf({{"same", 1, 1},
+                             {"size", 1, 1},
+                             {"time", 1, 1},
+                             {"old", 1, 1},
+                             {"it's", 1, 1},
+                             {"unread", -1, 0},
+                             {"readOnce", -1, 0}}),
+                   false));
+  EXPECT_TRUE(Save(BufferOf({{"new", 1, 1},
+                             {"same", 1, 1},
+                             {"size", 1, 2},
+                             {"time", 2, 3},
+                             {"it's", 1, 1},
+                             {"unread", -1, 0},
+                             {"readOnce", 7, 0}}),
+                   true));
+  EXPECT_THAT(NamesOf(RudDataSource::getNewFiles()), ElementsAre("new"));
+  EXPECT_THAT(NamesOf(RudDataSource::getRemoveFiles()), ElementsAre("old"));
+  const auto modified = RudDataSource::getModifiedFiles();
+  EXPECT_THAT(NamesOf(modified), UnorderedElementsAre("time", "readOnce"));
+  for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow({1LL}).front());
+}
+
+TEST_F(RudDataSourceTest, EachReadFindsItsRowsByKey) {
+  for (const char* sentence : {Sentences::NEW_FILES, Sentences::REMOVED_FILES,
+                               Sentences::MODIFIED_FILES, Sentences::ALL_FILES}) {
+    std::string plan;
+    for (const auto& row : TestDatabase::Run(std::string("explain query plan ") + sentence)) {
+      plan += boost::get<std::string>(row.back()) + "\n";
+    }
+    const bool isDifference = sentence != Sentences::ALL_FILES;
+    EXPECT_THAT(plan, Not(HasSubstr("AUTOMATIC")));
+    EXPECT_EQ(plan.find("(absolute_path=?)") != std::string::npos, isDifference) << plan;
+    EXPECT_THAT(plan, testing::ContainsRegex("SEARCH FP .*rowid="));
+    EXPECT_EQ(std::count(plan.begin(), plan.end(), '\n'), isDifference ? 5 : 4) << plan;
+  }
+}
+
+TEST_F(RudDataSourceTest, AFailureIsLoggedAndAnswered) {
+  EXPECT_TRUE(Save(BufferOf({{"kept", 1, 1}}), false));
+  TestDatabase::Run("drop table RUD2_FILE_PATH_TEMP");
+  EXPECT_FALSE(Save(BufferOf({{"a", 1, 1}}), true));
+  TestDatabase::Run("create table RUD2_FILE_PATH_TEMP(id INTEGER PRIMARY KEY)");
+  EXPECT_TRUE(Save(BufferOf({{"a", 1, 1}}), true));
+  EXPECT_EQ(Count("RUD2_LAST_INVENTORY_TEMP"), 1);
+  EXPECT_THAT(RudDataSource::getNewFiles(), IsEmpty());
+  EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("kept"));
+  TestDatabase::Run("drop table RUD2_CURRENT_STATUS");
+  EXPECT_FALSE(RudDataSource::SetStatus(RudStatusSaving, 1, DateEnd));
+  EXPECT_EQ(RudDataSource::GetStatus(), RudStatusNone);
+  EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("Unable to saving RUD data: "),
+                                        StartsWith("Unable insert File Paths Incremental - "),
+                                        StartsWith("Error getNewFiles: "),
+                                        StartsWith("Unable to Insert RUD Status: "),
+                                        StartsWith("Unable to Get Status RUD: ")));
+}
+
+TEST_F(RudDataSourceTest, AFullDiskLosesNothingThatStands) {
+  EXPECT_TRUE(Save(BufferOf({{"kept", 1, 1}}), false));
+  RudDataSource::SetStatus(RudStatusFinished, 1, DateEnd);
+  {
+    const FullDisk full(1);
+    EXPECT_FALSE(RudDataSource::SetStatus(RudStatusSaving, 2, DateModified));
+    EXPECT_FALSE(Save(BufferOf({{"lost", 1, 1}}), false));
+  }
+  EXPECT_EQ(RudDataSource::GetStatus(), RudStatusFinished);
+  EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("kept"));
+  EXPECT_TRUE(Save(BufferOf({{"next", 1, 1}}), false));
+  EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("next"));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB::V2

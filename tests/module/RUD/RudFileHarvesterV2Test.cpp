@@ -1,0 +1,214 @@
+#include "module/RUD/RudFileHarvesterV2.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <boost/filesystem/operations.hpp>
+
+#include "support/Files.h"
+#include "support/LogCapture.h"
+#include "support/TemporaryFolder.h"
+
+namespace Norvik::KOB::V2 {
+namespace {
+
+namespace fs = boost::filesystem;
+using namespace Tests;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+class FileHarvesterTest : public testing::Test {
+ protected:
+  FileHarvesterTest() {
+    config[ExcludePath];
+    config[ExcludeFile] = {"left.txt"};
+    config[IncludeExtension] = {".txt", ".TXT", ".gz", ".exe"};
+    config[IncludePath] = {root.string()};
+    fs::create_directory(root);
+  }
+  void Make(const std::string& name, const std::string& content = "") {
+    fs::create_directories((root / name).parent_path());
+    WriteFile(root / name, content);
+  }
+  std::vector<RudFileInfo>& Scan() {
+    harvester.SetConfigScan(config);
+    harvester.Harvester();
+    return harvester.GetBuffer().GetBufferFile();
+  }
+  /// Paths below the root of what the scan keeps.
+  std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (const auto& file : Scan()) {
+      names.push_back(file.absolutePath.substr(root.size() + 1));
+    }
+    return names;
+  }
+
+  TemporaryFolder folder;
+  const fs::path root = folder / "root";
+  LogCapture log;
+  ScanConfiguration config;
+  FileHarvester harvester;
+};
+
+TEST_F(FileHarvesterTest, KeepsAFileByItsNameAndItsPlace) {
+  struct Row {
+    const char* name;
+    bool kept;
+  };
+  const Row rows[] = {{"plain.txt", true},
+                      {"UPPER.TXT", true},
+                      {"Mixed.Txt", false},
+                      {"none", false},
+                      {".txt", false},
+                      {".hidden.txt", true},
+                      {"archive.tar.gz", true},
+                      {"other.pdf", false},
+                      {"dot.", false},
+                      {"left.txt", false},
+                      {"below/left.txt", false},
+                      {"below/deep/kept.txt", true},
+                      {"below/left.txt.gz", true},
+                      {"it's {3} %1%.txt", true},
+                      {"two\nlines.txt", true},
+                      {"\xFF\xFE.txt", true},
+                      {"excluded/lost.txt", false},
+                      {"excluded/deep/lost.txt", false},
+                      {"slash/kept.txt", true}};
+  config[ExcludePath] = {(root / "excluded").string(), (root / "slash/").string()};
+  for (const auto& row : rows) Make(row.name);
+  const auto names = Names();
+  for (const auto& row : rows) {
+    EXPECT_EQ(std::count(names.begin(), names.end(), row.name), row.kept) << row.name;
+  }
+  EXPECT_THAT(log.Texts(3),
+              UnorderedElementsAre("RUD: IsExcludedFile - Excluded file by setting - left.txt",
+                                   "RUD: IsExcludedFile - Excluded file by setting - left.txt",
+                                   "RUD: IsExcludedFolder - Excluded folder by setting - " +
+                                       (root / "excluded").string()));
+}
+
+TEST_F(FileHarvesterTest, LinksAreNeitherFollowedNorListed) {
+  Make("real.txt");
+  Make("folder/inside.txt");
+  fs::create_symlink(root / "real.txt", root / "link.txt");
+  fs::create_symlink(root, root / "folder/loop");
+  fs::create_symlink(root / "nowhere", root / "dangling.txt");
+  EXPECT_THAT(Names(), UnorderedElementsAre("real.txt", "folder/inside.txt"));
+}
+
+TEST_F(FileHarvesterTest, FillsTheRecord) {
+  Make("a b/archive.tar.gz", "12345");
+  const fs::path file = root / "a b/archive.tar.gz";
+  fs::last_write_time(file, -3);
+  config[IncludePath] = {root.string() + "/"};
+  const auto& files = Scan();
+  ASSERT_EQ(files.size(), 1U);
+  EXPECT_EQ(files[0].absolutePath, file.string());
+  EXPECT_EQ(files[0].fileName, "archive.tar");
+  EXPECT_EQ(files[0].size, 5);
+  EXPECT_EQ(files[0].lastModification, -3000);
+  EXPECT_FALSE(files[0].isExecutable);
+  auto& buffer = harvester.GetBuffer();
+  EXPECT_EQ(buffer.GetBufferPath().at((root / "a b").string()), files[0].pathId);
+  EXPECT_EQ(buffer.GetIdExtension("GZ"), files[0].extensionId);
+}
+
+TEST_F(FileHarvesterTest, FoldersAreWalkedDepthFirstTheLastOneFound) {
+  for (const char* name : {"1/x.txt", "1/deep/x.txt", "2/x.txt", "2/deep/x.txt"}) Make(name);
+  fs::path last;
+  for (const auto& entry : fs::directory_iterator(root)) last = entry.path().filename();
+  const std::string other = last == "1" ? "2" : "1";
+  EXPECT_THAT(Names(), ElementsAre(last.string() + "/x.txt", last.string() + "/deep/x.txt",
+                                   other + "/x.txt", other + "/deep/x.txt"));
+}
+
+TEST_F(FileHarvesterTest, APipeIsKeptWithoutASize) {
+  ASSERT_EQ(::mkfifo((root / "pipe.txt").c_str(), 0600), 0);
+  const auto& files = Scan();
+  ASSERT_EQ(files.size(), 1U);
+  EXPECT_EQ(files[0].size, 0);
+  EXPECT_GT(files[0].lastModification, 0);
+  EXPECT_THAT(log.Texts(3), ElementsAre("RUD: file_size error - Operation not permitted - " +
+                                        (root / "pipe.txt").string()));
+}
+
+TEST_F(FileHarvesterTest, WhatCannotBeReadIsReportedAndTheWalkGoesOn) {
+  Make("kept.txt");
+  fs::create_symlink(folder / "loop", folder / "loop");
+  const struct {
+    const char* root;
+    const char* reason;
+  } rows[] = {{"vanished", "No such file or directory"},
+              {"loop", "Too many levels of symbolic links"},
+              {"root/kept.txt", "Not a directory"}};
+  for (const auto& row : rows) config[IncludePath].insert((folder / row.root).string());
+  EXPECT_THAT(Names(), ElementsAre("kept.txt"));
+  EXPECT_THAT(log.Texts(5), SizeIs(3));
+  for (const auto& row : rows) {
+    EXPECT_THAT(log.Texts(5),
+                Contains(AllOf(StartsWith("Cannot open directory " + (folder / row.root).string()),
+                               HasSubstr(row.reason))));
+  }
+}
+
+TEST_F(FileHarvesterTest, AnExecutablesDetailsAreAskedForAndNothingElseIs) {
+  Make("tool.exe");
+  Make("plain.txt");
+  EXPECT_EQ(Scan().size(), 2U);
+  EXPECT_THAT(log.Texts(4),
+              AllOf(Contains("NOT IMPLEMENTED").Times(2), Contains("Init scan of " + root.string()),
+                    Contains(StartsWith("Scan finished in "))));
+}
+
+TEST_F(FileHarvesterTest, OverlappingRootsListTheirFilesTwice) {
+  Make("below/x.txt");
+  config[IncludePath].insert((root / "below").string());
+  EXPECT_THAT(Names(), ElementsAre("below/x.txt", "below/x.txt"));
+}
+
+TEST_F(FileHarvesterTest, NeedsItsSetsAndNoEmptyExtension) {
+  Make("x.txt");
+  config.erase(ExcludeFile);
+  EXPECT_THAT(Names(), IsEmpty());
+  EXPECT_THAT(log.Texts(5),
+              Contains(StartsWith("Error processing file " + (root / "x.txt").string())));
+  config.erase(ExcludePath);
+  EXPECT_THAT(Names(), IsEmpty());
+  EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("RUDHarvester exception: ")));
+  config[IncludeExtension].insert("");
+  EXPECT_THROW(harvester.SetConfigScan(config), std::out_of_range);
+}
+
+TEST(RudBuffer, GivesIdsOfItsOwn) {
+  RudBuffer buffer(1);
+  EXPECT_THAT(buffer.GetBufferCompany(), ElementsAre(std::make_pair("", 0U)));
+  EXPECT_EQ(buffer.AddExtension("TXT"), 1U);
+  EXPECT_EQ(buffer.AddExtension("TXT"), 2U);
+  EXPECT_EQ(buffer.GetIdExtension("TXT"), 2U);
+  EXPECT_THROW(buffer.GetIdExtension("PDF"), std::out_of_range);
+  EXPECT_EQ(buffer.AddParentPath("/a"), 1U);
+  EXPECT_EQ(buffer.AddParentPath("/a"), 1U);
+  EXPECT_EQ(buffer.AddParentPath("/b"), 2U);
+  EXPECT_EQ(buffer.AddCompanyName(""), 0U);
+  EXPECT_EQ(buffer.AddCompanyName("Maker"), 1U);
+}
+
+TEST(RudBuffer, OfTwoSpellingsOfAnExtensionTheLastOnesIdStands) {
+  FileHarvester harvester;
+  ScanConfiguration config;
+  config[IncludeExtension] = {".TXT", ".txt", "TXT", "txt"};
+  harvester.SetConfigScan(config);
+  EXPECT_THAT(harvester.GetBuffer().GetBufferExtension(),
+              UnorderedElementsAre(std::make_pair("TXT", 2U), std::make_pair("XT", 4U)));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB::V2

@@ -1,0 +1,135 @@
+#include "module/RUD/RudPrinterV2.h"
+
+#include <gmock/gmock.h>
+
+#include <regex>
+
+#include "module/RUD/Data/RudDataSourceV2.h"
+#include "support/FakeHost.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+
+namespace Norvik::KOB::V2 {
+namespace {
+
+using namespace Tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Row {
+  const char* folder;
+  const char* name;
+  long time = 1000;
+  RudFileInfo details = {};
+};
+
+void Save(const std::vector<Row>& rows, bool incremental) {
+  RudBuffer buffer(1);
+  const auto extension = buffer.AddExtension("EXE");
+  for (const auto& row : rows) {
+    RudFileInfo file = row.details;
+    file.extensionId = extension;
+    file.pathId = buffer.AddParentPath(row.folder);
+    file.companyId = buffer.AddCompanyName(file.companyName);
+    file.fileName = row.name;
+    file.absolutePath = std::string(row.folder) + "/" + row.name + ".exe";
+    file.lastModification = row.time;
+    buffer.Insert(file);
+  }
+  RudDataSource::SaveBuffer(buffer, incremental);
+}
+
+RudFileInfo Details(const std::string& product, const std::string& version,
+                    const std::string& fileVersion, const std::string& company,
+                    const std::string& description, bool executable = false) {
+  RudFileInfo file;
+  file.productName = product;
+  file.version = version;
+  file.fileVersion = fileVersion;
+  file.companyName = company;
+  file.fileDescription = description;
+  file.isExecutable = executable;
+  return file;
+}
+
+class RudPrinterTest : public testing::Test {
+ protected:
+  /// The document, with 0 for the time of its making.
+  std::string Print(bool incremental) {
+    const auto result = RudPrinter::GenerateJSON("guid \"1\"", incremental);
+    EXPECT_EQ(result.extension(), ".jsonrud");
+    EXPECT_THAT(NamesIn(host.Work()), ElementsAre(result.filename().string()));
+    EXPECT_TRUE(Common::MoveToOutbox(boost::filesystem::path(result), boost::none));
+    return std::regex_replace(host.DeliveredDocument(), std::regex("\"assetDate\":[0-9]{13}"),
+                              "\"assetDate\":0");
+  }
+  FakeHost host;
+};
+
+TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
+  Save({{"/a", "one", 0},
+        {"/b", "it's \"two\"", -1},
+        {"/a", "three", 3000, Details("P", "1", "", "M", "D", true)},
+        {"/a", "four", 4000, Details("", "", "2", "", " ")},
+        {"/c", "five", 5000, Details("", "3", "2", "", "")}},
+       false);
+  EXPECT_EQ(Print(false),
+            R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)"
+            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"one","size":0}],)"
+            R"("pathName":"/a"},)"
+            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"it s \"two\"",)"
+            R"("lastMod":-1,"size":0}],"pathName":"/b"},)"
+            R"({"files":[{"detail":{"description":"D","manufacturer":"M","name":"P",)"
+            R"("productVersion":"1"},"executable":true,"extension":"EXE","fileStatus":-1,)"
+            R"("filename":"three","lastMod":3000,"size":0},{"detail":{"fileVersion":""},)"
+            R"("extension":"EXE","fileStatus":-1,"filename":"four","lastMod":4000,"size":0}],)"
+            R"("pathName":"/a"},)"
+            R"({"files":[{"detail":{"fileVersion":"3","productVersion":"3"},"extension":"EXE",)"
+            R"("fileStatus":-1,"filename":"five","lastMod":5000,"size":0}],"pathName":"/c"}],)"
+            R"("typeInventory":0})");
+}
+
+TEST_F(RudPrinterTest, AnIncrementalDocumentHoldsNewThenRemovedThenModifiedFiles) {
+  Save({{"/a", "removed"}, {"/a", "modified"}, {"/a", "same"}}, false);
+  Save({{"/a", "modified", 2000}, {"/a", "same"}, {"/a", "new"}}, true);
+  const auto file = [](const std::string& status, const std::string& name,
+                       const std::string& time) {
+    return R"({"files":[{"extension":"EXE","fileStatus":)" + status + R"(,"filename":")" + name +
+           R"(","lastMod":)" + time + R"(,"size":0}],"pathName":"/a"})";
+  };
+  EXPECT_EQ(Print(true), R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)" +
+                             file("1", "new", "1000") + "," + file("3", "removed", "1000") + "," +
+                             file("2", "modified", "2000") + R"(],"typeInventory":1})");
+}
+
+TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
+  for (const bool incremental : {false, true}) {
+    EXPECT_EQ(RudPrinter::GenerateJSON("g", incremental), "");
+  }
+  Save({{"/a", "one"}}, false);
+  TestDatabase::Run("update RUD2_LAST_INVENTORY set id_company_name=0");
+  TestDatabase::Run("drop table RUD2_FILE_COMPANY");
+  EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
+  EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
+  EXPECT_THAT(host.log.Texts(3), ElementsAre("RUD incremental empty. Without changes.",
+                                             "RUD incremental empty. Without changes.",
+                                             "RUD incremental empty. Without changes."));
+}
+
+TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsNotAnswered) {
+  Save({{"/a", "one"}}, false);
+  for (const char* step : {"compress", "encrypt"}) {
+    host.pipeline->failingStep = step;
+    EXPECT_EQ(RudPrinter::GenerateJSON("g", false).extension(), ".jsonrud") << step;
+    EXPECT_THAT(NamesIn(host.Work()), IsEmpty()) << step;
+  }
+  host.pipeline->failingStep.clear();
+  {
+    const FullDisk full(10);
+    RudPrinter::GenerateJSON("g", false);
+  }
+  EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
+}
+
+}  // namespace
+}  // namespace Norvik::KOB::V2
