@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "common/action/ActionPerformerBase.h"
@@ -11,24 +12,63 @@ namespace Norvik::KOB {
 extern const std::string NOT_SUPPORTED_OPERATION;
 
 /// Answers an operator's requests to this machine. A handler reads named parameters, does one job,
-/// and says in the response's text why it failed.
+/// and says in the response's text why it failed; those that serve programmed tasks report the
+/// task's state as well. A parameter that is no text lets `boost::bad_get` out.
 class RemoteAdministration final : public Common::ActionPerformerBase {
  public:
+  using Response = Common::ActionResponse;
+  using Parameters = Common::ActionParameters;
+
   RemoteAdministration(std::weak_ptr<Common::ModuleDependencies> dependencies,
                        const Common::ActionFactory& factory, Common::HandlerMap& handlers);
 
   /// Refused like the other registry operations. Deliberately without an action code.
-  Common::ActionResponse CreateRegistryValue(Common::ActionParameters& parameters);
+  Response CreateRegistryValue(Parameters& parameters);
 
  private:
   struct Operation;
   static const Operation OPERATIONS[];
 
-  Common::ActionResponse RefuseOperation(Common::ActionParameters& parameters);
-  Common::ActionResponse AnswerUnavailable(const Operation& operation,
-                                           Common::ActionParameters& parameters);
-  Common::ActionResponse PauseService(Common::ActionParameters& parameters);
-  Common::ActionResponse ContinueService(Common::ActionParameters& parameters);
+  Response RefuseOperation(Parameters& parameters);
+
+  Response ListProcesses(Parameters& parameters);
+  Response RunProcess(Parameters& parameters);
+  Response KillProcess(Parameters& parameters);
+
+  Response ListSessions(Parameters& parameters);
+  Response CloseSession(Parameters& parameters);
+  Response Shutdown(Parameters& parameters);
+  Response Restart(Parameters& parameters);
+  Response SynchronizeTime(Parameters& parameters);
+
+  Response ListFiles(Parameters& parameters);
+  Response ListFolders(Parameters& parameters);
+  Response DeleteFile(Parameters& parameters);
+  Response DeleteExtension(Parameters& parameters);
+
+  Response ListServices(Parameters& parameters);
+  Response StartService(Parameters& parameters);
+  Response StopService(Parameters& parameters);
+  Response RestartService(Parameters& parameters);
+  Response PauseService(Parameters& parameters);
+  Response ContinueService(Parameters& parameters);
+
+  Response ListNetworkConnections(Parameters& parameters);
+
+  Response RemovePrinter(Parameters& parameters);
+  Response RemoveSharedResources(Parameters& parameters);
+  Response UninstallSoftware(Parameters& parameters);
+  Response UninstallAgentWithCheck(Parameters& parameters);
+  Response UninstallAgentWithoutCheck(Parameters& parameters);
+
+  void ReportStarted(Parameters& parameters);
+  void ReportFinished(Parameters& parameters);
+  /// Reports the task as failed for a reason, which becomes the response's text.
+  void Fail(Parameters& parameters, Response& response, const std::string& reason);
+  /// What shutting down and restarting have in common.
+  Response ChangePower(Parameters& parameters, unsigned int event, const char* failure);
+
+  std::mutex uninstallLock_;  ///< held through `UninstallSoftware`
 };
 
 }  // namespace Norvik::KOB

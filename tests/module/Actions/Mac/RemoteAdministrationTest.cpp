@@ -1,57 +1,55 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 
-#include <gmock/gmock.h>
+#include <boost/variant/get.hpp>
 
-#include "module/ModuleUnderTest.h"
+#include "module/Actions/Mac/AdministeredMachine.h"
+#include "support/Files.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::HasSubstr;
-using testing::IsEmpty;
 using namespace Tests;
 
-constexpr unsigned int REFUSED[] = {1019, 1020, 1015, 1016, 1017, 1018, 1021, 1022, 1039};
-constexpr unsigned int MISSING[] = {1011, 1012, 1002, 1003, 1000, 1006, 1007, 1010,
-                                    1045, 1024, 1023, 1026, 1025, 1029, 1070, 1073};
-constexpr unsigned int MISSING_WITH_TASK[] = {1013, 1001, 1032, 1030, 1031, 1062};
+constexpr unsigned int ALL[] = {1011, 1013, 1012, 1002, 1003, 1000, 1019, 1020, 1015, 1016, 1017,
+                                1018, 1021, 1022, 1006, 1007, 1010, 1045, 1008, 1009, 1024, 1023,
+                                1026, 1025, 1032, 1029, 1030, 1031, 1001, 1039, 1062, 1070, 1073};
+constexpr const char* NAMES[] = {"cmd",  "type", "name", "password", "domain", "id",
+                                 "path", "file", "ext",  "date",     "Guid"};
 
-class RemoteAdministrationTest : public testing::Test {
- protected:
-  void ExpectMissing(unsigned int code, std::size_t statuses) {
-    SCOPED_TRACE(code);
-    const auto response = module.Run(code);
-    ASSERT_TRUE(response.text);
-    EXPECT_THAT(*response.text, HasSubstr(" is not available in this build"));
-    EXPECT_FALSE(response.success);
-    EXPECT_TRUE(host.log.Holds(3, *response.text));
-    EXPECT_EQ(host.communications->TakeStatuses().size(), statuses);
+using RemoteAdministrationTest = AdministeredMachine;
+
+TEST_F(RemoteAdministrationTest, WhatIsRefusedOrLacksAParameterDoesNothing) {
+  Follow("refused.txt");
+  for (const unsigned int code : {1019U, 1020U, 1015U, 1016U, 1017U, 1018U, 1021U, 1022U, 1039U}) {
+    EXPECT_EQ(Ask(code, {{"path", "x"}}), Lines{"text Not supported operation"}) << code;
   }
-
-  FakeHost host;
-  ModuleUnderTest module{host};
-};
-
-TEST_F(RemoteAdministrationTest, OperationsThatTheSystemLacksAreRefused) {
-  for (const unsigned int code : REFUSED) {
-    EXPECT_EQ(module.Run(code).text, std::string("Not supported operation")) << code;
-    EXPECT_EQ(module.Run(code, WithText("path", "x")).text, std::string("Not supported operation"))
-        << code;
-  }
-  EXPECT_THAT(host.communications->TakeStatuses(), IsEmpty());
 }
 
-TEST_F(RemoteAdministrationTest, OperationsThatAreMissingSaySo) {
-  for (const unsigned int code : MISSING) ExpectMissing(code, 0);
-  for (const unsigned int code : MISSING_WITH_TASK) ExpectMissing(code, 1);
-}
-
-TEST_F(RemoteAdministrationTest, PausingAServiceIsRefusedInItsOwnWords) {
-  for (const auto& [code, verb] : {std::pair(1008U, "Pause"), std::pair(1009U, "Continue")}) {
-    EXPECT_EQ(module.Run(code, WithText("name", "daemon")).text,
-              verb + std::string(" service daemon is an operation unsupported on macOS"));
-    EXPECT_EQ(module.Run(code).text, std::string("Invalid Parameter name"));
+TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
+  const auto tryAll = [&](const Common::ActionParameters& parameters) {
+    for (const unsigned int code : ALL) {
+      try {
+        module.Run(code, parameters);
+      } catch (const boost::bad_get&) {
+      }
+    }
+  };
+  tryAll({});
+  Common::ActionParameters values;
+  for (const char* name : NAMES) values.Set(name, true);
+  tryAll(values);
+  for (const std::string& text :
+       {std::string(), std::string("|||\\"), std::string("-1"), std::string(200000, 'a'),
+        std::string("%1%%s%n{}\n'\"`$(exit 3)&\\"), std::string("99999999999999999999"),
+        std::string("\0x", 2), std::string("\xC2\xB4/../../\xF0\x9F\x98\x80")}) {
+    for (const char* name : NAMES) {
+      values.Set(name, wxString::FromUTF8(text.data(), text.size()));
+    }
+    tryAll(values);
+    values.Set("type", wxString("0"));
+    tryAll(values);
   }
+  EXPECT_TRUE(FilesBelow(folder.Path()).empty());
 }
 
 }  // namespace

@@ -1,0 +1,87 @@
+#include "module/Actions/Mac/ConnectionText.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "common/log/Logger.h"
+#include "common/text/Text.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+constexpr char FIRST_HEADING[] = "Active Internet connections (including servers)";
+constexpr const char* END_HEADINGS[] = {
+    "Active Multipath Internet connections", "Registered kernel control modules",
+    "Active kernel event sockets", "Active kernel control sockets"};
+constexpr std::size_t FEWEST_WORDS = 5;
+
+bool Contains(const std::string& line, const char* text) {
+  return line.find(text) != std::string::npos;
+}
+
+bool EndsSection(const std::string& line) {
+  return std::any_of(std::begin(END_HEADINGS), std::end(END_HEADINGS),
+                     [&](const char* heading) { return Contains(line, heading); });
+}
+
+/// The line with single blanks. Only these part words, no other white space.
+std::string WithSingleBlanks(std::string line) {
+  const auto areBlank = [](char left, char right) { return left == ' ' && right == ' '; };
+  line.erase(std::unique(line.begin(), line.end(), areBlank), line.end());
+  return line;
+}
+
+std::vector<std::string> WordsOf(const std::string& line) {
+  std::vector<std::string> words;
+  std::istringstream stream(line);
+  for (std::string word; std::getline(stream, word, ' ');) {
+    if (!word.empty()) words.push_back(word);
+  }
+  return words;
+}
+
+/// Appends address and port. A word without a dot is all port.
+void AddEndpoint(const std::string& word, std::vector<std::string>& cells) {
+  const auto dot = word.rfind('.');
+  cells.push_back(dot == std::string::npos ? "" : word.substr(0, dot));
+  cells.push_back(word.substr(dot + 1));
+}
+
+std::vector<std::string> ConnectionOf(const std::vector<std::string>& words) {
+  std::vector<std::string> cells = {words[0]};
+  AddEndpoint(words[3], cells);
+  AddEndpoint(words[4], cells);
+  if (words.size() > FEWEST_WORDS) cells.push_back(words[5]);
+  // Deliberately the protocol in place of the names of the ports: servers know it so.
+  cells.insert(cells.end(), 2, words[0]);
+  return cells;
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string>> ReadConnections(const std::string& output) {
+  std::vector<std::vector<std::string>> connections;
+  if (Common::EncodeUtf8Characters(output) != output) return connections;
+  std::istringstream lines(output);
+  bool inSection = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (!inSection) {
+      inSection = Contains(line, FIRST_HEADING);
+      if (inSection) std::getline(lines, line);  // the titles of the columns
+      continue;
+    }
+    if (EndsSection(line)) break;
+    line = WithSingleBlanks(line);
+    const auto words = WordsOf(line);
+    if (words.size() < FEWEST_WORDS) {
+      NORVIK_DETAIL("Error in netstat parser");
+      continue;
+    }
+    connections.push_back(ConnectionOf(words));
+    NORVIK_DETAIL(line);
+  }
+  return connections;
+}
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/action/ActionParameters.h"
+#include "common/action/ActionResponse.h"
+
+namespace Norvik::KOB {
+
+/// Whether the request has the parameter. If not, the response's text says so.
+bool Requires(const Common::ActionParameters& parameters, const char* name,
+              Common::ActionResponse& response);
+
+/// A parameter in UTF-8. Raises `boost::bad_get` if it is no text.
+std::string ReadText(Common::ActionParameters& parameters, const char* name);
+
+/// Puts the titles in the table's first row.
+void AddTitles(Common::ActionResponseTable& table, const std::vector<std::string>& titles);
+void AddTextRow(Common::ActionResponseTable& table, const std::vector<std::string>& cells);
+
+}  // namespace Norvik::KOB

@@ -1,0 +1,96 @@
+#include <CoreServices/CoreServices.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "platform/compat/SentAppleEvents.h"
+
+namespace {
+
+using Norvik::Platform::SentAppleEvent;
+
+constexpr DescType APPLE_EVENT_TYPE = 0x61657674;  // 'aevt'
+constexpr DescType NULL_TYPE = 0x6e756c6c;         // 'null'
+
+/// What a descriptor's handle leads to.
+struct Storage {
+  std::string data;      ///< of an address
+  SentAppleEvent event;  ///< of an event
+};
+
+struct Outgoing {
+  std::mutex mutex;
+  std::vector<SentAppleEvent> events;
+  OSStatus answer = procNotFound;
+};
+
+Outgoing& TheOutgoing() {
+  static Outgoing outgoing;
+  return outgoing;
+}
+
+/// The four characters of a code, the first in its highest byte.
+std::string CharactersOf(std::uint32_t code) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>((code >> shift) & 0xFFu);
+  return text;
+}
+
+Storage* StorageOf(const AEDesc& descriptor) {
+  return reinterpret_cast<Storage*>(descriptor.dataHandle);
+}
+
+void Fill(AEDesc& descriptor, DescType type, Storage storage) {
+  auto owned = std::make_unique<Storage>(std::move(storage));
+  descriptor = {type, reinterpret_cast<AEDataStorage>(owned.release())};
+}
+
+}  // namespace
+
+OSErr AECreateDesc(DescType typeCode, const void* dataPtr, Size dataSize, AEDesc* result) {
+  const std::string data(static_cast<const char*>(dataPtr), static_cast<std::size_t>(dataSize));
+  Fill(*result, typeCode, {data, {}});
+  return noErr;
+}
+
+OSErr AECreateAppleEvent(AEEventClass theAEEventClass, AEEventID theAEEventID,
+                         const AEAddressDesc* target, AEReturnID /*returnID*/,
+                         AETransactionID /*transactionID*/, AppleEvent* result) {
+  const SentAppleEvent event{CharactersOf(theAEEventClass), CharactersOf(theAEEventID),
+                             CharactersOf(target->descriptorType), StorageOf(*target)->data};
+  Fill(*result, APPLE_EVENT_TYPE, {{}, event});
+  return noErr;
+}
+
+OSStatus AESendMessage(const AppleEvent* event, AppleEvent* reply, AESendMode /*sendMode*/,
+                       long /*timeOutInTicks*/) {
+  *reply = {NULL_TYPE, nullptr};
+  Outgoing& outgoing = TheOutgoing();
+  const std::lock_guard<std::mutex> lock(outgoing.mutex);
+  outgoing.events.push_back(StorageOf(*event)->event);
+  return outgoing.answer;
+}
+
+OSErr AEDisposeDesc(AEDesc* theAEDesc) {
+  const std::unique_ptr<Storage> owned(StorageOf(*theAEDesc));
+  *theAEDesc = {NULL_TYPE, nullptr};
+  return noErr;
+}
+
+namespace Norvik::Platform {
+
+std::vector<SentAppleEvent> TakeSentAppleEvents() {
+  Outgoing& outgoing = TheOutgoing();
+  const std::lock_guard<std::mutex> lock(outgoing.mutex);
+  return std::exchange(outgoing.events, {});
+}
+
+void SetAppleEventAnswer(std::int32_t status) {
+  Outgoing& outgoing = TheOutgoing();
+  const std::lock_guard<std::mutex> lock(outgoing.mutex);
+  outgoing.answer = status;
+}
+
+}  // namespace Norvik::Platform

@@ -1,0 +1,19 @@
+#import <Foundation/Foundation.h>
+
+namespace {
+
+/// Tells the Finder to do what the text says. False if the script fails, with the reason in the
+/// system's log. Kept for operations that have no other interface; nothing needs it at present.
+[[maybe_unused]] bool runScript(NSString* source) {
+  @autoreleasepool {
+    NSString* const text =
+        [NSString stringWithFormat:@"tell application \"Finder\" to %@", source ? source : @""];
+    NSAppleScript* const script = [[NSAppleScript alloc] initWithSource:text];
+    NSDictionary* error = nil;
+    if (script && [script executeAndReturnError:&error]) return true;
+    NSLog(@"%@", error);
+    return false;
+  }
+}
+
+}  // namespace
