@@ -5,8 +5,11 @@
 #include <utility>
 
 #include "documents/DocumentError.h"
+#include "documents/FileChanges.h"
+#include "documents/FileDocument.h"
 #include "documents/MachineDocument.h"
 #include "documents/MachineSections.h"
+#include "documents/Matching.h"
 
 namespace Norvik::Documents {
 
@@ -109,14 +112,7 @@ void ApplyToRecord(const MachineSection& section, const Json& incremental, Json&
   value = lost ? Json() : updated;
 }
 
-void CheckSameMachine(const Json& full, const Json& incremental) {
-  const Json known = full.at("device").value("guid", Json());
-  const Json told = incremental.at("device").value("guid", Json());
-  if (known == told) return;
-  throw DocumentError("it is of the machine " + told.dump() + ", not " + known.dump());
-}
-
-void Apply(Json& document, const Json& changes) {
+void ApplyToMachine(Json& document, const Json& changes) {
   CheckSameMachine(document, changes);
   for (const MachineSection& section : MachineSections()) {
     Json& value = document[section.key];
@@ -133,15 +129,23 @@ void Apply(Json& document, const Json& changes) {
 }  // namespace
 
 std::string ApplyIncrement(const NamedText& full, const NamedText& incremental) {
-  Json document = ReadFullDocument(full);
-  const Json changes = ReadIncrementalDocument(incremental);
-  if (changes.is_null()) return full.text;
+  Document document = ParseDocument(full);
+  const bool files = IsFileDocument(document.value);
+  CheckDocument(document, files ? CheckFullFileDocument : CheckFullDocument);
+  Document changes = ParseDocument(incremental);
+  CheckSameKind(document, changes);
+  CheckDocument(changes, files ? CheckIncrementalFileDocument : CheckIncrementalDocument);
+  if (changes.value.is_null()) return full.text;
   try {
-    Apply(document, changes);
+    if (files) {
+      ApplyToFiles(document.value, std::move(changes.value));
+    } else {
+      ApplyToMachine(document.value, changes.value);
+    }
   } catch (const DocumentError& error) {
     throw DocumentError(incremental.name + " does not fit " + full.name + ": " + error.what());
   }
-  return document.dump();
+  return document.value.dump();
 }
 
 }  // namespace Norvik::Documents

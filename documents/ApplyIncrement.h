@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "documents/MachineDocument.h"
+#include "documents/DocumentText.h"
 
 namespace Norvik::Documents {
 
@@ -14,6 +14,9 @@ namespace Norvik::Documents {
 /// incremental one is of another machine, creates what is there, or updates or deletes what is
 /// not. The one exception are memory slots, since no document tells that one was added or removed:
 /// an update of an unknown slot adds it.
+///
+/// Serves the documents of the file inventory as well, if both are such: there a file is told by
+/// its folder, its name and its extension, and the result is ordered by them.
 std::string ApplyIncrement(const NamedText& full, const NamedText& incremental);
 
 }  // namespace Norvik::Documents

@@ -9,24 +9,6 @@ namespace Norvik::Documents {
 
 namespace {
 
-/// Values are written and freed by recursion: hostile text must not exhaust the stack.
-constexpr int MAX_NESTING = 64;
-
-Json Parse(const std::string& text) {
-  const auto checkDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*value*/) {
-    if (depth > MAX_NESTING) throw DocumentError("nests deeper than any inventory");
-    return true;
-  };
-  try {
-    return Json::parse(text, checkDepth);
-  } catch (const Json::exception& error) {
-    // The parser quotes the token it failed at, however long that is.
-    throw DocumentError("not JSON: " + std::string(error.what()).substr(0, 200));
-  }
-}
-
-std::string Quoted(const std::string& key) { return '"' + key + '"'; }
-
 bool IsListOfRecords(const Json& value) {
   return value.is_array() && std::all_of(value.begin(), value.end(),
                                          [](const Json& record) { return record.is_object(); });
@@ -64,7 +46,9 @@ void CheckChanges(const Json& document, const char* kind) {
   }
 }
 
-Json CheckedFull(Json document) {
+}  // namespace
+
+void CheckFullDocument(const Json& document) {
   if (!document.is_object()) throw DocumentError("no full inventory: it is no object");
   for (const MachineSection& section : MachineSections()) {
     const auto found = document.find(section.key);
@@ -73,34 +57,16 @@ Json CheckedFull(Json document) {
     }
     CheckSection(section, *found);
   }
-  return document;
 }
 
-Json CheckedIncremental(Json document) {
-  if (document.is_null()) return document;
+void CheckIncrementalDocument(const Json& document) {
+  if (document.is_null()) return;
   for (const char* key : {"create", "delete", "device", "update"}) {
     if (document.is_object() && document.contains(key)) continue;
     throw DocumentError("no incremental inventory: it has no " + Quoted(key));
   }
   if (!document["device"].is_object()) throw DocumentError("\"device\" is no record");
   for (const char* kind : {"create", "delete", "update"}) CheckChanges(document, kind);
-  return document;
-}
-
-Json Read(const NamedText& document, Json (*check)(Json)) {
-  try {
-    return check(Parse(document.text));
-  } catch (const DocumentError& error) {
-    throw DocumentError(document.name + ": " + error.what());
-  }
-}
-
-}  // namespace
-
-Json ReadFullDocument(const NamedText& document) { return Read(document, CheckedFull); }
-
-Json ReadIncrementalDocument(const NamedText& document) {
-  return Read(document, CheckedIncremental);
 }
 
 }  // namespace Norvik::Documents

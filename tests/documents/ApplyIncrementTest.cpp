@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <random>
@@ -13,6 +12,7 @@
 #include "documents/MachineSections.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 #include "module/Inventories.h"
+#include "support/DocumentedLosses.h"
 #include "support/LogCapture.h"
 
 namespace Norvik::Documents {
@@ -187,21 +187,6 @@ bool IdsAreLost(const InventoryKOBInfo& after, const Json& merged) {
   });
 }
 
-/// First column of the table under a heading of a document.
-std::set<std::string> DocumentedLosses() {
-  std::ifstream file(NORVIK_SOURCE_DIR "/docs/documents.md");
-  std::set<std::string> names;
-  bool inside = false;
-  for (std::string line; std::getline(file, line);) {
-    if (line.rfind("## ", 0) == 0) inside = line == "## What an incremental document cannot tell";
-    if (!inside || line.rfind("| ", 0) != 0 || line.rfind("| what", 0) == 0 ||
-        line.rfind("| -", 0) == 0)
-      continue;
-    names.insert(line.substr(2, line.find(" |", 2) - 2));
-  }
-  return names;
-}
-
 class ApplyIncrementTest : public testing::Test {
  protected:
   static std::string Changes(const std::string& before, const InventoryKOBInfo& after) {
@@ -245,7 +230,7 @@ TEST_F(ApplyIncrementTest, AServerComesToWhatTheMachineHasButForTheKnownLosses) 
     std::cout << "lost: " << name << " (" << count << ")\n";
     found.insert(name);
   }
-  EXPECT_EQ(found, DocumentedLosses());
+  EXPECT_EQ(found, Tests::DocumentedLosses("documents.md"));
 }
 
 TEST_F(ApplyIncrementTest, NothingToApplyLeavesTheDocumentAsItIs) {
