@@ -17,9 +17,10 @@ using Command = int (*)(const CommandLine&, std::ostream&, std::ostream&);
 
 const std::map<std::string, Command>& AllCommands() {
   static const std::map<std::string, Command> commands = {
-      {"inventory", RunInventory}, {"open", RunOpen},     {"apply", RunApply},
-      {"diff", RunDiff},           {"action", RunAction}, {"actions", RunActions},
-      {"configure", RunConfigure}, {"status", RunStatus}};
+      {"inventory", RunInventory}, {"files", RunFiles},     {"explain", RunExplain},
+      {"open", RunOpen},           {"apply", RunApply},     {"diff", RunDiff},
+      {"action", RunAction},       {"actions", RunActions}, {"configure", RunConfigure},
+      {"status", RunStatus}};
   return commands;
 }
 

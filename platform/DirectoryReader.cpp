@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <boost/filesystem/exception.hpp>
 #include <boost/system/error_code.hpp>
 #include <cerrno>
@@ -14,6 +15,13 @@
 namespace Norvik::Platform {
 
 namespace {
+
+std::atomic<std::uint64_t> foldersOpened{0};
+std::atomic<std::uint64_t> questionsAsked{0};
+
+void CountOne(std::atomic<std::uint64_t>& counter) {
+  counter.fetch_add(1, std::memory_order_relaxed);
+}
 
 EntryKind KindOfType(unsigned char type) {
   switch (type) {
@@ -108,7 +116,10 @@ DirectoryReader::DirectoryReader() : stream_(std::make_unique<Stream>()) {}
 
 DirectoryReader::~DirectoryReader() = default;
 
-void DirectoryReader::Open(const std::string& folder) { stream_->Open(folder); }
+void DirectoryReader::Open(const std::string& folder) {
+  stream_->Open(folder);
+  CountOne(foldersOpened);
+}
 
 bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
   while (const auto* const found = stream_->Read()) {
@@ -122,6 +133,7 @@ bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
 }
 
 EntryFacts DirectoryReader::Ask(const char* name, std::error_code& error) const {
+  CountOne(questionsAsked);
   struct stat status {};
   if (::fstatat(stream_->Descriptor(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
     error.assign(errno, std::generic_category());
@@ -130,6 +142,11 @@ EntryFacts DirectoryReader::Ask(const char* name, std::error_code& error) const 
   error.clear();
   return {KindOfMode(status.st_mode), static_cast<long long>(status.st_size),
           static_cast<long long>(status.st_mtime)};
+}
+
+ReadCounts DirectoryReader::Counts() {
+  return {foldersOpened.load(std::memory_order_relaxed),
+          questionsAsked.load(std::memory_order_relaxed)};
 }
 
 }  // namespace Norvik::Platform

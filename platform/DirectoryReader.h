@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -22,6 +23,12 @@ struct EntryFacts {
   long long lastModification = 0;  ///< whole seconds since the epoch, negative before it
 };
 
+/// What all readers of this process have done so far.
+struct ReadCounts {
+  std::uint64_t folders = 0;    ///< opened
+  std::uint64_t questions = 0;  ///< for the metadata of an entry
+};
+
 /// Reads one folder after the other, in the order that the file system gives, without "." and "..",
 /// and asks for nothing but the entries: on Linux no call goes to an entry, nor a metadata call to
 /// the folder. Use it on one thread.
@@ -39,6 +46,9 @@ class DirectoryReader {
   bool Next(DirectoryEntry& entry, std::error_code& error);
   /// Metadata of an entry of the open folder.
   EntryFacts Ask(const char* name, std::error_code& error) const;
+
+  /// From any thread.
+  static ReadCounts Counts();
 
  private:
   struct Stream;

@@ -69,6 +69,13 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
   inventory->add_flag("--incremental", line.incremental, "tell only what has changed");
 
+  auto* files = program.add_subcommand("files", "take an inventory of the files of this machine");
+  files->add_flag("--incremental", line.incremental, "tell only what has changed");
+  files->add_flag("--scheduled", line.scheduled, "as a schedule would: at most once a day");
+
+  auto* explain = program.add_subcommand("explain", "tell whether a file inventory lists a path");
+  explain->add_option("PATH", texts.file, "the path to look at")->required()->check(NotEmpty);
+
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
   open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
   open->add_flag("--pretty", line.pretty, "indent the document");
@@ -87,6 +94,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
 
   auto* configure = program.add_subcommand("configure", "check, store and apply a configuration");
   configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
+  configure->add_flag("--check", line.check, "only tell what in it will surprise");
 
   program.add_subcommand("status", "tell the state of the agent");
 }

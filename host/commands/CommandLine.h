@@ -17,7 +17,9 @@ struct CommandLine {
   bool json = false;
   // Of single commands.
   bool incremental = false;
+  bool scheduled = false;
   bool pretty = false;
+  bool check = false;
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
   boost::filesystem::path outputFile;  ///< empty: the answer goes to the output

@@ -11,6 +11,10 @@ namespace Norvik::Host {
 // `std::exception` come out with the reason; nothing of an answer is written then.
 
 int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Takes a file inventory.
+int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Tells whether the next file inventory would list a path. Only looks.
+int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);

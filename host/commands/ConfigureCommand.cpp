@@ -4,6 +4,7 @@
 #include "common/files/Paths.h"
 #include "host/AgentProgram.h"
 #include "host/ConfigurationFile.h"
+#include "host/ConfigurationWarnings.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
 #include "host/commands/Rendering.h"
@@ -13,9 +14,27 @@ namespace Norvik::Host {
 
 using namespace Common;
 
+namespace {
+
+int Check(const KobConfigurationInfo& configuration, bool json, std::ostream& output) {
+  OrderedJson list = OrderedJson::array();
+  std::string text;
+  for (const auto& warning : WarningsOf(configuration)) {
+    list.push_back({{"key", warning.key}, {"value", warning.value}, {"text", warning.text}});
+    text += warning.key + ": " + warning.value + (warning.value.empty() ? "" : " ") + warning.text +
+            "\n";
+  }
+  if (text.empty()) text = "nothing in it will surprise\n";
+  output << (json ? JsonLine({{"warnings", list}}) : text);
+  return EXIT_DONE;
+}
+
+}  // namespace
+
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const ConfigurationFile given = ReadConfigurationFile(line.file);
   const AgentConfigurationInfo& configuration = given.configuration;
+  if (line.check) return Check(*configuration.kob, line.json, output);
 
   AgentOptions options = line.agent;
   // The module is made with the configuration so far, so that it sees the change; but it looks at

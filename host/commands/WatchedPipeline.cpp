@@ -14,7 +14,8 @@ const char* PipelineStep::Name() const {
   return NAMES[kind];
 }
 
-WatchedPipeline::WatchedPipeline(std::shared_ptr<IFilePipeline> inner) : inner_(std::move(inner)) {}
+WatchedPipeline::WatchedPipeline(std::shared_ptr<IFilePipeline> inner, DocumentVisitor onDocument)
+    : inner_(std::move(inner)), onDocument_(std::move(onDocument)) {}
 
 bool WatchedPipeline::Keep(PipelineStep step) {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -23,6 +24,7 @@ bool WatchedPipeline::Keep(PipelineStep step) {
 }
 
 bool WatchedPipeline::Compress(const fs::path& source, const fs::path& target) {
+  if (onDocument_) onDocument_(source);
   return Keep({PipelineStep::COMPRESS, inner_->Compress(source, target), source, target, {}});
 }
 
@@ -45,8 +47,9 @@ std::vector<PipelineStep> WatchedPipeline::Steps() const {
   return steps_;
 }
 
-PipelineWatch::PipelineWatch()
-    : inner_(GetFilePipeline()), watched_(std::make_shared<WatchedPipeline>(inner_)) {
+PipelineWatch::PipelineWatch(DocumentVisitor onDocument)
+    : inner_(GetFilePipeline()),
+      watched_(std::make_shared<WatchedPipeline>(inner_, std::move(onDocument))) {
   SetFilePipeline(watched_);
 }
 

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 #include <boost/optional.hpp>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -24,10 +25,15 @@ struct PipelineStep {
   const char* Name() const;
 };
 
+/// Gets each document while it can still be read, just before it is compressed. Must not raise.
+using DocumentVisitor = std::function<void(const boost::filesystem::path& document)>;
+
 /// Keeps what the steps of another pipeline answer.
 class WatchedPipeline : public Common::IFilePipeline {
  public:
-  explicit WatchedPipeline(std::shared_ptr<Common::IFilePipeline> inner);
+  /// @param onDocument may be empty
+  explicit WatchedPipeline(std::shared_ptr<Common::IFilePipeline> inner,
+                           DocumentVisitor onDocument = {});
 
   bool Compress(const boost::filesystem::path& source,
                 const boost::filesystem::path& target) override;
@@ -43,6 +49,7 @@ class WatchedPipeline : public Common::IFilePipeline {
   bool Keep(PipelineStep step);
 
   const std::shared_ptr<Common::IFilePipeline> inner_;
+  const DocumentVisitor onDocument_;
   mutable std::mutex mutex_;
   std::vector<PipelineStep> steps_;
 };
@@ -50,7 +57,7 @@ class WatchedPipeline : public Common::IFilePipeline {
 /// Watches the process's pipeline for a scope.
 class PipelineWatch {
  public:
-  PipelineWatch();
+  explicit PipelineWatch(DocumentVisitor onDocument = {});
   PipelineWatch(const PipelineWatch&) = delete;
   PipelineWatch& operator=(const PipelineWatch&) = delete;
   ~PipelineWatch();

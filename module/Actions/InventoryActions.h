@@ -52,7 +52,7 @@ class InventoryActions final : public Common::ActionPerformerBase {
   bool blockInventoryRUDV2();
   /// False if the run is turned away. The caller holds the run lock.
   bool StartRudInventoryV2(const bool& incremental, Common::ActionParameters& parameters);
-  void ConfigureRUDV2(V2::RudInventory& run);
+  void ConfigureRUDV2(V2::RudInventory& run, const Common::KobConfigurationInfo& configuration);
   static void CompleteExtensionToScanV2(V2::RudInventory& run);
   static void PrintLogConfigV2(const V2::RudInventory& run, const V2::ConfigScan& key,
                                const std::string& label);

@@ -1,8 +1,6 @@
 // The file inventories of InventoryActions.
 
-#include <algorithm>
 #include <boost/format.hpp>
-#include <cctype>
 #include <chrono>
 #include <ctime>
 #include <functional>
@@ -10,6 +8,7 @@
 
 #include "common/database/DataBase.h"
 #include "common/files/FilePipeline.h"
+#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 #include "module/ActionCodes.h"
 #include "module/Actions/InventoryActions.h"
@@ -20,6 +19,7 @@ namespace Norvik::KOB {
 
 namespace {
 
+using Common::ScanRules;
 using Common::TaskResponseInfo;
 using Common::V2::DataBase;
 using std::chrono::steady_clock;
@@ -52,13 +52,6 @@ std::tm UtcOf(std::time_t time) {
 }
 
 Texts SetOf(const std::vector<std::string>& values) { return {values.begin(), values.end()}; }
-
-std::string Mapped(std::string text, int (*convert)(int)) {
-  std::transform(text.begin(), text.end(), text.begin(), [&](char character) {
-    return static_cast<char>(convert(static_cast<unsigned char>(character)));
-  });
-  return text;
-}
 
 }  // namespace
 
@@ -166,7 +159,11 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
     NORVIK_WARNING("RUD is running, kindly wait until it finishes");
     return false;
   }
-  if (!configuration_) {
+  const auto configuration = [this] {
+    const std::lock_guard<std::mutex> lock(configurationLock_);
+    return configuration_;
+  }();
+  if (!configuration) {
     NORVIK_WARNING("RUD doesn't have a valid configuration");
     return false;
   }
@@ -174,7 +171,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
   auto run = std::make_unique<V2::RudInventory>(
       std::bind(&InventoryActions::OnRUDInventoryFinishV2, this, std::placeholders::_1),
       agentIdentifier_);
-  ConfigureRUDV2(*run);
+  ConfigureRUDV2(*run, *configuration);
   parameters.Set(INCREMENTAL_PARAMETER, incremental);
   // Not before it is configured: a run that is left behind would turn away all others.
   currentRun_ = std::move(run);
@@ -183,17 +180,16 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
   return true;
 }
 
-void InventoryActions::ConfigureRUDV2(V2::RudInventory& run) {
-  run.SetConfig(V2::ExcludeFile, SetOf(configuration_->excludedFiles));
-  run.SetConfig(V2::ExcludePath, SetOf(configuration_->excludedPaths));
-  run.SetConfig(V2::IncludeExtension, SetOf(configuration_->includedExtensions));
+void InventoryActions::ConfigureRUDV2(V2::RudInventory& run,
+                                      const Common::KobConfigurationInfo& configuration) {
+  run.SetConfig(V2::ExcludeFile, SetOf(configuration.excludedFiles));
+  run.SetConfig(V2::ExcludePath, SetOf(configuration.excludedPaths));
+  run.SetConfig(V2::IncludeExtension, SetOf(configuration.includedExtensions));
   const auto first =
       std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();
   const Texts roots = V2::RudInventory::GetDevices(first.physicalDisks);
-  Texts additional = SetOf(configuration_->additionalExtensions);
-  additional.erase("EXE");
-  additional.erase("CPL");
-  run.AddConfig(V2::IncludeExtension, additional);
+  run.AddConfig(V2::IncludeExtension,
+                ScanRules::AdditionalExtensions(configuration.additionalExtensions));
   run.AddConfig(V2::IncludePath, roots);
   CompleteExtensionToScanV2(run);
   PrintLogConfigV2(run, V2::ExcludeFile, "Exclude file");
@@ -203,17 +199,8 @@ void InventoryActions::ConfigureRUDV2(V2::RudInventory& run) {
 }
 
 void InventoryActions::CompleteExtensionToScanV2(V2::RudInventory& run) {
-  Texts extensions;
-  for (const auto& extension : run.GetConfig(V2::IncludeExtension)) {
-    if (!extension.empty() && extension.front() != '.') extensions.insert("." + extension);
-    extensions.insert(extension);
-  }
-  Texts bothCases;
-  for (const auto& extension : extensions) {
-    bothCases.insert(Mapped(extension, std::toupper));
-    bothCases.insert(Mapped(extension, std::tolower));
-  }
-  run.SetConfig(V2::IncludeExtension, bothCases);
+  run.SetConfig(V2::IncludeExtension,
+                ScanRules::CompleteExtensions(run.GetConfig(V2::IncludeExtension)));
 }
 
 void InventoryActions::PrintLogConfigV2(const V2::RudInventory& run, const V2::ConfigScan& key,

@@ -5,11 +5,13 @@
 #include <chrono>
 #include <utility>
 
+#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 
 namespace Norvik::KOB::V2 {
 
+using Common::ScanRules;
 using Platform::EntryKind;
 using std::chrono::steady_clock;
 
@@ -145,12 +147,12 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
     return;
   }
   walk.name = entry.name;
-  if (IsExcludedFile(walk.name)) {
+  const auto verdict = ScanRules::Judge(walk.name, config_.at(ExcludeFile),
+                                        config_.at(IncludeExtension), walk.extension);
+  if (verdict == ScanRules::Verdict::ExcludedName) {
     messages_.emplace_back("IsExcludedFile", "Excluded file by setting", walk.name);
-    return;
   }
-  walk.extension = ExtensionOf(walk.name);
-  if (!IsIncludedExtension(walk.extension)) return;
+  if (verdict != ScanRules::Verdict::Listed) return;
   if (entry.kind != EntryKind::Unknown) {
     metadata.facts = walk.reader.Ask(entry.name, metadata.error);
   }
@@ -210,11 +212,6 @@ void FileHarvester::PrintFilesWithError() const {
   for (const auto& [what, why, which] : messages_) {
     NORVIK_WARNING(boost::format("RUD: %1% - %2% - %3%") % what % why % which);
   }
-}
-
-std::string ExtensionOf(const std::string& name) {
-  const std::size_t dot = name.rfind('.');
-  return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
 }
 
 }  // namespace Norvik::KOB::V2

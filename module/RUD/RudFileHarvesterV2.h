@@ -73,7 +73,4 @@ class FileHarvester {
   Messages messages_;
 };
 
-/// A name's extension with its dot. A name whose only dot comes first has none.
-std::string ExtensionOf(const std::string& name);
-
 }  // namespace Norvik::KOB::V2

@@ -1,5 +1,6 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 
+#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 
 namespace Norvik::KOB::V2 {
@@ -33,7 +34,7 @@ long long FileHarvester::GetFileSize(const Metadata& metadata, const std::string
 }
 
 std::string FileHarvester::GetFileName(const std::string& name) {
-  return name.substr(0, name.size() - ExtensionOf(name).size());
+  return name.substr(0, name.size() - Common::ScanRules::ExtensionOf(name).size());
 }
 
 }  // namespace Norvik::KOB::V2

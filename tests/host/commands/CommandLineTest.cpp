@@ -54,7 +54,7 @@ TEST(CommandLine, WrongUseIsToldOnOneLineWithTheOption) {
     std::vector<std::string> arguments;
     const char* error;
   } cases[] = {
-      {{}, "a command is wanted; the commands are inventory, open, apply, diff, action"},
+      {{}, "a command is wanted; the commands are inventory, files, explain, open, apply"},
       {{"inventry"}, "unknown command inventry; the commands are inventory"},
       {{"inventory", "--full"}, "--full"},
       {{"inventory", "extra"}, "extra"},

@@ -15,7 +15,6 @@ using namespace Norvik::KOB;
 using namespace std::string_literals;
 using Norvik::Common::ToUtf8;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 constexpr char SYSTEM[] = "root/System/Library/LaunchDaemons/";
@@ -101,14 +100,6 @@ TEST(ServicesSection, ListsBothFoldersAndNoOther) {
   // A link counts as a file, whatever it leads to.
   EXPECT_THAT(names, UnorderedElementsAre("same", "same", "set aside", "linked"));
   EXPECT_EQ(Norvik::Platform::CountLiveObjects(), Norvik::Platform::LiveObjects());
-}
-
-TEST(ServicesSection, AMachineWithoutDaemonsHasNone) {
-  MacRecording recording;
-  recording.PutInForce();
-  std::list<ServiceInfo> services;
-  ServicesSection().GetInfo(services);
-  EXPECT_THAT(services, IsEmpty());
 }
 
 TEST(ServicesSection, AProgramThatWasSeenOnceCountsAsRunning) {

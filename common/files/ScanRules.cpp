@@ -1,0 +1,85 @@
+#include "common/files/ScanRules.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "common/text/Text.h"
+
+namespace Norvik::Common {
+
+namespace {
+
+using Texts = ScanRules::Texts;
+
+std::string Mapped(std::string text, int (*convert)(int)) {
+  std::transform(text.begin(), text.end(), text.begin(), [&](char character) {
+    return static_cast<char>(convert(static_cast<unsigned char>(character)));
+  });
+  return text;
+}
+
+template <class Container>
+Texts Encoded(const Container& texts) {
+  Texts encoded;
+  for (const auto& text : texts) encoded.insert(EncodeUtf8Characters(text));
+  return encoded;
+}
+
+Texts WantedExtensions(const KobConfigurationInfo& configuration) {
+  Texts extensions = ScanRules::AdditionalExtensions(configuration.additionalExtensions);
+  extensions.insert(configuration.includedExtensions.begin(),
+                    configuration.includedExtensions.end());
+  return ScanRules::CompleteExtensions(extensions);
+}
+
+}  // namespace
+
+ScanRules::ScanRules(const KobConfigurationInfo& configuration)
+    : excludedFolders_(Encoded(configuration.excludedPaths)),
+      excludedNames_(Encoded(configuration.excludedFiles)),
+      extensions_(Encoded(WantedExtensions(configuration))) {}
+
+ScanRules::Verdict ScanRules::Judge(const std::string& name) const {
+  std::string extension;
+  return Judge(name, excludedNames_, extensions_, extension);
+}
+
+Texts ScanRules::Roots() {
+  // Every volume is mounted below the one root.
+  return {"/"};
+}
+
+Texts ScanRules::AdditionalExtensions(const std::vector<std::string>& configured) {
+  Texts extensions(configured.begin(), configured.end());
+  extensions.erase("EXE");
+  extensions.erase("CPL");
+  return extensions;
+}
+
+Texts ScanRules::CompleteExtensions(const Texts& extensions) {
+  Texts complete;
+  const auto addBothCases = [&](const std::string& extension) {
+    complete.insert(Mapped(extension, std::toupper));
+    complete.insert(Mapped(extension, std::tolower));
+  };
+  for (const auto& extension : extensions) {
+    if (!extension.empty() && extension.front() != '.') addBothCases("." + extension);
+    addBothCases(extension);
+  }
+  return complete;
+}
+
+std::string ScanRules::ExtensionOf(const std::string& name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
+}
+
+ScanRules::Verdict ScanRules::Judge(const std::string& name, const Texts& excludedNames,
+                                    const Texts& extensions, std::string& extension) {
+  if (excludedNames.count(name) > 0) return Verdict::ExcludedName;
+  extension = ExtensionOf(name);
+  if (extensions.count(extension) > 0) return Verdict::Listed;
+  return extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension;
+}
+
+}  // namespace Norvik::Common

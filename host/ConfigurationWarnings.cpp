@@ -1,0 +1,79 @@
+#include "host/ConfigurationWarnings.h"
+
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+
+#include "common/files/ScanRules.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+namespace fs = boost::filesystem;
+using Common::ScanRules;
+using Warnings = std::vector<ConfigurationWarning>;
+using Texts = std::vector<std::string>;
+
+// Volumes whose content a scan finds elsewhere as well, on systems that have them.
+constexpr const char* LISTED_TWICE[] = {"/System/Volumes/Data"};
+
+void CheckFolders(const Texts& folders, Warnings& warnings) {
+  const auto warn = [&](const std::string& folder, const char* text) {
+    warnings.push_back({"excludedPaths", folder, text});
+  };
+  boost::system::error_code ignored;
+  for (const auto& folder : folders) {
+    if (folder.front() != '/') {
+      warn(folder, "is not a full path, so it excludes nothing");
+    } else if (folder.size() > 1 && folder.back() == '/') {
+      warn(folder, "has a slash at its end, so it excludes nothing");
+    } else if (!fs::exists(folder, ignored)) {
+      warn(folder, "does not exist on this machine");
+    }
+  }
+  for (const char* folder : LISTED_TWICE) {
+    const bool excluded = std::find(folders.begin(), folders.end(), folder) != folders.end();
+    if (excluded || !fs::exists(folder, ignored)) continue;
+    warnings.push_back({"excludedPaths", "",
+                        std::string(folder) + " is missing: its files will be "
+                                              "listed twice"});
+  }
+}
+
+void CheckNames(const Texts& names, Warnings& warnings) {
+  for (const auto& name : names) {
+    if (name.find('/') == std::string::npos) continue;
+    warnings.push_back({"excludedFiles", name, "is a path, but names are compared without one"});
+  }
+}
+
+void CheckExtensions(const char* key, const Texts& extensions, Warnings& warnings) {
+  for (const auto& extension : extensions) {
+    const auto complete = ScanRules::CompleteExtensions({extension});
+    if (complete.count(extension) > 0) continue;
+    warnings.push_back(
+        {key, extension, "is in mixed case: only files in all upper or all lower case will match"});
+  }
+}
+
+void CheckAdditional(const Texts& extensions, Warnings& warnings) {
+  const auto counting = ScanRules::AdditionalExtensions(extensions);
+  for (const auto& extension : extensions) {
+    if (counting.count(extension) > 0) continue;
+    warnings.push_back({"additionalExtensions", extension, "does not count here"});
+  }
+}
+
+}  // namespace
+
+Warnings WarningsOf(const Common::KobConfigurationInfo& configuration) {
+  Warnings warnings;
+  CheckFolders(configuration.excludedPaths, warnings);
+  CheckNames(configuration.excludedFiles, warnings);
+  CheckExtensions("includedExtensions", configuration.includedExtensions, warnings);
+  CheckExtensions("additionalExtensions", configuration.additionalExtensions, warnings);
+  CheckAdditional(configuration.additionalExtensions, warnings);
+  return warnings;
+}
+
+}  // namespace Norvik::Host

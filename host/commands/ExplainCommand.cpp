@@ -1,0 +1,54 @@
+#include <boost/filesystem/operations.hpp>
+#include <ostream>
+
+#include "host/AgentProgram.h"
+#include "host/ConfigurationFile.h"
+#include "host/DataFolder.h"
+#include "host/commands/Commands.h"
+#include "host/commands/Rendering.h"
+#include "host/commands/ScanExplanation.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+Common::AgentConfigurationInfo ConfigurationOf(const AgentOptions& options) {
+  if (!options.configurationFile.empty()) {
+    return ReadConfigurationFile(options.configurationFile).configuration;
+  }
+  const fs::path stored = options.dataFolder / CONFIGURATION_FILE;
+  return fs::exists(stored) ? ReadConfigurationFile(stored).configuration : DefaultConfiguration();
+}
+
+/// Links stay: whether one is on the way is what the answer may depend on.
+std::string FullPath(const fs::path& given) {
+  std::string path = fs::absolute(given).lexically_normal().string();
+  for (const std::string ending : {"/.", "/"}) {
+    if (path.size() > ending.size() && path.substr(path.size() - ending.size()) == ending) {
+      path.resize(path.size() - ending.size());
+    }
+  }
+  return path;
+}
+
+}  // namespace
+
+int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  const Common::ScanRules rules(*ConfigurationOf(line.agent).kob);
+  const std::string path = FullPath(line.file);
+  const ScanExplanation answer = ExplainScan(rules, path);
+  if (line.json) {
+    output << JsonLine({{"path", path},
+                        {"listed", answer.listed},
+                        {"rule", answer.rule},
+                        {"reason", answer.reason}});
+  } else {
+    output << path << (answer.listed ? " would be listed: " : " would not be listed: ")
+           << answer.reason << std::endl;
+  }
+  return EXIT_DONE;
+}
+
+}  // namespace Norvik::Host
