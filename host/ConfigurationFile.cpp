@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/TextFile.h"
+#include "host/UsualExclusions.h"
 
 namespace Norvik::Host {
 
@@ -162,6 +163,9 @@ Json Parse(const std::string& text) {
 AgentConfigurationInfo DefaultConfiguration() {
   AgentConfigurationInfo configuration;
   configuration.kob.emplace();
+  for (const auto& [folder, reason] : UsualExclusions()) {
+    configuration.kob->excludedPaths.emplace_back(folder);
+  }
   configuration.communications.port = 443;
   return configuration;
 }

@@ -4,6 +4,7 @@
 #include <boost/filesystem/operations.hpp>
 
 #include "common/files/ScanRules.h"
+#include "host/UsualExclusions.h"
 
 namespace Norvik::Host {
 
@@ -13,9 +14,6 @@ namespace fs = boost::filesystem;
 using Common::ScanRules;
 using Warnings = std::vector<ConfigurationWarning>;
 using Texts = std::vector<std::string>;
-
-// Volumes whose content a scan finds elsewhere as well, on systems that have them.
-constexpr const char* LISTED_TWICE[] = {"/System/Volumes/Data"};
 
 void CheckFolders(const Texts& folders, Warnings& warnings) {
   const auto warn = [&](const std::string& folder, const char* text) {
@@ -31,12 +29,10 @@ void CheckFolders(const Texts& folders, Warnings& warnings) {
       warn(folder, "does not exist on this machine");
     }
   }
-  for (const char* folder : LISTED_TWICE) {
+  for (const auto& [folder, reason] : UsualExclusions()) {
     const bool excluded = std::find(folders.begin(), folders.end(), folder) != folders.end();
     if (excluded || !fs::exists(folder, ignored)) continue;
-    warnings.push_back({"excludedPaths", "",
-                        std::string(folder) + " is missing: its files will be "
-                                              "listed twice"});
+    warnings.push_back({"excludedPaths", "", std::string(folder) + " is missing: " + reason});
   }
 }
 
