@@ -35,14 +35,12 @@ OrderedJson ToJson(unsigned int code, const Outcome& outcome) {
       rows.push_back(CellsOf(row));
     }
   }
-  OrderedJson statuses = OrderedJson::array();
-  for (const auto& status : outcome.statuses) statuses.push_back(StatusToJson(status));
   return {{"code", code},
           {"text", outcome.response.text.get_value_or("")},
           {"success", outcome.response.success},
           {"titles", titles},
           {"rows", rows},
-          {"statuses", statuses}};
+          {"statuses", StatusesToJson(outcome.statuses)}};
 }
 
 std::string ToText(const Outcome& outcome) {

@@ -49,15 +49,13 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
   host.Run(COMMON_ACTION_NEW_CONFIGURATION, parameters);
 
-  OrderedJson statuses = OrderedJson::array();
+  const auto statuses = recorder.Statuses();
   std::string text = "configuration of profile " + std::to_string(configuration.profileId) +
                      " is stored in " + stored.string() + " and applied\n";
-  for (const auto& status : recorder.Statuses()) {
-    statuses.push_back(StatusToJson(status));
-    text += "status: " + StatusText(status) + "\n";
-  }
-  const OrderedJson answer = {
-      {"stored", stored.string()}, {"profileId", configuration.profileId}, {"statuses", statuses}};
+  for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
+  const OrderedJson answer = {{"stored", stored.string()},
+                              {"profileId", configuration.profileId},
+                              {"statuses", StatusesToJson(statuses)}};
   output << (line.json ? JsonLine(answer) : text);
   return EXIT_DONE;
 }

@@ -68,11 +68,6 @@ std::string FilesReport::ToJsonText() const {
   for (const auto& [phase, taken] : phases) {
     phaseList.push_back({{"name", NameOf(phase)}, {"seconds", taken}});
   }
-  OrderedJson stepList = OrderedJson::array();
-  for (const auto& step : steps)
-    stepList.push_back({{"step", step.Name()}, {"success", step.done}});
-  OrderedJson statusList = OrderedJson::array();
-  for (const auto& status : statuses) statusList.push_back(StatusToJson(status));
   return JsonLine({{"success", Succeeded()},
                    {"requested", requestedIncremental ? "incremental" : "total"},
                    {"kind", kind},
@@ -83,8 +78,8 @@ std::string FilesReport::ToJsonText() const {
                    {"folders", folders},
                    {"files", CountsJson(*this)},
                    {"phases", phaseList},
-                   {"steps", stepList},
-                   {"statuses", statusList},
+                   {"steps", StepsToJson(steps)},
+                   {"statuses", StatusesToJson(statuses)},
                    {"problems", problems}});
 }
 

@@ -82,11 +82,6 @@ std::string InventoryReport::ToJsonText() const {
                            {"seconds", section.seconds},
                            {"records", ToJson(RecordsOf(section))}});
   }
-  OrderedJson stepList = OrderedJson::array();
-  for (const auto& step : steps)
-    stepList.push_back({{"step", step.Name()}, {"success", step.done}});
-  OrderedJson statusList = OrderedJson::array();
-  for (const auto& status : statuses) statusList.push_back(StatusToJson(status));
   return JsonLine({{"success", Succeeded()},
                    {"requested", requestedIncremental ? "incremental" : "total"},
                    {"kind", Kind()},
@@ -96,8 +91,8 @@ std::string InventoryReport::ToJsonText() const {
                    {"seconds", seconds},
                    {"sections", sectionList},
                    {"records", records},
-                   {"steps", stepList},
-                   {"statuses", statusList},
+                   {"steps", StepsToJson(steps)},
+                   {"statuses", StatusesToJson(statuses)},
                    {"problems", problems}});
 }
 

@@ -60,8 +60,18 @@ OrderedJson CellToJson(const ActionPropertyValue& value) {
   return boost::apply_visitor(CellVisitor(), value);
 }
 
-OrderedJson StatusToJson(const TaskResponseInfo& status) {
-  return {{"status", static_cast<unsigned int>(status.status)}, {"message", status.message}};
+OrderedJson StatusesToJson(const std::vector<TaskResponseInfo>& statuses) {
+  OrderedJson list = OrderedJson::array();
+  for (const auto& it : statuses) {
+    list.push_back({{"status", static_cast<unsigned int>(it.status)}, {"message", it.message}});
+  }
+  return list;
+}
+
+OrderedJson StepsToJson(const std::vector<PipelineStep>& steps) {
+  OrderedJson list = OrderedJson::array();
+  for (const auto& step : steps) list.push_back({{"step", step.Name()}, {"success", step.done}});
+  return list;
 }
 
 std::string StatusText(const TaskResponseInfo& status) {

@@ -7,6 +7,7 @@
 
 #include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
+#include "host/commands/WatchedPipeline.h"
 
 namespace Norvik::Host {
 
@@ -15,8 +16,11 @@ using OrderedJson = nlohmann::ordered_json;
 /// A cell of a response's table: numbers and truth values as such, everything else as text.
 OrderedJson CellToJson(const Common::ActionPropertyValue& value);
 
-/// {"status":7,"message":""}
-OrderedJson StatusToJson(const Common::TaskResponseInfo& status);
+/// [{"status":7,"message":""}]
+OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);
+
+/// [{"step":"compress","success":true}]
+OrderedJson StepsToJson(const std::vector<PipelineStep>& steps);
 
 /// As "7 started", with the message behind.
 std::string StatusText(const Common::TaskResponseInfo& status);
