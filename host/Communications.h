@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 
 #include "common/ipc/ICommunicationIPC.h"
@@ -9,15 +10,19 @@
 
 namespace Norvik::Host {
 
-/// The agent's communications while it has no server and no users' processes: documents stay in
-/// the outbox, questions to the server find no answer, and nobody is connected. States of tasks go
-/// to the log and to a listener.
+/// The agent's communications, as the module sees them: the road to the server and the one to the
+/// other processes of the agent, each only while there is one. Without a server documents stay in
+/// the outbox and questions find no answer; without other processes nobody is connected. States of
+/// tasks go to the log and to a listener too.
 class Communications : public Common::ICommunicationSystem, public Common::ICommunicationIPC {
  public:
   /// Called on the thread that reports. Must not raise.
   using StatusListener = std::function<void(const Common::TaskResponseInfo&)>;
 
   void SetStatusListener(StatusListener listener);
+  /// Before the module runs an action. Null: there is none.
+  void SetServer(std::shared_ptr<Common::ICommunicationSystem> server);
+  void SetProcesses(std::shared_ptr<Common::ICommunicationIPC> processes);
 
   bool ProcessMessage(const Common::IRestRequest& request,
                       Common::IRestResponse& response) override;
@@ -28,8 +33,13 @@ class Communications : public Common::ICommunicationSystem, public Common::IComm
   std::map<unsigned long long, Common::IPCSessionData> GetSessions() override;
 
  private:
+  std::shared_ptr<Common::ICommunicationSystem> Server();
+  std::shared_ptr<Common::ICommunicationIPC> Processes();
+
   std::mutex mutex_;
   StatusListener listener_;
+  std::shared_ptr<Common::ICommunicationSystem> server_;
+  std::shared_ptr<Common::ICommunicationIPC> processes_;
 };
 
 }  // namespace Norvik::Host
