@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <regex>
 #include <system_error>
 
 #include "platform/FileSystem.h"
@@ -14,6 +15,8 @@
 namespace Norvik::Platform {
 
 namespace {
+
+constexpr char INFIX[] = ".new-";
 
 [[noreturn]] void Raise(int error, const std::string& what) {
   throw std::system_error(error, std::generic_category(), what);
@@ -24,7 +27,7 @@ namespace {
 ReplacementFile::ReplacementFile(const std::string& target) : target_(target) {
   const std::filesystem::path path(target);
   folder_ = path.has_parent_path() ? path.parent_path().string() : ".";
-  path_ = folder_ + "/." + path.filename().string() + ".new-XXXXXX";
+  path_ = folder_ + "/." + path.filename().string() + INFIX + "XXXXXX";
   file_ = FileDescriptor(::mkstemp(path_.data()));
   if (!file_.IsOpen()) {
     const int error = errno;
@@ -54,6 +57,17 @@ bool ReplacementFile::CommitIfAbsent() {
   }
   SyncFolder(folder_);
   return true;
+}
+
+void RemoveLeftReplacements(const std::string& folder) {
+  static const std::regex NAME(std::string("\\..+\\") + INFIX + "[[:alnum:]]{6}");
+  std::error_code error;
+  std::filesystem::recursive_directory_iterator entry(folder, error);
+  for (; !error && entry != std::filesystem::recursive_directory_iterator();
+       entry.increment(error)) {
+    const auto& path = entry->path();
+    if (std::regex_match(path.filename().string(), NAME)) ::unlink(path.c_str());
+  }
 }
 
 }  // namespace Norvik::Platform

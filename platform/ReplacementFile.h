@@ -31,4 +31,8 @@ class ReplacementFile {
   FileDescriptor file_;
 };
 
+/// Removes what replacement files of a process that was killed have left in the folder and in its
+/// folders, where no other process may be making any. What cannot be removed stays.
+void RemoveLeftReplacements(const std::string& folder);
+
 }  // namespace Norvik::Platform

@@ -14,6 +14,7 @@ namespace {
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
 using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 namespace fs = boost::filesystem;
 
 TEST(ReplacementFile, TakesTheTargetsPlaceOnlyWhenItIsCommitted) {
@@ -56,6 +57,20 @@ TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
   fs::create_directory(folder / "target");
   ReplacementFile file((folder / "target").string());
   EXPECT_THROW(file.Commit(), std::system_error);
+}
+
+TEST(ReplacementFile, LeftByAKilledProcessGoesAndNothingElse) {
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "work");
+  for (const auto* name : {".a.zip.new-x1Y2z3", "work/.b.new-ABCDEF", "a.zip.new-x1Y2z3",
+                           ".a.zip.new-x1", ".hidden", "work/b"}) {
+    WriteFile(folder / name, "text");
+  }
+  RemoveLeftReplacements(folder.Path().string());
+  EXPECT_THAT(FilesBelow(folder.Path()),
+              UnorderedElementsAre("./a.zip.new-x1Y2z3", "./.a.zip.new-x1", "./.hidden",
+                                   "./work/b"));
+  RemoveLeftReplacements((folder / "missing").string());
 }
 
 TEST(OpenRegularFile, RefusesWhatIsNoFile) {
