@@ -7,7 +7,9 @@
 #include <system_error>
 
 #include "platform/ChildStart.h"
+#include "platform/ChildStartLook.h"
 #include "platform/Pipe.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::Platform {
 
@@ -78,10 +80,24 @@ bool AreUsable(const std::vector<std::string>& words) {
   return true;
 }
 
+ChildResult Rehearse(const ChildCommand& command) {
+  ChildResult result;
+  if (const int problem = StartProblem(command)) result = NotStarted(problem);
+  result.started = result.problem.empty();
+  if (result.started) result.exitCode = 0;
+  NoteStep({RehearsedStep::PROGRAM, ShellText(command),
+            command.account ? "as the user " + command.account->name : "", result.problem});
+  return result;
+}
+
 }  // namespace
 
 ChildResult RunChild(const ChildCommand& command) {
   if (!AreUsable(command.words)) return NotStarted(EINVAL);
+  if (IsRehearsed()) {
+    if (!command.onlyAsks) return Rehearse(command);
+    NoteStep({RehearsedStep::ASKED, ShellText(command), "", ""});
+  }
   Pipe output;
   Pipe errors;
   if (!output.Open() || (command.onErrors && !errors.Open())) return NotStarted(errno);

@@ -31,6 +31,8 @@ struct ChildCommand {
   /// errors they go the way of the output.
   Sink onOutput;
   Sink onErrors;
+  /// It changes nothing on the machine, so that it runs under a rehearsal as well.
+  bool onlyAsks = false;
 };
 
 struct ChildResult {
@@ -42,7 +44,9 @@ struct ChildResult {
 
 /// Runs a program and waits until it has ended and nobody holds its output open any more. It has no
 /// standard input (/dev/null), none of this process's descriptors, and default signal handling.
-/// Raises only what a sink raises, after the child has ended.
+/// Raises only what a sink raises, after the child has ended. Under a rehearsal (see `Rehearsal`)
+/// one that does not only ask is noted, and answered as started and ended well unless a look tells
+/// that it could not be started.
 ChildResult RunChild(const ChildCommand& command);
 
 }  // namespace Norvik::Platform

@@ -40,6 +40,7 @@ std::string CommandRunner::ExecCommand(const std::string& command) {
   child.words = {"/bin/sh", "-c", command};
   child.onOutput = [&](std::string_view piece) { output += piece; };
   child.onErrors = [&](std::string_view piece) { errors.Add(piece); };
+  child.onlyAsks = true;
   const Platform::ChildResult result = Platform::RunChild(child);
   errors.Flush();
   if (!result.started) {

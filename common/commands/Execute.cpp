@@ -2,11 +2,13 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "common/commands/CommandWords.h"
 #include "common/text/Text.h"
 #include "platform/Accounts.h"
 #include "platform/ChildProcess.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::Common {
 
@@ -29,6 +31,7 @@ int Execute::RunAs(int* processId, short session) {
 }
 
 int Execute::Refuse(const std::string& reason) {
+  Platform::NoteStep({Platform::RehearsedStep::PROGRAM, command_, "", reason});
   output_ = reason;
   return -1;
 }
@@ -46,8 +49,10 @@ int Execute::RunUnder(const Platform::ChildAccount* account, const std::string& 
   child.account = account;
   child.onOutput = [this](std::string_view piece) { output_ += piece; };
   const Platform::ChildResult result = Platform::RunChild(child);
-  if (!result.started)
-    return Refuse("Unable to start " + child.words.front() + ": " + result.problem);
+  if (!result.started) {
+    output_ = "Unable to start " + child.words.front() + ": " + result.problem;
+    return -1;
+  }
   if (processId) *processId = static_cast<int>(result.processId);
   return result.exitCode;
 }

@@ -15,6 +15,7 @@
 
 #include "common/log/Logger.h"
 #include "platform/FileDescriptor.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::Common {
 
@@ -95,8 +96,13 @@ class ExtensionSweep {
     if (S_ISDIR(status.st_mode)) {
       SweepBelow(folder, name, path, depth + 1);
     } else if (S_ISREG(status.st_mode) && HasEnding(name)) {
-      if (::unlinkat(folder, name.c_str(), 0) != 0) LogFailure("delete", path);
+      if (!Delete(folder, name, path)) LogFailure("delete", path);
     }
+  }
+
+  static bool Delete(int folder, const std::string& name, const std::string& path) {
+    if (Platform::IsRehearsed()) return Platform::RehearseRemoval(path);
+    return ::unlinkat(folder, name.c_str(), 0) == 0;
   }
 
   /// A name that is nothing but the ending is a hidden file without extension.
@@ -115,7 +121,7 @@ std::set<Identity> IdentitiesOf(const std::vector<boost::filesystem::path>& path
   std::set<Identity> identities;
   struct stat status {};
   for (const auto& path : paths) {
-    const std::string text = path.string();
+    const std::string& text = path.string();
     const std::string name = text.substr(text.rfind('/') + 1);
     if (name == "." || name == "..") continue;
     if (::lstat(path.c_str(), &status) == 0) identities.insert(IdentityOf(status));

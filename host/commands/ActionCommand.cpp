@@ -1,10 +1,16 @@
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
 #include <ostream>
 
+#include "common/log/Logger.h"
 #include "host/AgentProgram.h"
 #include "host/commands/ActionArguments.h"
+#include "host/commands/ActionOutcome.h"
 #include "host/commands/Commands.h"
-#include "host/commands/Rendering.h"
+#include "host/commands/RunningAgent.h"
 #include "host/commands/StatusRecorder.h"
+#include "host/rehearsal/RehearsalHost.h"
+#include "host/rehearsal/RehearsalReport.h"
 
 namespace Norvik::Host {
 
@@ -12,56 +18,8 @@ namespace {
 
 using namespace Common;
 
-struct Outcome {
-  ActionResponse response;
-  std::vector<TaskResponseInfo> statuses;
-  std::string failure;  ///< what the handler raised; empty if it returned
-};
-
-std::vector<OrderedJson> CellsOf(const ActionResponseTable::Row& row) {
-  std::vector<OrderedJson> cells;
-  for (const auto& value : row) cells.push_back(CellToJson(value));
-  return cells;
-}
-
-OrderedJson ToJson(unsigned int code, const Outcome& outcome) {
-  OrderedJson titles = OrderedJson::array();
-  OrderedJson rows = OrderedJson::array();
-  for (const auto& row : outcome.response.table.Rows()) {
-    const bool isTitles = outcome.response.table.HasTitles() && titles.empty() && rows.empty();
-    if (isTitles) {
-      titles = CellsOf(row);
-    } else {
-      rows.push_back(CellsOf(row));
-    }
-  }
-  return {{"code", code},
-          {"text", outcome.response.text.get_value_or("")},
-          {"success", outcome.response.success},
-          {"titles", titles},
-          {"rows", rows},
-          {"statuses", StatusesToJson(outcome.statuses)}};
-}
-
-std::string ToText(const Outcome& outcome) {
-  std::vector<std::vector<OrderedJson>> rows;
-  for (const auto& row : outcome.response.table.Rows()) rows.push_back(CellsOf(row));
-  std::string text = TableText(rows);
-  if (outcome.response.text) text += "text: " + *outcome.response.text + "\n";
-  text += std::string("success: ") + (outcome.response.success ? "true" : "false") + "\n";
-  for (const auto& status : outcome.statuses) text += "status: " + StatusText(status) + "\n";
-  return text;
-}
-
-/// An action says in different ways that it failed.
-bool HasFailed(const Outcome& outcome) {
-  if (!outcome.failure.empty() || outcome.response.text) return true;
-  return !outcome.statuses.empty() &&
-         outcome.statuses.back().status == TaskResponseInfo::TASK_FAILED;
-}
-
-Outcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
-  Outcome outcome;
+ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
+  ActionOutcome outcome;
   const StatusRecorder recorder(host.GetCommunications());
   try {
     outcome.response = host.Run(code, parameters);
@@ -72,21 +30,58 @@ Outcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& param
   return outcome;
 }
 
-}  // namespace
+void WarnOfMissingHandler(IModule& module, unsigned int code, std::ostream& errors) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  errors << "norvik-agent: no handler is registered for the action " << code << std::endl;
+}
 
-int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors) {
-  const unsigned int code = ParseActionCode(line.action);
-  const ActionParameters parameters = ParseActionParameters(line.parameters);
-  AgentHost host(line.agent);
-  if (host.Module().GetAction(code, {}).name.empty()) {
-    errors << "norvik-agent: no handler is registered for the action " << code << std::endl;
-  }
-  const Outcome outcome = RunOne(host, code, parameters);
-  output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
+int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& errors) {
   if (!outcome.failure.empty()) {
     errors << "norvik-agent: action " << code << " failed: " << outcome.failure << std::endl;
   }
-  return HasFailed(outcome) ? EXIT_FAILED : EXIT_DONE;
+  return outcome.HasFailed() ? EXIT_FAILED : EXIT_DONE;
+}
+
+/// Users that are connected to the agent that works with the same data folder, if one runs.
+RehearsedCommunications::Sessions ConnectedSessions(const CommandLine& line) {
+  RehearsedCommunications::Sessions sessions;
+  try {
+    const auto status = AskAgentIfRunning(line.socket, {{"request", "status"}});
+    if (!status) return sessions;
+    boost::system::error_code differ;
+    const std::string folder = status->at("dataFolder");
+    if (!boost::filesystem::equivalent(folder, line.agent.dataFolder, differ)) return sessions;
+    for (const auto& session : status->at("sessions")) {
+      sessions[session.at("session")].processId = session.at("processId");
+    }
+  } catch (const std::exception& error) {
+    NORVIK_WARNING(boost::format("The running agent does not tell who is connected: %1%") %
+                   error.what());
+  }
+  return sessions;
+}
+
+int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  const unsigned int code = ParseActionCode(line.action);
+  const ActionParameters parameters = ParseActionParameters(line.parameters);
+  RehearsalHost host(line.agent, ConnectedSessions(line));
+  WarnOfMissingHandler(host.Module(), code, errors);
+  const RehearsalReport report(code, host.Run(code, parameters));
+  output << host.InOriginal(line.json ? JsonLine(report.ToJson()) : report.ToText());
+  return CodeFor(report.Outcome(), code, errors);
+}
+
+}  // namespace
+
+int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  if (line.rehearse) return Rehearse(line, output, errors);
+  const unsigned int code = ParseActionCode(line.action);
+  const ActionParameters parameters = ParseActionParameters(line.parameters);
+  AgentHost host(line.agent);
+  WarnOfMissingHandler(host.Module(), code, errors);
+  const ActionOutcome outcome = RunOne(host, code, parameters);
+  output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
+  return CodeFor(outcome, code, errors);
 }
 
 }  // namespace Norvik::Host

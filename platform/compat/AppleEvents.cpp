@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/Rehearsal.h"
 #include "platform/compat/SentAppleEvents.h"
 
 namespace {
@@ -91,6 +92,14 @@ void SetAppleEventAnswer(std::int32_t status) {
   Outgoing& outgoing = TheOutgoing();
   const std::lock_guard<std::mutex> lock(outgoing.mutex);
   outgoing.answer = status;
+}
+
+int RehearseAppleEvent(const std::string& text) {
+  Outgoing& outgoing = TheOutgoing();
+  const std::lock_guard<std::mutex> lock(outgoing.mutex);
+  const bool refused = outgoing.answer != noErr;
+  NoteStep({RehearsedStep::APPLE_EVENT, text, "", refused ? "nothing here takes it" : ""});
+  return outgoing.answer;
 }
 
 }  // namespace Norvik::Platform

@@ -41,7 +41,7 @@ using TextCall = int (*)(int processId, void* buffer, std::uint32_t size);
 std::string AskForText(TextCall call, int processId, const char* what) {
   char buffer[PROC_PIDPATHINFO_MAXSIZE] = {};
   if (call(processId, buffer, sizeof(buffer)) <= 0) {
-    NORVIK_ERROR(boost::format("PID %1%: process %2% unknown") % processId % what);
+    NORVIK_ERROR(boost::format("PID %1%: process %2% unknown") % std::to_string(processId) % what);
     return "Unknown";
   }
   return Common::EncodeUtf8Characters(std::string(buffer, ::strnlen(buffer, sizeof(buffer))));
@@ -59,7 +59,8 @@ std::int64_t MachineMemory() {
 std::pair<std::string, std::string> MemoryOf(int processId) {
   rusage_info_v2 usage{};
   if (::proc_pid_rusage(processId, RUSAGE_INFO_V2, reinterpret_cast<rusage_info_t*>(&usage)) != 0) {
-    NORVIK_DETAIL(boost::format("PID %1%: could not read memory via proc_pid_rusage") % processId);
+    NORVIK_DETAIL(boost::format("PID %1%: could not read memory via proc_pid_rusage") %
+                  std::to_string(processId));
     return {"0", "0"};
   }
   return {std::to_string(usage.ri_phys_footprint),

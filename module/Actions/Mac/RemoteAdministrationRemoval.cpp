@@ -10,9 +10,11 @@
 #include "module/ActionCodes.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
+#include "module/Actions/Mac/ShareText.h"
 #include "module/Actions/Mac/SystemChanges.h"
 #include "module/Actions/Unix/UnixPrinters.h"
 #include "module/Actions/ZebAgentUninstaller.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
 
@@ -24,6 +26,13 @@ using std::chrono::seconds;
 
 std::string Filled(const char* format, const std::string& argument) {
   return (boost::format(format) % argument).str();
+}
+
+/// What is listed behind the removal of a share.
+std::string ListShares(const std::string& removed) {
+  const std::string listing = Common::CommandRunner::ExecCommand("sharing -l");
+  // A rehearsal has removed nothing, and takes it that the tool would.
+  return Platform::IsRehearsed() ? WithoutShare(listing, removed) : listing;
 }
 
 void RemoveDocuments(const Paths::Type& type) {
@@ -71,10 +80,10 @@ Common::ActionResponse RemoteAdministration::RemoveSharedResources(Parameters& p
     return response;
   }
   // Deliberately anywhere in the listing: a name that is part of another word counts as there.
-  if (Common::CommandRunner::ExecCommand("sharing -l").find(name) != std::string::npos) {
+  if (ListShares(name).find(name) != std::string::npos) {
+    Fail(parameters, response, Filled("It was not possible to remove the resource: %1%", name));
     NORVIK_WARNING(
         "It was not possible to remove the resource; therefore, no inventory was taken.");
-    Fail(parameters, response, Filled("It was not possible to remove the resource: %1%", name));
     return response;
   }
   NORVIK_INFORMATION("The resource was successfully deleted, starting KOB incremental inventory");

@@ -14,6 +14,7 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
 #include "module/Actions/Mac/SystemChanges.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
 
@@ -23,6 +24,12 @@ constexpr std::uint32_t FourCharacters(const char (&text)[5]) {
   std::uint32_t code = 0;
   for (int i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(text[i]);
   return code;
+}
+
+std::string CharactersOf(std::uint32_t code) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>((code >> shift) & 0xFFu);
+  return text;
 }
 
 constexpr std::uint32_t EVENT_CLASS = FourCharacters("aevt");
@@ -42,7 +49,7 @@ struct Descriptor {
   AEDesc value{FourCharacters("null"), nullptr};
 };
 
-/// 0, or the status of the step that failed.
+/// 0, or the status of the step that failed. Under a rehearsal the event is made but not sent.
 OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
   Descriptor event;
   {
@@ -53,6 +60,9 @@ OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
     status = ::AECreateAppleEvent(EVENT_CLASS, eventId, &address.value, kAutoGenerateReturnID,
                                   kAnyTransactionID, &event.value);
     if (status != noErr) return status;
+  }
+  if (Platform::IsRehearsed()) {
+    return Platform::RehearseAppleEvent(CharactersOf(EVENT_CLASS) + " " + CharactersOf(eventId));
   }
   Descriptor reply;
   return ::AESendMessage(&event.value, &reply.value, kAENoReply, kAEDefaultTimeout);

@@ -1,14 +1,19 @@
 #include "module/Actions/Mac/SystemChanges.h"
 
 #include <signal.h>
+#include <unistd.h>
 #include <wx/crt.h>
 
 #include <boost/format.hpp>
+#include <cerrno>
+#include <cstring>
 
 #include "common/commands/CommandRunner.h"
 #include "common/commands/Execute.h"
 #include "common/files/DeleteExtension.h"
 #include "common/log/Logger.h"
+#include "common/text/Dates.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
 
@@ -17,6 +22,23 @@ namespace {
 /// What a shell does not take for itself: outside of quotes, and between double quotes.
 constexpr char SHELL_CHARACTERS[] = " \t\n\r|&;<>()$`\\\"'*?[]#~{}";
 constexpr char QUOTED_SHELL_CHARACTERS[] = "$`\\\"";
+
+using Platform::RehearsedStep;
+
+/// Notes a system call. `result` and `errno` are what it would leave.
+int Rehearse(const std::string& call, const std::string& detail, int result) {
+  const char* const failure = result == 0 ? "" : std::strerror(errno);
+  Platform::NoteStep({RehearsedStep::SYSTEM_CALL, call, detail, failure});
+  return result;
+}
+
+/// Whom a number that is not one process's stands for.
+std::string ReachOf(int processId) {
+  if (processId == 0) return "all processes of the agent's own group";
+  if (processId == -1) return "all processes that the agent may signal";
+  return processId < 0 ? "all processes of the group " + std::to_string(-(processId + 1LL) + 1)
+                       : "";
+}
 
 }  // namespace
 
@@ -41,11 +63,28 @@ int StartProcess(const ProcessRequest& request) {
   }
 }
 
-int SendSignal(int processId, int signal) { return ::kill(processId, signal); }
+int SendSignal(int processId, int signal) {
+  if (!Platform::IsRehearsed()) return ::kill(processId, signal);
+  const std::string call = "kill " + std::to_string(processId) + " " + std::to_string(signal);
+  // Signal 0 reaches nobody, but fails as another would.
+  return Rehearse(call, ReachOf(processId), ::kill(processId, 0));
+}
 
-int SetClock(const timeval& time) { return ::settimeofday(&time, nullptr); }
+int SetClock(const timeval& time) {
+  if (!Platform::IsRehearsed()) return ::settimeofday(&time, nullptr);
+  const std::string call =
+      "settimeofday " + std::to_string(time.tv_sec) + "." + std::to_string(time.tv_usec);
+  const bool allowed = ::geteuid() == 0;
+  if (!allowed) errno = EPERM;
+  return Rehearse(call, Common::DateToISOCombinedUTC(time.tv_sec), allowed ? 0 : -1);
+}
 
-bool RemoveFile(const wxString& path) { return wxRemove(path) == 0; }
+bool RemoveFile(const wxString& path) {
+  if (Platform::IsRehearsed()) {
+    return Platform::RehearseRemoval(static_cast<const char*>(path.fn_str()));
+  }
+  return wxRemove(path) == 0;
+}
 
 void RemoveExtension(const std::string& extension, const boost::filesystem::path& folder,
                      const std::vector<boost::filesystem::path>& excluded) {
@@ -64,6 +103,10 @@ std::string ShellLine(const char* format, const std::string& name) {
   return line;
 }
 
-std::string RunShell(const std::string& line) { return Common::CommandRunner::ExecCommand(line); }
+std::string RunShell(const std::string& line) {
+  if (!Platform::IsRehearsed()) return Common::CommandRunner::ExecCommand(line);
+  Platform::NoteStep({RehearsedStep::SHELL, line, "", ""});
+  return {};
+}
 
 }  // namespace Norvik::KOB

@@ -10,7 +10,8 @@
 namespace Norvik::KOB {
 
 // All that remote administration does to the machine passes through here, but for the Apple Events
-// of sessions and power.
+// of sessions and power. Under a rehearsal (see `Platform::Rehearsal`) nothing is done: each change
+// is noted and answered as if it had gone well, or as it would fail if that can be told.
 
 /// A program to start, as a request gives it.
 struct ProcessRequest {
@@ -38,7 +39,7 @@ void RemoveExtension(const std::string& extension, const boost::filesystem::path
 /// A line for the shell: the format with the name in it as it stands. Warns of characters of the
 /// name that the shell does not take for themselves.
 std::string ShellLine(const char* format, const std::string& name);
-/// Runs a line that changes the machine. Gives its standard output.
+/// Runs a line that changes the machine. Gives its standard output; nothing under a rehearsal.
 std::string RunShell(const std::string& line);
 
 }  // namespace Norvik::KOB

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <utility>
 
+#include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
 #include "platform/compat/SentAppleEvents.h"
 #include "support/Files.h"
@@ -16,6 +17,7 @@ namespace Norvik::Tests {
 namespace fs = boost::filesystem;
 using namespace KOB;
 using boost::replace_all_copy;
+using Platform::RehearsedStep;
 
 namespace {
 
@@ -52,40 +54,104 @@ void AdministeredMachine::AddRecordedTool(const std::string& path, const std::st
   AddTool(path, "echo \"ran ${0##*/} $*\" >> \"$M/ran\"\n" + script);
 }
 
-AdministeredMachine::Lines AdministeredMachine::Ask(
-    unsigned int code, const std::map<std::string, std::string>& texts) {
+struct AdministeredMachine::Outcome {
+  Lines answer;  ///< table, success, text, statuses
+  Lines ran;
+  Lines calls;  ///< and events
+  Lines rest;
+
+  Lines All() const {
+    Lines all;
+    for (const Lines* part : {&answer, &ran, &calls, &rest}) {
+      for (const auto& line : *part) all.push_back(replace_all_copy(line, "\n", "\\n"));
+    }
+    return all;
+  }
+};
+
+AdministeredMachine::Lines AdministeredMachine::TakeRan() {
+  Lines ran;
+  std::istringstream calls(ContentOf(folder / "ran"));
+  for (std::string call; std::getline(calls, call);) ran.push_back(call);
+  fs::remove(folder / "ran");
+  return ran;
+}
+
+AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const Texts& texts) {
   Common::ActionParameters parameters;
   for (const auto& [name, text] : texts) {
     parameters.Set(name, Common::WxStringFromStdString(text));
   }
   const std::size_t logged = host.log.Lines().size();
   const auto response = module.Run(code, parameters);
-  Lines lines = RowsOf(response.table);
+  Outcome outcome;
+  Lines& answer = outcome.answer = RowsOf(response.table);
   // A folder is listed in the order of its file system.
   if (code == ACTION_LIST_FILES || code == ACTION_LIST_FOLDERS) {
-    std::sort(lines.begin() + (response.table.HasTitles() ? 1 : 0), lines.end());
+    std::sort(answer.begin() + (response.table.HasTitles() ? 1 : 0), answer.end());
   }
-  if (response.success) lines.push_back("success");
-  if (response.text) lines.push_back("text " + *response.text);
+  if (response.success) answer.push_back("success");
+  if (response.text) answer.push_back("text " + *response.text);
   for (const auto& status : host.communications->TakeStatuses())
-    lines.push_back("status " + status);
-  std::istringstream calls(ContentOf(folder / "ran"));
-  for (std::string call; std::getline(calls, call);) lines.push_back(call);
-  fs::remove(folder / "ran");
-  for (const auto& call : std::exchange(TheWrappedCalls().made, {})) lines.push_back(call);
+    answer.push_back("status " + status);
+  outcome.ran = TakeRan();
+  outcome.calls = std::exchange(TheWrappedCalls().made, {});
   for (const auto& event : Platform::TakeSentAppleEvents()) {
-    lines.push_back("event " + event.eventClass + event.eventId + event.addressType +
-                    std::to_string(event.address.size()));
+    outcome.calls.push_back("event " + event.eventClass + " " + event.eventId);
+    EXPECT_EQ(event.addressType + std::to_string(event.address.size()), "psn 8");
   }
-  for (const auto& action : host.actions->Texts()) lines.push_back(action);
+  outcome.rest = host.actions->Texts();
   host.actions->Forget();
   const auto log = host.log.Lines();
   for (std::size_t i = logged; i < log.size(); ++i) {
-    if (log[i].level == 2) lines.push_back("error " + log[i].text);
-    if (log[i].level == 3) lines.push_back("warning " + log[i].text);
+    if (log[i].level == 2) outcome.rest.push_back("error " + log[i].text);
+    if (log[i].level == 3) outcome.rest.push_back("warning " + log[i].text);
   }
-  for (auto& line : lines) line = replace_all_copy(line, "\n", "\\n");
-  return lines;
+  return outcome;
+}
+
+AdministeredMachine::Lines AdministeredMachine::Ask(unsigned int code, const Texts& texts) {
+  return Run(code, texts).All();
+}
+
+AdministeredMachine::Outcome AdministeredMachine::Rehearse(unsigned int code, const Texts& texts,
+                                                           std::vector<RehearsedStep>& steps) {
+  const auto files = FilesBelow(folder.Path());
+  TheWrappedCalls().user = TheWrappedCalls().clockCanBeSet ? 0 : 1000;
+  const Platform::Rehearsal rehearsal;
+  Outcome told = Run(code, texts);
+  TheWrappedCalls().user.reset();
+  steps = rehearsal.Steps();
+  EXPECT_EQ(FilesBelow(folder.Path()), files) << code;
+  EXPECT_THAT(told.calls, testing::Each(testing::EndsWith(" 0"))) << code << " only asks for it";
+  const auto asked = [](const RehearsedStep& step) { return step.kind == RehearsedStep::ASKED; };
+  EXPECT_LE(told.ran.size(), std::count_if(steps.begin(), steps.end(), asked)) << code;
+  told.calls.clear();
+  for (const auto& step : steps) {
+    if (step.kind == RehearsedStep::SYSTEM_CALL) told.calls.push_back(step.text);
+    if (step.kind == RehearsedStep::APPLE_EVENT) told.calls.push_back("event " + step.text);
+  }
+  return told;
+}
+
+std::pair<AdministeredMachine::Lines, AdministeredMachine::Lines>
+AdministeredMachine::RehearseAndAsk(unsigned int code, const Texts& texts) {
+  std::vector<RehearsedStep> steps;
+  Outcome told = Rehearse(code, texts, steps);
+  auto files = FilesBelow(folder.Path());
+  const Lines done = Ask(code, texts);
+  for (const auto& step : steps) {
+    if (step.kind == RehearsedStep::REMOVAL && step.failure.empty()) {
+      EXPECT_EQ(fs::symlink_status(step.text).type(), fs::file_not_found) << step.text;
+      files.erase(fs::path(step.text).lexically_relative(folder.Path()).string());
+    } else if (step.kind <= RehearsedStep::PROGRAM && step.failure.empty()) {
+      Common::CommandRunner::ExecCommand(step.text);
+    }
+  }
+  told.ran = TakeRan();
+  const auto left = FilesBelow(folder.Path());
+  EXPECT_TRUE(std::includes(left.begin(), left.end(), files.begin(), files.end())) << code;
+  return {told.All(), done};
 }
 
 void AdministeredMachine::Follow(const std::string& file) {
@@ -107,6 +173,7 @@ void AdministeredMachine::FollowOne(const Lines& lines) {
   unsigned int code = 0;
   std::map<std::string, std::string> texts;
   Lines outcome;
+  Lines rehearsed;
   for (const auto& line : lines) {
     const std::string rest = line.substr(std::min<std::size_t>(line.size(), 2));
     const auto equals = rest.find('=');
@@ -114,6 +181,8 @@ void AdministeredMachine::FollowOne(const Lines& lines) {
       name = rest;
     } else if (line[0] == '<') {
       input += rest + "\n";
+    } else if (line[0] == '~') {
+      rehearsed.push_back(rest);
     } else if (line[0] != '>') {
       outcome.push_back(replace_all_copy(line, "$ROOT", (folder / "root").string()));
     } else if (equals == std::string::npos) {
@@ -123,7 +192,10 @@ void AdministeredMachine::FollowOne(const Lines& lines) {
     }
   }
   if (!input.empty()) AddFile("input", input);
-  EXPECT_EQ(boost::join(Ask(code, texts), "\n"), boost::join(outcome, "\n")) << name;
+  const auto [told, done] = RehearseAndAsk(code, texts);
+  if (rehearsed.empty()) rehearsed = outcome;
+  EXPECT_EQ(boost::join(told, "\n"), boost::join(rehearsed, "\n")) << name << ", rehearsed";
+  EXPECT_EQ(boost::join(done, "\n"), boost::join(outcome, "\n")) << name;
 }
 
 }  // namespace Norvik::Tests

@@ -42,7 +42,7 @@ TEST_F(RemoteFilesTest, AnExtensionGoesFromTheUsersFolders) {
     return Lines{"status 7", "status 2",
                  "warning Directory " + missing + " does not exist or is not accessible"};
   };
-  EXPECT_EQ(Ask(1001, {{"ext", "tmp"}}), ends("/home"));
+  EXPECT_EQ(RehearseAndAsk(1001, {{"ext", "tmp"}}), std::make_pair(ends("/home"), ends("/home")));
   EXPECT_EQ(FilesBelow(folder / "root"),
             (std::set<std::string>{"Users/ada/a.txt", "Users/c.tmp", "Library/d.tmp"}));
   AddFile("root/home/e.txt");

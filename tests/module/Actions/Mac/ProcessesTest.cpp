@@ -8,6 +8,7 @@
 
 #include "module/Actions/Mac/AdministeredMachine.h"
 #include "module/Actions/Mac/ProcessText.h"
+#include "support/CommaLocale.h"
 #include "support/Files.h"
 
 namespace Norvik::KOB {
@@ -62,8 +63,9 @@ TEST(ProcessText, TheShareIsTheLineBehindTheHeading) {
 TEST_F(RemoteProcessesTest, ProcessesAreListedAndWhatIsNotKnownOfThemIsNamed) {
   AddFile("processes.json",
           R"([{"pid": 1, "name": "init-like", "path": "/sbin/init-like", "footprint": 4096},
-              {"pid": 0, "name": "kernel"}, {"pid": 77}])");
+              {"pid": 0, "name": "kernel"}, {"pid": 1077}])");
   AddTool("root/bin/ps", "[ \"$*\" = '-o %cpu -p 1' ] && printf '%%CPU\\n  1.5\\n'");
+  const tests::CommaLocale comma;
   Follow("processes.txt");
 }
 

@@ -1,8 +1,11 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 
+#include <unistd.h>
+
 #include <boost/variant/get.hpp>
 
 #include "module/Actions/Mac/AdministeredMachine.h"
+#include "platform/compat/SentAppleEvents.h"
 #include "support/Files.h"
 
 namespace Norvik::KOB {
@@ -50,6 +53,42 @@ TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
     tryAll(values);
   }
   EXPECT_TRUE(FilesBelow(folder.Path()).empty());
+}
+
+TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
+  AddTool("bin/evil", "echo x >> \"$M/evidence\"");
+  for (const char* tool : {"launchctl", "lpadmin", "sharing", "sh", "rm"}) {
+    AddTool(std::string("bin/") + tool, "[ \"$1\" = -l ] || evil");
+  }
+  AddTool("bin/lpstat", "echo 'device for $(evil): x'");
+  for (const char* path : {"x/a", "x/evil", "Users/ada/b.evil", "home/c.evil"}) {
+    AddFile(std::string("root/") + path);
+  }
+  for (const auto& place : {host.Outbox(), host.Previous()}) WriteFile(place / "a.jsonkob", "x");
+  const auto files = FilesBelow(folder.Path());
+  const auto documents = FilesBelow(host.Folder());
+  Common::ActionParameters values;
+  const Platform::Rehearsal rehearsal;
+  for (const std::string& text :
+       {std::string("evil"), std::string("$(evil)"), std::string("`evil`"), std::string(";evil;"),
+        std::string("|evil|/x/a|/x"), std::string("a\nevil\n"), std::string("root"),
+        std::string("0"), std::string("-1"), std::to_string(::getpid()),
+        std::string("20260101000000")}) {
+    for (const char* name : NAMES) values.Set(name, wxString::FromUTF8(text.c_str()));
+    values.Set("Guid", wxString("agent-1"));
+    for (const char* type : {"0", "1", "2", "3"}) {
+      values.Set("type", wxString(type));
+      for (const unsigned int code : ALL) module.Run(code, values);
+      values.Set("cmd", wxString("evil"));
+    }
+  }
+  EXPECT_EQ(FilesBelow(folder.Path()), files);
+  EXPECT_EQ(FilesBelow(host.Folder()), documents);
+  EXPECT_THAT(TheWrappedCalls().made, testing::Each(testing::EndsWith(" 0")));
+  EXPECT_TRUE(Platform::TakeSentAppleEvents().empty());
+  std::set<int> kinds;
+  for (const auto& step : rehearsal.Steps()) kinds.insert(step.kind);
+  EXPECT_EQ(kinds.size(), 6U) << "there was something of each kind that it could have done";
 }
 
 }  // namespace

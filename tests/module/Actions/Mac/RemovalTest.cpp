@@ -34,7 +34,7 @@ TEST_F(RemoteRemovalTest, WithoutACheckOnlyDocumentsGo) {
   for (const auto& place : {host.Outbox(), host.Previous(), host.Work()}) {
     for (const char* name : {"a.jsonkob", "b.jsonrud", "jsonkob"}) WriteFile(place / name, "x");
   }
-  EXPECT_EQ(Ask(1073), Lines{});
+  EXPECT_EQ(RehearseAndAsk(1073), std::make_pair(Lines{}, Lines{}));
   EXPECT_EQ(NamesIn(host.Outbox()), (Lines{"b.jsonrud", "jsonkob"}));
   EXPECT_EQ(NamesIn(host.Previous()), (Lines{"b.jsonrud", "jsonkob"}));
   EXPECT_EQ(NamesIn(host.Work()).size(), 3U);

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -22,6 +23,10 @@ int __wrap_kill(pid_t processId, int signal) {
   errno = ESRCH;
   return -1;
 }
+
+uid_t __real_geteuid();
+
+uid_t __wrap_geteuid() { return Norvik::Tests::TheWrappedCalls().user.value_or(__real_geteuid()); }
 
 int __wrap_settimeofday(const timeval* time, const void* zone) {
   auto& calls = Norvik::Tests::TheWrappedCalls();

@@ -1,6 +1,7 @@
 #include "module/Actions/Unix/UnixPrinters.h"
 
 #include "module/Actions/Mac/AdministeredMachine.h"
+#include "support/PrintServer.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -25,6 +26,27 @@ TEST_F(UnixPrintersTest, APrinterIsRemovedAndAnInventoryFollows) {
   Follow("printers.txt");
   EXPECT_TRUE(
       host.log.Holds(4, "Printer removed successfully, starting KOB incremental inventory"));
+}
+
+TEST_F(UnixPrintersTest, AQueueOfARealServerGoesUnlessTheServerRefusesThat) {
+  // Where a daemon's PATH has it.
+  boost::filesystem::create_directory(folder / "bin");
+  boost::filesystem::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");
+  {
+    const PrintServer server(true);
+    ASSERT_TRUE(server.IsRunning());
+    server.AddQueue("Laser_2");
+    server.AddQueue("Laser");
+    EXPECT_EQ(Ask(1030, {{"name", "Laser"}}), (Lines{"status 7", "status 2", "once 1036 +60"}));
+    EXPECT_EQ(server.Queues(), "device for Laser_2: /dev/null\n");
+  }
+  const PrintServer server(false);
+  ASSERT_TRUE(server.IsRunning());
+  server.AddQueue("Laser");
+  EXPECT_EQ(Ask(1030, {{"name", "Laser"}}),
+            (Lines{"status 7", "status 8 Failed to remove printer: Laser",
+                   "error The Laser printer could not be removed."}));
+  EXPECT_EQ(server.Queues(), "device for Laser: /dev/null\n");
 }
 
 }  // namespace

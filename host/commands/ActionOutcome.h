@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/action/ActionResponse.h"
+#include "common/action/TaskResponseInfo.h"
+#include "host/commands/Rendering.h"
+
+namespace Norvik::Host {
+
+/// What came of an action, or would.
+struct ActionOutcome {
+  Common::ActionResponse response;
+  std::vector<Common::TaskResponseInfo> statuses;
+  std::string failure;  ///< what the handler raised; empty if it returned
+
+  /// An action says in different ways that it failed.
+  bool HasFailed() const;
+};
+
+OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome);
+std::string ToText(const ActionOutcome& outcome);
+
+}  // namespace Norvik::Host
