@@ -26,14 +26,20 @@ std::string RandomUuid() {
 AgentIdentity NewIdentity() {
   std::string token = RandomUuid() + RandomUuid();
   token.erase(std::remove(token.begin(), token.end(), '-'), token.end());
-  return {RandomUuid(), token};
+  return {RandomUuid(), token, ""};
 }
 
 AgentIdentity Parse(const std::string& text) {
   const auto node = nlohmann::json::parse(text);
-  AgentIdentity identity{node.at("identifier"), node.at("token")};
+  AgentIdentity identity{node.at("identifier"), node.at("token"), node.value("server", "")};
   boost::uuids::string_generator()(identity.identifier);
   return identity;
+}
+
+std::string ToText(const AgentIdentity& identity) {
+  nlohmann::ordered_json node = {{"identifier", identity.identifier}, {"token", identity.token}};
+  if (!identity.server.empty()) node["server"] = identity.server;
+  return node.dump(2) + "\n";
 }
 
 }  // namespace
@@ -51,14 +57,16 @@ boost::optional<AgentIdentity> ReadIdentity(const fs::path& file) {
 
 AgentIdentity ReadOrMakeIdentity(const fs::path& file) {
   if (const auto identity = ReadIdentity(file)) return *identity;
-  const AgentIdentity made = NewIdentity();
-  const nlohmann::ordered_json node = {{"identifier", made.identifier}, {"token", made.token}};
-  const std::string text = node.dump(2) + "\n";
-
+  AgentIdentity made = NewIdentity();
+  const std::string text = ToText(made);
   Platform::ReplacementFile target(file.string());
   Platform::WriteAll(target.Descriptor(), text.data(), text.size());
   if (target.CommitIfAbsent()) return made;
   return ReadIdentity(file).value();
+}
+
+void WriteIdentity(const fs::path& file, const AgentIdentity& identity) {
+  WriteTextFile(file, ToText(identity));
 }
 
 }  // namespace Norvik::Host

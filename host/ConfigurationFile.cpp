@@ -1,6 +1,8 @@
 #include "host/ConfigurationFile.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <map>
@@ -81,6 +83,24 @@ Reader Text(std::string& target) {
   };
 }
 
+/// What goes into the place of the host in an address of the web, and nothing around it.
+Reader HostName(std::string& target) {
+  return [&target](const Place& place) {
+    Text(target)(place);
+    const bool isOdd = std::any_of(target.begin(), target.end(), [](unsigned char c) {
+      return c <= ' ' || c >= 0x7F || std::strchr("/\\@?#%\"<>", c);
+    });
+    if (isOdd) place.Refuse("a host name or address, without https:// and without a path");
+  };
+}
+
+Reader FullPath(std::string& target) {
+  return [&target](const Place& place) {
+    Text(target)(place);
+    if (target.front() != '/') place.Refuse("a full path");
+  };
+}
+
 Reader Texts(std::vector<std::string>& target) {
   return [&target](const Place& place) {
     if (!place.value.is_array()) place.Refuse("a list of texts");
@@ -106,8 +126,14 @@ Reader Schedule(boost::optional<ScheduleInfo>& target) {
 
 Reader Server(CommunicationsInfo& target) {
   return [&target](const Place& place) {
-    ReadObject(place,
-               {{"address", Text(target.address)}, {"port", WholeNumber(target.port, 1, 65535)}});
+    constexpr std::int64_t LONGEST_TIMEOUT = 3600;
+    ReadObject(
+        place,
+        {{"address", HostName(target.address)},
+         {"port", WholeNumber(target.port, 1, 65535)},
+         {"caFile", FullPath(target.certificateFile)},
+         {"connectTimeoutSeconds", WholeNumber(target.connectTimeoutSeconds, 1, LONGEST_TIMEOUT)},
+         {"requestTimeoutSeconds", WholeNumber(target.requestTimeoutSeconds, 1, LONGEST_TIMEOUT)}});
   };
 }
 

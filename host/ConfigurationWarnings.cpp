@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
+#include <stdexcept>
 
 #include "common/files/ScanRules.h"
+#include "host/TextFile.h"
 #include "host/UsualExclusions.h"
 
 namespace Norvik::Host {
@@ -60,15 +62,31 @@ void CheckAdditional(const Texts& extensions, Warnings& warnings) {
   }
 }
 
+void CheckServer(const Common::CommunicationsInfo& server, Warnings& warnings) {
+  const std::string& caFile = server.certificateFile;
+  if (server.address.empty() && !caFile.empty()) {
+    warnings.push_back({"server.address", "", "is missing, so there is no server"});
+  }
+  if (caFile.empty()) return;
+  try {
+    if (ReadTextFile(caFile).find("-----BEGIN CERTIFICATE-----") != std::string::npos) return;
+    warnings.push_back({"server.caFile", caFile, "holds no certificate in PEM form"});
+  } catch (const std::runtime_error&) {
+    warnings.push_back({"server.caFile", caFile, "cannot be read"});
+  }
+}
+
 }  // namespace
 
-Warnings WarningsOf(const Common::KobConfigurationInfo& configuration) {
+Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration) {
   Warnings warnings;
-  CheckFolders(configuration.excludedPaths, warnings);
-  CheckNames(configuration.excludedFiles, warnings);
-  CheckExtensions("includedExtensions", configuration.includedExtensions, warnings);
-  CheckExtensions("additionalExtensions", configuration.additionalExtensions, warnings);
-  CheckAdditional(configuration.additionalExtensions, warnings);
+  const Common::KobConfigurationInfo& kob = configuration.kob.value();
+  CheckFolders(kob.excludedPaths, warnings);
+  CheckNames(kob.excludedFiles, warnings);
+  CheckExtensions("includedExtensions", kob.includedExtensions, warnings);
+  CheckExtensions("additionalExtensions", kob.additionalExtensions, warnings);
+  CheckAdditional(kob.additionalExtensions, warnings);
+  CheckServer(configuration.communications, warnings);
   return warnings;
 }
 

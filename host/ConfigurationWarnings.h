@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "common/configuration/KobConfigurationInfo.h"
+#include "common/configuration/AgentConfigurationInfo.h"
 
 namespace Norvik::Host {
 
@@ -15,7 +15,8 @@ struct ConfigurationWarning {
 };
 
 /// What of a configuration of the file inventory can match nothing or works otherwise than it
-/// looks. Looks at this machine's folders.
-std::vector<ConfigurationWarning> WarningsOf(const Common::KobConfigurationInfo& configuration);
+/// looks, and what of the server's cannot work. Looks at this machine's folders. The configuration
+/// must have this product's record.
+std::vector<ConfigurationWarning> WarningsOf(const Common::AgentConfigurationInfo& configuration);
 
 }  // namespace Norvik::Host

@@ -9,7 +9,8 @@ namespace Norvik::Host {
 
 using namespace Common;
 
-Identification::Identification(AgentIdentity identity) : identity_(std::move(identity)) {}
+Identification::Identification(std::shared_ptr<const IdentityStore> identity)
+    : identity_(std::move(identity)) {}
 
 Identification::~Identification() = default;
 

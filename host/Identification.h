@@ -5,7 +5,7 @@
 #include <string>
 
 #include "common/identification/IIdentificationSystem.h"
-#include "host/AgentIdentity.h"
+#include "host/IdentityStore.h"
 
 namespace Norvik::Host {
 
@@ -13,18 +13,18 @@ namespace Norvik::Host {
 /// they are first asked for.
 class Identification : public Common::IIdentificationSystem {
  public:
-  explicit Identification(AgentIdentity identity);
+  explicit Identification(std::shared_ptr<const IdentityStore> identity);
   ~Identification() override;
 
   Common::FirstInventoryInfo GetFirstInventoryInfo() override;
   std::weak_ptr<Common::SmBios> GetSmBios() override;
-  std::string GetAgentIdentifier() override { return identity_.identifier; }
-  std::string GetToken() override { return identity_.token; }
+  std::string GetAgentIdentifier() override { return identity_->Get().identifier; }
+  std::string GetToken() override { return identity_->Get().token; }
 
  private:
   void Gather();
 
-  const AgentIdentity identity_;
+  const std::shared_ptr<const IdentityStore> identity_;
   std::once_flag gathered_;
   std::shared_ptr<Common::SmBios> smBios_;
   std::unique_ptr<const Common::FirstInventoryInfo> firstInventory_;

@@ -18,7 +18,8 @@ using testing::StartsWith;
 
 TEST(ConfigurationFile, ReadsEveryKey) {
   const auto configuration = ParseConfiguration(R"({
-    "profileId": 4294967295, "server": {"address": "mgmt.example.com", "port": 8443},
+    "profileId": 4294967295, "server": {"address": "mgmt.example.com", "port": 8443,
+      "caFile": "/ca.pem", "connectTimeoutSeconds": 5, "requestTimeoutSeconds": 6},
     "excludedFiles": ["a.tmp"], "excludedPaths": ["/private/var/vm", "/b"],
     "additionalExtensions": ["c"], "includedExtensions": ["app", "dylib"],
     "inventorySchedule": {"periodSeconds": 86400, "next": 1767225600},
@@ -28,6 +29,9 @@ TEST(ConfigurationFile, ReadsEveryKey) {
   EXPECT_EQ(configuration.profileId, 4294967295u);
   EXPECT_EQ(configuration.communications.address, "mgmt.example.com");
   EXPECT_EQ(configuration.communications.port, 8443u);
+  EXPECT_EQ(configuration.communications.certificateFile, "/ca.pem");
+  EXPECT_EQ(configuration.communications.connectTimeoutSeconds, 5u);
+  EXPECT_EQ(configuration.communications.requestTimeoutSeconds, 6u);
   ASSERT_TRUE(configuration.kob);
   const KobConfigurationInfo& kob = *configuration.kob;
   EXPECT_THAT(kob.excludedFiles, ElementsAre("a.tmp"));
@@ -66,7 +70,11 @@ TEST(ConfigurationFile, AWrongValueIsToldWithItsKeyAndWhatItWants) {
       {"{\"excludedFiles\": [\"\xFF\"]}", "the configuration is no JSON from byte"},
       {"[]", "the configuration wants an object"},
       {R"({"profileld": 7})", "unknown key profileld; known here are additionalExtensions, "},
-      {R"({"server": {"adress": "x"}})", "unknown key server.adress; known here are address, port"},
+      {R"({"server": {"adress": "x"}})",
+       "unknown key server.adress; known here are address, caFile, "},
+      {R"({"server": {"address": "https://x"}})", "server.address wants a host name or address, "},
+      {R"({"server": {"caFile": "ca.pem"}})", "server.caFile wants a full path"},
+      {R"({"server": {"requestTimeoutSeconds": 0}})", "server.requestTimeoutSeconds wants a whole"},
       {R"({"profileId": 1, "profileId": 2})", "the key profileId stands twice"},
       {R"({"profileId": "7"})", "profileId wants a whole number from 0 to 4294967295"},
       {R"({"profileId": -1})", "profileId wants a whole number"},

@@ -1,0 +1,111 @@
+#include "host/server/Delivery.h"
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <utility>
+
+#include "common/log/Logger.h"
+#include "host/TextFile.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+constexpr char STATUSES[] = "statuses";
+constexpr char STATUSES_TEXT[] = "the states of tasks";
+
+double SecondsOf(std::chrono::milliseconds time) {
+  return std::chrono::duration<double>(time).count();
+}
+
+}  // namespace
+
+Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> session,
+                   std::shared_ptr<StatusQueue> queue, const std::atomic<bool>& stopped)
+    : options_(options),
+      stopped_(stopped),
+      session_(std::move(session)),
+      queue_(std::move(queue)),
+      statuses_(session_, queue_),
+      sender_(session_, stopped_),
+      files_(options.outbox, options.extensions),
+      client_(session_->NewClient()),
+      server_(options.limits, options.clock) {}
+
+Delivery::TimePoint Delivery::Round() {
+  files_.Number();
+  const bool may = !stopped_ && server_.IsDue() && HasWork();
+  if (may && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
+  return stopped_ ? TimePoint::max() : NextTry();
+}
+
+bool Delivery::HasWork() const {
+  return options_.identity->Get().server != session_->Origin() || !queue_->IsEmpty() ||
+         !files_.List().empty();
+}
+
+bool Delivery::Enrol() {
+  boost::optional<std::chrono::seconds> retryAfter;
+  if (session_->Enrol(*client_, retryAfter)) return true;
+  server_.Failed(retryAfter);
+  return false;
+}
+
+bool Delivery::DeliverStatuses() {
+  if (queue_->IsEmpty() || IsHeldUp(STATUSES)) return true;
+  return Record(STATUSES, STATUSES_TEXT, statuses_.Send(*client_));
+}
+
+bool Delivery::DeliverFiles() {
+  for (const OutboxFile& file : files_.List()) {
+    if (IsHeldUp(file.extension)) continue;
+    const std::string what = OnOneLine(file.path.filename().string());
+    if (!Record(file.extension, what, sender_.Send(*client_, file))) return false;
+  }
+  return true;
+}
+
+bool Delivery::SendStatuses(HttpClient& client) {
+  const Attempt attempt = statuses_.Send(client);
+  if (attempt.result == Attempt::Result::Acknowledged) return true;
+  if (!stopped_) {
+    NORVIK_WARNING(boost::format("The server %1% has not acknowledged %2%: it %3%") %
+                   session_->Origin() % STATUSES_TEXT % attempt.reason);
+  }
+  return false;
+}
+
+/// Whether the round may go on. A stop of the agent is no failure of the server.
+bool Delivery::Record(const std::string& kind, const std::string& what, const Attempt& attempt) {
+  if (attempt.result == Attempt::Result::Acknowledged) {
+    NORVIK_DETAIL(boost::format("The server %1% has %2%") % session_->Origin() % what);
+    refused_.erase(kind);
+    return !stopped_;
+  }
+  if (stopped_) return false;
+  const bool isRefused = attempt.result == Attempt::Result::Refused;
+  Backoff& backoff =
+      isRefused ? refused_.emplace(kind, Backoff(options_.limits, options_.clock)).first->second
+                : server_;
+  const auto wait = backoff.Failed(attempt.retryAfter);
+  NORVIK_WARNING(boost::format("The server %1% has not acknowledged %2%: it %3%; next try in "
+                               "%4$.1f s") %
+                 session_->Origin() % what % attempt.reason % SecondsOf(wait));
+  return isRefused;
+}
+
+bool Delivery::IsHeldUp(const std::string& kind) const {
+  const auto found = refused_.find(kind);
+  return found != refused_.end() && !found->second.IsDue();
+}
+
+Delivery::TimePoint Delivery::NextTry() const {
+  if (!server_.IsDue()) return server_.Next();
+  TimePoint next = TimePoint::max();
+  for (const auto& [kind, backoff] : refused_) {
+    if (!backoff.IsDue()) next = std::min(next, backoff.Next());
+  }
+  return next;
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,92 @@
+#include "host/server/ServerLink.h"
+
+#include <boost/format.hpp>
+#include <boost/optional.hpp>
+#include <boost/property_tree/ptree.hpp>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "common/log/Logger.h"
+#include "common/rest/PendingTasks.h"
+#include "host/DataFolder.h"
+#include "host/TextFile.h"
+#include "host/server/AnswerBody.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+
+namespace {
+
+bool IsForTasks(const IRestRequest& request) {
+  return dynamic_cast<const PendingTasksRequest*>(&request) != nullptr;
+}
+
+void Assign(const HttpAnswer& answer, IRestResponse& response) {
+  if (!answer.IsSuccess()) throw std::runtime_error("it " + answer.Text());
+  response.Assign(ParseAnswerBody(answer.body));
+}
+
+}  // namespace
+
+ServerLink::ServerLink(const ServerOptions& options)
+    : statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE)),
+      session_(std::make_shared<ServerSession>(options, stopped_)),
+      delivery_(options, session_, statuses_, stopped_),
+      thread_([this] { return delivery_.Round(); }, options.clock) {
+  // What another process has left must not be replaced by what this one makes.
+  delivery_.TakeNewFiles();
+}
+
+ServerLink::~ServerLink() { Stop(); }
+
+void ServerLink::Start() {
+  started_ = true;
+  thread_.Start();
+}
+
+void ServerLink::Stop() {
+  stopped_ = true;
+  thread_.Stop();
+}
+
+bool ServerLink::SendStatuses() {
+  if (statuses_->IsEmpty()) return true;
+  const auto client = session_->NewClient();
+  boost::optional<std::chrono::seconds> retryAfter;
+  return session_->Enrol(*client, retryAfter) && delivery_.SendStatuses(*client);
+}
+
+bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& response) {
+  NORVIK_SCOPE();
+  const bool forTasks = IsForTasks(request);
+  // A task whose state the server does not know yet would be given out once more.
+  if (forTasks && !SendStatuses()) return false;
+  try {
+    const auto client = session_->NewClient();
+    boost::optional<std::chrono::seconds> retryAfter;
+    if (!session_->Enrol(*client, retryAfter)) return false;
+    const std::string body = static_cast<json::JSON>(request).strUgly();
+    Assign(session_->Post(*client, forTasks ? "tasks" : "messages", body), response);
+    return true;
+  } catch (const std::exception& error) {
+    NORVIK_WARNING(boost::format("The server %1% gave no answer to a question: %2%") %
+                   session_->Origin() % OnOneLine(error.what()));
+  }
+  return false;
+}
+
+void ServerLink::ReportTaskStatus(const TaskResponseInfo& status) {
+  if (status.requestId.empty() && status.taskName.empty()) return;
+  statuses_->Add(status);
+  thread_.Wake();
+}
+
+void ServerLink::NewFileOnOutbox() {
+  if (!started_) return;
+  delivery_.TakeNewFiles();
+  thread_.Wake();
+}
+
+}  // namespace Norvik::Host

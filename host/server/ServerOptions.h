@@ -1,0 +1,53 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/configuration/CommunicationsInfo.h"
+#include "host/IdentityStore.h"
+#include "host/actions/Clock.h"
+
+namespace Norvik::Host {
+
+/// What no server may exceed, however it behaves, and how it is spared when it fails.
+struct ServerLimits {
+  std::chrono::milliseconds connect{15'000};
+  /// For a request and its answer; the body of a file adds the time that it takes at
+  /// `bytesPerSecond`.
+  std::chrono::milliseconds request{60'000};
+  std::size_t bytesPerSecond = 4096;
+  std::size_t answerBytes = 1 << 20;
+
+  std::chrono::milliseconds firstWait{10'000};  ///< behind a failure; doubles with each further one
+  std::chrono::milliseconds longestWait{std::chrono::hours(1)};
+  std::chrono::milliseconds longestServerWait{std::chrono::hours(24)};  ///< of `Retry-After`
+};
+
+/// What the road to a server is made from.
+struct ServerOptions {
+  std::string address;  ///< a name, an IPv4 or an IPv6 address
+  std::uint16_t port = 443;
+  /// "https". Tests have "http"; no configuration leads there.
+  std::string scheme = "https";
+  boost::filesystem::path caFile;  ///< PEM; empty: the certificates that the system trusts
+  boost::filesystem::path dataFolder;
+  boost::filesystem::path outbox;
+  std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
+  std::shared_ptr<IdentityStore> identity;
+  ServerLimits limits;
+  std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
+
+  /// As "https://mgmt.example.com:443".
+  std::string Origin() const;
+};
+
+/// What a configuration says of the server; the rest is left for the caller. Without an address
+/// there is no server.
+ServerOptions ServerOptionsOf(const Common::CommunicationsInfo& configuration);
+
+}  // namespace Norvik::Host

@@ -1,0 +1,107 @@
+#include "host/server/ServerSession.h"
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <boost/property_tree/ptree.hpp>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
+
+#include "common/configuration/AgentVersion.h"
+#include "common/identification/HostInfoProvider.h"
+#include "common/log/Logger.h"
+#include "host/server/AnswerBody.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+using Common::GetAgentVersion;
+
+constexpr char AGENTS[] = "/norvik/v1/agents/";
+constexpr long UNAUTHORIZED = 401;
+constexpr long NOT_YET = 202;
+constexpr std::size_t SHORTEST_TOKEN = 16;
+constexpr std::size_t LONGEST_TOKEN = 512;
+
+/// It goes into a header as it is.
+bool IsToken(const std::string& text) {
+  const auto isVisible = [](char c) { return c > 0x20 && c < 0x7F; };
+  return text.size() >= SHORTEST_TOKEN && text.size() <= LONGEST_TOKEN &&
+         std::all_of(text.begin(), text.end(), isVisible);
+}
+
+std::string EnrolmentBody() {
+  const nlohmann::ordered_json body = {{"agentVersion", GetAgentVersion()},
+                                       {"hostName", Common::HostInfoProvider::GetHostName()}};
+  return body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+HttpRequest JsonRequest(const char* method, std::string body) {
+  HttpRequest request;
+  request.method = method;
+  request.headers = {"Content-Type: application/json"};
+  request.body = std::move(body);
+  return request;
+}
+
+}  // namespace
+
+ServerSession::ServerSession(const ServerOptions& options, const std::atomic<bool>& stopped)
+    : options_(options), stopped_(stopped) {}
+
+std::unique_ptr<HttpClient> ServerSession::NewClient() const {
+  return std::make_unique<HttpClient>(options_, stopped_);
+}
+
+HttpAnswer ServerSession::Send(HttpClient& client, const std::string& resource,
+                               HttpRequest request) {
+  const AgentIdentity identity = options_.identity->Get();
+  request.path = AGENTS + identity.identifier + (resource.empty() ? "" : "/" + resource);
+  request.headers.push_back("Authorization: Bearer " + identity.token);
+  request.headers.push_back("Accept: application/json");
+  request.headers.push_back("User-Agent: norvik-agent/" + GetAgentVersion());
+  HttpAnswer answer = client.Send(request);
+  if (answer.status == UNAUTHORIZED) options_.identity->Revoke();
+  return answer;
+}
+
+HttpAnswer ServerSession::Post(HttpClient& client, const std::string& resource,
+                               const std::string& body) {
+  return Send(client, resource, JsonRequest("POST", body));
+}
+
+void ServerSession::TakeOn(const HttpAnswer& answer, const AgentIdentity& identity) {
+  if (answer.status == NOT_YET) throw std::runtime_error("it has still to decide");
+  if (!answer.IsSuccess()) throw std::runtime_error("it " + answer.Text());
+  const auto body = ParseAnswerBody(answer.body);
+  // A page that some box on the way puts in front of the net may well answer 200.
+  if (body.get("identifier", "") != identity.identifier) {
+    throw std::runtime_error("its answer does not name the agent");
+  }
+  const std::string token = body.get("token", identity.token);
+  if (!IsToken(token)) throw std::runtime_error("the token in its answer is none");
+  options_.identity->Acknowledge(Origin(), token);
+  NORVIK_INFORMATION(boost::format("The server %1% has taken on this agent") % Origin());
+}
+
+bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::seconds>& retryAfter) {
+  const std::lock_guard<std::mutex> lock(enrolMutex_);
+  const AgentIdentity identity = options_.identity->Get();
+  if (identity.server == Origin()) return true;
+  const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody()));
+  retryAfter = answer.retryAfter;
+  try {
+    TakeOn(answer, identity);
+    return true;
+  } catch (const std::exception& error) {
+    if (!stopped_) {
+      NORVIK_WARNING(boost::format("The server %1% has not taken on this agent: %2%") % Origin() %
+                     error.what());
+    }
+  }
+  return false;
+}
+
+}  // namespace Norvik::Host
