@@ -9,14 +9,16 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/action/ActionCodes.h"
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
-#include "host/AgentIdentity.h"
 #include "host/ConfigurationFile.h"
 #include "host/Identification.h"
+#include "host/IdentityStore.h"
 #include "host/ModuleLoader.h"
 #include "host/TextFile.h"
+#include "platform/ReplacementFile.h"
 
 namespace Norvik::Host {
 
@@ -54,6 +56,19 @@ AgentConfigurationInfo ReadConfiguration(const AgentOptions& options, const fs::
   }
 }
 
+std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configuration,
+                                           const fs::path& folder,
+                                           const std::shared_ptr<IdentityStore>& identity,
+                                           IModule& module) {
+  ServerOptions options = ServerOptionsOf(configuration);
+  if (options.address.empty()) return nullptr;
+  options.dataFolder = folder;
+  options.outbox = Paths(Paths::OUTBOX, true).AppData();
+  options.extensions = module.GetOutputExtensionFiles();
+  options.identity = identity;
+  return std::make_shared<ServerLink>(options);
+}
+
 }  // namespace
 
 void UseUtf8Characters() {
@@ -65,13 +80,17 @@ void UseUtf8Characters() {
 
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
-  const fs::path folder = MakeDataFolder(options.dataFolder);
+  const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
   AgentConfigurationInfo configuration = ReadConfiguration(options, folder);
   if (options.communications) configuration.communications = *options.communications;
-  if (options.exclusive) lock_ = std::make_unique<const DataFolderLock>(folder);
+  if (options.exclusive) {
+    lock_ = std::make_unique<const DataFolderLock>(folder);
+    Platform::RemoveLeftReplacements(folder.string());
+  }
   logger_ = OpenLog(folder, options);
   dataBase_ = std::make_shared<AgentDatabase>(folder);
-  identification_ = std::make_shared<Identification>(ReadOrMakeIdentity(folder / IDENTITY_FILE));
+  const auto identity = std::make_shared<IdentityStore>(folder / IDENTITY_FILE);
+  identification_ = std::make_shared<Identification>(identity);
   communications_ = std::make_shared<Communications>();
   actionSystem_ = std::make_shared<ActionSystem>(AgentData(dataBase_, "DATA"));
 
@@ -87,6 +106,9 @@ AgentHost::AgentHost(const AgentOptions& options) {
   actionSystem_->SetActionFactory([this](unsigned int code, const ActionParameters& parameters) {
     return module_->GetAction(code, parameters);
   });
+  if (options.userProcess || !options.exclusive) return;
+  server_ = MakeServerLink(configuration.communications, folder, identity, *module_);
+  communications_->SetServer(server_);
 }
 
 AgentHost::~AgentHost() {
@@ -103,8 +125,21 @@ ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& paramet
     failure = std::current_exception();
   }
   actionSystem_->WaitIdle();
+  if (server_) server_->SendStatuses();
   if (failure) std::rethrow_exception(failure);
   return response;
+}
+
+void AgentHost::ResumePeriodicActions() {
+  AgentData data(dataBase_, "DATA");
+  for (const ActionName& known : ACTION_NAMES) {
+    ModuleAction action = module_->GetAction(known.code, {});
+    if (!action.name.empty()) actionSystem_->ResumePeriodic(known.code, std::move(action), data);
+  }
+}
+
+void AgentHost::Queue(unsigned int code, const ActionParameters& parameters) {
+  actionSystem_->RunOneShot(code, module_->GetAction(code, parameters), std::chrono::seconds(0));
 }
 
 }  // namespace Norvik::Host

@@ -11,6 +11,7 @@
 #include "host/DataFolder.h"
 #include "host/ListeningLogger.h"
 #include "host/actions/ActionSystem.h"
+#include "host/server/ServerLink.h"
 
 namespace Norvik::Host {
 
@@ -24,7 +25,8 @@ struct AgentOptions {
   boost::optional<Common::CommunicationsInfo> communications;
   int logLevel = 4;
   bool userProcess = false;
-  /// Refuse to work beside another agent on the same data folder.
+  /// Refuse to work beside another agent on the same data folder. Without this there is no road to
+  /// the server.
   bool exclusive = true;
   LogListener logListener;
 };
@@ -46,13 +48,27 @@ class AgentHost {
 
   Communications& GetCommunications() { return *communications_; }
   Common::IModule& Module() { return *module_; }
+  const std::shared_ptr<ActionSystem>& Actions() { return actionSystem_; }
+  /// Null if no server is configured. Delivers nothing before it is started.
+  ServerLink* Server() { return server_.get(); }
+  /// What the module was made with.
+  const Common::AgentConfigurationInfo& Configuration() const {
+    return dependencies_->configuration;
+  }
+  const boost::filesystem::path& DataFolder() const { return dataFolder_; }
 
   /// Runs an action on this thread, then waits until everything has ended that it started without
   /// a delay. What the handler raises comes out after that.
   Common::ActionResponse Run(unsigned int code, const Common::ActionParameters& parameters);
+  /// Lets periodic actions go on that the module has left to the agent data. For a process that
+  /// stays, once the module is initialised.
+  void ResumePeriodicActions();
+  /// Hands an action to the action threads.
+  void Queue(unsigned int code, const Common::ActionParameters& parameters);
 
  private:
-  // In the order in which they need each other; the module goes first and the logger last.
+  // In the order in which they need each other; the logger goes last.
+  boost::filesystem::path dataFolder_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;
   std::shared_ptr<Common::AgentDatabase> dataBase_;
@@ -61,6 +77,7 @@ class AgentHost {
   std::shared_ptr<ActionSystem> actionSystem_;
   std::shared_ptr<Common::ModuleDependencies> dependencies_;
   std::unique_ptr<Common::IModule> module_;
+  std::shared_ptr<ServerLink> server_;
 };
 
 }  // namespace Norvik::Host

@@ -4,6 +4,7 @@
 #include <map>
 #include <ostream>
 
+#include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
@@ -20,7 +21,8 @@ const std::map<std::string, Command>& AllCommands() {
       {"inventory", RunInventory}, {"files", RunFiles},     {"explain", RunExplain},
       {"open", RunOpen},           {"apply", RunApply},     {"diff", RunDiff},
       {"action", RunAction},       {"actions", RunActions}, {"configure", RunConfigure},
-      {"status", RunStatus}};
+      {"status", RunStatus},       {"run", RunService},     {"user", RunUser},
+      {"notify", RunNotify},       {"message", RunMessage}};
   return commands;
 }
 
@@ -42,6 +44,7 @@ int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
 
 int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
                     std::ostream& errors) {
+  Common::AgentDatabase::LeaveOutConnectionLocks();
   try {
     const int code = Run(ParseCommandLine(arguments), output, errors);
     if (output.flush()) return code;

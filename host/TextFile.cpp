@@ -13,7 +13,7 @@
 namespace Norvik::Host {
 
 std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit) {
-  const std::string name = file.string();
+  const std::string& name = file.string();
   // A user may name a link or a pipe, so this is not limited to regular files.
   const Platform::FileDescriptor descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor.IsOpen()) throw std::runtime_error(name + ": " + std::strerror(errno));

@@ -11,6 +11,7 @@ namespace Norvik::Host {
 
 using namespace Common;
 using std::chrono::seconds;
+using std::chrono::system_clock;
 
 /// A periodic action. `state`, `waiting` and `spent` are guarded by the system's `mutex_`; the rest
 /// does not change.
@@ -39,6 +40,8 @@ namespace {
 /// The time of day may be set at any time, and a sleeping machine stops the steady clock.
 constexpr seconds LONGEST_WAIT(30);
 constexpr seconds LONGEST_DELAY(std::chrono::hours(24 * 3650));
+/// A smaller difference of the two clocks is no more than what keeps them in step.
+constexpr seconds CLOCK_TOLERANCE(60);
 
 std::string LabelOf(unsigned int code, const ModuleAction& action) {
   return std::to_string(code) + (action.name.empty() ? "" : " " + action.name);
@@ -50,17 +53,6 @@ ActionResponse Invoke(ModuleAction& action) {
   return {};
 }
 
-void RunLogged(const std::string& label, ModuleAction action) {
-  NORVIK_DETAIL(boost::format("Action %1% starts") % label);
-  try {
-    Invoke(action);
-  } catch (const std::exception& error) {
-    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % label % error.what());
-  } catch (...) {
-    NORVIK_ERROR(boost::format("Action %1% failed with an unknown exception") % label);
-  }
-}
-
 void Store(AgentData& data, const std::string& key, const PeriodicState& state) {
   if (!data.SetString(key, ToText(state))) {
     NORVIK_ERROR(boost::format("The state of %1% could not be stored") % key);
@@ -70,7 +62,7 @@ void Store(AgentData& data, const std::string& key, const PeriodicState& state) 
 boost::optional<PeriodicState> Load(const AgentData& data, const std::string& key) {
   const auto text = data.GetOptionalString(key);
   if (!text) return boost::none;
-  const auto state = ParsePeriodicState(*text);
+  auto state = ParsePeriodicState(*text);
   if (!state) NORVIK_WARNING(boost::format("The state of %1% is unreadable: %2%") % key % *text);
   return state;
 }
@@ -82,6 +74,8 @@ ActionSystem::ActionSystem(AgentData scheduleData, std::shared_ptr<const Clock> 
     : threads_(threads),
       clock_(std::move(clock)),
       scheduleData_(std::move(scheduleData)),
+      seenNow_(clock_->Now()),
+      seenSteady_(clock_->Steady()),
       timer_(threads_.Context()) {}
 
 ActionSystem::~ActionSystem() { Stop(); }
@@ -94,13 +88,13 @@ void ActionSystem::SetActionFactory(ActionFactory factory) {
 ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(action); }
 
 void ActionSystem::QueueAction(ModuleAction action) {
-  threads_.Post([action = std::move(action)] { RunLogged(action.name, action); });
+  threads_.Post([this, action = std::move(action)] { RunLogged(action.name, action); });
 }
 
 void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {
   OneShot shot{LabelOf(code, action), std::move(action)};
   if (delay <= seconds(0)) {
-    threads_.Post([shot = std::move(shot)] { RunLogged(shot.label, shot.action); });
+    threads_.Post([this, shot = std::move(shot)] { RunLogged(shot.label, shot.action); });
     return;
   }
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -130,6 +124,14 @@ void ActionSystem::ReplacePeriodic(unsigned int code, ModuleAction action, Agent
                                                 std::move(action), data, timing);
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
   Install(entry);
+}
+
+void ActionSystem::ResumePeriodic(unsigned int code, ModuleAction action, AgentData& data) {
+  std::string label = LabelOf(code, action);
+  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
+                                                std::move(action), data, ActionTiming());
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  if (!Known(entry->key) && TakeUpStored(*entry)) Install(entry);
 }
 
 void ActionSystem::AddSchedule(const Schedule& schedule) {
@@ -229,9 +231,92 @@ void ActionSystem::End(const PeriodicPointer& entry) {
   StartDue();
 }
 
+void ActionSystem::RunLogged(const std::string& label, ModuleAction action) {
+  std::list<RunningAction> entry;
+  entry.push_back({label, clock_->Now()});
+  const auto place = entry.begin();
+  {
+    const std::lock_guard<std::mutex> lock(runningMutex_);
+    running_.splice(running_.end(), entry);
+  }
+  NORVIK_DETAIL(boost::format("Action %1% starts") % label);
+  try {
+    Invoke(action);
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % label % error.what());
+  } catch (...) {
+    NORVIK_ERROR(boost::format("Action %1% failed with an unknown exception") % label);
+  }
+  const std::lock_guard<std::mutex> lock(runningMutex_);
+  running_.erase(place);
+}
+
+std::vector<RunningAction> ActionSystem::Running() const {
+  const std::lock_guard<std::mutex> lock(runningMutex_);
+  return {running_.begin(), running_.end()};
+}
+
+boost::optional<DueAction> ActionSystem::Next() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  boost::optional<DueAction> next;
+  const auto consider = [&](const std::string& label, system_clock::time_point time) {
+    if (!next || time < next->time) next = DueAction{label, time};
+  };
+  if (!oneShots_.empty()) {
+    const auto wait = oneShots_.begin()->first - clock_->Steady();
+    consider(oneShots_.begin()->second.label,
+             clock_->Now() + std::chrono::duration_cast<system_clock::duration>(wait));
+  }
+  for (const auto& [key, entry] : periodics_) {
+    if (!entry->waiting) consider(entry->label, entry->state.next);
+  }
+  return next;
+}
+
 void ActionSystem::LookAtClock() {
+  {
+    const std::lock_guard<std::mutex> stateLock(stateMutex_);
+    StoreMoved(FollowTimeOfDay());
+  }
   const std::lock_guard<std::mutex> lock(mutex_);
   StartDue();
+}
+
+/// Notices that the time of day was set, and answers the actions whose next time has changed by it.
+std::vector<ActionSystem::PeriodicPointer> ActionSystem::FollowTimeOfDay() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto now = clock_->Now();
+  const auto steady = clock_->Steady();
+  const auto expected =
+      std::exchange(seenNow_, now) + (steady - std::exchange(seenSteady_, steady));
+  const auto jump = std::chrono::duration_cast<seconds>(now - expected);
+  if (jump > -CLOCK_TOLERANCE && jump < CLOCK_TOLERANCE) return {};
+  NORVIK_INFORMATION(boost::format("The time of day has moved by %1% seconds: it was set, or the "
+                                   "machine slept") %
+                     jump.count());
+  std::vector<PeriodicPointer> moved;
+  for (const auto& [key, entry] : periodics_) {
+    PeriodicState& state = entry->state;
+    // What was far away before stays so: it was meant.
+    if (state.period == seconds(0) || state.next > expected + state.period) continue;
+    if (state.next <= now + state.period) continue;
+    state.next -= state.period * ((state.next - now) / state.period);
+    moved.push_back(entry);
+  }
+  return moved;
+}
+
+/// With `stateMutex_` held.
+void ActionSystem::StoreMoved(const std::vector<PeriodicPointer>& moved) {
+  for (const auto& entry : moved) {
+    PeriodicState state;
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      if (!IsCurrent(entry)) continue;
+      state = entry->state;
+    }
+    Store(entry->data, entry->key, state);
+  }
 }
 
 /// Hands everything that is due to the threads. With `mutex_` held.
@@ -239,7 +324,7 @@ void ActionSystem::StartDue() {
   if (stopped_) return;
   const auto end = oneShots_.upper_bound(clock_->Steady());
   for (auto next = oneShots_.begin(); next != end; next = oneShots_.erase(next)) {
-    threads_.Post([shot = std::move(next->second)] { RunLogged(shot.label, shot.action); });
+    threads_.Post([this, shot = std::move(next->second)] { RunLogged(shot.label, shot.action); });
   }
   const auto now = clock_->Now();
   for (const auto& item : periodics_) {
@@ -275,13 +360,20 @@ void ActionSystem::ArmTimer() {
   });
 }
 
+bool ActionSystem::StopWithin(std::chrono::milliseconds limit) {
+  StopTimer();
+  return threads_.StopWithin(limit);
+}
+
 void ActionSystem::Stop() {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    stopped_ = true;
-    timer_.cancel();
-  }
+  StopTimer();
   threads_.Stop();
+}
+
+void ActionSystem::StopTimer() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  stopped_ = true;
+  timer_.cancel();
 }
 
 }  // namespace Norvik::Host

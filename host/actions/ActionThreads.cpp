@@ -27,15 +27,28 @@ void ActionThreads::Run(const std::function<void()>& work) {
       if (--active_ == 0) idle_.notify_all();
       return;
     }
+    ++running_;
   }
   work();
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (--active_ == 0) idle_.notify_all();
+  --active_;
+  --running_;
+  if (active_ == 0 || running_ == 0) idle_.notify_all();
 }
 
 void ActionThreads::WaitIdle() {
   std::unique_lock<std::mutex> lock(mutex_);
   idle_.wait(lock, [this] { return active_ == 0; });
+}
+
+bool ActionThreads::StopWithin(std::chrono::milliseconds limit) {
+  {
+    std::unique_lock<std::mutex> lock(mutex_);
+    stopping_ = true;
+    if (!idle_.wait_for(lock, limit, [this] { return running_ == 0; })) return false;
+  }
+  Stop();
+  return true;
 }
 
 void ActionThreads::Stop() {

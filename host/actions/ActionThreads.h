@@ -2,6 +2,7 @@
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -28,6 +29,8 @@ class ActionThreads {
   void WaitIdle();
   /// Waits for the work that runs; what waits for a thread is dropped. Not from inside work.
   void Stop();
+  /// The same, but gives up after a time; false then. No work starts any more in either case.
+  bool StopWithin(std::chrono::milliseconds limit);
 
  private:
   void Run(const std::function<void()>& work);
@@ -36,7 +39,8 @@ class ActionThreads {
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard_;
   std::mutex mutex_;
   std::condition_variable idle_;
-  std::size_t active_ = 0;
+  std::size_t active_ = 0;   ///< works that run or wait for a thread
+  std::size_t running_ = 0;  ///< works that run
   bool stopping_ = false;
   std::vector<std::thread> threads_;
 };

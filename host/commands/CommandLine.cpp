@@ -1,5 +1,7 @@
 #include "host/commands/CommandLine.h"
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
@@ -7,6 +9,7 @@
 #include "host/DataFolder.h"
 #include "host/HostError.h"
 #include "host/ModuleLoader.h"
+#include "host/ipc/SocketPath.h"
 #include "host/machine/Recording.h"
 
 namespace Norvik::Host {
@@ -19,6 +22,7 @@ struct Texts {
   std::string configuration;
   std::string module;
   std::string machine;
+  std::string socket;
   std::string file;
   std::string secondFile;
   std::string outputFile;
@@ -37,6 +41,9 @@ void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
       ->check(CLI::Range(2, 7))
       ->type_name("N");
   program.add_option("--module", texts.module, "the module to load")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  program.add_option("--socket", texts.socket, "the socket of the running agent")
       ->check(NotEmpty)
       ->type_name("FILE");
   if (HasRecordedMachines()) {
@@ -89,6 +96,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   action->add_option("ACTION", line.action, "code or name of the action")->required();
   action->add_option("PARAMETERS", line.parameters,
                      "key=value, key:bool=true or key:u64=123, any number");
+  action->add_flag("--rehearse", line.rehearse, "only tell what the action would do");
 
   program.add_subcommand("actions", "list the actions of the module");
 
@@ -99,8 +107,38 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   program.add_subcommand("status", "tell the state of the agent");
 }
 
+void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {
+  program.add_subcommand("run", "be the service of this machine until a signal ends it");
+  program.add_subcommand("user", "be the process of a logged-on user until a signal ends it");
+  auto* notify = program.add_subcommand("notify", "tell the running agent of a change");
+  notify->add_option("WHAT", line.what, "software or hardware")
+      ->required()
+      ->check(CLI::IsMember({"software", "hardware"}));
+  auto* message = program.add_subcommand("message", "show a text to the logged-on users");
+  message->add_option("TEXT", line.text, "the text")->required()->check(NotEmpty);
+}
+
+/// The machine's service has its socket where every user finds it; any other agent has it in its
+/// data folder.
+boost::filesystem::path DefaultSocket(const CommandLine& line) {
+  const bool ofSystem = line.command == "user" || (!line.dataFolderGiven && ::geteuid() == 0);
+  return ofSystem ? SYSTEM_SOCKET : line.agent.dataFolder / SOCKET_FILE;
+}
+
+/// A user may run a service as well, so the two keep apart.
+boost::filesystem::path DefaultFolderOf(const std::string& command) {
+  const boost::filesystem::path folder = DefaultDataFolder();
+  return command == "user" ? folder.string() + "-user" : folder;
+}
+
 void Take(const Texts& texts, CommandLine& line) {
-  line.agent.dataFolder = texts.data.empty() ? DefaultDataFolder() : texts.data;
+  line.dataFolderGiven = !texts.data.empty();
+  line.agent.dataFolder = line.dataFolderGiven ? texts.data : DefaultFolderOf(line.command);
+  line.socket = texts.socket.empty() ? DefaultSocket(line) : texts.socket;
+  if (line.command == "user") line.agent.userProcess = true;
+  if (line.command == "run" && line.agent.userProcess) {
+    throw UsageError("--user-process does not go with run; the command for it is user");
+  }
   line.agent.configurationFile = texts.configuration;
   line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
   line.machine = texts.machine;
@@ -134,6 +172,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   program.fallthrough();
   AddGlobalOptions(program, line, texts);
   AddCommands(program, line, texts);
+  AddCommandsOfRunningAgents(program, line);
 
   // CLI11 takes them from the back.
   std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());

@@ -14,6 +14,9 @@ struct CommandLine {
   std::string help;
   AgentOptions agent;
   boost::filesystem::path machine;  ///< recording that stands for this machine; empty: none
+  /// Of the running agent.
+  boost::filesystem::path socket;
+  bool dataFolderGiven = false;
   bool json = false;
   // Of single commands.
   bool incremental = false;
@@ -24,7 +27,10 @@ struct CommandLine {
   boost::filesystem::path secondFile;
   boost::filesystem::path outputFile;  ///< empty: the answer goes to the output
   std::string action;
+  bool rehearse = false;
   std::vector<std::string> parameters;
+  std::string what;  ///< "software" or "hardware"
+  std::string text;
 };
 
 /// Reads the command line; the first argument is the program's name. Raises `UsageError`.

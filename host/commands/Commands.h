@@ -22,8 +22,16 @@ int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
 int RunActions(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Checks a configuration, and stores and applies it, by the running agent if there is one.
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Only looks: makes neither files nor folders, and loads no module.
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Is the agent's service, until a signal ends it.
+int RunService(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Is the process of a logged-on user, until a signal ends it.
+int RunUser(const CommandLine& line, std::ostream& output, std::ostream& errors);
+// These have a running agent do something; no agent runs here.
+int RunNotify(const CommandLine& line, std::ostream& output, std::ostream& errors);
+int RunMessage(const CommandLine& line, std::ostream& output, std::ostream& errors);
 
 }  // namespace Norvik::Host

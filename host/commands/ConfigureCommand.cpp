@@ -8,6 +8,7 @@
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
 #include "host/commands/Rendering.h"
+#include "host/commands/RunningAgent.h"
 #include "host/commands/StatusRecorder.h"
 
 namespace Norvik::Host {
@@ -16,7 +17,7 @@ using namespace Common;
 
 namespace {
 
-int Check(const KobConfigurationInfo& configuration, bool json, std::ostream& output) {
+int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& output) {
   OrderedJson list = OrderedJson::array();
   std::string text;
   for (const auto& warning : WarningsOf(configuration)) {
@@ -29,12 +30,26 @@ int Check(const KobConfigurationInfo& configuration, bool json, std::ostream& ou
   return EXIT_DONE;
 }
 
+/// The states of what it starts go to the server of the running agent.
+int TellThatAgentTookIt(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
+                        bool json, std::ostream& output) {
+  const auto stored = answer.value("stored", "");
+  output << (json ? JsonLine({{"stored", stored}, {"profileId", configuration.profileId}})
+                  : "configuration of profile " + std::to_string(configuration.profileId) +
+                        " is stored in " + stored + "; the running agent applies it\n");
+  return EXIT_DONE;
+}
+
 }  // namespace
 
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const ConfigurationFile given = ReadConfigurationFile(line.file);
   const AgentConfigurationInfo& configuration = given.configuration;
-  if (line.check) return Check(*configuration.kob, line.json, output);
+  if (line.check) return Check(configuration, line.json, output);
+
+  const auto answer =
+      AskAgentIfRunning(line.socket, {{"request", "configure"}, {"text", given.text}});
+  if (answer) return TellThatAgentTookIt(configuration, *answer, line.json, output);
 
   AgentOptions options = line.agent;
   // The module is made with the configuration so far, so that it sees the change; but it looks at
@@ -53,10 +68,10 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   std::string text = "configuration of profile " + std::to_string(configuration.profileId) +
                      " is stored in " + stored.string() + " and applied\n";
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
-  const OrderedJson answer = {{"stored", stored.string()},
-                              {"profileId", configuration.profileId},
-                              {"statuses", StatusesToJson(statuses)}};
-  output << (line.json ? JsonLine(answer) : text);
+  const OrderedJson told = {{"stored", stored.string()},
+                            {"profileId", configuration.profileId},
+                            {"statuses", StatusesToJson(statuses)}};
+  output << (line.json ? JsonLine(told) : text);
   return EXIT_DONE;
 }
 

@@ -13,7 +13,9 @@
 #include "host/ConfigurationFile.h"
 #include "host/actions/PeriodicState.h"
 #include "host/commands/Commands.h"
+#include "host/commands/FileInventoryState.h"
 #include "host/commands/Rendering.h"
+#include "host/commands/RunningAgent.h"
 
 namespace Norvik::Host {
 
@@ -29,11 +31,14 @@ OrderedJson TimeToJson(system_clock::time_point time) {
   return {{"seconds", system_clock::to_time_t(time)}, {"time", TimeText(time)}};
 }
 
-/// Rows of the "DATA" table. None without a database.
-std::map<std::string, std::string> ReadData(const fs::path& folder) {
+/// What the agent database tells: nothing if there is none.
+struct Stored {
+  std::map<std::string, std::string> data;  ///< rows of the "DATA" table
+  OrderedJson fileInventory;
+};
+
+std::map<std::string, std::string> ReadData(AgentDatabase& dataBase) {
   std::map<std::string, std::string> data;
-  if (!fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) return data;
-  AgentDatabase dataBase(folder);
   const auto table = dataBase.GetTable("DATA", 0, 0, 0);
   if (!table) return data;
   const auto columnOf = [&](const char* name) {
@@ -45,6 +50,12 @@ std::map<std::string, std::string> ReadData(const fs::path& folder) {
   const std::size_t value = columnOf("value");
   for (const auto& row : table->rows) data[row.at(name)] = row.at(value);
   return data;
+}
+
+Stored ReadStored(const fs::path& folder) {
+  if (!fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) return {};
+  AgentDatabase dataBase(folder);
+  return {ReadData(dataBase), ReadFileInventoryState()};
 }
 
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
@@ -100,10 +111,23 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
+/// What a running agent tells of itself. Null if none answers or it refuses.
+OrderedJson AskForStatus(const fs::path& socket) {
+  try {
+    return AskRunningAgent(socket, {{"request", "status"}});
+  } catch (const std::runtime_error&) {
+    return nullptr;
+  }
+}
+
 OrderedJson Gather(const CommandLine& line) {
-  Paths::SetDataFolder(line.agent.dataFolder);
+  OrderedJson agent = AskForStatus(line.socket);
+  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
+  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
+  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
   const fs::path folder = Paths(Paths::DATA, false).AppData();
-  const auto data = ReadData(folder);
+  if (folderOfAgent != folder) agent = nullptr;
+  const Stored database = ReadStored(folder);
   const auto identity = ReadIdentity(folder / IDENTITY_FILE);
   const fs::path stored = folder / CONFIGURATION_FILE;
   const bool configured = fs::exists(stored);
@@ -112,14 +136,16 @@ OrderedJson Gather(const CommandLine& line) {
   const AgentConfigurationInfo configuration =
       anyConfiguration ? ReadConfigurationFile(used).configuration : DefaultConfiguration();
   return {{"dataFolder", folder.string()},
+          {"agent", agent},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
           {"configured", configured},
           {"profileId", configuration.profileId},
           {"server", configuration.communications.address},
-          {"lastInventory", LastInventory(data)},
+          {"lastInventory", LastInventory(database.data)},
+          {"fileInventory", database.fileInventory},
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
           {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
-          {"periodic", PeriodicActions(data)}};
+          {"periodic", PeriodicActions(database.data)}};
 }
 
 std::string FileLines(const char* title, const OrderedJson& files) {
@@ -136,12 +162,14 @@ std::string ToText(const OrderedJson& status) {
     return value.is_string() && !value.empty() ? value.get<std::string>() : otherwise;
   };
   std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
+  text += RunningAgentLines(status["agent"]);
   text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
   text += std::string("configuration: ") +
           (status["configured"].get<bool>() ? "stored" : "none, the defaults hold") + "\n";
   text += "profile: " + status["profileId"].dump() + "\n";
   const OrderedJson& last = status["lastInventory"];
   text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";
+  text += FileInventoryLine(status["fileInventory"]);
   text += FileLines("previous document", status["previous"]);
   text += FileLines("outbox", status["outbox"]);
   for (const auto& entry : status["periodic"]) {

@@ -70,12 +70,6 @@ std::string LeaseServer(const SystemFiles& files, const std::string& folder) {
   return ValueOf(ParseEntries(lease, '='), "SERVER_ADDRESS");
 }
 
-std::vector<wxString> Wide(const std::vector<std::string>& texts) {
-  std::vector<wxString> wide;
-  for (const auto& text : texts) wide.push_back(WxStringFromStdString(text));
-  return wide;
-}
-
 template <class Map>
 auto Find(const Map& map, const std::string& key) {
   const auto found = map.find(key);

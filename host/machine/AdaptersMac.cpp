@@ -115,12 +115,6 @@ Adapters HardwareAdapters() {
   return adapters;
 }
 
-std::vector<wxString> Wide(const std::vector<std::string>& texts) {
-  std::vector<wxString> wide;
-  for (const auto& text : texts) wide.push_back(WxStringFromStdString(text));
-  return wide;
-}
-
 std::string DhcpServer(const std::string& name) {
   return trim_copy(
       CommandRunner::ExecCommand("/usr/sbin/ipconfig getoption " + name + " server_identifier"));

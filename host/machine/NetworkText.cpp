@@ -47,6 +47,12 @@ std::string Ipv6Text(const std::string& digits) {
 
 }  // namespace
 
+std::vector<wxString> Wide(const std::vector<std::string>& texts) {
+  std::vector<wxString> wide;
+  for (const auto& text : texts) wide.push_back(WxStringFromStdString(text));
+  return wide;
+}
+
 ByInterface ParseRoutes(const std::string& text) {
   constexpr std::uint32_t BY_GATEWAY = 2;
   ByInterface gateways;

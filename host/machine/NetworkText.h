@@ -11,6 +11,9 @@ namespace Norvik::Host {
 /// A list of texts for each network interface, in order and without repetitions.
 using ByInterface = std::map<std::string, std::vector<std::string>>;
 
+/// The same texts as the records take them.
+std::vector<wxString> Wide(const std::vector<std::string>& texts);
+
 /// Gateways in the text of /proc/net/route.
 ByInterface ParseRoutes(const std::string& text);
 /// Gateways of the default route in the text of /proc/net/ipv6_route.

@@ -22,14 +22,6 @@ std::string LanguageOf(const SystemFiles& files) {
   return {};
 }
 
-std::string TimeZoneOf(const SystemFiles& files) {
-  static const std::string FOLDER = "zoneinfo/";
-  const std::string link = files.LinkText("/etc/localtime");
-  const auto position = link.find(FOLDER);
-  if (position != std::string::npos) return link.substr(position + FOLDER.size());
-  return files.Text("/etc/timezone");
-}
-
 void ReadRelease(const SystemFiles& files, OperatingSystemInfo& info) {
   std::string text = files.Bytes("/etc/os-release");
   if (text.empty()) text = files.Bytes("/usr/lib/os-release");

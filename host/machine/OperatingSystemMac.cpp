@@ -31,13 +31,6 @@ boost::optional<long long> InstallDate() {
   return static_cast<long long>(state.st_mtime) * 1000;
 }
 
-std::string TimeZone() {
-  static const std::string FOLDER = "zoneinfo/";
-  const std::string link = SystemFiles().LinkText("/etc/localtime");
-  const auto position = link.find(FOLDER);
-  return position == std::string::npos ? std::string() : link.substr(position + FOLDER.size());
-}
-
 }  // namespace
 
 OperatingSystemInfo GatherOperatingSystem() {
@@ -51,7 +44,7 @@ OperatingSystemInfo GatherOperatingSystem() {
   info.kernelVersion = Kernel("kern.osrelease");
   info.language = WxStringFromStdString(
       trim_copy(CommandRunner::ExecCommand("/usr/bin/defaults read -g AppleLocale")));
-  info.timeZone = WxStringFromStdString(TimeZone());
+  info.timeZone = WxStringFromStdString(TimeZoneOf(SystemFiles()));
   info.bootVolume = BootVolume();
   info.serialNumber =
       WxStringFromStdString(RegistryProperty("IOPlatformExpertDevice", "IOPlatformSerialNumber"));

@@ -151,7 +151,7 @@ void ReadProcessor(const Structure& structure, ProcessorInfo& processor) {
   processor.socket = TextAt(structure, 0x04);
   if (processor.manufacturer.empty()) processor.manufacturer = TextAt(structure, 0x07);
   if (processor.model.empty()) processor.model = TextAt(structure, 0x10);
-  processor.busMhz = structure.Field(0x12, 2);
+  if (processor.busMhz == 0) processor.busMhz = structure.Field(0x12, 2);
   if (processor.maximumMhz == 0) processor.maximumMhz = structure.Field(0x14, 2);
   processor.serial = TextAt(structure, 0x20);
   processor.assetTag = TextAt(structure, 0x21);

@@ -63,4 +63,12 @@ std::string SystemFiles::Resolved(const std::string& path) const {
   return error ? std::string() : target.string();
 }
 
+std::string TimeZoneOf(const SystemFiles& files) {
+  static const std::string FOLDER = "zoneinfo/";
+  const std::string link = files.LinkText("/etc/localtime");
+  const auto position = link.find(FOLDER);
+  if (position != std::string::npos) return link.substr(position + FOLDER.size());
+  return files.Text("/etc/timezone");
+}
+
 }  // namespace Norvik::Host

@@ -33,4 +33,7 @@ class SystemFiles {
   const boost::filesystem::path root_;
 };
 
+/// The zone of local time, as in "Europe/Oslo"; empty if the system does not tell.
+std::string TimeZoneOf(const SystemFiles& files);
+
 }  // namespace Norvik::Host

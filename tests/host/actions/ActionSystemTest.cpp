@@ -8,6 +8,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "host/actions/SerialActions.h"
 #include "support/FakeActionClock.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
@@ -324,6 +325,92 @@ TEST_F(ActionSystemTest, AScheduleRunsTheActionOfItsCodeAndIsTakenOnOnce) {
   EXPECT_EQ(RunsWithin(849), 0);
   EXPECT_EQ(RunsWithin(1), 1);
   EXPECT_EQ(Stored(key), "none");
+}
+
+TEST_F(ActionSystemTest, AClockThatJumpsByAYearAndBackNeitherLosesNorRepeatsARun) {
+  constexpr long YEAR = 366L * 24 * 3600;
+  Create(PERIOD, START + 50);
+  AgentData data = Data();
+  const auto far = Timing(PERIOD, START + 3 * YEAR);
+  system_->CreatePeriodic(CODE + 1, Counting(), data, far);
+  clock_->SetTimeOfDay(START + YEAR);
+  EXPECT_EQ(RunsWithin(0), 1);
+  EXPECT_EQ(RunsWithin(PERIOD), 1);
+  clock_->SetTimeOfDay(START);
+  EXPECT_EQ(RunsWithin(0), 0);
+  EXPECT_EQ(RunsWithin(PERIOD), 1);
+  EXPECT_EQ(RunsWithin(PERIOD), 1);
+  EXPECT_EQ(Stored(PeriodicKey(CODE + 1)), "100 " + std::to_string(START + 3 * YEAR));
+  const auto lines = log_.Texts(Logger::LEVEL_INFORMATION);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_THAT(lines[0], HasSubstr("moved by 31622400 seconds"));
+  EXPECT_THAT(lines[1], HasSubstr("moved by -31622500 seconds"));
+}
+
+TEST_F(ActionSystemTest, WhatNobodyInstallsAgainGoesOnWhereARestartLeftIt) {
+  const auto resume = [this] {
+    AgentData data = Data();
+    system_->ResumePeriodic(CODE, Counting(), data);
+  };
+  resume();
+  EXPECT_FALSE(system_->Next());
+  Create(PERIOD, START + 50);
+  Restart();
+  resume();
+  ASSERT_TRUE(system_->Next());
+  EXPECT_EQ(system_->Next()->label, "1036 ACTION_OF_TEST");
+  EXPECT_EQ(RunsWithin(49), 0);
+  EXPECT_EQ(RunsWithin(1), 1);
+  Replace(PERIOD, START + 500);
+  resume();  // one was installed in this process
+  EXPECT_EQ(RunsWithin(449), 0);
+  EXPECT_EQ(RunsWithin(1), 1);
+}
+
+TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
+  std::promise<void> started;
+  std::promise<void> release;
+  system_->RunOneShot(CODE, Action([&](ActionParameters&) {
+                        started.set_value();
+                        release.get_future().wait();
+                        return ActionResponse();
+                      }),
+                      seconds(0));
+  started.get_future().wait();
+  EXPECT_FALSE(system_->StopWithin(std::chrono::milliseconds(20)));
+  system_->RunOneShot(CODE, Counting(), seconds(0));
+  ASSERT_EQ(system_->Running().size(), 1u);
+  EXPECT_EQ(system_->Running()[0].label, "1036 ACTION_OF_TEST");
+  EXPECT_EQ(system_->Running()[0].since, clock_->Now());
+  release.set_value();
+  EXPECT_TRUE(system_->StopWithin(seconds(60)));
+  EXPECT_EQ(runs_, 0);
+  EXPECT_TRUE(system_->Running().empty());
+}
+
+TEST_F(ActionSystemTest, SerialActionsRunInTheirOrderOneAtATime) {
+  const std::shared_ptr<ActionSystem> system(std::move(system_));
+  const auto serial = std::make_shared<SerialActions>(system);
+  std::string order;  // not synchronised: nothing else guards it than the order
+  std::string done;
+  std::promise<void> release;
+  for (const char* text : {"a", "b", "x", "c"}) {
+    serial->Add(CODE, Action([&, text](ActionParameters&) -> ActionResponse {
+                  if (*text == 'a') release.get_future().wait();
+                  order += text;
+                  if (*text == 'x') throw std::runtime_error("broken");
+                  return {};
+                }),
+                [&, text] { done += text; });
+  }
+  // Behind all that was handed to the threads so far.
+  system->QueueAction(Action([&](ActionParameters&) {
+    release.set_value();
+    return ActionResponse();
+  }));
+  system->WaitIdle();
+  EXPECT_EQ(order, "abxc");
+  EXPECT_EQ(done, "abxc");
 }
 
 TEST_F(ActionSystemTest, ASystemWithARealClockFiresByItself) {

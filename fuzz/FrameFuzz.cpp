@@ -1,0 +1,24 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "host/ipc/Frames.h"
+
+// Frames of the local socket, in the pieces in which a stream may bring them.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace Norvik::Host;
+  constexpr std::size_t LIMIT = 1 << 16;
+  FrameReader reader(LIMIT);
+  const auto* const bytes = reinterpret_cast<const char*>(data);
+  try {
+    for (std::size_t start = 0; start < size; start += 7) {
+      reader.Append(bytes + start, std::min<std::size_t>(7, size - start));
+      while (const auto frame = reader.Next()) {
+        if (frame->kind == FrameKind::MESSAGE) DecodeMessage(frame->content);
+      }
+    }
+  } catch (const FrameError&) {
+    // What the peer of a broken stream gets to hear.
+  }
+  return 0;
+}

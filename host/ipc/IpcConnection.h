@@ -1,0 +1,94 @@
+#pragma once
+
+#include <array>
+#include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "host/ipc/Frames.h"
+#include "platform/PeerCredentials.h"
+
+namespace Norvik::Host {
+
+/// What one connection may take up.
+struct ConnectionLimits {
+  std::size_t frameBytes = 1 << 20;      ///< length of a frame
+  std::size_t unsentBytes = 4 << 20;     ///< queued for a peer that reads slowly
+  std::size_t waitingBytes = 256 << 10;  ///< received and not yet handled; then reading waits
+  std::chrono::milliseconds frameTime{30'000};  ///< from the first byte of a frame to its last
+};
+
+/// One end of a connection between two processes of the agent: whole frames in both directions. It
+/// closes itself when the peer breaks the protocol or a limit. Make it by `std::make_shared`; it
+/// lives until it is closed. The callbacks run on the thread of the socket's context, of which
+/// there must be one.
+class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
+ public:
+  using Socket = boost::asio::local::stream_protocol::socket;
+
+  struct Events {
+    /// Each frame must be answered by one call of `Handled` with the size of its content. What it
+    /// raises as `FrameError` closes the connection.
+    std::function<void(Frame frame)> onFrame;
+    /// Once, last. What the peer did wrong; empty if the connection just ended.
+    std::function<void(const std::string& problem)> onClosed;
+  };
+
+  /// @param socket connected
+  IpcConnection(Socket socket, const Platform::PeerCredentials& peer,
+                const ConnectionLimits& limits);
+
+  /// Begins to read.
+  void Start(Events events);
+  /// Queues a whole frame. False if the connection is closed, which a full queue brings about.
+  /// Safe on any thread.
+  bool Send(std::string frame);
+  /// Tells that a frame was dealt with. Safe on any thread.
+  void Handled(std::size_t contentSize);
+  /// Ends the connection behind what is queued. Safe on any thread.
+  void CloseWhenSent();
+  /// Ends the connection. Safe on any thread.
+  void Close();
+
+  /// The same at once and without a callback, when the context runs on no thread any more.
+  void Abandon();
+
+  const Platform::PeerCredentials& Peer() const { return peer_; }
+  /// "user 501, process 4711"
+  std::string PeerText() const;
+
+ private:
+  void Read();
+  void OnRead(const boost::system::error_code& error, std::size_t size);
+  void TakeFrames();
+  void WatchFrame();
+  void StopWatch();
+  void Write();
+  void OnWritten(const boost::system::error_code& error);
+  void CloseNow(const std::string& problem);
+
+  // Used on the context's thread only.
+  Socket socket_;
+  const Platform::PeerCredentials peer_;
+  const ConnectionLimits limits_;
+  Events events_;
+  FrameReader reader_;
+  std::array<char, 8192> buffer_;
+  boost::asio::steady_timer frameTimer_;
+  std::size_t waitingBytes_ = 0;
+  bool watching_ = false;  ///< the timer runs for the frame that has begun
+  bool paused_ = false;
+  bool closed_ = false;
+
+  std::mutex mutex_;
+  std::deque<std::string> unsent_;  ///< the first is being written
+  std::size_t unsentBytes_ = 0;
+  bool ending_ = false;  ///< nothing more is taken on
+};
+
+}  // namespace Norvik::Host

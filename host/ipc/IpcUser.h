@@ -1,0 +1,76 @@
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/filesystem/path.hpp>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include "common/ipc/ICommunicationIPC.h"
+#include "host/ipc/IpcConnection.h"
+
+namespace Norvik::Host {
+
+/// How long a user's process waits for a service that does not answer: ever longer.
+struct ReconnectWaits {
+  std::chrono::milliseconds first{1000};
+  std::chrono::milliseconds longest{60'000};
+};
+
+/// A user's end of the agent's local socket. Connects to the service, and again whenever the
+/// service went away. Takes only what is allowed, and only from a service of root or of this user.
+class IpcUser : public Common::ICommunicationIPC {
+ public:
+  /// The session that stands for the service.
+  static constexpr unsigned long long SERVICE = 0;
+
+  /// Called on the connection's own thread and must not wait; `handled` as in `IpcService`.
+  using OnMessage = std::function<void(Common::IPCMessage message, std::function<void()> handled)>;
+
+  /// Raises `std::runtime_error` for a path that cannot be one of a socket.
+  explicit IpcUser(const boost::filesystem::path& socket, const ReconnectWaits& waits = {},
+                   const ConnectionLimits& limits = {});
+  IpcUser(const IpcUser&) = delete;
+  IpcUser& operator=(const IpcUser&) = delete;
+  ~IpcUser() override;
+
+  void Start(OnMessage onMessage);
+  /// No callback runs behind it. Not from a callback.
+  void Stop();
+
+  bool Send(const Common::IPCMessage& message, unsigned long long session) override;
+  /// A user's process has no sessions.
+  std::map<unsigned long long, Common::IPCSessionData> GetSessions() override { return {}; }
+
+ private:
+  using Socket = IpcConnection::Socket;
+
+  void Connect();
+  void OnConnected(const std::shared_ptr<Socket>& socket);
+  void Take(Frame frame);
+  void Lose(const std::string& problem);
+  void TryLater(const std::string& reason);
+  std::shared_ptr<IpcConnection> Connection();
+
+  const boost::filesystem::path path_;
+  const boost::asio::local::stream_protocol::endpoint endpoint_;
+  const ReconnectWaits waits_;
+  const ConnectionLimits limits_;
+  boost::asio::io_context context_{1};
+  boost::asio::steady_timer timer_;
+  OnMessage onMessage_;
+  std::minstd_rand random_{std::random_device{}()};
+  std::chrono::milliseconds wait_;
+  std::chrono::steady_clock::time_point connectedAt_;
+  bool told_ = false;  ///< that the service does not answer
+
+  std::mutex mutex_;
+  std::shared_ptr<IpcConnection> connection_;
+  std::thread thread_;
+};
+
+}  // namespace Norvik::Host

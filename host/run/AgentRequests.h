@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "common/ipc/ICommunicationIPC.h"
+#include "host/AgentHost.h"
+
+namespace Norvik::Host {
+
+/// What an administrator may ask of a running agent, over its socket. A request is a JSON object
+/// with the key "request", and what that request needs; an answer holds "error", and "wrongUse" if
+/// the request itself is to blame, or what was asked for.
+///
+///   status                   what runs, who is connected, what is due next
+///   notify     "what"        "software" or "hardware" has changed
+///   message    "text"        shows a text to the logged-on users
+///   configure  "text"        stores a configuration and applies it
+class AgentRequests {
+ public:
+  /// @param host must outlive this object
+  AgentRequests(AgentHost& host, std::shared_ptr<Common::ICommunicationIPC> processes);
+
+  /// Never raises but `std::bad_alloc`. A request that is refused is logged. Safe on any thread.
+  /// @param from who asks
+  std::string Answer(const std::string& request, const std::string& from) const;
+
+ private:
+  AgentHost& host_;
+  const std::shared_ptr<Common::ICommunicationIPC> processes_;
+};
+
+}  // namespace Norvik::Host

@@ -1,0 +1,42 @@
+#include "host/run/ConfigurationChange.h"
+
+#include <tuple>
+
+#include "common/action/ActionCodes.h"
+#include "common/log/Logger.h"
+#include "host/ConfigurationFile.h"
+#include "host/TextFile.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+
+namespace {
+
+/// The part of a configuration that the agent looks at only when it starts.
+auto FixedPart(const AgentConfigurationInfo& configuration) {
+  const SurveyInfo survey = configuration.survey.get_value_or({});
+  const CommunicationsInfo& server = configuration.communications;
+  return std::make_tuple(server.address, server.port, server.certificateFile,
+                         configuration.survey.has_value(), survey.onMacOs, survey.onWindows,
+                         survey.onLinux);
+}
+
+}  // namespace
+
+void ApplyConfiguration(AgentHost& host, const AgentConfigurationInfo& configuration) {
+  if (FixedPart(configuration) != FixedPart(host.Configuration())) {
+    NORVIK_INFORMATION("The new server and survey hold from the next start of the agent on");
+  }
+  ActionParameters parameters;
+  parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
+  host.Queue(COMMON_ACTION_NEW_CONFIGURATION, parameters);
+}
+
+void StoreConfiguration(AgentHost& host, const std::string& text) {
+  const AgentConfigurationInfo configuration = ParseConfiguration(text);
+  WriteTextFile(host.DataFolder() / CONFIGURATION_FILE, text);
+  ApplyConfiguration(host, configuration);
+}
+
+}  // namespace Norvik::Host

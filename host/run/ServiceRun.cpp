@@ -1,0 +1,93 @@
+#include "host/run/ServiceRun.h"
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
+#include <utility>
+
+#include "common/action/ActionCodes.h"
+#include "common/log/Logger.h"
+#include "host/ConfigurationFile.h"
+#include "host/ipc/MessageAction.h"
+#include "host/run/ConfigurationChange.h"
+#include "host/run/StopActions.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+
+namespace {
+
+enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
+
+constexpr char SESSION_PARAMETER[] = "SessionEventData";
+
+}  // namespace
+
+ServiceRun::ServiceRun(const AgentOptions& options, const boost::filesystem::path& socket)
+    : configurationFile_(options.configurationFile),
+      host_(options),
+      processes_(std::make_shared<IpcService>(socket)),
+      messages_(std::make_shared<SerialActions>(host_.Actions())),
+      requests_(host_, processes_) {
+  host_.GetCommunications().SetProcesses(processes_);
+  Initialise();
+}
+
+ServiceRun::~ServiceRun() {
+  processes_->Stop();
+  host_.Actions()->Stop();
+}
+
+/// A module that was configured before is told what holds, so that it sees what has changed.
+void ServiceRun::Initialise() {
+  const bool configured = !configurationFile_.empty() ||
+                          boost::filesystem::exists(host_.DataFolder() / CONFIGURATION_FILE);
+  ActionParameters parameters;
+  if (configured) parameters.Set(COMMON_PARAMETER_CONFIGURATION, host_.Configuration());
+  const auto code = configured ? COMMON_ACTION_NEW_CONFIGURATION : COMMON_ACTION_INIT;
+  host_.Actions()->RunAction(host_.Module().GetAction(code, parameters));
+  host_.ResumePeriodicActions();
+}
+
+void ServiceRun::Start() {
+  processes_->Start({[this](IPCMessage message, std::function<void()> handled) {
+                       Take(std::move(message), std::move(handled));
+                     },
+                     [this](IpcService::SessionId session) { BeginSession(session); },
+                     [this](const std::string& request, const std::string& from) {
+                       return requests_.Answer(request, from);
+                     }});
+  if (host_.Server()) host_.Server()->Start();
+  NORVIK_INFORMATION("The service runs");
+}
+
+void ServiceRun::Take(IPCMessage message, std::function<void()> handled) {
+  ModuleAction action = host_.Module().GetAction(message.code, ParametersOf(message));
+  messages_->Add(message.code, std::move(action), std::move(handled));
+}
+
+void ServiceRun::BeginSession(IpcService::SessionId session) {
+  ActionParameters parameters;
+  parameters.Set(SESSION_PARAMETER, session);
+  host_.Queue(ACTION_VALIDATE_SURVEY_COMPLETION, parameters);
+}
+
+void ServiceRun::Reload() {
+  const auto stored = host_.DataFolder() / CONFIGURATION_FILE;
+  const auto file = configurationFile_.empty() ? stored : configurationFile_;
+  try {
+    ApplyConfiguration(host_, ReadConfigurationFile(file).configuration);
+    NORVIK_INFORMATION(boost::format("The configuration in %1% is read again") % file.string());
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("The configuration is not read again: %1%") % error.what());
+  }
+}
+
+bool ServiceRun::Stop() {
+  NORVIK_INFORMATION("The service stops");
+  processes_->Stop();
+  if (host_.Server()) host_.Server()->Stop();
+  return StopActions(*host_.Actions());
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+
+#include "host/AgentHost.h"
+#include "host/actions/SerialActions.h"
+#include "host/ipc/IpcService.h"
+#include "host/run/AgentRequests.h"
+
+namespace Norvik::Host {
+
+/// The agent's service at work: module, schedules, the socket for users' processes and
+/// administrators, and the delivery to the server.
+class ServiceRun {
+ public:
+  /// Binds the socket and initialises the module. What it raises, `AgentHost`, `IpcService` or the
+  /// module raised.
+  ServiceRun(const AgentOptions& options, const boost::filesystem::path& socket);
+  ServiceRun(const ServiceRun&) = delete;
+  ServiceRun& operator=(const ServiceRun&) = delete;
+  ~ServiceRun();
+
+  /// Lets others in, and begins the delivery.
+  void Start();
+  /// Reads the configuration file again. A wrong one is logged, and nothing changes.
+  void Reload();
+  /// Answers what `StopActions` does. Final.
+  bool Stop();
+
+  const boost::filesystem::path& DataFolder() const { return host_.DataFolder(); }
+
+ private:
+  void Initialise();
+  void Take(Common::IPCMessage message, std::function<void()> handled);
+  void BeginSession(IpcService::SessionId session);
+
+  const boost::filesystem::path configurationFile_;
+  AgentHost host_;
+  const std::shared_ptr<IpcService> processes_;
+  const std::shared_ptr<SerialActions> messages_;
+  const AgentRequests requests_;
+};
+
+}  // namespace Norvik::Host

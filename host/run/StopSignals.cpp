@@ -1,0 +1,32 @@
+#include "host/run/StopSignals.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <csignal>
+
+namespace Norvik::Host {
+
+struct StopSignals::State {
+  boost::asio::io_context context{1};
+  boost::asio::signal_set signals{context, SIGTERM, SIGINT, SIGHUP};
+  void (*pipeHandler)(int) = std::signal(SIGPIPE, SIG_IGN);
+};
+
+StopSignals::StopSignals() : state_(std::make_unique<State>()) {}
+
+StopSignals::~StopSignals() { std::signal(SIGPIPE, state_->pipeHandler); }
+
+int StopSignals::Wait(const std::function<void()>& onHangUp) {
+  int ending = 0;
+  while (ending == 0) {
+    state_->context.restart();
+    state_->signals.async_wait([&](const boost::system::error_code& error, int signal) {
+      if (error || signal == SIGHUP) return onHangUp();
+      ending = signal;
+    });
+    state_->context.run();
+  }
+  return ending;
+}
+
+}  // namespace Norvik::Host

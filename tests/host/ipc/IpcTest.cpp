@@ -1,0 +1,306 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <atomic>
+
+#include "host/ipc/AskAgent.h"
+#include "host/ipc/IpcService.h"
+#include "host/ipc/IpcUser.h"
+#include "host/ipc/RateLimit.h"
+#include "support/LocalClient.h"
+#include "support/LogCapture.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using namespace Norvik::Common;
+using namespace Norvik::Host;
+using namespace Norvik::Tests;
+using std::chrono::milliseconds;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const IPCMessage TRUNCATE{1, 1066, "truncateNetDrivesTable", "x"};
+const IPCMessage REQUEST{1, 1067, "requestNetworkDrives", "requestNetworkDrives"};
+const std::string JOINED = EncodeFrame(FrameKind::JOIN, "");
+
+std::string FrameOf(const IPCMessage& message) {
+  return EncodeFrame(FrameKind::MESSAGE, EncodeMessage(message));
+}
+
+/// Messages that came in; those of a held receiver wait to be handled.
+class Inbox {
+ public:
+  void Add(const IPCMessage& message, std::function<void()> handled) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    messages_.push_back(message);
+    held_ ? waiting_.push_back(std::move(handled)) : handled();
+  }
+  void Hold() { held_ = true; }
+  void Release() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    held_ = false;
+    for (const auto& handled : waiting_) handled();
+    waiting_.clear();
+  }
+  void Clear() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    messages_.clear();
+  }
+  std::vector<IPCMessage> Messages() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return messages_;
+  }
+  std::size_t Count() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return messages_.size();
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::atomic<bool> held_{false};
+  std::vector<IPCMessage> messages_;
+  std::vector<std::function<void()>> waiting_;
+};
+
+class Ipc : public testing::Test {
+ protected:
+  void StartService(const ServiceLimits& limits = {}) {
+    service_ = std::make_unique<IpcService>(Socket(), limits);
+    service_->Start({[this](const IPCMessage& message, std::function<void()> handled) {
+                       inbox_.Add(message, std::move(handled));
+                     },
+                     [this](IpcService::SessionId) { ++sessionStarts_; },
+                     [](const std::string& request, const std::string& from) {
+                       return request + " of " + from;
+                     }});
+  }
+  std::unique_ptr<IpcUser> MakeUser() {
+    auto user =
+        std::make_unique<IpcUser>(Socket(), ReconnectWaits{milliseconds(5), milliseconds(20)});
+    user->Start([this](const IPCMessage& message, std::function<void()> handled) {
+      userInbox_.Add(message, std::move(handled));
+    });
+    return user;
+  }
+  std::string Socket() const { return (folder_ / "agent.sock").string(); }
+  std::vector<std::string> Warnings() const { return log_.Texts(Logger::LEVEL_WARNING); }
+  bool HasSessions(std::size_t count) const {
+    return Eventually([&] { return service_->GetSessions().size() == count; });
+  }
+
+  TemporaryFolder folder_;
+  LogCapture log_;
+  Inbox inbox_;
+  Inbox userInbox_;
+  std::atomic<int> sessionStarts_{0};
+  std::unique_ptr<IpcService> service_;
+};
+
+TEST_F(Ipc, EachMisdeedLeavesOneLineThatSaysWhatAndFromWhomAndHurtsNobodyElse) {
+  const IPCMessage command{0, 1013, "RunProcess", "rm"};
+  const IPCMessage question{1, 32001, "other", "x"};
+  const IPCMessage broken{1, 1066, "truncateNetDrivesTable", "\xFF"};
+  const std::string frame = FrameOf(TRUNCATE);
+  const struct {
+    const char* name;
+    std::string bytes;
+    bool hangsUp;
+    const char* complaint;
+  } rows[] = {
+      {"a length beyond the limit", "\xFF\xFF\xFF\xFF", false, "sent a frame of 4294967295 bytes"},
+      {"a length of nothing", std::string(4, '\0'), false, "sent a frame of 0 bytes"},
+      {"a length that lies", JOINED + frame.substr(0, 9), true, "ended inside a frame"},
+      {"an endless frame", JOINED + frame.substr(0, 9), false, "did not end a frame in time"},
+      {"garbage", "GET / HTTP/1.1\r\n\r\n", false, "sent a frame of 1195725856 bytes"},
+      {"an unknown kind", EncodeFrame(static_cast<FrameKind>('x'), "y"), false, "unknown kind 120"},
+      {"a message too early", frame, false, "sent a message before it joined"},
+      {"a message cut short", JOINED + EncodeFrame(FrameKind::MESSAGE, "abc"), false,
+       "without a head"},
+      {"a key that lies", JOINED + EncodeFrame(FrameKind::MESSAGE, std::string(12, '\x7F')), false,
+       "whose key is longer than the message"},
+      {"no UTF-8", JOINED + FrameOf(broken), false, "sent a message that is no UTF-8"},
+      {"joined twice", JOINED + JOINED, false, "joined twice"},
+      {"an answer", EncodeFrame(FrameKind::ANSWER, "{}"), false,
+       "an answer to a request that nobody"},
+      {"a forbidden code", JOINED + FrameOf(command), false,
+       "sent the message 1013 \"RunProcess\""},
+      {"a forbidden key", JOINED + FrameOf(question), false, "sent the message 32001 \"other\""},
+  };
+  ServiceLimits limits;
+  limits.connection.frameTime = milliseconds(100);
+  StartService(limits);
+  const LocalClient honest(Socket());
+  ASSERT_TRUE(honest.Send(JOINED));
+  for (const auto& row : rows) {
+    const std::size_t before = Warnings().size();
+    LocalClient client(Socket());
+    ASSERT_TRUE(client.Send(row.bytes)) << row.name;
+    if (row.hangsUp) client.HangUp();
+    ASSERT_TRUE(Eventually([&] { return Warnings().size() > before; })) << row.name;
+    const std::string from =
+        "user " + std::to_string(::geteuid()) + ", process " + std::to_string(::getpid());
+    EXPECT_EQ(Warnings().size(), before + 1) << row.name;
+    EXPECT_THAT(Warnings().back(), AllOf(HasSubstr(row.complaint), HasSubstr(from))) << row.name;
+  }
+  EXPECT_EQ(inbox_.Count(), 0u);
+  ASSERT_TRUE(honest.Send(frame));
+  EXPECT_TRUE(Eventually([&] { return inbox_.Count() == 1; }));
+}
+
+TEST_F(Ipc, AUserWhoConnectsTenThousandTimesIsRefusedWithOneLine) {
+  ServiceLimits limits;
+  limits.connectionsInMinute = 50;
+  StartService(limits);
+  const auto user = MakeUser();
+  ASSERT_TRUE(HasSessions(1));
+  for (int i = 0; i < 10'000; ++i) {
+    const LocalClient client(Socket());
+    ASSERT_TRUE(client.IsConnected()) << i;
+    if (i < 100) client.Send(JOINED);
+  }
+  ASSERT_TRUE(HasSessions(1));
+  ASSERT_EQ(Warnings().size(), 1u);
+  EXPECT_THAT(Warnings().front(), AllOf(HasSubstr("user " + std::to_string(::geteuid())),
+                                        HasSubstr("the user opened 50 in this minute")));
+  EXPECT_EQ(sessionStarts_, 1);  // a user is asked once in a minute, however often it joins
+  EXPECT_TRUE(user->Send(TRUNCATE, IpcUser::SERVICE));
+  EXPECT_TRUE(Eventually([&] { return inbox_.Count() == 1; }));
+}
+
+TEST_F(Ipc, ConnectionsThatStayOpenAreLimitedForAUserAndInAll) {
+  for (const bool ofUser : {true, false}) {
+    ServiceLimits limits;
+    (ofUser ? limits.connectionsOfUser : limits.connections) = 3;
+    StartService(limits);
+    std::vector<std::unique_ptr<LocalClient>> clients;
+    for (int i = 0; i < 4; ++i) {
+      clients.push_back(std::make_unique<LocalClient>(Socket()));
+      clients.back()->Send(JOINED);
+    }
+    EXPECT_EQ(clients.back()->Receive(), "") << ofUser;
+    EXPECT_TRUE(HasSessions(3)) << ofUser;
+    EXPECT_THAT(Warnings().back(), HasSubstr(ofUser ? "the user has 3" : "there are 3"));
+    clients.clear();
+    EXPECT_TRUE(HasSessions(0)) << ofUser;
+    service_.reset();
+  }
+}
+
+TEST_F(Ipc, ASlowReaderIsCutOffAndTheOthersAreServed) {
+  ServiceLimits limits;
+  limits.connection.unsentBytes = 1 << 20;
+  StartService(limits);
+  const LocalClient slow(Socket());
+  slow.Send(JOINED);
+  ASSERT_TRUE(HasSessions(1));
+  const IPCMessage large{0, 32016, "message", std::string(100'000, 'x')};
+  EXPECT_TRUE(Eventually([&] { return !service_->Send(large, 1); }));
+  EXPECT_TRUE(HasSessions(0));
+  EXPECT_THAT(Warnings().back(), HasSubstr("reads too slowly"));
+  const auto user = MakeUser();
+  ASSERT_TRUE(HasSessions(1));
+  EXPECT_TRUE(service_->Send(large, 2));
+  EXPECT_TRUE(Eventually([&] { return userInbox_.Count() == 1; }));
+}
+
+TEST_F(Ipc, MessagesThatAreNotHandledHoldBackTheirSenderAndNoneIsLost) {
+  ServiceLimits limits;
+  limits.connection.waitingBytes = 1000;
+  StartService(limits);
+  inbox_.Hold();
+  const auto user = MakeUser();
+  ASSERT_TRUE(HasSessions(1));
+  constexpr int COUNT = 5000;
+  for (int i = 0; i < COUNT; ++i) {
+    IPCMessage message = TRUNCATE;
+    message.value = std::to_string(i);
+    ASSERT_TRUE(user->Send(message, IpcUser::SERVICE));
+  }
+  ASSERT_TRUE(Eventually([&] { return inbox_.Count() > 10; }));
+  EXPECT_LT(inbox_.Count(), 100u);
+  EXPECT_TRUE(Eventually([&] {
+    inbox_.Release();
+    return inbox_.Count() == COUNT;
+  }));
+  int expected = 0;
+  for (const auto& message : inbox_.Messages()) {
+    ASSERT_EQ(message.value, std::to_string(expected++));
+  }
+}
+
+TEST_F(Ipc, AUserFindsTheServiceAgainAndTakesOnlyWhatIsAllowed) {
+  const auto user = MakeUser();
+  EXPECT_FALSE(user->Send(TRUNCATE, IpcUser::SERVICE));
+  for (const char* round : {"first", "second"}) {
+    StartService();
+    ASSERT_TRUE(HasSessions(1)) << round;
+    const auto session = *service_->GetSessions().begin();
+    EXPECT_EQ(session.second.processId, std::to_string(::getpid()));
+    EXPECT_FALSE(service_->Send(REQUEST, session.first + 1));
+    EXPECT_TRUE(service_->Send({0, 1013, "RunProcess", "rm"}, session.first));
+    EXPECT_TRUE(service_->Send(REQUEST, session.first));
+    EXPECT_TRUE(Eventually([&] { return user->Send(TRUNCATE, IpcUser::SERVICE); }));
+    EXPECT_FALSE(user->Send(TRUNCATE, 7));
+    EXPECT_TRUE(Eventually([&] { return inbox_.Count() == 1 && userInbox_.Count() == 1; }));
+    EXPECT_EQ(userInbox_.Messages().at(0).value, REQUEST.value);
+    EXPECT_EQ(inbox_.Messages().at(0).kind, 1);
+    inbox_.Clear();
+    userInbox_.Clear();
+    service_.reset();
+  }
+}
+
+TEST_F(Ipc, OneAgentServesASocketAndWhatADeadOneLeftIsTakenOver) {
+  StartService();
+  EXPECT_THROW(IpcService{Socket()}, std::runtime_error);
+  EXPECT_EQ(AskAgent(Socket(), "\"x\""), "\"x\" of user " + std::to_string(::geteuid()) +
+                                             ", process " + std::to_string(::getpid()));
+  const auto left = folder_ / "left";
+  boost::filesystem::rename(Socket(), left);  // as after a kill: it stays behind
+  service_.reset();
+  boost::filesystem::rename(left, Socket());
+  EXPECT_THROW(AskAgent(Socket(), "x"), NoAnswer);
+  StartService();
+  AskAgent(Socket(), "x");
+  service_.reset();
+  EXPECT_FALSE(boost::filesystem::exists(Socket()));
+  EXPECT_THROW(IpcService{folder_ / std::string(120, 'x')}, std::runtime_error);
+}
+
+TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
+  StartService();
+  boost::filesystem::permissions(folder_.Path(), boost::filesystem::all_all);
+  const bool canChange = ::geteuid() == 0;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (canChange && ::setuid(65534) != 0) ::_exit(2);
+    const LocalClient client(Socket());
+    const bool sent = client.Send(EncodeFrame(FrameKind::REQUEST, "{}"));
+    ::_exit(sent && client.Receive().empty() ? 0 : 1);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  // Who cannot become another user can only show that the own one is answered.
+  EXPECT_EQ(WEXITSTATUS(status), canChange ? 0 : 1);
+  const std::string refusal = "The process of user 65534, process " + std::to_string(child) +
+                              " sent a request, which only root and the user of the service may; "
+                              "the connection is closed";
+  const std::vector<std::string> refusals(canChange ? 1 : 0, refusal);
+  EXPECT_EQ(Warnings(), refusals);
+}
+
+TEST(RateLimit, TheFirstRefusalOfEachSpanStandsOut) {
+  using Verdict = RateLimit::Verdict;
+  RateLimit limit(2, std::chrono::seconds(60));
+  std::string seen;
+  for (const int second : {0, 10, 20, 30, 59, 60, 61, 62, 63, 200}) {
+    const auto verdict = limit.Ask(RateLimit::TimePoint(std::chrono::seconds(1000 + second)));
+    seen += verdict == Verdict::ALLOWED ? 'a' : verdict == Verdict::FIRST_REFUSED ? 'F' : 'r';
+  }
+  EXPECT_EQ(seen, "aaFrraaFra");
+}
+
+}  // namespace
