@@ -82,6 +82,11 @@ Common::ActionResponse InventoryActions::OnUpdateConfiguration(
   return {};
 }
 
+boost::optional<Common::KobConfigurationInfo> InventoryActions::CurrentConfiguration() {
+  const std::lock_guard<std::mutex> lock(configurationLock_);
+  return configuration_;
+}
+
 Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
   const std::unique_lock<std::mutex> lock(inventoryLock_, std::try_to_lock);
@@ -97,8 +102,8 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
     RunOneShotAction(ACTION_TOTAL_INVENTORY, SECONDS_TO_RETRY_GET_INVENTORY, nullptr);
     return {};
   }
-  KobInventory inventory(dataBase, identification, configuration_.value(), communications_.value(),
-                         profileId_);
+  KobInventory inventory(dataBase, identification, CurrentConfiguration().value(),
+                         communications_.value(), profileId_);
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
   const bool incremental =
       parameters.Exist(INCREMENTAL_PARAMETER) && parameters.Get<bool>(INCREMENTAL_PARAMETER);

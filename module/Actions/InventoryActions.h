@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <boost/filesystem/path.hpp>
 #include <boost/optional.hpp>
 #include <cstdint>
@@ -44,6 +45,9 @@ class InventoryActions final : public Common::ActionPerformerBase {
   Common::ActionResponse DoRUDInventoryIncrementalV2(Common::ActionParameters& parameters);
   Common::ActionResponse RUDInventoryInitV2(Common::ActionParameters& parameters);
 
+  /// A copy: a new configuration may arrive during a run.
+  boost::optional<Common::KobConfigurationInfo> CurrentConfiguration();
+
   /// Not owned, and reported as refused, if another thread has the lock.
   std::unique_lock<std::mutex> TryRunLock(Common::ActionParameters& parameters);
   /// The run that was accepted and not carried out yet; null if there is none.
@@ -66,7 +70,7 @@ class InventoryActions final : public Common::ActionPerformerBase {
   std::mutex inventoryLock_;
   std::mutex runLock_;  ///< guards start and end of a file inventory, not its run
   std::mutex configurationLock_;
-  std::uint32_t profileId_ = 0;
+  std::atomic<std::uint32_t> profileId_{0};
   std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if there is none
   bool runWaits_ = false;                         ///< it is accepted and not carried out yet
   std::vector<std::unique_ptr<Common::ActionPerformerBase>> children_;

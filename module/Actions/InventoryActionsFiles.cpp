@@ -159,10 +159,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
     NORVIK_WARNING("RUD is running, kindly wait until it finishes");
     return false;
   }
-  const auto configuration = [this] {
-    const std::lock_guard<std::mutex> lock(configurationLock_);
-    return configuration_;
-  }();
+  const auto configuration = CurrentConfiguration();
   if (!configuration) {
     NORVIK_WARNING("RUD doesn't have a valid configuration");
     return false;

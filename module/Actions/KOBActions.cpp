@@ -6,8 +6,10 @@
 
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
+#include "common/rest/RemoteTaskDownloader.h"
 #include "common/text/Text.h"
 #include "module/ActionCodes.h"
+#include "module/Actions/OtherProcesses.h"
 #include "module/ConfigurationText.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
 
@@ -26,9 +28,10 @@ constexpr char NO_USERS[] = "No users to send OnShowMessage";
 
 }  // namespace
 
-KOBActions::KOBActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
-                       const Common::ActionFactory& factory, Common::HandlerMap& handlers)
-    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies) {
+KOBActions::KOBActions(const std::weak_ptr<Common::ModuleDependencies>& dependencies,
+                       const Common::ActionFactory& factory, Common::HandlerMap& handlers,
+                       TimeSource now)
+    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies), now_(std::move(now)) {
   NORVIK_SCOPE();
   const std::shared_ptr<Common::ModuleDependencies> locked(dependencies);
   configuration_ = locked->configuration.kob;
@@ -61,7 +64,6 @@ Common::ActionResponse KOBActions::OnSoftwareChangeDetected(Common::ActionParame
 
 void KOBActions::HandleChangeDetection(Common::ActionParameters& parameters, std::mutex& lock,
                                        const std::string& kind) {
-  NORVIK_SCOPE();
   const TryLock held(lock, std::try_to_lock);
   if (!held) {
     NORVIK_ERROR(boost::format("%1% changes event already running") % kind);
@@ -69,7 +71,7 @@ void KOBActions::HandleChangeDetection(Common::ActionParameters& parameters, std
   }
   const std::int64_t period = KOBDataSourceV2::getInventoryChangePeriod();
   const std::int64_t last = Common::V2::DataBase::GetDataTable(LAST_INVENTORY_KEY);
-  const std::int64_t now = system_clock::to_time_t(system_clock::now());
+  const std::int64_t now = system_clock::to_time_t(now_());
   if (now <= last) return;
   if (now - last < period) {
     ReprogramInventory(last, period);
@@ -86,7 +88,7 @@ void KOBActions::HandleChangeDetection(Common::ActionParameters& parameters, std
 void KOBActions::ReprogramInventory(std::int64_t last, std::int64_t period) {
   const auto due =
       system_clock::from_time_t(static_cast<std::time_t>(last + period + DELAY_TIME.count()));
-  const auto remaining = std::chrono::duration_cast<seconds>(due - system_clock::now());
+  const auto remaining = std::chrono::duration_cast<seconds>(due - now_());
   NORVIK_INFORMATION(boost::format("KOB incremental inventory execution will be in %1% seconds") %
                      std::to_string(remaining.count()));
   Common::AgentData data(dataBase, AGENT_DATA_TABLE);
@@ -102,25 +104,26 @@ Common::ActionResponse KOBActions::OnShowMessage(Common::ActionParameters& param
     return {};
   }
   NORVIK_DETAIL("!");
-  const auto fail = [&](const char* reason) {
-    NORVIK_ERROR(reason);
-    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, reason);
-    return Common::ActionResponse();
-  };
-  if (!parameters.Exist(Common::PARAMETER_NAME)) return fail(INVALID_PARAMETERS);
+  if (!parameters.Exist(Common::PARAMETER_NAME)) return FailMessage(parameters, INVALID_PARAMETERS);
   const std::string text = Common::ToUtf8(parameters.Get<wxString>(Common::PARAMETER_NAME));
   NORVIK_DETAIL(boost::format("trying to send mesage to User %s") % text);
   if (processKind != 0) return {};
 
-  const std::shared_ptr<Common::ICommunicationSystem> system(communications);
-  auto& ipc = dynamic_cast<Common::ICommunicationIPC&>(*system);
-  const auto sessions = ipc.GetSessions();
-  if (sessions.empty()) return fail(NO_USERS);
+  const auto processes = RequireOtherProcesses(communications);
+  const auto sessions = processes->GetSessions();
+  if (sessions.empty()) return FailMessage(parameters, NO_USERS);
   for (const auto& session : sessions) {
-    SendMessageToSession(ipc, session.first, session.second, text);
+    SendMessageToSession(*processes, session.first, session.second, text);
     // Deliberately once for each session, whether or not it took the message.
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
   }
+  return {};
+}
+
+Common::ActionResponse KOBActions::FailMessage(Common::ActionParameters& parameters,
+                                               const char* reason) {
+  NORVIK_ERROR(reason);
+  SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, reason);
   return {};
 }
 
@@ -128,20 +131,24 @@ void KOBActions::SendMessageToSession(Common::ICommunicationIPC& ipc, unsigned l
                                       const Common::IPCSessionData& data, const std::string& text) {
   NORVIK_DETAIL(boost::format("Sending message to sid %d pid %s") % std::to_string(session) %
                 data.processId);
-  Common::IPCMessage message;
-  message.code = Common::COMMON_ACTION_USER_MESSAGE;
-  message.key = Common::PARAMETER_NAME;
-  message.value = text;
-  ipc.Send(message, session);
+  ipc.Send({0, Common::COMMON_ACTION_USER_MESSAGE, Common::PARAMETER_NAME, text}, session);
 }
 
 Common::ActionResponse KOBActions::KOBGetPendingTasks(Common::ActionParameters&) {
+  NORVIK_SCOPE();
   const TryLock held(pendingTasksLock_, std::try_to_lock);
   if (!held) {
     NORVIK_DETAIL("Get pending task action is already running");
     return {};
   }
-  NORVIK_WARNING("Asking the server for pending tasks is not part of this build");
+  boost::optional<std::string> identifier;
+  if (const auto agent = identification.lock()) identifier = agent->GetAgentIdentifier();
+  Common::RemoteTaskDownloader downloader(
+      std::shared_ptr<Common::ICommunicationSystem>(communications), Common::PRODUCT_KOB,
+      actionFactory, identifier.get_value_or(""), nullptr);
+  for (const Common::Schedule& schedule : downloader.GetSchedules()) {
+    std::shared_ptr<Common::IActionSystem>(actionSystem)->AddSchedule(schedule);
+  }
   return {};
 }
 

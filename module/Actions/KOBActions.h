@@ -1,7 +1,9 @@
 #pragma once
 
 #include <boost/optional.hpp>
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,8 +18,12 @@ namespace Norvik::KOB {
 /// gives up at once.
 class KOBActions final : public Common::ActionPerformerBase {
  public:
-  KOBActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
-             const Common::ActionFactory& factory, Common::HandlerMap& handlers);
+  /// Gives the time of day. Called on any thread.
+  using TimeSource = std::function<std::chrono::system_clock::time_point()>;
+
+  KOBActions(const std::weak_ptr<Common::ModuleDependencies>& dependencies,
+             const Common::ActionFactory& factory, Common::HandlerMap& handlers,
+             TimeSource now = std::chrono::system_clock::now);
 
   /// Deliberately without an action code: whether a logon starts an inventory is decided elsewhere.
   Common::ActionResponse OnLogon(Common::ActionParameters& parameters);
@@ -33,9 +39,11 @@ class KOBActions final : public Common::ActionPerformerBase {
   void HandleChangeDetection(Common::ActionParameters& parameters, std::mutex& lock,
                              const std::string& kind);
   void ReprogramInventory(std::int64_t last, std::int64_t period);
+  Common::ActionResponse FailMessage(Common::ActionParameters& parameters, const char* reason);
   void SendMessageToSession(Common::ICommunicationIPC& ipc, unsigned long long session,
                             const Common::IPCSessionData& data, const std::string& text);
 
+  const TimeSource now_;
   boost::optional<Common::KobConfigurationInfo> configuration_;
   boost::optional<Common::CommunicationsInfo> communications_;
   std::mutex hardwareLock_;

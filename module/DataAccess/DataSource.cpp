@@ -5,6 +5,7 @@
 
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
+#include "module/ActionCodes.h"
 #include "module/DataAccess/RegisteredSoftwareRow.h"
 
 namespace Norvik::KOB {
@@ -14,13 +15,13 @@ using std::chrono::duration_cast;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
-constexpr std::size_t StateNameColumn = 6;
+constexpr std::size_t STATE_NAME_COLUMN = 6;
 
-constexpr char InsertSoftware[] =
+constexpr char INSERT_SOFTWARE[] =
     "insert into KOB_REGISTERED_SOFTWARE(is_patch, name, uninstall_str, install_date,\n"
     "                                    version, publisher, size, product_id,\n"
     "                                    source, location)\n"
-    "values({1}, '{2}', '{3}', {4},\n"
+    "values({1}, '{2}', '{3}', '{4}',\n"
     "       '{5}', '{6}', {7}, '{8}',\n"
     "       '{9}', '{10}')";
 
@@ -28,7 +29,7 @@ constexpr char InsertSoftware[] =
 std::vector<Common::V2::DataBaseValue> RowWithDateAsText(
     const Common::SoftwareRegisteredInfo& software) {
   auto row = RegisteredSoftwareRow(software);
-  row[InstallDateColumn] = std::to_string(software.installDate);
+  row[INSTALL_DATE_COLUMN] = std::to_string(software.installDate);
   return row;
 }
 
@@ -56,8 +57,8 @@ KOBDataSource::KOBDataSource(std::weak_ptr<Common::IDataBase> dataBase)
 void KOBDataSource::CheckKOBDataTable() {
   changePeriod_ = getInventoryChangePeriod();
   if (!changePeriod_) {
-    updateInventoryChangedPeriod(INVENTORY_CHANGED_PERIOD);
-    changePeriod_ = std::make_unique<std::int64_t>(INVENTORY_CHANGED_PERIOD);
+    updateInventoryChangedPeriod(INVENTORY_CHANGED_PERIOD.count());
+    changePeriod_ = std::make_unique<std::int64_t>(INVENTORY_CHANGED_PERIOD.count());
   }
   lastChange_ = getLastInventoryChanged();
   if (!lastChange_) {
@@ -66,7 +67,7 @@ void KOBDataSource::CheckKOBDataTable() {
   }
   lastScheduleId_ = getLastScheduleInventoryID();
   if (!lastScheduleId_) {
-    updateScheduleInventoryID(0);
+    updateScheduleInventoryID(INVENTORY_DEFAULT_ID);
     lastScheduleId_ = std::make_unique<std::int64_t>(INVENTORY_DEFAULT_ID);
   }
 }
@@ -101,7 +102,7 @@ bool KOBDataSource::ReplaceRegistredSoftware(
   try {
     Common::V2::DataBase dataBase;
     dataBase.ExecuteSentence("delete from KOB_REGISTERED_SOFTWARE");
-    const std::string insert = InsertSoftware;
+    const std::string insert = INSERT_SOFTWARE;
     for (const auto& one : software) dataBase.ExecuteSentence(insert, RowWithDateAsText(one));
     dataBase.Commit();
     return true;
@@ -115,7 +116,7 @@ std::string KOBDataSource::GetRudStatus() {
   try {
     const std::shared_ptr<Common::IDataBase> dataBase(dataBase_);
     const auto table = dataBase->GetTable(TABLE_NAME_RUD_STATUS, 0, 0, 0);
-    return table ? table->rows.at(0).at(StateNameColumn) : std::string();
+    return table ? table->rows.at(0).at(STATE_NAME_COLUMN) : std::string();
   } catch (const std::exception&) {
     return {};  // as absent: this road has no log of its own for that
   }

@@ -29,9 +29,6 @@ class KOBDataSource {
       "inventory_changed_period";
   static constexpr char COLUMN_NAME_SCHEDULED_INVENTORY_ID[] = "scheduled_inventory_id";
 
-  static constexpr long long INVENTORY_CHANGED_PERIOD = 3600;  ///< seconds
-  static constexpr long long INVENTORY_DEFAULT_ID = 0;
-
   explicit KOBDataSource(std::weak_ptr<Common::IDataBase> dataBase);
 
   bool updateLastInventoryChanged(const TimePoint& time);

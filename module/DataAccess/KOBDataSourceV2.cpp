@@ -22,27 +22,28 @@ struct NamedValue {
   const char* getFailure;
 };
 
-constexpr NamedValue LastInventoryChanged{"last_inventory_changed", "INSERT OR IGNORE",
-                                          "Unable to Insert last_inventory_changed: %1%",
-                                          "Unable to Get last_inventory_changed: %1%"};
-constexpr NamedValue InventoryChangedPeriod{"inventory_changed_period", "INSERT OR IGNORE",
-                                            "Unable to Insert inventory_changed_period: %1%",
-                                            "Unable to Get inventory_changed_period: %1%"};
-constexpr NamedValue ScheduledInventoryId{"scheduled_inventory_id", "INSERT OR IGNORE",
-                                          "Unable to Insert scheduled_inventory_id: %1%",
-                                          "Unable to Get scheduled_inventory_id: %1%"};
-constexpr NamedValue RudLastInventory{"rud_last_inventory", "INSERT OR IGNORE",
-                                      "Unable to Insert rud_last_inventory: %1%",
-                                      "Unable to Get rud_last_inventory: %1%"};
-constexpr NamedValue DateTimeLastInventory{"datetime_last_inventory", "INSERT",
-                                           "Unable to update DateTimeLastInventory KOB: %1%",
-                                           "Unable to get DateTimeLastInventory KOB: %1%"};
-constexpr NamedValue AmountInventories{"Amount_Inventories_Executed_On_Day", "INSERT",
-                                       "Unable to update Amount_Inventories_Executed_On_Day: %1%",
-                                       "Unable to get AmountInventoriesExecutedOnDay KOB: %1%"};
-constexpr NamedValue AmountAttempts{"Amount_Attempts_Executed_On_Time_Slot", "INSERT",
-                                    "Unable to update Amount_Attempts_Executed_On_Time_Slot: %1%",
-                                    "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: %1%"};
+constexpr NamedValue LAST_INVENTORY_CHANGED{"last_inventory_changed", "INSERT OR IGNORE",
+                                            "Unable to Insert last_inventory_changed: %1%",
+                                            "Unable to Get last_inventory_changed: %1%"};
+constexpr NamedValue CHANGED_PERIOD{"inventory_changed_period", "INSERT OR IGNORE",
+                                    "Unable to Insert inventory_changed_period: %1%",
+                                    "Unable to Get inventory_changed_period: %1%"};
+constexpr NamedValue SCHEDULED_INVENTORY_ID{"scheduled_inventory_id", "INSERT OR IGNORE",
+                                            "Unable to Insert scheduled_inventory_id: %1%",
+                                            "Unable to Get scheduled_inventory_id: %1%"};
+constexpr NamedValue RUD_LAST_INVENTORY{"rud_last_inventory", "INSERT OR IGNORE",
+                                        "Unable to Insert rud_last_inventory: %1%",
+                                        "Unable to Get rud_last_inventory: %1%"};
+constexpr NamedValue DATE_TIME_LAST_INVENTORY{"datetime_last_inventory", "INSERT",
+                                              "Unable to update DateTimeLastInventory KOB: %1%",
+                                              "Unable to get DateTimeLastInventory KOB: %1%"};
+constexpr NamedValue AMOUNT_INVENTORIES{"Amount_Inventories_Executed_On_Day", "INSERT",
+                                        "Unable to update Amount_Inventories_Executed_On_Day: %1%",
+                                        "Unable to get AmountInventoriesExecutedOnDay KOB: %1%"};
+constexpr NamedValue AMOUNT_ATTEMPTS{
+    "Amount_Attempts_Executed_On_Time_Slot", "INSERT",
+    "Unable to update Amount_Attempts_Executed_On_Time_Slot: %1%",
+    "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: %1%"};
 
 std::string SelectText(const char* column, const char* key) {
   return std::string("select ") + column + " from KOB_DATA WHERE name='" + key + "'";
@@ -95,54 +96,56 @@ unsigned int ShortSecondsOf(const KOBDataSourceV2::TimePoint& time) {
   return static_cast<unsigned int>(SecondsOf(time));
 }
 
-constexpr char InsertSoftware[] =
+constexpr char INSERT_SOFTWARE[] =
     "INSERT OR IGNORE INTO KOB_REGISTERED_SOFTWARE(is_patch,name,uninstall_str,install_date,"
     "version,publisher,size,product_id,source,location) "
-    "VALUES({1},'{2}','{3}',{4},'{5}','{6}',{7},'{8}','{9}','{10}')";
+    "VALUES({1},'{2}','{3}','{4}','{5}','{6}',{7},'{8}','{9}','{10}')";
 
 }  // namespace
 
 bool KOBDataSourceV2::updateLastInventoryChanged(const TimePoint& time) {
-  return Update(LastInventoryChanged, ShortSecondsOf(time));
+  return Update(LAST_INVENTORY_CHANGED, ShortSecondsOf(time));
 }
 
 bool KOBDataSourceV2::updateInventoryChangedPeriod(const unsigned int& seconds) {
-  return Update(InventoryChangedPeriod, seconds);
+  return Update(CHANGED_PERIOD, seconds);
 }
 
 bool KOBDataSourceV2::updateScheduleInventoryID(const unsigned int& id) {
-  return Update(ScheduledInventoryId, id);
+  return Update(SCHEDULED_INVENTORY_ID, id);
 }
 
 bool KOBDataSourceV2::updateRudCompletoLastInventory(const TimePoint& time) {
-  return Update(RudLastInventory, ShortSecondsOf(time));
+  return Update(RUD_LAST_INVENTORY, ShortSecondsOf(time));
 }
 
 bool KOBDataSourceV2::updateDateTimeLastInventory(const TimePoint& time) {
-  return Update(DateTimeLastInventory, std::to_string(SecondsOf(time)));
+  return Update(DATE_TIME_LAST_INVENTORY, std::to_string(SecondsOf(time)));
 }
 
 bool KOBDataSourceV2::updateAmountInventoriesExecutedOnDay(unsigned int amount) {
-  return Update(AmountInventories, amount);
+  return Update(AMOUNT_INVENTORIES, amount);
 }
 
 bool KOBDataSourceV2::updateAmountAttemptsExecutedOnTimeSlot(unsigned int amount) {
-  return Update(AmountAttempts, amount);
+  return Update(AMOUNT_ATTEMPTS, amount);
 }
 
-unsigned int KOBDataSourceV2::getDateTimeLastInventory() { return Get(DateTimeLastInventory); }
+unsigned int KOBDataSourceV2::getDateTimeLastInventory() { return Get(DATE_TIME_LAST_INVENTORY); }
 
-unsigned int KOBDataSourceV2::getAmountInventoriesExecutedOnDay() { return Get(AmountInventories); }
+unsigned int KOBDataSourceV2::getAmountInventoriesExecutedOnDay() {
+  return Get(AMOUNT_INVENTORIES);
+}
 
-unsigned int KOBDataSourceV2::getAmountAttemptsExecutedOnTimeSlot() { return Get(AmountAttempts); }
+unsigned int KOBDataSourceV2::getAmountAttemptsExecutedOnTimeSlot() { return Get(AMOUNT_ATTEMPTS); }
 
-unsigned int KOBDataSourceV2::getInventoryChangePeriod() { return Get(InventoryChangedPeriod); }
+unsigned int KOBDataSourceV2::getInventoryChangePeriod() { return Get(CHANGED_PERIOD); }
 
-unsigned int KOBDataSourceV2::getLastInventoryChanged() { return Get(LastInventoryChanged); }
+unsigned int KOBDataSourceV2::getLastInventoryChanged() { return Get(LAST_INVENTORY_CHANGED); }
 
-unsigned int KOBDataSourceV2::getLastScheduleInventoryID() { return Get(ScheduledInventoryId); }
+unsigned int KOBDataSourceV2::getLastScheduleInventoryID() { return Get(SCHEDULED_INVENTORY_ID); }
 
-unsigned int KOBDataSourceV2::getRudCompletoLastInventory() { return Get(RudLastInventory); }
+unsigned int KOBDataSourceV2::getRudCompletoLastInventory() { return Get(RUD_LAST_INVENTORY); }
 
 // Deliberately zeros, also for the period: the default of an hour is KOBDataSource's to write.
 void KOBDataSourceV2::checkKOBDataTable() {
@@ -157,7 +160,7 @@ bool KOBDataSourceV2::ReplaceRegistredSoftware(
   try {
     Common::V2::DataBase::ClearTable("KOB_REGISTERED_SOFTWARE");
     Common::V2::DataBase dataBase;
-    const std::string insert = InsertSoftware;
+    const std::string insert = INSERT_SOFTWARE;
     for (const auto& one : software) dataBase.ExecuteSentence(insert, RegisteredSoftwareRow(one));
     dataBase.Commit();
     return true;

@@ -8,7 +8,8 @@
 
 namespace Norvik::KOB {
 
-constexpr std::size_t InstallDateColumn = 3;
+/// Of the row below, from 0.
+constexpr std::size_t INSTALL_DATE_COLUMN = 3;
 
 /// The ten values of a row of "KOB_REGISTERED_SOFTWARE", in the order is_patch, name,
 /// uninstall_str, install_date (seconds since the epoch), version, publisher, size, product_id,

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
+#include <boost/property_tree/json_parser.hpp>
+#include <boost/property_tree/ptree.hpp>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "common/action/ActionCodes.h"
@@ -89,6 +92,17 @@ void FakeActionSystem::RunWaiting() {
   for (; !waiting_.empty(); waiting_.pop_front()) {
     waiting_.front().handler(waiting_.front().parameters);
   }
+}
+
+bool FakeCommunications::ProcessMessage(const Common::IRestRequest& request,
+                                        Common::IRestResponse& response) {
+  requests.push_back(static_cast<json::JSON>(request).strUgly());
+  if (answer.empty()) return false;
+  std::istringstream text(answer);
+  boost::property_tree::ptree body;
+  boost::property_tree::read_json(text, body);
+  response.Assign(body);
+  return true;
 }
 
 void FakeCommunications::ReportTaskStatus(const Common::TaskResponseInfo& status) {

@@ -67,10 +67,8 @@ class FakeActionSystem final : public Common::IActionSystem {
 class FakeCommunications final : public Common::ICommunicationSystem,
                                  public Common::ICommunicationIPC {
  public:
-  /// There is no server.
-  bool ProcessMessage(const Common::IRestRequest&, Common::IRestResponse&) override {
-    return false;
-  }
+  bool ProcessMessage(const Common::IRestRequest& request,
+                      Common::IRestResponse& response) override;
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
   void NewFileOnOutbox() override { ++newFiles; }
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;
@@ -79,6 +77,8 @@ class FakeCommunications final : public Common::ICommunicationSystem,
   /// Statuses since the last call, in order: "7", "8 reason".
   std::vector<std::string> TakeStatuses();
 
+  std::string answer;                 ///< body of the server's answers; empty: there is no server
+  std::vector<std::string> requests;  ///< bodies of the requests
   std::map<unsigned long long, Common::IPCSessionData> sessions;
   bool accepts = true;               ///< answer of `Send`
   std::function<void()> onNextSend;  ///< called once

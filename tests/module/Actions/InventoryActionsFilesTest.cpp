@@ -9,6 +9,7 @@
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 #include "support/OnlyBelow.h"
 
 namespace Norvik::KOB {
@@ -144,7 +145,8 @@ TEST(FileInventory, TheDayAndTheBaseDecideWhatRuns) {
     host.dependencies->configuration.kob->includedExtensions = {"norvikdoc"};
     ModuleUnderTest module(host);
     EndOfLastTotal(std::chrono::hours(row.totalToday ? 0 : 24));
-    if (row.hasBase) TestDatabase::Run("insert into RUD2_LAST_INVENTORY(id_path) values(1)");
+    if (row.hasBase)
+      TestDatabase::Run("insert into RUD2_LAST_INVENTORY(absolute_path) values('/a')");
     module.Run(row.code);
     EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre(row.status));
     for (const auto& text : {total, incremental}) {
@@ -220,15 +222,74 @@ TEST_F(FileInventoryTest, AFailureBeforeTheRunDoesNotTurnAwayTheNext) {
   EXPECT_THAT(Run(1037), ElementsAre("7", "7", "2"));
 }
 
-TEST_F(FileInventoryTest, AFailedSaveEndsTheRunAndStillBlocksTheDay) {
+/// Something that a run meets while it lives.
+using Fault = std::shared_ptr<void>;
+
+/// Another connection writes, and nobody waits for it as long as in earnest.
+Fault HeldDatabase(FakeHost&) {
+  auto other = std::make_shared<DataBase>();
+  TestDatabase::Run("PRAGMA busy_timeout=20");
+  other->ExecuteSentence("insert into DATA(name, value) values('held', '1')");
+  return other;
+}
+
+Fault DiskThatSavingFills(FakeHost& host) {
+  return std::make_shared<FullDisk>(fs::file_size(host.database.File().string() + "-wal") + 400000);
+}
+
+Fault DiskThatIsFullBehindTheDocument(FakeHost& host) {
+  auto full = std::make_shared<std::unique_ptr<FullDisk>>();
+  host.pipeline->beforeStep = [full](const std::string& step) {
+    if (step == "compress") *full = std::make_unique<FullDisk>(10);
+  };
+  return full;
+}
+
+Fault MissingTable(FakeHost&) {
+  TestDatabase::Run("alter table RUD2_FILE_PATH rename to MISSING");
+  return {nullptr,
+          [](void*) { TestDatabase::Run("alter table MISSING rename to RUD2_FILE_PATH"); }};
+}
+
+TEST_F(FileInventoryTest, AFaultEndsOneRunAndTheStateTellsWhatIsKnownOfIt) {
+  const struct {
+    const char* name;
+    Fault (*fault)(FakeHost&);
+    std::vector<int> states;  ///< that could be written
+    std::size_t files;        ///< in the main table afterwards
+  } rows[] = {{"held", HeldDatabase, {}, 1},
+              {"full while saving", DiskThatSavingFills, {3, 4, 5, 2}, 0},
+              {"full while printing", DiskThatIsFullBehindTheDocument, {3, 4, 5}, 1000},
+              {"table", MissingTable, {3, 4, 2}, 0}};
   RecordStates();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    for (const auto& file : fs::directory_iterator(tree.Path())) fs::remove(file);
+    Make("one.norvikdoc");
+    EXPECT_THAT(Run(1037), ElementsAre("7", "2"));
+    Delivered();
+    for (int i = 1; i < 1000; ++i) Make(std::string(200, 'n') + std::to_string(i) + ".norvikdoc");
+    TestDatabase::Run("delete from STATES");
+    {
+      const Fault fault = row.fault(host);
+      EXPECT_THAT(Run(1037), ElementsAre("7", "2"));
+    }
+    host.pipeline->beforeStep = nullptr;
+    EXPECT_EQ(States(), row.states);
+    EXPECT_THAT(RudDataSource::GetLastInventory(), SizeIs(row.files));
+    EXPECT_THAT(NamesIn(host.Outbox()), IsEmpty());
+    EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
+    EXPECT_THAT(Run(1037), ElementsAre("7", "2"));
+    EXPECT_THAT(Delivered(), SizeIs(1000));
+    EXPECT_EQ(RudDataSource::GetStatus(), V2::RudStatusFinished);
+  }
+}
+
+TEST_F(FileInventoryTest, AFailedSaveStillBlocksTheDay) {
   TestDatabase::Run("drop table RUD2_FILE_PATH");
   EXPECT_THAT(Run(1037), ElementsAre("7", "2"));
-  EXPECT_THAT(States(), ElementsAre(3, 4, 2));
   EXPECT_TRUE(host.log.Holds(2, "There was an error in RUD Inventory"));
-  EXPECT_THAT(NamesIn(host.Outbox()), IsEmpty());
   EXPECT_THAT(Run(1047), ElementsAre("3"));
-  EXPECT_THAT(Run(1037), ElementsAre("7", "2"));
 }
 
 TEST_F(FileInventoryTest, AnEmptyExtensionLeavesTheRunUnfinished) {

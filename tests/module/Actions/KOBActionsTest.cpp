@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <ctime>
+#include <chrono>
 #include <thread>
 
 #include "common/database/DataBase.h"
@@ -16,11 +16,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace Tests;
 using Common::V2::DataBase;
+using std::chrono::milliseconds;
+using std::chrono::system_clock;
 using Texts = std::vector<std::string>;
 
 constexpr char GREETING[] = "Gr\xC3\xBC\xC3\x9F\x65";
-
-int Now() { return static_cast<int>(std::time(nullptr)); }
 
 class KOBActionsTest : public testing::Test {
  protected:
@@ -35,45 +35,64 @@ class KOBActionsTest : public testing::Test {
     Run(1027, parameters);
     return host.communications->TakeStatuses();
   }
-  static void SetLastInventory(int time) { DataBase::SetDataTable("KOB_INVENTORY", time); }
+  /// What a change at the time `now` starts.
+  Texts ChangeNow(unsigned int code) {
+    Common::HandlerMap handlers;
+    const auto factory = [&](unsigned int started, const Common::ActionParameters& parameters) {
+      return module->GetAction(started, parameters);
+    };
+    const KOBActions actions(host.Dependencies(), factory, handlers, [&] { return now; });
+    host.actions->Forget();
+    Common::ActionParameters none;
+    handlers.at(code)(none);
+    return host.actions->Texts();
+  }
 
   FakeHost host;
   ModuleUnderTest module{host};
+  system_clock::time_point now;
 };
 
 TEST_F(KOBActionsTest, AChangeStartsAnInventoryNoOftenerThanThePeriod) {
+  constexpr int LAST = 1700000000;
+  const Texts inventory = {"queue 1036"};
+  const Texts later = {"replace 32023 every 0"};
   const struct {
     const char* name;
     int last;
+    std::int64_t sinceLast;  // milliseconds
     unsigned int period;
     Texts started;
-  } rows[] = {{"without a period", Now() - 5, 0, {"queue 1036"}},
-              {"without an inventory", 0, 3600, {"queue 1036"}},
-              {"behind the period", Now() - 3600, 3600, {"queue 1036"}},
-              {"inside the period", Now() - 10, 3600, {"replace 32023 every 0"}},
-              {"with a clock behind the inventory", Now() + 3600, 3600, {}}};
+    int remaining;
+  } rows[] = {{"never inventoried", 0, 1700000000000, 3600, inventory, 0},
+              {"at the last", LAST, 0, 3600, {}, 0},
+              {"at the last without a period", LAST, 999, 0, {}, 0},
+              {"with a clock behind the last", LAST, -1000, 3600, {}, 0},
+              {"a second later", LAST, 1000, 3600, later, 3609},
+              {"between two seconds", LAST, 1500, 3600, later, 3608},
+              {"a moment before the period is over", LAST, 3599999, 3600, later, 10},
+              {"when the period is over", LAST, 3600000, 3600, inventory, 0},
+              {"a second later without a period", LAST, 1000, 0, inventory, 0}};
   for (const auto& row : rows) {
+    now = system_clock::from_time_t(row.last) + milliseconds(row.sinceLast);
     KOBDataSourceV2::updateInventoryChangedPeriod(row.period);
-    SetLastInventory(row.last);
+    DataBase::SetDataTable("KOB_INVENTORY", row.last);
     for (const unsigned int code : {32022U, 32023U}) {
-      EXPECT_EQ(Run(code), row.started) << row.name << " " << code;
+      SCOPED_TRACE(testing::Message() << row.name << ": " << code);
+      EXPECT_EQ(ChangeNow(code), row.started);
+      const std::string kind = code == 32022 ? "Hardware" : "Software";
+      std::string line = ">>";
+      if (row.started == inventory) {
+        line = kind + " changes successful, executing KOB incremental inventory.";
+      } else if (row.started == later) {
+        line = "KOB incremental inventory execution will be in " + std::to_string(row.remaining) +
+               " seconds";
+        const auto delay = host.actions->Last(32023).timing.next - system_clock::now();
+        EXPECT_NEAR(std::chrono::duration<double>(delay).count(), row.remaining, 2);
+      }
+      EXPECT_EQ(host.log.Lines().end()[-2].text, line);
     }
   }
-}
-
-TEST_F(KOBActionsTest, AClockBehindTheLastInventoryIsNotLogged) {
-  SetLastInventory(Now() + 3600);
-  Run(32022);
-  EXPECT_THAT(host.log.Texts(5), IsEmpty());
-}
-
-TEST_F(KOBActionsTest, AnEarlyChangeIsLookedAtAgainBehindThePeriod) {
-  KOBDataSourceV2::updateInventoryChangedPeriod(3600);
-  const int last = Now() - 1;
-  SetLastInventory(last);
-  Run(32022);
-  const auto next = std::chrono::system_clock::to_time_t(host.actions->Last(32023).timing.next);
-  EXPECT_NEAR(static_cast<double>(next - last), 3610, 2);
 }
 
 TEST_F(KOBActionsTest, AQueuedInventoryTakesTheChangesParameters) {
@@ -133,6 +152,25 @@ TEST_F(KOBActionsTest, ASecondCallDuringTheFirstGivesUpAtOnce) {
   host.communications->sessions = {{5, {"501"}}};
   host.communications->onNextSend = call(1027);
   EXPECT_THAT(StatusesOf(WithText("message", "hello")), ElementsAre("7", "7", "8", "2"));
+}
+
+TEST_F(KOBActionsTest, PendingTasksGoToTheActionSystemInTheServersOrder) {
+  host.communications->answer = R"({"tasks": [{"identifier": "b", "code": 1071},
+    {"identifier": "x", "code": 4711}, {"identifier": "a", "code": 1036}]})";
+  EXPECT_THAT(Run(1046), ElementsAre("schedule 1071", "schedule 1036"));
+  EXPECT_THAT(Run(32027), ElementsAre("schedule 1071", "schedule 1036"));
+  EXPECT_THAT(host.communications->requests,
+              testing::Each(R"({"agentIdentifier":"agent-1","product":1})"));
+  host.actions->onNextStart = [&] { std::thread([&] { module.Run(32027); }).join(); };
+  EXPECT_THAT(Run(1046), ElementsAre("schedule 1071", "schedule 1036"));
+  EXPECT_TRUE(host.log.Holds(5, "Get pending task action is already running"));
+
+  host.identification.reset();
+  host.communications->answer = R"({"tasks": []})";
+  EXPECT_THAT(Run(1046), IsEmpty());
+  EXPECT_EQ(host.communications->requests.back(), R"({"agentIdentifier":"","product":1})");
+  host.communications.reset();
+  EXPECT_THROW(Run(1046), std::bad_weak_ptr);
 }
 
 TEST(KOBActions, ALogonStartsAnInventoryIfTheConfigurationWantsIt) {

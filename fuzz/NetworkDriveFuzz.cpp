@@ -1,0 +1,20 @@
+#include <boost/archive/archive_exception.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "module/Entities/NetworkDriveInfo.h"
+#include "module/NetworkDrivesHandler/TextArchive.h"
+
+/// The archive of a drive, as any user's process can send it to the service.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace Norvik::KOB;
+  try {
+    const auto drive = Deserialize<NetworkDriveInfo>(std::string(data, data + size));
+    const auto again = Deserialize<NetworkDriveInfo>(Serialize(drive));
+    if (again != drive || again.id != drive.id) std::abort();
+  } catch (const boost::archive::archive_exception&) {
+  }
+  return 0;
+}

@@ -1,0 +1,185 @@
+#include "module/Actions/NetworkDrivesActions.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+#include "common/text/Text.h"
+#include "module/ModuleUnderTest.h"
+#include "module/NetworkDrivesHandler/TextArchive.h"
+#include "support/CommaLocale.h"
+
+namespace Norvik::KOB {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+using namespace Tests;
+using Texts = std::vector<std::string>;
+using Messages = std::vector<Common::IPCMessage>;
+using Drives = std::vector<NetworkDriveInfo>;
+
+NetworkDriveInfo Drive(const std::string& unit, const std::string& path,
+                       const std::string& server = "files") {
+  NetworkDriveInfo drive;
+  drive.unit = unit;
+  drive.path = path;
+  drive.server = server;
+  return drive;
+}
+
+/// One process's half of the exchange.
+struct Side {
+  explicit Side(int kind, boost::optional<Drives> drives = Drives()) : host(kind) {
+    actions = std::make_unique<NetworkDrivesActions>(
+        host.Dependencies(),
+        [](unsigned int, const Common::ActionParameters&) { return Common::ModuleAction(); },
+        handlers, [drives] { return drives; });
+  }
+  void Run(unsigned int code, const std::string& key = "", const std::string& value = "") {
+    auto parameters = WithText(key, Common::WxStringFromStdString(value));
+    handlers.at(code)(parameters);
+  }
+  void Take(const Messages& messages) {
+    for (const auto& message : messages) Run(message.code, message.key, message.value);
+  }
+  Messages Sent() const {
+    Messages messages;
+    for (const auto& [session, message] : host.communications->sent) messages.push_back(message);
+    return messages;
+  }
+
+  FakeHost host;
+  Common::HandlerMap handlers;
+  std::unique_ptr<NetworkDrivesActions> actions;
+};
+
+/// What a user with these drives sends when the service asks.
+Messages MessagesOf(const Drives& drives) {
+  Side user(1, drives);
+  user.Run(1067, "requestNetworkDrives", "requestNetworkDrives");
+  for (const auto& [session, message] : user.host.communications->sent) EXPECT_EQ(session, 0U);
+  return user.Sent();
+}
+
+Texts Stored() {
+  Texts texts;
+  const Drives drives = NetworkDrivesHandler::GetFromDb().get_value_or({});
+  for (const auto& drive : drives) {
+    texts.push_back(drive.unit + " " + drive.path + " " + drive.server);
+  }
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
+TEST(NetworkDrivesActions, ARoundReplacesTheTableByTheUsersDrives) {
+  const char* const odd = "//o'neill@\xC3\xBC/%1% {2}\n\"";
+  const struct {
+    const char* name;
+    Drives drives;
+    Texts stored;
+  } rows[] = {
+      {"two drives",
+       {Drive("a", "//s/a"), Drive("b", "//s/b")},
+       {"a //s/a files", "b //s/b files"}},
+      {"texts that are no SQL", {Drive("'); --", odd, "")}, {std::string("'); -- ") + odd + " "}},
+      {"the same path twice", {Drive("a", "//s/x"), Drive("b", "//s/x")}, {"b //s/x files"}},
+      {"no drives", {}, {}}};
+  std::vector<Messages> rounds;
+  {
+    const tests::CommaLocale comma;
+    for (const auto& row : rows) rounds.push_back(MessagesOf(row.drives));
+  }
+  Side service(0);
+  for (std::size_t i = 0; i < rounds.size(); ++i) {
+    EXPECT_THAT(rounds[i], SizeIs(1 + rows[i].drives.size())) << rows[i].name;
+    service.Take(rounds[i]);
+    EXPECT_EQ(Stored(), rows[i].stored) << rows[i].name;
+  }
+  EXPECT_THAT(service.host.log.Texts(2), IsEmpty());
+}
+
+TEST(NetworkDrivesActions, AnArchiveThatDoesNotParseStoresNothing) {
+  NetworkDriveInfo drive = Drive("unit", "//server/path", "server");
+  drive.id = 18446744073709551615U;
+  const std::string whole = Serialize(drive);
+  EXPECT_EQ(Deserialize<NetworkDriveInfo>(whole).id, drive.id);
+  Texts archives = {"garbage", "22 serialization::archive 99 0 0 1 0  0  0 ",
+                    "22 serialization::archive 19 0 9 1 0  0  0 "};
+  const std::string start = whole.substr(0, whole.find("4 unit"));
+  for (const char* length : {"5000000000", "18446744073709551615", "99999999999999999999", "-1"}) {
+    archives.push_back(start + length + " unit");
+  }
+  // The archive ends with a line end, which nothing needs.
+  for (std::size_t cut = 0; cut + 1 < whole.size(); ++cut) archives.push_back(whole.substr(0, cut));
+  Side service(0);
+  for (const auto& archive : archives) service.Run(32001, "getNetworkDrives", archive);
+  EXPECT_THAT(service.host.log.Texts(2), SizeIs(archives.size()));
+  EXPECT_THAT(service.host.log.Texts(2),
+              Each(StartsWith("Can not deserialize NetworkDriveInfo: ")));
+  EXPECT_THAT(Stored(), IsEmpty());
+}
+
+TEST(NetworkDrivesActions, TheServiceAsksEverySessionAndNobodyIfThereIsNone) {
+  Side service(0);
+  service.Run(32001);
+  service.host.communications->sessions = {{5, {"501"}}, {9, {"502"}}};
+  service.Run(32001);
+  service.host.communications->accepts = false;
+  service.Run(32001);
+  EXPECT_THAT(service.Sent(), SizeIs(4));
+  const auto& [session, message] = service.host.communications->sent[1];
+  EXPECT_EQ(session, 9U);
+  EXPECT_EQ(std::tie(message.kind, message.code, message.key, message.value),
+            std::make_tuple(1, 1067U, "requestNetworkDrives", "requestNetworkDrives"));
+  EXPECT_TRUE(service.host.log.Holds(5, "IPC Message sent for user: 9"));
+  EXPECT_THAT(service.host.log.Texts(2),
+              ElementsAre("There are no users available to receive IPC message",
+                          "Message NOT sent for user: 5", "Message NOT sent for user: 9"));
+}
+
+TEST(NetworkDrivesActions, AFailedMessageIsLoggedAndTheNextDriveIsSent) {
+  Side user(1, Drives{Drive("a", "//s/a"), Drive("b", "//s/b")});
+  user.host.communications->accepts = false;
+  user.host.communications->onNextSend = [] { throw std::runtime_error("pipe"); };
+  user.Run(32001);
+  user.host.communications.reset();
+  user.Run(32001);
+  const char* const gone = "Sending IPC message : bad_weak_ptr";
+  EXPECT_THAT(user.host.log.Texts(2),
+              ElementsAre("Sending IPC message : pipe", "IPC Message NOT sent",
+                          "IPC Message NOT sent", gone, gone, gone));
+}
+
+TEST(NetworkDrivesActions, NothingIsClearedWithoutTheKeyOfTheMessageOrAListOfDrives) {
+  {
+    Side user(1, boost::none);
+    user.Run(1067, "other");
+    user.Run(1067, "requestNetworkDrives");
+    EXPECT_THAT(user.Sent(), IsEmpty());
+    EXPECT_THAT(user.host.actions->Texts(), ElementsAre("once 1065 +0"));
+  }
+  const Messages drives = MessagesOf({Drive("a", "//s/a")});
+  Side service(0);
+  service.Take(drives);
+  service.Run(1066, "other");
+  EXPECT_THAT(Stored(), ElementsAre("a //s/a files"));
+  EXPECT_TRUE(service.host.log.Holds(5, "Wrong IPC message received"));
+}
+
+TEST(NetworkDrivesActions, AStoreThatFailsIsLoggedByWhatItDid) {
+  Side service(0);
+  TestDatabase::Run("drop table KOB_NETWORK_DRIVES");
+  EXPECT_FALSE(NetworkDrivesHandler::Save(Drive("a", "//s/a")));
+  EXPECT_FALSE(NetworkDrivesHandler::GetFromDb());
+  service.Run(1066, "truncateNetDrivesTable");
+  const auto create = StartsWith("Error Create Network Drives Table: ");
+  EXPECT_THAT(service.host.log.Texts(2),
+              ElementsAre(create, create, StartsWith("Error Truncate Network Drives Table: ")));
+}
+
+}  // namespace
+}  // namespace Norvik::KOB
