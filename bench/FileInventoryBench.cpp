@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "RawSqlite.h"
+#include "common/database/AgentDatabase.h"
 #include "json/JSON.h"
 #include "module/ActionCodes.h"
 #include "module/KOBModule.h"
@@ -95,11 +96,12 @@ Result MeasureSave(FakeHost&, const std::string& tree) {
 }
 
 InventoryRow RowOf(const RudFileInfo& file) {
-  return {file.pathId,           file.extensionId,     file.size,
-          file.lastModification, file.fileName,        file.absolutePath,
-          file.productName,      file.version,         file.isExecutable,
-          file.companyId,        file.fileDescription, 1,
-          file.fileVersion};
+  const RudFileDetails& details = file.details.Get();
+  return {file.pathId,           file.extensionId,        file.size,
+          file.lastModification, file.fileName,           file.absolutePath,
+          details.productName,   details.version,         file.isExecutable,
+          file.companyId,        details.fileDescription, 1,
+          details.fileVersion};
 }
 
 Result MeasureRawSave(FakeHost& host, const std::string& tree) {
@@ -274,6 +276,7 @@ const std::map<std::string, Result (*)(FakeHost&, const std::string&)> Parts = {
 
 int main(int count, char** arguments) {
   using namespace Norvik;
+  Common::AgentDatabase::LeaveOutConnectionLocks();  // as the agent does
   const auto part = Bench::Parts.find(count == 3 ? arguments[1] : "");
   if (part == Bench::Parts.end()) {
     std::fprintf(stderr, "usage: %s PART TREE; parts:", arguments[0]);

@@ -53,4 +53,8 @@ CorruptDatabaseError::CorruptDatabaseError(const std::string& text, boost::files
 
 CorruptDatabaseError::~CorruptDatabaseError() = default;
 
+bool AgentDatabase::LeaveOutConnectionLocks() {
+  return sqlite_api::sqlite3_config(SQLITE_CONFIG_MULTITHREAD) == SQLITE_OK;
+}
+
 }  // namespace Norvik::Common

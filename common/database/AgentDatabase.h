@@ -30,6 +30,11 @@ class NORVIK_COMMON_API AgentDatabase : public IDataBase {
   std::unique_ptr<DbResponseTable> GetTable(const std::string& name, int offset, int limit,
                                             int order) override;
 
+  /// Has SQLite leave out its lock around each row and cell. Only for a process that uses no
+  /// connection of its own on two threads at once (those here never are), and before its first use
+  /// of SQLite. False if it is too late.
+  static bool LeaveOutConnectionLocks();
+
  private:
   struct State;
   std::unique_ptr<State> state_;

@@ -67,6 +67,7 @@ CellKind KindOfDeclaredType(const char* declaredType) {
 std::vector<CellKind> KindsOfColumns(sqlite_api::sqlite3_stmt* statement) {
   std::vector<CellKind> kinds;
   const int count = sqlite_api::sqlite3_column_count(statement);
+  kinds.reserve(static_cast<std::size_t>(count));
   for (int column = 0; column < count; ++column) {
     kinds.push_back(KindOfDeclaredType(sqlite_api::sqlite3_column_decltype(statement, column)));
   }

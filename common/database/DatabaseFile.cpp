@@ -70,7 +70,7 @@ fs::path FreeNameBeside(const fs::path& file) {
 
 // The side files keep their suffixes, so that the three still belong together.
 fs::path PutAside(const fs::path& file) {
-  const fs::path kept = FreeNameBeside(file);
+  fs::path kept = FreeNameBeside(file);
   fs::rename(file, kept);
   for (const char* suffix : {"-wal", "-shm"}) {
     const fs::path side = file.string() + suffix;
@@ -93,6 +93,10 @@ void UseWriteAheadLog(Connection& connection) {
     std::this_thread::sleep_for(Pause);
   }
 }
+
+// A file inventory fills the file and compares it by long paths, for which SQLite's own size makes
+// trees too deep. A file that holds something keeps the size that it was made with.
+constexpr char PageSize[] = "PRAGMA page_size=16384";
 
 std::unique_ptr<Connection> OpenUndamaged(const fs::path& file) {
   auto connection = std::make_unique<Connection>(file);
@@ -117,6 +121,7 @@ std::unique_ptr<Connection> OpenDatabaseFile(const fs::path& file) {
     MakeOwnersFile(file);
     auto connection = OpenUndamaged(file);
     CheckSchemaVersion(*connection);
+    connection->ExecuteScript(PageSize);
     connection->Configure();
     UseWriteAheadLog(*connection);
     UpgradeSchema(*connection);

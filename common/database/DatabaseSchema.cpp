@@ -51,8 +51,29 @@ CREATE TABLE RUD2_LAST_INVENTORY_TEMP(
   id_company_name INTEGER, file_description TEXT, id_file_state INTEGER, file_version TEXT);
 )sql";
 
+// The files of a scan lie in the order of their paths, by which two scans are compared: one tree
+// instead of a table and an index over it, which hold each path twice.
+constexpr char FilesByPath[] = R"sql(
+ALTER TABLE RUD2_LAST_INVENTORY RENAME TO FORMER_INVENTORY;
+ALTER TABLE RUD2_LAST_INVENTORY_TEMP RENAME TO FORMER_INVENTORY_TEMP;
+CREATE TABLE RUD2_LAST_INVENTORY(
+  id_path INTEGER, id_extension INTEGER, size BIGINT, last_modification BIGINT, file_name TEXT,
+  absolute_path TEXT PRIMARY KEY, product_name TEXT, version TEXT, is_executable INTEGER,
+  id_company_name INTEGER, file_description TEXT, id_file_state INTEGER, file_version TEXT)
+  WITHOUT ROWID;
+CREATE TABLE RUD2_LAST_INVENTORY_TEMP(
+  id_path INTEGER, id_extension INTEGER, size BIGINT, last_modification BIGINT, file_name TEXT,
+  absolute_path TEXT PRIMARY KEY, product_name TEXT, version TEXT, is_executable INTEGER,
+  id_company_name INTEGER, file_description TEXT, id_file_state INTEGER, file_version TEXT)
+  WITHOUT ROWID;
+INSERT OR IGNORE INTO RUD2_LAST_INVENTORY SELECT * FROM FORMER_INVENTORY;
+INSERT OR IGNORE INTO RUD2_LAST_INVENTORY_TEMP SELECT * FROM FORMER_INVENTORY_TEMP;
+DROP TABLE FORMER_INVENTORY;
+DROP TABLE FORMER_INVENTORY_TEMP;
+)sql";
+
 // The script at [n] leads from version n to n + 1. Scripts that have shipped never change.
-constexpr const char* Migrations[] = {FirstSchema};
+constexpr const char* Migrations[] = {FirstSchema, FilesByPath};
 
 int SchemaVersion(Connection& connection) {
   return boost::get<int>(Statement(connection, "PRAGMA user_version").Run({}).at(0).at(0));

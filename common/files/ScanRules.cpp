@@ -40,8 +40,10 @@ ScanRules::ScanRules(const KobConfigurationInfo& configuration)
       extensions_(Encoded(WantedExtensions(configuration))) {}
 
 ScanRules::Verdict ScanRules::Judge(const std::string& name) const {
-  std::string extension;
-  return Judge(name, excludedNames_, extensions_, extension);
+  if (excludedNames_.count(name) > 0) return Verdict::ExcludedName;
+  const std::string extension = ExtensionOf(name);
+  if (extensions_.count(extension) > 0) return Verdict::Listed;
+  return extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension;
 }
 
 Texts ScanRules::Roots() {
@@ -72,14 +74,6 @@ Texts ScanRules::CompleteExtensions(const Texts& extensions) {
 std::string ScanRules::ExtensionOf(const std::string& name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
-}
-
-ScanRules::Verdict ScanRules::Judge(const std::string& name, const Texts& excludedNames,
-                                    const Texts& extensions, std::string& extension) {
-  if (excludedNames.count(name) > 0) return Verdict::ExcludedName;
-  extension = ExtensionOf(name);
-  if (extensions.count(extension) > 0) return Verdict::Listed;
-  return extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension;
 }
 
 }  // namespace Norvik::Common

@@ -34,10 +34,6 @@ class NORVIK_COMMON_API ScanRules {
   static Texts CompleteExtensions(const Texts& extensions);
   /// A name's extension with its dot. A name whose only dot comes first has none.
   static std::string ExtensionOf(const std::string& name);
-  /// @param extensions complete ones
-  /// @param extension  gets the name's, unless the name itself is excluded
-  static Verdict Judge(const std::string& name, const Texts& excludedNames, const Texts& extensions,
-                       std::string& extension);
 
  private:
   Texts excludedFolders_;

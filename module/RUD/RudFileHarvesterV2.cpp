@@ -73,6 +73,11 @@ void FileHarvester::ConfigureFoldersToScan() {
   for (const auto& extension : extensions->second) {
     buffer_.AddExtension(Common::ToUpper(extension.substr(1)));
   }
+  // Not before all are added: of two spellings the last one's id stands.
+  wanted_.clear();
+  for (const auto& extension : extensions->second) {
+    wanted_[extension] = buffer_.GetIdExtension(Common::ToUpper(extension.substr(1)));
+  }
 }
 
 void FileHarvester::Harvester() {
@@ -147,25 +152,26 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
     return;
   }
   walk.name = entry.name;
-  const auto verdict = ScanRules::Judge(walk.name, config_.at(ExcludeFile),
-                                        config_.at(IncludeExtension), walk.extension);
-  if (verdict == ScanRules::Verdict::ExcludedName) {
+  if (IsExcludedFile(walk.name)) {
     messages_.emplace_back("IsExcludedFile", "Excluded file by setting", walk.name);
+    return;
   }
-  if (verdict != ScanRules::Verdict::Listed) return;
+  walk.extension = ScanRules::ExtensionOf(walk.name);
+  const auto wanted = wanted_.find(walk.extension);
+  if (wanted == wanted_.end()) return;
   if (entry.kind != EntryKind::Unknown) {
     metadata.facts = walk.reader.Ask(entry.name, metadata.error);
   }
-  TakeFile(walk, metadata);
+  TakeFile(walk, wanted->second, metadata);
 }
 
-void FileHarvester::TakeFile(Walk& walk, const Metadata& metadata) {
+void FileHarvester::TakeFile(Walk& walk, std::uint32_t extensionId, const Metadata& metadata) {
   RudFileInfo& file = walk.file;
   file.absolutePath.assign(walk.prefix).append(walk.name);
   file.fileName = GetFileName(walk.name);
   if (walk.pathId == 0) walk.pathId = buffer_.AddParentPath(walk.parent);
   file.pathId = walk.pathId;
-  file.extensionId = buffer_.GetIdExtension(Common::ToUpper(walk.extension.substr(1)));
+  file.extensionId = extensionId;
   file.lastModification = GetLastModifiedTime(metadata, file.absolutePath, messages_);
   file.size = GetFileSize(metadata, file.absolutePath, messages_);
   file.isExecutable = IsExecutableList(walk.extension);
@@ -175,13 +181,10 @@ void FileHarvester::TakeFile(Walk& walk, const Metadata& metadata) {
 void FileHarvester::InsertFile(RudFileInfo& file, const std::string& extension) {
   if (extension == ".exe" || extension == ".dll") {
     GetDetailsFiles(file, file.absolutePath);
-    file.companyId = buffer_.AddCompanyName(file.companyName);
+    file.companyId = buffer_.AddCompanyName(file.details.Get().companyName);
     buffer_.Insert(file);
     file.companyId = 0;
-    for (std::string* detail : {&file.productName, &file.version, &file.companyName,
-                                &file.fileDescription, &file.fileVersion}) {
-      detail->clear();
-    }
+    file.details.Clear();
   } else {
     buffer_.Insert(file);
   }

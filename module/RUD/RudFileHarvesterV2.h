@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <tuple>
+#include <unordered_map>
 #include <vector>
 
 #include "module/RUD/ConfigScan.h"
@@ -52,7 +54,7 @@ class FileHarvester {
   void ScanRoot(const std::string& root);
   void ScanFolder(Walk& walk);
   void ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry);
-  void TakeFile(Walk& walk, const Metadata& metadata);
+  void TakeFile(Walk& walk, std::uint32_t extensionId, const Metadata& metadata);
   void InsertFile(RudFileInfo& file, const std::string& extension);
 
   // What depends on the system.
@@ -62,11 +64,13 @@ class FileHarvester {
                                        Messages& messages);
   static long long GetFileSize(const Metadata& metadata, const std::string& path,
                                Messages& messages);
-  /// The name without its extension.
-  static std::string GetFileName(const std::string& name);
+  /// The name without its extension, a part of the name itself.
+  static std::string_view GetFileName(const std::string& name);
 
   ScanConfiguration config_;
   std::vector<std::string> foldersToScan_;
+  /// Ids of the wanted extensions, under the spellings of the configuration.
+  std::unordered_map<std::string, std::uint32_t> wanted_;
   std::int64_t totalScanTime_ = 0;  ///< milliseconds
   RudBuffer buffer_;
   std::set<std::string> executableList_;

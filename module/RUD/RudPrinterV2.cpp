@@ -33,11 +33,11 @@ constexpr int MOST_ATTEMPTS = 50;
 constexpr seconds PAUSE_PER_ATTEMPT{500};
 constexpr seconds PAUSE_OF_REMOVAL{5};
 
-std::string& TextOf(DataBaseRow& row, Source::Column column) {
-  return boost::get<std::string>(row.at(column));
+const std::string& TextOf(const DataBaseRow& row, Source::Column column) {
+  return boost::get<std::string>(row[column]);
 }
 
-json::JSON DetailOf(DataBaseRow& row) {
+json::JSON DetailOf(const DataBaseRow& row) {
   json::JSON detail;
   const auto add = [&](const char* key, Source::Column column) {
     if (!TextOf(row, column).empty()) detail[key] = TextOf(row, column);
@@ -53,18 +53,31 @@ json::JSON DetailOf(DataBaseRow& row) {
   return detail;
 }
 
-json::JSON FileObject(DataBaseRow& row, FileStatus status) {
-  json::JSON file;
-  file["filename"] = std::move(TextOf(row, Source::FileName));
-  file["extension"] = std::move(TextOf(row, Source::Extension));
-  file["size"] = boost::get<long long>(row.at(Source::Size));
-  file["fileStatus"] = static_cast<int>(status);
-  const long long time = boost::get<long long>(row.at(Source::LastModification));
-  // A time that could not be read goes with its bits.
-  if (time != 0) file["lastMod"] = static_cast<unsigned long long>(time);
-  if (json::JSON detail = DetailOf(row); !detail.IsNull()) file["detail"] = std::move(detail);
-  if (boost::get<int>(row.at(Source::IsExecutable)) != 0) file["executable"] = true;
-  return file;
+void AppendText(std::string& out, const char* key, const std::string& value) {
+  out.append(key).append(":\"");
+  json::AppendEscaped(out, value);
+  out += "\",";
+}
+
+void AppendNumber(std::string& out, const char* key, long long value) {
+  out.append(key).append(":").append(std::to_string(value)).append(",");
+}
+
+/// The object of one file, in ascending order of its keys.
+void AppendFile(std::string& out, const DataBaseRow& row, FileStatus status) {
+  out += '{';
+  if (const json::JSON detail = DetailOf(row); !detail.IsNull()) {
+    out.append("\"detail\":").append(detail.strUgly()).append(",");
+  }
+  if (boost::get<int>(row[Source::IsExecutable]) != 0) out += "\"executable\":true,";
+  AppendText(out, "\"extension\"", TextOf(row, Source::Extension));
+  AppendNumber(out, "\"fileStatus\"", status);
+  AppendText(out, "\"filename\"", TextOf(row, Source::FileName));
+  // A time that could not be read goes with its bits, which is -1.
+  const long long time = boost::get<long long>(row[Source::LastModification]);
+  if (time != 0) AppendNumber(out, "\"lastMod\"", time);
+  AppendNumber(out, "\"size\"", boost::get<long long>(row[Source::Size]));
+  out.back() = '}';
 }
 
 /// The text of the document, made row by row: the values of a whole disk are too much to be held.
@@ -74,7 +87,7 @@ class DocumentText {
   explicit DocumentText(const json::JSON& device)
       : text_("{\"device\":" + device.strUgly() + ",\"paths\":[") {}
 
-  void Add(DataBaseRow& row, FileStatus status) {
+  void Add(const DataBaseRow& row, FileStatus status) {
     if (TextOf(row, Source::Path) != currentPath_) {
       if (groupIsOpen_) CloseGroup();
       currentPath_ = TextOf(row, Source::Path);
@@ -82,7 +95,7 @@ class DocumentText {
       files_.clear();
     }
     if (!files_.empty()) files_ += ',';
-    files_ += FileObject(row, status).strUgly();
+    AppendFile(files_, row, status);
   }
 
   /// Ends the rows of one state.
@@ -119,8 +132,8 @@ class DocumentText {
   bool hasGroups_ = false;
 };
 
-void printFiles(Source::Rows rows, DocumentText& document, FileStatus status) {
-  for (auto& row : rows) document.Add(row, status);
+void printFiles(const Source::Rows& rows, DocumentText& document, FileStatus status) {
+  for (const auto& row : rows) document.Add(row, status);
   document.EndState();
 }
 

@@ -110,8 +110,52 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   EXPECT_THAT(output_, HasSubstr("document: none, there is nothing to tell"));
 }
 
+/// Each file of a document in one text.
+std::set<std::string> FilesOf(const Json& document) {
+  std::set<std::string> files;
+  for (const auto& folder : document["paths"]) {
+    for (const auto& file : folder["files"]) {
+      files.insert(folder["pathName"].get<std::string>() + " " + file.dump());
+    }
+  }
+  return files;
+}
+
+TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
+  for (const char* name : {"a.sample", "b.sample", "c.sample"}) Write(name);
+  // Each takes the place of the one before it in the outbox.
+  const auto taken = [&](const char* name, const std::vector<std::string>& words) {
+    fs::rename(RunWell(words)["file"].get<std::string>(), folder_ / name);
+    return (folder_ / name).string();
+  };
+  const std::string before = taken("before.jsonrud", {"files"});
+  fs::remove(Tree() / "a.sample");
+  fs::last_write_time(Tree() / "b.sample", 1'000'000'000);
+  Write("it's new.sample");
+  const std::string changes = taken("changes.jsonrud", {"files", "--incremental"});
+  const std::string after = taken("after.jsonrud", {"files"});
+  const auto plain = [&](const char* name, const std::string& sealed) {
+    Tests::WriteFile(folder_ / name, RunWell({"open", sealed}).dump());
+    return (folder_ / name).string();
+  };
+  const struct {
+    std::vector<std::string> words;
+    std::string same;  ///< document with the same files
+  } rows[] = {{{"diff", before, after}, changes},
+              {{"diff", plain("before", before), after}, changes},
+              {{"apply", before, changes}, after},
+              {{"apply", before, plain("changes", changes)}, after}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(FilesOf(RunWell(row.words)), FilesOf(RunWell({"open", row.same}))) << row.words[0];
+  }
+  EXPECT_TRUE(RunWell({"diff", after, after}).is_null());
+  EXPECT_EQ(Run({"apply", changes, before}), 1);
+  EXPECT_EQ(std::count(errors_.begin(), errors_.end(), '\n'), 1) << errors_;
+}
+
 TEST_F(FilesCommand, RefusesScheduledOnesOnTheDayOfATotalOne) {
   Write("a.sample");
+  EXPECT_TRUE(RunWell({"status"})["fileInventory"].is_null());
   EXPECT_EQ(RunWell({"files", "--scheduled"})["files"]["total"], 1);
   const auto refusalOf = [&](const std::vector<std::string>& words) {
     EXPECT_EQ(Run(words), 1);
@@ -122,6 +166,10 @@ TEST_F(FilesCommand, RefusesScheduledOnesOnTheDayOfATotalOne) {
   EXPECT_THAT(refusalOf({"files", "--scheduled"}), HasSubstr("already ended on this day"));
   EXPECT_THAT(refusalOf({"files", "--scheduled", "--incremental"}),
               HasSubstr("blocked due RUD complet executed today"));
+  const Json state = RunWell({"status"})["fileInventory"];
+  EXPECT_EQ(state["stateName"], "finished");
+  EXPECT_EQ(state["files"], 1);
+  EXPECT_GE(state["end"]["seconds"], state["begin"]["seconds"]);
 }
 
 TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
@@ -172,7 +220,8 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
       {"excludedPaths", {Tree().string(), Tree().string() + "/", "/no such", "relative"}},
       {"excludedFiles", {"name.sample", "folder/name.sample"}},
       {"includedExtensions", {"Txt", ".TXT", "txt", "EXE"}},
-      {"additionalExtensions", {"CPL", "exe", "EXE"}}};
+      {"additionalExtensions", {"CPL", "exe", "EXE"}},
+      {"server", {{"address", "a"}, {"caFile", "/no such.pem"}}}};
   Tests::WriteFile(folder_ / "surprising.json", configuration.dump());
   std::vector<std::string> warned;
   const auto file = (folder_ / "surprising.json").string();
@@ -180,8 +229,9 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
   for (const auto& warning : answer["warnings"]) {
     if (warning["value"] != "") warned.push_back(warning["value"]);
   }
-  EXPECT_THAT(warned, testing::ElementsAre(Tree().string() + "/", "/no such", "relative",
-                                           "folder/name.sample", "Txt", "CPL", "EXE"));
+  EXPECT_THAT(warned,
+              testing::ElementsAre(Tree().string() + "/", "/no such", "relative",
+                                   "folder/name.sample", "Txt", "CPL", "EXE", "/no such.pem"));
   EXPECT_FALSE(fs::exists(Data() / "configuration.json"));
 }
 
@@ -190,6 +240,8 @@ TEST_F(FilesCommand, ARunThatWasKilledBeginsAgainAtTheNextStart) {
   killAt_ = "scanning: ";
   EXPECT_EQ(Run({"files"}), 128 + SIGKILL);
   EXPECT_NE(StoredState(), 2);
+  EXPECT_EQ(Run({"status"}), 0) << errors_;
+  EXPECT_THAT(output_, testing::ContainsRegex("file inventory: (scann|sav|print)ing, begun 20"));
   EXPECT_FALSE(fs::exists(Data() / "outbox") && !fs::is_empty(Data() / "outbox"));
 
   RunWell({"action", "COMMON_ACTION_INIT"});

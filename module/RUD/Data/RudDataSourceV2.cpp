@@ -1,6 +1,5 @@
 #include "module/RUD/Data/RudDataSourceV2.h"
 
-#include <algorithm>
 #include <boost/format.hpp>
 #include <chrono>
 #include <string>
@@ -49,7 +48,7 @@ RudDataSource::Rows Read(const char* sentence, const char* failure) {
 
 /// The only escaping of texts: a server of this system expects blanks.
 std::string& WithoutApostrophes(std::string& text) {
-  std::replace(text.begin(), text.end(), '\'', ' ');
+  for (auto at = text.find('\''); at != std::string::npos; at = text.find('\'', at)) text[at] = ' ';
   return text;
 }
 
@@ -77,20 +76,29 @@ void InsertTexts(const Sentences::Insert& insert, const RudBuffer::Ids& ids) {
   });
 }
 
+void WithoutApostrophes(RudFileDetails& details) {
+  for (auto* text :
+       {&details.productName, &details.version, &details.fileDescription, &details.fileVersion}) {
+    WithoutApostrophes(*text);
+  }
+}
+
 void Fill(std::vector<DataBaseValue>& values, RudFileInfo& file) {
+  if (auto* const found = file.details.Find()) WithoutApostrophes(*found);
+  const RudFileDetails& details = file.details.Get();
   values[0] = static_cast<unsigned int>(file.pathId);
   values[1] = static_cast<unsigned int>(file.extensionId);
   values[2] = static_cast<long long>(file.size);
   values[3] = static_cast<long long>(file.lastModification);
   values[4] = WithoutApostrophes(file.fileName);
   values[5] = WithoutApostrophes(file.absolutePath);
-  values[6] = WithoutApostrophes(file.productName);
-  values[7] = WithoutApostrophes(file.version);
+  values[6] = details.productName;
+  values[7] = details.version;
   values[8] = file.isExecutable ? 1 : 0;
   values[9] = static_cast<unsigned int>(file.companyId);
-  values[10] = WithoutApostrophes(file.fileDescription);
+  values[10] = details.fileDescription;
   values[11] = FILE_STATE;
-  values[12] = WithoutApostrophes(file.fileVersion);
+  values[12] = details.fileVersion;
 }
 
 void InsertFiles(const Sentences::Insert& insert, std::vector<RudFileInfo>& files) {

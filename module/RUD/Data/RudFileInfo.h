@@ -4,6 +4,17 @@
 #include <string>
 #include <type_traits>
 
+#include "module/RUD/Data/Rare.h"
+
+/// What a file tells about itself, where the system's files do.
+struct RudFileDetails {
+  std::string productName;
+  std::string version;  ///< of the product
+  std::string fileVersion;
+  std::string companyName;
+  std::string fileDescription;
+};
+
 /// One file of a scan. Ids mean something only within the `RudBuffer` that gave them.
 struct RudFileInfo {
   std::uint32_t pathId = 0;
@@ -14,11 +25,7 @@ struct RudFileInfo {
   bool isExecutable = false;
   std::string fileName;  ///< without its extension
   std::string absolutePath;
-  std::string productName;
-  std::string version;  ///< of the product
-  std::string fileVersion;
-  std::string companyName;
-  std::string fileDescription;
+  Norvik::KOB::V2::Rare<RudFileDetails> details;
 };
 
 // Else a growing vector would copy every file.

@@ -33,8 +33,9 @@ long long FileHarvester::GetFileSize(const Metadata& metadata, const std::string
   return 0;
 }
 
-std::string FileHarvester::GetFileName(const std::string& name) {
-  return name.substr(0, name.size() - Common::ScanRules::ExtensionOf(name).size());
+std::string_view FileHarvester::GetFileName(const std::string& name) {
+  return std::string_view(name).substr(0,
+                                       name.size() - Common::ScanRules::ExtensionOf(name).size());
 }
 
 }  // namespace Norvik::KOB::V2

@@ -22,7 +22,7 @@ using namespace Tests;
 using namespace testing;
 using V2::DataBase;
 
-constexpr std::streamoff PageSize = 4096;
+constexpr std::streamoff PageSize = 16384;
 const std::string FileName = SQLiteNames::SQLITE_CURRENT_DATABASE_NAME;
 
 void Overwrite(const fs::path& file, std::streamoff offset, const std::string& bytes) {
@@ -36,7 +36,7 @@ void Fill() {
   DataBase dataBase;
   const std::string insert = "insert into DATA(name, value) values('{1}', '{2}')";
   for (int number = 0; number < 2000; ++number) {
-    dataBase.ExecuteSentence(insert, {number, std::string(300, 'v')});
+    dataBase.ExecuteSentence(insert, {number, std::string(1200, 'v')});
   }
   dataBase.Commit();
 }

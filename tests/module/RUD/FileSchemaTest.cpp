@@ -28,8 +28,7 @@ class FileSchemaTest : public testing::Test {
   }
   static RudFileInfo Detailed(const std::string& name, const std::string& text) {
     RudFileInfo file = File(name, 1000);
-    file.productName = file.version = file.fileVersion = file.fileDescription = text;
-    file.companyName = text;
+    file.details.Make() = {text, text, text, text, text};
     file.isExecutable = true;
     return file;
   }
@@ -39,7 +38,7 @@ class FileSchemaTest : public testing::Test {
     for (RudFileInfo file : files) {
       file.extensionId = extension;
       file.pathId = buffer.AddParentPath("/it's");
-      file.companyId = buffer.AddCompanyName(file.companyName);
+      file.companyId = buffer.AddCompanyName(file.details.Get().companyName);
       if (file.absolutePath.empty()) file.absolutePath = "/it's/" + file.fileName + ".app";
       buffer.Insert(file);
     }

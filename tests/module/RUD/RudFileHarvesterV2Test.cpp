@@ -159,6 +159,52 @@ TEST_F(FileHarvesterTest, WhatCannotBeReadIsReportedAndTheWalkGoesOn) {
   }
 }
 
+/// Opens no folder that an ordinary user may not open, whoever runs the test.
+class OrdinaryUser {
+ public:
+  OrdinaryUser() { EXPECT_EQ(wasRoot_ ? ::seteuid(65534) : 0, 0); }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+  ~OrdinaryUser() { EXPECT_EQ(wasRoot_ ? ::seteuid(0) : 0, 0); }
+
+ private:
+  const bool wasRoot_ = ::getuid() == 0;
+};
+
+/// Removes, as soon as one of the folders cannot be opened, all others beside the one on the way.
+struct Remover final : Common::Logger {
+  Remover(fs::path below, std::shared_ptr<Common::Logger> to) : root(std::move(below)), next(to) {}
+  void Log(Level level, const std::string& text, const char* file, int line,
+           const char* function) override {
+    next->Log(level, text, file, line, function);
+    if (text.find("Permission denied") == std::string::npos) return;
+    for (const char* name : {"1", "2"}) {
+      if (text.find((root / name).string()) != std::string::npos) continue;
+      for (const char* entry : {"/kept.txt", "/closed", ""}) {
+        fs::remove(root / (std::string(name) + entry));
+      }
+    }
+  }
+  const fs::path root;
+  const std::shared_ptr<Common::Logger> next;
+};
+
+TEST_F(FileHarvesterTest, AFolderMayBeClosedAndAnotherVanishOnTheWay) {
+  for (const std::string name : {"1", "2"}) {
+    Make(name + "/kept.txt");
+    fs::create_directory(root / name / "closed");
+    fs::permissions(root / name / "closed", fs::no_perms);
+    fs::permissions(root / name, fs::all_all);
+  }
+  fs::permissions(folder.Path(), fs::all_all);
+  fs::permissions(root, fs::all_all);
+  const OrdinaryUser user;
+  Common::Logger::SetInstance(std::make_shared<Remover>(root, Common::Logger::GetInstance()));
+  EXPECT_THAT(Names(), ElementsAre(testing::EndsWith("/kept.txt")));
+  EXPECT_THAT(log.Texts(5), ElementsAre(AllOf(HasSubstr("/closed"), HasSubstr("denied")),
+                                        HasSubstr("No such file or directory")));
+}
+
 TEST_F(FileHarvesterTest, AnExecutablesDetailsAreAskedForAndNothingElseIs) {
   Make("tool.exe");
   Make("plain.txt");

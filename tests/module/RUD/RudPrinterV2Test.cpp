@@ -30,7 +30,7 @@ void Save(const std::vector<Row>& rows, bool incremental) {
     RudFileInfo file = row.details;
     file.extensionId = extension;
     file.pathId = buffer.AddParentPath(row.folder);
-    file.companyId = buffer.AddCompanyName(file.companyName);
+    file.companyId = buffer.AddCompanyName(file.details.Get().companyName);
     file.fileName = row.name;
     file.absolutePath = std::string(row.folder) + "/" + row.name + ".exe";
     file.lastModification = row.time;
@@ -43,11 +43,7 @@ RudFileInfo Details(const std::string& product, const std::string& version,
                     const std::string& fileVersion, const std::string& company,
                     const std::string& description, bool executable = false) {
   RudFileInfo file;
-  file.productName = product;
-  file.version = version;
-  file.fileVersion = fileVersion;
-  file.companyName = company;
-  file.fileDescription = description;
+  file.details.Make() = {product, version, fileVersion, company, description};
   file.isExecutable = executable;
   return file;
 }
@@ -68,22 +64,21 @@ class RudPrinterTest : public testing::Test {
 
 TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
   Save({{"/a", "one", 0},
-        {"/b", "it's \"two\"", -1},
+        {"/a/h", "it's \"two\"", -1},
         {"/a", "three", 3000, Details("P", "1", "", "M", "D", true)},
         {"/a", "four", 4000, Details("", "", "2", "", " ")},
         {"/c", "five", 5000, Details("", "3", "2", "", "")}},
        false);
   EXPECT_EQ(Print(false),
             R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)"
-            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"one","size":0}],)"
-            R"("pathName":"/a"},)"
+            R"({"files":[{"detail":{"fileVersion":""},"extension":"EXE","fileStatus":-1,)"
+            R"("filename":"four","lastMod":4000,"size":0}],"pathName":"/a"},)"
             R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"it s \"two\"",)"
-            R"("lastMod":-1,"size":0}],"pathName":"/b"},)"
-            R"({"files":[{"detail":{"description":"D","manufacturer":"M","name":"P",)"
-            R"("productVersion":"1"},"executable":true,"extension":"EXE","fileStatus":-1,)"
-            R"("filename":"three","lastMod":3000,"size":0},{"detail":{"fileVersion":""},)"
-            R"("extension":"EXE","fileStatus":-1,"filename":"four","lastMod":4000,"size":0}],)"
-            R"("pathName":"/a"},)"
+            R"("lastMod":-1,"size":0}],"pathName":"/a/h"},)"
+            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"one","size":0},)"
+            R"({"detail":{"description":"D","manufacturer":"M","name":"P","productVersion":"1"},)"
+            R"("executable":true,"extension":"EXE","fileStatus":-1,"filename":"three",)"
+            R"("lastMod":3000,"size":0}],"pathName":"/a"},)"
             R"({"files":[{"detail":{"fileVersion":"3","productVersion":"3"},"extension":"EXE",)"
             R"("fileStatus":-1,"filename":"five","lastMod":5000,"size":0}],"pathName":"/c"}],)"
             R"("typeInventory":0})");

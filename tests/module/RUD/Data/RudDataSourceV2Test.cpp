@@ -99,10 +99,7 @@ TEST_F(RudDataSourceTest, EachColumnComesFromItsField) {
   file.companyId = buffer.AddCompanyName("Maker");
   file.fileName = "n";
   file.absolutePath = "/p/n.exe";
-  file.productName = "product";
-  file.version = "v";
-  file.fileVersion = "fv";
-  file.fileDescription = "it's";
+  file.details.Make() = {"product", "v", "fv", "Maker", "it's"};
   file.isExecutable = true;
   buffer.Insert(file);
   EXPECT_TRUE(Save(buffer, false));
@@ -146,6 +143,28 @@ TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
   const auto modified = RudDataSource::getModifiedFiles();
   EXPECT_THAT(NamesOf(modified), UnorderedElementsAre("time", "readOnce"));
   for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow({1LL}).front());
+}
+
+TEST_F(RudDataSourceTest, ADatabaseOfTheFirstSchemaKeepsItsFiles) {
+  EXPECT_TRUE(Save(BufferOf({{"main", 1, 2}}), false));
+  EXPECT_TRUE(Save(BufferOf({{"temp", 3, 4}}), true));
+  const auto before = RudDataSource::GetLastInventory();
+  for (const std::string table : {"RUD2_LAST_INVENTORY", "RUD2_LAST_INVENTORY_TEMP"}) {
+    TestDatabase::Run("alter table " + table + " rename to newer");
+    TestDatabase::Run("create table " + table +
+                      "(id_path INTEGER, id_extension INTEGER, size BIGINT, last_modification "
+                      "BIGINT, file_name TEXT, absolute_path TEXT UNIQUE, product_name TEXT, "
+                      "version TEXT, is_executable INTEGER, id_company_name INTEGER, "
+                      "file_description TEXT, id_file_state INTEGER, file_version TEXT)");
+    TestDatabase::Run("insert into " + table + " select * from newer");
+    TestDatabase::Run("drop table newer");
+  }
+  TestDatabase::Run("PRAGMA user_version=1");
+  database.Reopen();
+  EXPECT_EQ(RudDataSource::GetLastInventory(), before);
+  EXPECT_THAT(NamesOf(RudDataSource::getNewFiles()), ElementsAre("temp"));
+  EXPECT_EQ(TestDatabase::Run("select name from sqlite_master where name like '%FORMER%'"),
+            DataBaseRows());
 }
 
 TEST_F(RudDataSourceTest, EachReadFindsItsRowsByKey) {
