@@ -121,7 +121,7 @@ void Compare(const FileKey& key, Versions& files, Differences& differences) {
   for (Json& file : files.now) AddFile(differences.created, key, std::move(file), NEW_FILE);
 }
 
-std::map<FileKey, Versions> VersionsOf(Files before, Files after) {
+std::map<FileKey, Versions> VersionsOf(Files&& before, Files&& after) {
   std::map<FileKey, Versions> versions;
   for (auto& [key, file] : before) versions[key].old.push_back(std::move(file));
   for (auto& [key, file] : after) versions[key].now.push_back(std::move(file));

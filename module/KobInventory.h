@@ -54,7 +54,7 @@ class KobInventory {
   /// Asks a section for its facts. A section that the factory cannot make gives the default.
   template <class Result>
   Result Retrieve(const char* description,
-                  std::unique_ptr<Common::ISection<Result>> (SectionFactory::*section)() const);
+                  SectionFactory::Section<Result> (SectionFactory::*section)() const);
   ConfigurationInfo GetConfigurationInfo();
   const DeviceInfo& GetDeviceInfo();
   std::vector<FeaturesInfo> GetFeatureInfo();

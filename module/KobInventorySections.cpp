@@ -21,10 +21,12 @@ using Common::WxStringFromStdString;
 /// More than most machines have installed; saves the vector its growth.
 constexpr std::size_t EXPECTED_SOFTWARE = 8192;
 
-template <class Section, class Result>
-void Fill(const char* description, const Section& section, Result& result) {
+/// Logs first: what stops the making of a section is then known by its name.
+template <class Result>
+void Fill(const char* description, const SectionFactory& factory,
+          SectionFactory::Section<Result> (SectionFactory::*make)() const, Result& result) {
   NORVIK_DETAIL(description);
-  if (section) section->GetInfo(result);
+  if (const auto section = (factory.*make)()) section->GetInfo(result);
 }
 
 }  // namespace
@@ -43,24 +45,24 @@ KobInventory::KobInventory(std::weak_ptr<Common::IDataBase> dataBase,
 }
 
 void KobInventory::InitializeMainSections() {
-  const SectionFactory& factory = *sectionFactory_;
-  Fill("Retrieving network adapters section", factory.GetNetworkAdaptersSection(),
+  using From = SectionFactory;
+  const From& factory = *sectionFactory_;
+  Fill("Retrieving network adapters section", factory, &From::GetNetworkAdaptersSection,
        networkAdapters_);
-  Fill("Retrieving setup section", factory.GetSetupSection(), setup_);
-  Fill("Retrieving operating system section", factory.GetOperatingSystemSection(),
+  Fill("Retrieving setup section", factory, &From::GetSetupSection, setup_);
+  Fill("Retrieving operating system section", factory, &From::GetOperatingSystemSection,
        operatingSystem_);
-  Fill("Retrieving system section", factory.GetSystemSection(), system_);
-  Fill("Retrieving Users Information", factory.GetLocalUsersSection(), localUsers_);
-  Fill("Retrieving memory section", factory.GetMemorySection(), memory_);
+  Fill("Retrieving system section", factory, &From::GetSystemSection, system_);
+  Fill("Retrieving Users Information", factory, &From::GetLocalUsersSection, localUsers_);
+  Fill("Retrieving memory section", factory, &From::GetMemorySection, memory_);
 }
 
 template <class Result>
 Result KobInventory::Retrieve(const char* description,
-                              std::unique_ptr<Common::ISection<Result>> (SectionFactory::*section)()
-                                  const) {
+                              SectionFactory::Section<Result> (SectionFactory::*section)() const) {
   NORVIK_SCOPE();
   Result result;
-  Fill(description, (*sectionFactory_.*section)(), result);
+  Fill(description, *sectionFactory_, section, result);
   return result;
 }
 
@@ -178,8 +180,8 @@ std::vector<Common::SoftwareRegisteredInfo> KobInventory::GetSoftwareRegisteredI
   const KOBDataSource store(dataBase_);
   std::vector<Common::SoftwareRegisteredInfo> result;
   result.reserve(EXPECTED_SOFTWARE);
-  Fill("Retrieving software registered section", sectionFactory_->GetSoftwareRegisteredSection(),
-       result);
+  Fill("Retrieving software registered section", *sectionFactory_,
+       &SectionFactory::GetSoftwareRegisteredSection, result);
   return result;
 }
 

@@ -77,12 +77,12 @@ void WriteArchive(const boost::filesystem::path& source, const boost::filesystem
   ArchiveHandle archive = Open(file.Path(), ZIP_CREATE | ZIP_TRUNCATE);
   AddDeflated(archive.get(), source.string(), source.filename().string());
   if (zip_close(archive.get()) != 0) Raise(target.string(), zip_strerror(archive.get()));
-  archive.release();
+  static_cast<void>(archive.release());
   file.Commit();
 }
 
 std::string ReadArchive(const boost::filesystem::path& archive) {
-  const std::string path = archive.string();
+  const std::string& path = archive.string();
   const ArchiveHandle opened = Open(path, ZIP_RDONLY | ZIP_CHECKCONS);
   if (zip_get_num_entries(opened.get(), 0) != 1) Raise(path, "it has not just one entry");
   const EntryHandle entry(zip_fopen_index(opened.get(), 0, 0));

@@ -13,7 +13,7 @@ namespace Norvik::Common {
 
 namespace {
 
-constexpr std::size_t MAX_FILE_SIZE = 5 * 1024 * 1024;
+constexpr std::size_t MAX_FILE_SIZE = std::size_t{5} << 20;
 constexpr std::size_t OLD_FILES = 3;
 
 /// A text with line ends would look like several lines, perhaps of another origin.

@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t MAX_DEPTH = 512;
 constexpr std::size_t MAX_ELEMENTS = 1000000;
 constexpr int MAX_MARKUP = 64 * 1024;
+constexpr std::size_t MAX_COPIED = std::size_t{256} << 20;
 
 struct FreeParser {
   void operator()(XML_Parser parser) const { ::XML_ParserFree(parser); }
@@ -95,11 +96,21 @@ class Reading {
   std::exception_ptr failure_;
 };
 
-class Nobody final : public XmlHandler {
+/// Adds up what a reader moves that copies a text anew with each of its pieces, of which every line
+/// is one.
+class CopyingReader final : public XmlHandler {
  public:
-  void StartElement(std::string_view) override {}
-  void Text(std::string_view) override {}
-  void EndElement() override {}
+  void StartElement(std::string_view) override { length_ = 0; }
+  void Text(std::string_view piece) override {
+    length_ += piece.size();
+    copied_ += length_;
+  }
+  void EndElement() override { length_ = 0; }
+  std::size_t Copied() const { return copied_; }
+
+ private:
+  std::size_t length_ = 0;  ///< of the text that is being read
+  std::size_t copied_ = 0;
 };
 
 }  // namespace
@@ -112,8 +123,8 @@ bool ReadXml(std::string_view text, XmlHandler& handler) {
 }
 
 bool IsReadableXml(std::string_view text) {
-  Nobody nobody;
-  return ReadXml(text, nobody);
+  CopyingReader reader;
+  return ReadXml(text, reader) && reader.Copied() <= MAX_COPIED;
 }
 
 }  // namespace Norvik::Common

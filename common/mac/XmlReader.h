@@ -29,8 +29,9 @@ class XmlHandler {
 /// has been told then what stands before that place. What the handler raises comes out of here.
 bool ReadXml(std::string_view text, XmlHandler& handler);
 
-/// Whether `ReadXml` reads the text to its end. A reader that builds a tree by recursion, or takes
-/// a text in small pieces, is safe with it then.
+/// Whether `ReadXml` reads the text to its end, and no element's text has so many lines that
+/// putting them together one by one takes seconds. A reader that builds a tree by recursion, or
+/// copies a text with each piece of it, is safe with it then.
 NORVIK_COMMON_API bool IsReadableXml(std::string_view text);
 
 }  // namespace Norvik::Common

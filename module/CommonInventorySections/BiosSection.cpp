@@ -23,7 +23,8 @@ std::time_t DateOf(const wxString& text) {
   // Deliberately so: the server expects a date from the second format only, and the first fails for
   // every text.
   if (date.ParseFormat(text, "%m/%d/%C", wxDefaultDateTime, &end)) return 0;
-  date.ParseFormat(text, "%m/%d/%Y", wxDefaultDateTime, &end);
+  // The library keeps the time of day at which 1970 began, which is midnight in few zones.
+  if (date.ParseFormat(text, "%m/%d/%Y", wxDefaultDateTime, &end)) date.ResetTime();
   return date.GetTicks();
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "module/Entities/InventorySections.h"
+#include "module/Entities/MaskedDocument.h"
 
 namespace Norvik::KOB {
 
@@ -71,7 +72,7 @@ class Reader : public Json::json_sax_t {
   bool number_integer(number_integer_t value) override { return Value(std::to_string(value)); }
   bool number_unsigned(number_unsigned_t value) override { return Value(std::to_string(value)); }
   bool number_float(number_float_t /*value*/, const string_t& text) override { return Value(text); }
-  bool string(string_t& value) override { return Value(std::move(value)); }
+  bool string(string_t& value) override { return Value(MaskedDocument::Unmask(std::move(value))); }
   bool binary(binary_t& /*value*/) override { return false; }
 
   bool key(string_t& name) override {
@@ -156,7 +157,9 @@ class Reader : public Json::json_sax_t {
 std::unique_ptr<InventoryKOBInfo> ReadInventory(std::istream& document, const std::string& file) {
   auto inventory = std::make_unique<InventoryKOBInfo>();
   Reader reader(*inventory, file);
-  Json::sax_parse(document, &reader);
+  MaskedDocument masked(document);
+  std::istream stream(&masked);
+  Json::sax_parse(stream, &reader);
   reader.CheckComplete();
   return inventory;
 }

@@ -1,15 +1,17 @@
 #include "module/Inventory/CdromSection.h"
 
-#include <stdlib.h>
 #include <wx/arrstr.h>
 
 #include <boost/format.hpp>
 #include <string>
 #include <utility>
 
+#include "common/log/Logger.h"
 #include "common/mac/AppleFundation.h"
 #include "common/mac/SataInfo.h"
 #include "common/text/Text.h"
+#include "module/Inventory/RegistryProperties.h"
+#include "module/Inventory/ToolFile.h"
 #include "platform/ScopedHandle.h"
 
 namespace Norvik::KOB {
@@ -25,38 +27,13 @@ constexpr char DISK_FILE[] = "/tmp/diskInfo.plist";
 constexpr char DISK_COMMAND[] =
     "rm /tmp/diskInfo.plist;diskutil info -plist %s > /tmp/diskInfo.plist";
 
-/// Properties of an entry; all of them absent if there is no entry.
-class Properties {
- public:
-  explicit Properties(const IoObject& entry) : Properties(entry.Get()) {}
-  explicit Properties(io_registry_entry_t entry) {
-    CFMutableDictionaryRef properties = nullptr;
-    if (entry != IO_OBJECT_NULL &&
-        IORegistryEntryCreateCFProperties(entry, &properties, kCFAllocatorDefault, 0) ==
-            KERN_SUCCESS) {
-      dictionary_.Reset(properties);
-    }
-  }
-
-  wxString Text(const char* key) {
-    return AppleFundation::GetCFDictionaryStringProperty(dictionary_.Ref(), key);
-  }
-
- private:
-  CfRef<CFDictionaryRef> dictionary_;
-};
-
-IoObject Below(IoObject& entry, const char* className) {
-  return IoObject(AppleFundation::FindRecursiveChildren(entry.Ref(), className));
-}
-
 IoObject Below(unsigned int& entry, const char* className) {
   return IoObject(AppleFundation::FindRecursiveChildren(entry, className));
 }
 
 /// The disc in the drive; none without one.
 IoObject MediumOf(IoObject& services) {
-  const IoObject client = Below(services, "IODVDMediaBSDClient");
+  const IoObject client = Below(services.Ref(), "IODVDMediaBSDClient");
   IoObject medium;
   if (client) IORegistryEntryGetParentEntry(client.Get(), kIOServicePlane, medium.Out());
   return medium;
@@ -87,10 +64,7 @@ Common::LogicalDiskInfo DiskFrom(CFDictionaryRef& dictionary) {
 }
 
 void AddDisk(CdromInfo& record) {
-  const std::string command =
-      (boost::format(DISK_COMMAND) % Common::ToUtf8(record.pnpDeviceId)).str();
-  // Whatever it answers, the file decides.
-  (void)!::system(command.c_str());
+  RunToFile((boost::format(DISK_COMMAND) % Common::ToUtf8(record.pnpDeviceId)).str());
   CfRef<CFDictionaryRef> dictionary = ReadDiskFile();
   if (!dictionary) return;
   record.logicalDisks.push_back(DiskFrom(dictionary.Ref()));
@@ -103,6 +77,7 @@ void AddDisk(CdromInfo& record) {
 }  // namespace
 
 void CdromSection::GetInfo(std::list<CdromInfo>& result) {
+  NORVIK_SCOPE();
   mach_port_t port = MACH_PORT_NULL;
   IOMasterPort(MACH_PORT_NULL, &port);
   IoObject controller(IOServiceGetMatchingService(port, IOServiceMatching(CONTROLLER_CLASS)));
@@ -126,7 +101,7 @@ void CdromSection::GetInfo(std::list<CdromInfo>& result) {
 }
 
 void GetCdromDiskInfo(unsigned int& entry, CdromInfo& record) {
-  Properties drive(entry);
+  RegistryProperties drive(entry);
   record.mediaType = "Unknown";
   record.model = drive.Text("Model");
   record.serial = drive.Text("Serial Number");
@@ -134,13 +109,13 @@ void GetCdromDiskInfo(unsigned int& entry, CdromInfo& record) {
 
   IoObject services = Below(entry, "IODVDServices");
   // Deliberately emptied if the services have no such key: "Unknown" means that there are none.
-  if (services) record.mediaType = Properties(services).Text("device-type");
-  record.manufacturer =
-      Properties(Below(entry, "IOSCSIPeripheralDeviceNub")).Text("Vendor Identification");
+  if (services) record.mediaType = RegistryProperties(services.Get()).Text("device-type");
+  const IoObject nub = Below(entry, "IOSCSIPeripheralDeviceNub");
+  record.manufacturer = RegistryProperties(nub.Get()).Text("Vendor Identification");
 
   const IoObject medium = MediumOf(services);
   record.pnpDeviceId += "/dev/";
-  record.pnpDeviceId += Properties(medium).Text("BSD Name");
+  record.pnpDeviceId += RegistryProperties(medium.Get()).Text("BSD Name");
   // Deliberately without a disc as well; the tool then only removes what an earlier run has left.
   AddDisk(record);
 }

@@ -8,8 +8,8 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "common/mac/AppleFundation.h"
 #include "common/text/Text.h"
+#include "module/Inventory/RegistryProperties.h"
 #include "platform/ScopedHandle.h"
 #include "platform/SystemLog.h"
 
@@ -17,7 +17,6 @@ namespace Norvik::KOB {
 
 namespace {
 
-using Common::AppleFundation;
 using Platform::CfRef;
 using Platform::IoObject;
 
@@ -40,16 +39,6 @@ wxString OutputOf(const char* command) {
   return Common::WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
 }
 
-/// Null if the entry is none or has no properties.
-CfRef<CFDictionaryRef> PropertiesOf(const IoObject& entry) {
-  CFMutableDictionaryRef properties = nullptr;
-  if (entry && IORegistryEntryCreateCFProperties(entry.Get(), &properties, kCFAllocatorDefault,
-                                                 0) == KERN_SUCCESS) {
-    return CfRef<CFDictionaryRef>(properties);
-  }
-  return {};
-}
-
 /// None if the machine has no accelerator.
 IoObject Accelerators() {
   IoObject iterator;
@@ -60,21 +49,17 @@ IoObject Accelerators() {
 
 /// What accelerator and parent tell of themselves; false if the record is to be left out.
 bool ReadDevice(const IoObject& accelerator, VideoInfo& video) {
-  CfRef<CFDictionaryRef> properties = PropertiesOf(accelerator);
+  RegistryProperties properties(accelerator.Get());
   if (!properties) return false;
-  const auto text = [&properties](const char* key) {
-    return AppleFundation::GetCFDictionaryStringProperty(properties.Ref(), key);
-  };
-  video.size = AppleFundation::GetCFDictionaryIntergerProperty(properties.Ref(), "VRAM,totalMB")
-               << 20;
-  video.driverName = text("CFBundleIdentifier");
-  video.dac = text("IOProviderClass");
+  video.size = properties.Number("VRAM,totalMB") << 20;
+  video.driverName = properties.Text("CFBundleIdentifier");
+  video.dac = properties.Text("IOProviderClass");
 
   IoObject parent;
   IORegistryEntryGetParentEntry(accelerator.Get(), kIOServicePlane, parent.Out());
-  properties = PropertiesOf(parent);
-  video.chipset = video.name = text("model");
-  video.manufacturer = text("vendor-id");
+  properties = RegistryProperties(parent.Get());
+  video.chipset = video.name = properties.Text("model");
+  video.manufacturer = properties.Text("vendor-id");
   return video.driverName != "com.unknown.bundle" && video.chipset != "Unknown Unknown";
 }
 
@@ -112,6 +97,7 @@ void DisplayStatistics(CFDictionaryRef statistics) {
 }  // namespace
 
 void VideoSection::GetInfo(std::list<VideoInfo>& result) {
+  NORVIK_SCOPE();
   const IoObject accelerators = Accelerators();
   if (!accelerators) return;
   while (const IoObject accelerator{IOIteratorNext(accelerators.Get())}) {

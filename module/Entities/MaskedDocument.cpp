@@ -1,0 +1,95 @@
+#include "module/Entities/MaskedDocument.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "common/text/Text.h"
+
+namespace Norvik::KOB {
+
+namespace {
+
+constexpr std::size_t PIECE = 16384;
+constexpr char NO_UTF8 = '\xFF';
+
+// The last 128 characters that UTF-8 can write, for the bytes from 0x80 on: a document that has
+// one of them itself is masked there as well.
+constexpr char MASK[] = "\xF4\x8F";
+constexpr std::size_t MASK_LENGTH = 4;
+
+bool IsAscii(char byte) { return (byte & 0x80) == 0; }
+
+bool IsMask(const std::string& sequence, std::size_t at) {
+  return sequence.compare(at, 2, MASK) == 0 && (sequence[at + 2] & 0x3E) == 0x3E;
+}
+
+std::string MaskOf(char byte) {
+  const int code = static_cast<unsigned char>(byte);
+  return {MASK[0], MASK[1], static_cast<char>(0xBC | (code >> 6)),
+          static_cast<char>(0x80 | (code & 0x3F))};
+}
+
+/// Bytes of the sequence that a byte begins; 0 if it begins none.
+std::size_t SequenceLength(char lead) {
+  if ((lead & 0xE0) == 0xC0) return 2;
+  if ((lead & 0xF0) == 0xE0) return 3;
+  return (lead & 0xF8) == 0xF0 ? 4 : 0;
+}
+
+}  // namespace
+
+std::string MaskedDocument::Unmask(std::string text) {
+  for (auto at = text.find(MASK); at != std::string::npos; at = text.find(MASK, at + 1)) {
+    if (!IsMask(text, at)) continue;
+    const int code = (text[at + 2] & 0x03) << 6 | (text[at + 3] & 0x3F);
+    text.replace(at, MASK_LENGTH, 1, static_cast<char>(code));
+  }
+  return text;
+}
+
+MaskedDocument::int_type MaskedDocument::underflow() {
+  char piece[PIECE];
+  masked_.clear();
+  while (masked_.empty()) {
+    document_.read(piece, PIECE);
+    if (document_.gcount() == 0) return traits_type::eof();
+    const char* const end = piece + document_.gcount();
+    for (const char* at = piece; at != end;) {
+      // Most of a document is ASCII.
+      const char* const other = sequence_.empty() ? std::find_if_not(at, end, IsAscii) : at;
+      masked_.append(at, other);
+      at = other;
+      if (at != end) Take(*at++);
+    }
+  }
+  setg(masked_.data(), masked_.data(), masked_.data() + masked_.size());
+  return traits_type::to_int_type(masked_.front());
+}
+
+void MaskedDocument::Take(char byte) {
+  const bool continues = (byte & 0xC0) == 0x80;
+  if (continues == sequence_.empty()) {
+    masked_ += NO_UTF8;
+    sequence_.clear();
+  }
+  if (IsAscii(byte)) {
+    masked_ += byte;
+    return;
+  }
+  sequence_ += byte;
+  if (sequence_.size() >= SequenceLength(sequence_.front())) TakeSequence();
+}
+
+void MaskedDocument::TakeSequence() {
+  const std::string sequence = std::exchange(sequence_, {});
+  if (sequence.size() != SequenceLength(sequence.front())) {
+    masked_ += NO_UTF8;
+  } else if (Common::EncodeUtf8Characters(sequence) == sequence && !IsMask(sequence, 0)) {
+    masked_ += sequence;
+  } else {
+    for (const char byte : sequence) masked_ += MaskOf(byte);
+  }
+}
+
+}  // namespace Norvik::KOB
