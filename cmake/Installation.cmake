@@ -1,0 +1,71 @@
+# `cmake --install` and the packages. The tree can stand anywhere: programs find their libraries and
+# the module beside them, and the CMake package finds itself.
+include(CMakePackageConfigHelpers)
+
+# Where the system's service manager looks for the agent.
+set(NORVIK_HOME /opt/local/norvik)
+if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
+  set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${NORVIK_HOME}")
+endif()
+
+install(TARGETS norvik-agent NorvikAgentCommon NorvikKOB
+  RUNTIME DESTINATION bin LIBRARY DESTINATION lib)
+
+# Headers for those who embed the module. The rest of common/ is its own affair: what shows the
+# database library, how records are compiled, and what a collector needs of a Mac.
+set(headers include/norvik-agent)
+install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
+  PATTERN common/mac EXCLUDE
+  REGEX "/(Cells|Connection|ConnectionPool|DatabaseFile|DatabaseSchema|KeyValueTable)\\.h$" EXCLUDE
+  REGEX "/(Sentence|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
+install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
+
+install(FILES README.md DESTINATION share/doc/norvik-agent)
+install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent)
+install(DIRECTORY packaging/macos packaging/systemd DESTINATION share/norvik-agent)
+
+configure_package_config_file(cmake/NorvikAgentConfig.cmake.in
+  "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake" INSTALL_DESTINATION lib/cmake/NorvikAgent)
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake"
+  "${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.cmake" DESTINATION lib/cmake/NorvikAgent)
+
+# The services name the programs by their place, so the system learns of them only from a tree that
+# stands there. `file(INSTALL)` heeds DESTDIR.
+if(APPLE)
+  set(services "packaging/macos/com.norvik.agent.plist" /Library/LaunchDaemons
+    "packaging/macos/com.norvik.agent.user.plist" /Library/LaunchAgents)
+else()
+  set(services "packaging/systemd/norvik-agent.service" /usr/lib/systemd/system
+    "packaging/systemd/norvik-agent-user.service" /usr/lib/systemd/user)
+endif()
+while(services)
+  list(POP_FRONT services file folder)
+  install(CODE "
+    if(CMAKE_INSTALL_PREFIX STREQUAL \"${NORVIK_HOME}\")
+      file(INSTALL DESTINATION \"${folder}\" TYPE FILE FILES \"${CMAKE_SOURCE_DIR}/${file}\")
+    endif()")
+endwhile()
+
+set(CPACK_PACKAGE_NAME norvik-agent)
+set(CPACK_PACKAGE_VENDOR Norvik)
+set(CPACK_PACKAGE_CONTACT "Norvik <agent@norvik.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Inventory and remote administration of this machine")
+set(CPACK_PACKAGE_FILE_NAME
+  "norvik-agent-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR TGZ)
+find_program(NORVIK_SHLIBDEPS dpkg-shlibdeps)
+if(NORVIK_SHLIBDEPS)
+  list(APPEND CPACK_GENERATOR DEB)
+endif()
+mark_as_advanced(NORVIK_SHLIBDEPS)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_SOURCE_DIR}/packaging/debian/prerm")
+set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_SOURCE_DIR}/cmake/PackagePlace.cmake")
+include(CPack)
