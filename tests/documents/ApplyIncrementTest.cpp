@@ -253,51 +253,20 @@ TEST_F(ApplyIncrementTest, TheDifferenceOfTwoDocumentsLeadsFromOneToTheOther) {
 }
 
 TEST_F(ApplyIncrementTest, DocumentsThatDoNotFitAreRefusedWithTheReason) {
-  const Json full = Json::parse(JsonText(FilledInventory()));
-  const auto fullWith = [&](const char* key, Json value) {
-    Json document = full;
-    document[key] = std::move(value);
-    return document.dump();
+  const Tests::Json full = Tests::Json::parse(JsonText(FilledInventory()));
+  const Tests::Json changes = {
+      {"create", nullptr}, {"delete", nullptr}, {"update", nullptr}, {"device", full["device"]}};
+  Tests::ExpectRefusals("documents/changes-refused.json", full, changes);
+  const auto reasonOf = [](const std::string& document, const std::string& difference) {
+    return Tests::MessageOf<DocumentError>([&] {
+      ApplyIncrement({"full", document}, {"changes", difference});
+    });
   };
-  const auto changesWith = [&](const char* kind, Json sections) {
-    Json document = {{"create", nullptr}, {"delete", nullptr}, {"update", nullptr}};
-    document["device"] = full["device"];
-    document[kind] = std::move(sections);
-    return document.dump();
-  };
-  const Json known = full["printer"][0];
-  Json unknown = known;
-  unknown["name"] = "no such printer";
-  const std::string none = changesWith("create", nullptr);
-  const struct {
-    std::string full;
-    std::string changes;
-    const char* reason;
-  } rows[] = {
-      {"", none, "full: not JSON"},
-      {full.dump().substr(0, 99), none, "full: not JSON"},
-      {std::string(1 << 20, '['), none, "full: nests deeper"},
-      {"[]", none, "full: no full inventory: it is no object"},
-      {none, none, "full: no full inventory: it has no \"cdrom\""},
-      {fullWith("printer", "x"), none, "full: \"printer\" is no list of records"},
-      {fullWith("printer", {1}), none, "full: \"printer\" is no list of records"},
-      {fullWith("printer", {Json::object()}), none,
-       "full: a record of \"printer\" has no \"name\""},
-      {fullWith("os", nullptr), none, "full: \"os\" is no record"},
-      {full.dump(), full.dump(), "changes: no incremental inventory: it has no \"create\""},
-      {full.dump(), changesWith("device", {}), "changes: \"device\" is no record"},
-      {full.dump(), changesWith("create", 1), "changes: \"create\" is no object"},
-      {full.dump(), changesWith("create", {{"os", full["os"]}}), "unknown section \"os\""},
-      {full.dump(), changesWith("update", {{"x", {}}}), "unknown section \"x\""},
-      {full.dump(), changesWith("device", {{"guid", "b"}}),
-       "changes does not fit full: it is of the machine \"b\""},
-      {full.dump(), changesWith("create", {{"printer", {known}}}), "it creates what is there"},
-      {full.dump(), changesWith("update", {{"printer", {unknown}}}),
-       "it updates a record that is not there in \"printer\": {\"name\":\"no such printer\"}"},
-      {full.dump(), changesWith("delete", {{"printer", {unknown}}}),
-       "it deletes a record that is not there"},
-  };
-  for (const auto& row : rows) Tests::ExpectRefusal(row.full, row.changes, row.reason);
+  const Tests::Json known = {{"/create/printer", {full["printer"][0]}}};
+  EXPECT_THAT(reasonOf(full.dump(), Tests::Spoiled(changes, known)),
+              testing::HasSubstr("it creates what is there"));
+  EXPECT_THAT(reasonOf(std::string(1 << 20, '['), changes.dump()),
+              testing::HasSubstr("full: nests deeper"));
 }
 
 }  // namespace

@@ -6,16 +6,26 @@
 
 #include "documents/ApplyIncrement.h"
 #include "documents/DocumentError.h"
+#include "support/Cases.h"
 
 namespace Norvik::Tests {
 
-/// Expects that the two documents, called "full" and "changes", are refused with a reason.
-inline void ExpectRefusal(const std::string& full, const std::string& changes, const char* reason) {
-  try {
-    Documents::ApplyIncrement({"full", full}, {"changes", changes});
-    ADD_FAILURE() << reason;
-  } catch (const Documents::DocumentError& error) {
-    EXPECT_THAT(error.what(), testing::HasSubstr(reason));
+/// A text of a row: as it stands, or a document with the values of the row at their places.
+inline std::string Spoiled(Json document, const Json& values) {
+  if (values.is_string()) return values;
+  for (const auto& [place, value] : values.items()) document[Json::json_pointer(place)] = value;
+  return document.dump();
+}
+
+/// Expects that documents are refused as the rows of a data file tell: what is put into the full
+/// one and into the changes, which are called so, and what the reason holds.
+inline void ExpectRefusals(const std::string& file, const Json& full, const Json& changes) {
+  for (const Json& row : DataOf(file)) {
+    const std::string reason = MessageOf<Documents::DocumentError>([&] {
+      Documents::ApplyIncrement({"full", Spoiled(full, row[0])},
+                                {"changes", Spoiled(changes, row[1])});
+    });
+    EXPECT_THAT(reason, testing::HasSubstr(row[2].get<std::string>())) << row;
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "module/ModuleUnderTest.h"
+#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -20,21 +21,8 @@ std::vector<unsigned int> ServedCodes(int processKind) {
   return codes;
 }
 
-/// Codes of both kinds and the one of a kind, ascending.
-std::vector<unsigned int> CodesWith(unsigned int ofItsKind) {
-  std::vector<unsigned int> codes = {
-      1036, 1037, 1038, 1039, 1041,  1045,  1046,  1047,  1060,  1062,  1065,  1068,     1069,
-      1070, 1071, 1072, 1073, 32001, 32004, 32011, 32012, 32022, 32023, 32027, ofItsKind};
-  for (unsigned int code = 1000; code <= 1032; ++code) {
-    if (code != 1004 && code != 1005 && code != 1014 && code != 1028) codes.push_back(code);
-  }
-  std::sort(codes.begin(), codes.end());
-  return codes;
-}
-
 TEST(ActionTable, EachKindOfProcessServesItsCodes) {
-  EXPECT_EQ(ServedCodes(0), CodesWith(1066));
-  EXPECT_EQ(ServedCodes(1), CodesWith(1067));
+  ExpectRows(DataOf("module/served-codes.json"), ServedCodes);
 }
 
 TEST(ActionTable, TheModuleNamesItsProductAndItsFilesAndWarnsOfAnUnknownCode) {

@@ -9,6 +9,7 @@
 
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
+#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -187,39 +188,16 @@ TEST_F(SchemaTest, RefusesATextInPlaceOfAnyRecordOrListAndAListWithoutRecords) {
   EXPECT_EQ(PlacesOf(check.Problems()), PlacesOf(refusals.expected));
 }
 
-struct Row {
-  const char* name;
-  const char* schema;
-  const char* place;
-  const char* value;
-  const char* problem;
-};
-
-const Row ROWS[] = {
-    {"single-without-value", FULL, "/bios", "null", "None is not of type 'object'"},
-    {"part-of-a-byte", FULL, "/disk/0/sizeBytes", "0.5", "0.5 is not of type 'integer'"},
-    {"size-below-zero", FULL, "/disk/0/sizeBytes", "-1", "-1 is less than the minimum of 0"},
-    {"code-beyond-a-byte", FULL, "/device/type", "256", "256 is greater than the maximum of 255"},
-    {"date-as-text", FULL, "/os/installDate", "\"\"", "'' is not of type 'integer', 'null'"},
-    {"whole-record-as-deleted", INCREMENTAL, "/delete/user/0", R"({"userName":"","locked":true})",
-     "Additional properties are not allowed ('locked' was unexpected)"},
-    {"created-memory-slots", INCREMENTAL, "/create", R"({"memorySlot":null})",
-     "Additional properties are not allowed ('memorySlot' was unexpected)"},
-    {"updated-device", INCREMENTAL, "/update", R"({"device":null})",
-     "Additional properties are not allowed ('device' was unexpected)"},
-    {"part-without-sections", INCREMENTAL, "/delete", "{}", "{} does not have enough properties"},
-    {"no-change-of-a-list", INCREMENTAL, "/update/user", "null", "None is not of type 'array'"},
-    {"no-location", INCREMENTAL, "/update/location", "null", "None is not of type 'object'"},
-};
-
 TEST_F(SchemaTest, RefusesWhatNoDocumentMaySay) {
   Lines expected;
-  for (const auto& row : ROWS) {
-    Json document = DocumentOf(row.schema);
-    document[Json::json_pointer(row.place)] = Json::parse(row.value);
-    check.Add(row.schema, row.name, document.dump());
-    expected.insert(std::string(row.schema) + "/" + row.name + "#" + row.place + ": " +
-                    row.problem);
+  const Tests::Json rows = Tests::DataOf("module/schema-refusals.json");
+  for (const Json row : rows) {
+    const std::string schema = row[0], name = row[1];
+    Json document = DocumentOf(schema);
+    document[Json::json_pointer(row[2])] = row[3];
+    check.Add(schema, name, document.dump());
+    expected.insert(schema + "/" + name + "#" + row[2].get<std::string>() + ": " +
+                    row[4].get<std::string>());
   }
   EXPECT_EQ(check.Problems(), expected);
 }
@@ -235,20 +213,13 @@ TEST_F(SchemaTest, RefusesAnIncrementalDocumentWithoutChangesAndWhatIsNoJson) {
   EXPECT_THAT(*problems.rbegin(), testing::StartsWith("inventory/cut: is no JSON: "));
 }
 
-std::string KindOf(SectionKind kind) {
-  switch (kind) {
-    case SectionKind::List:
-      return "list";
-    case SectionKind::ListOfUpdates:
-      return "list, only updates are told";
-    case SectionKind::Device:
-      return "single, always told";
-    case SectionKind::Location:
-      return "single, or null";
-    default:
-      return "single";
-  }
-}
+const std::map<SectionKind, const char*> KINDS = {
+    {SectionKind::List, "list"},
+    {SectionKind::ListOfUpdates, "list, only updates are told"},
+    {SectionKind::Device, "single, always told"},
+    {SectionKind::Location, "single, or null"},
+    {SectionKind::Single, "single"},
+};
 
 template <class Record>
 std::string KeysOfDeletion() {
@@ -269,7 +240,8 @@ TEST(DocumentsGuideTest, HasTheTableOfTheSections) {
       identity = IdentityOf<Record>();
       if (Section::kind == SectionKind::List) deletion = KeysOfDeletion<Record>();
     }
-    rows[section.key] = KindOf(Section::kind) + " | " + identity + " | " + deletion + " |\n";
+    rows[section.key] =
+        std::string(KINDS.at(Section::kind)) + " | " + identity + " | " + deletion + " |\n";
   });
   std::string table;
   for (const auto& [key, row] : rows) table += "| `" + key + "` | " + row;

@@ -46,14 +46,9 @@ std::string Binary(const std::string& xml) {
 }
 
 TEST(CoreFoundation, ReadsEveryTypeOfAPropertyListInBothForms) {
-  const std::string xml = PropertyList(Dictionary({{"text", Text("Größe")},
-                                                   {"whole", "<integer>-5</integer>"},
-                                                   {"real", "<real>2.5</real>"},
-                                                   {"huge", "<real>1e30</real>"},
-                                                   {"data", "<data>AAEC</data>"},
-                                                   {"on", "<true/>"},
-                                                   {"date", "<date>2001-01-02T00:00:00Z</date>"},
-                                                   {"list", Array({Text("a"), "<false/>"})}}));
+  const std::string xml = PropertyListOf(R"({"text": "Größe", "whole": -5, "real": 2.5,
+      "huge": {"$real": "1e30"}, "data": {"$data": "AAEC"}, "on": true,
+      "date": {"$date": "2001-01-02T00:00:00Z"}, "list": ["a", false]})");
   for (const std::string& form : {xml, Binary(xml)}) {
     auto list = Read(form);
     ASSERT_TRUE(list);
@@ -108,7 +103,7 @@ TEST(CoreFoundationDeathTest, AFaultyUseEndsTheProgramAndNamesTheObject) {
        [] {
          const void* value = nullptr;
          {
-           const auto root = Read(PropertyList(Dictionary({{"key", Text("inner")}})));
+           const auto root = Read(PropertyListOf(R"({"key": "inner"})"));
            value =
                CFDictionaryGetValue(static_cast<CFDictionaryRef>(root.Get()), String("key").Get());
          }
@@ -184,8 +179,7 @@ TEST(CoreFoundation, HostileListsAreNoLists) {
 }
 
 TEST(CoreFoundation, AListThatIsCutOrDamagedAnywhereDoesNoHarm) {
-  const std::string xml = PropertyList(
-      Dictionary({{"a", Array({Text("b"), "<integer>1</integer>"})}, {"c", "<data>AAEC</data>"}}));
+  const std::string xml = PropertyListOf(R"({"a": ["b", 1], "c": {"$data": "AAEC"}})");
   for (const std::string& whole : {xml, Binary(xml)}) {
     for (std::size_t at = 0; at < whole.size(); ++at) {
       Read(whole.substr(0, at));

@@ -49,17 +49,20 @@ long long FootprintOf(int pid) {
 TEST(RecordedMachine, ProgramsAndFilesAreItsOwnAsLongAsItLives) {
   const std::string before = ::getenv("PATH");
   MacRecording recording;
-  recording.AddProgram("sw_vers", "exit 7\n");
+  recording.AddProgram("sw_vers", "#!/bin/sh\nexit 7\n");
   recording.PutInForce();
   EXPECT_TRUE(IsMachineRecorded());
   EXPECT_EQ(::getenv("PATH"), recording.Path().string() + "/bin:/usr/bin:/bin");
   EXPECT_EQ(::system("sw_vers"), 7 << 8);
-  EXPECT_EQ(MachinePath("/etc/hosts"), recording.Path().string() + "/root/etc/hosts");
+  for (const char* const path : {"/etc/hosts", "/../../etc/hosts"}) {
+    EXPECT_EQ(MachinePath(path), recording.Path().string() + "/root/etc/hosts") << path;
+  }
+  EXPECT_EQ(MachinePath("work/file"), "work/file");
   EXPECT_THROW(RecordedMachine(recording.Path().string()), std::runtime_error);
   recording.End();
   EXPECT_FALSE(IsMachineRecorded());
   EXPECT_EQ(::getenv("PATH"), before);
-  EXPECT_EQ(MachinePath("/etc/hosts"), "/etc/hosts");
+  EXPECT_EQ(MachinePath("/etc/../etc/hosts"), "/etc/../etc/hosts");
   EXPECT_THROW(RecordedMachine("/no/such/folder"), std::runtime_error);
 }
 
@@ -135,12 +138,9 @@ TEST(RecordedMachine, SplitsTheSmBiosFileAtTheEndOfItsEntryPoint) {
 
 TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
   MacRecording files;
-  files.Add("daemon.plist", PropertyList(Dictionary({{"Label", Text("com.example.a")},
-                                                     {"Words", Array({Text("/bin/a"), Text("-x")})},
-                                                     {"Numbers", Array({"<integer>4</integer>"})},
-                                                     {"None", Array({})},
-                                                     {"Off", "<false/>"}})));
-  files.Add("array.plist", PropertyList(Array({Text("Label")})));
+  files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
+      "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
+  files.Add("array.plist", PropertyListOf(R"(["Label"])"));
   const PropertyListFile file((files.Path() / "daemon.plist").string());
   EXPECT_EQ(file.Text("Label"), "com.example.a");
   EXPECT_EQ(file.FirstText("Words"), "/bin/a");

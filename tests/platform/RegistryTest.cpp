@@ -19,23 +19,15 @@ using Norvik::Platform::LiveObjects;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-Keys Named(const std::string& name) { return {{"IORegistryEntryName", Text(name)}}; }
-
-Keys Inherits(const std::string& name, const std::string& superclass) {
-  return {{"IORegistryEntryName", Text(name)}, {"IOObjectInherits", Array({Text(superclass)})}};
-}
-
-Keys InBothPlanes(const std::string& name) {
-  return {{"IORegistryEntryName", Text(name)},
-          {"IORegistryEntryPlanes", Array({Text("IOService"), Text("IODeviceTree")})}};
-}
-
-const std::string TREE =
-    Entry("Root", InBothPlanes("Root"),
-          {Entry("Bridge", Named("bridge"),
-                 {Entry("Chip", InBothPlanes("first"), {Entry("Fast", Inherits("f", "Engine"))}),
-                  Entry("Chip", Named("second"), {Entry("Engine", Named("e"))})}),
-           Entry("Port", InBothPlanes("port"))});
+const Json TREE = Json::parse(R"(
+    ["Root", {"IORegistryEntryPlanes": ["IOService", "IODeviceTree"]},
+      ["Bridge", {"IORegistryEntryName": "bridge"},
+        ["Chip", {"IORegistryEntryName": "first",
+                  "IORegistryEntryPlanes": ["IOService", "IODeviceTree"]},
+          ["Fast", {"IORegistryEntryName": "f", "IOObjectInherits": ["Engine"]}]],
+        ["Chip", {"IORegistryEntryName": "second"}, ["Engine", {"IORegistryEntryName": "e"}]]],
+      ["Port", {"IORegistryEntryName": "port",
+                "IORegistryEntryPlanes": ["IOService", "IODeviceTree"]}]])");
 
 std::string NameOf(const IoObject& entry) {
   io_name_t name = "";
@@ -72,7 +64,7 @@ class RegistryTest : public testing::Test {
     EXPECT_EQ(CountLiveObjects(), LiveObjects());
   }
 
-  void Use(const std::string& root) {
+  void Use(const Json& root) {
     recording.AddRegistry(root);
     recording.PutInForce();
   }
@@ -114,8 +106,7 @@ TEST_F(RegistryTest, WalksUpAndDownInAPlane) {
 }
 
 TEST_F(RegistryTest, PropertiesAreThoseOfTheEntryAndNotOfTheTree) {
-  Use(Entry("Disk", {{"Model", Text("M1")}, {"IORegistryEntryID", "<integer>4</integer>"}},
-            {Entry("Part", {})}));
+  Use({"Disk", {{"Model", "M1"}, {"IORegistryEntryID", 4}}, {"Part", Json::object()}});
   const IoObject disk = Service("Disk");
   CFMutableDictionaryRef stored = nullptr;
   ASSERT_EQ(IORegistryEntryCreateCFProperties(disk.Get(), &stored, kCFAllocatorDefault, 0), 0);
@@ -140,10 +131,9 @@ TEST_F(RegistryTest, WhatIsNoRegistryIsEmpty) {
   }
   for (int i = 0; i < 100000; ++i) deep += "</array></dict>";
   for (const std::string& content :
-       {std::string(), std::string("garbage"), PropertyList(Text("Engine")), PropertyList(deep),
-        PropertyList(TREE).substr(0, 900),
-        PropertyList(Dictionary({{"IOObjectClass", Array({Text("Engine")})},
-                                 {"IORegistryEntryChildren", Text("Engine")}}))}) {
+       {std::string(), std::string("garbage"), PropertyListOf("\"Engine\""), PropertyList(deep),
+        PropertyListOf(RegistryEntry(TREE)).substr(0, 900),
+        PropertyListOf(R"({"IOObjectClass": ["Engine"], "IORegistryEntryChildren": "Engine"})")}) {
     recording.Add("ioregistry.plist", content);
     recording.PutInForce();
     EXPECT_THAT(Services("Engine"), IsEmpty()) << content.substr(0, 300);

@@ -68,8 +68,7 @@ TEST(ReplacementFile, LeftByAKilledProcessGoesAndNothingElse) {
   }
   RemoveLeftReplacements(folder.Path().string());
   EXPECT_THAT(FilesBelow(folder.Path()),
-              UnorderedElementsAre("./a.zip.new-x1Y2z3", "./.a.zip.new-x1", "./.hidden",
-                                   "./work/b"));
+              UnorderedElementsAre("./a.zip.new-x1Y2z3", "./.a.zip.new-x1", "./.hidden", "work/b"));
   RemoveLeftReplacements((folder / "missing").string());
 }
 

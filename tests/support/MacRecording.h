@@ -1,18 +1,27 @@
 #pragma once
 
-#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "platform/RecordedMachine.h"
+#include "support/Cases.h"
 #include "support/Files.h"
 #include "support/PropertyListText.h"
 #include "support/TemporaryFolder.h"
 
 namespace Norvik::Tests {
+
+/// An entry of a recorded I/O registry and what stands below it, in the form of the recording:
+/// `["Class", {"property": ...}, child, ...]`. The class is the name as well, if none is given.
+inline Json RegistryEntry(const Json& entry) {
+  Json list = {{"IORegistryEntryName", entry[0]}, {"IOObjectClass", entry[0]}};
+  if (entry.size() > 1) list.update(entry[1]);
+  for (std::size_t child = 2; child < entry.size(); ++child) {
+    list["IORegistryEntryChildren"].push_back(RegistryEntry(entry[child]));
+  }
+  return list;
+}
 
 /// A recorded Mac that a test writes itself and puts in force.
 class MacRecording {
@@ -23,12 +32,20 @@ class MacRecording {
     return *this;
   }
   MacRecording& AddProgram(const std::string& name, const std::string& script) {
-    Add("bin/" + name, "#!/bin/sh\n" + script);
+    Add("bin/" + name, script);
     boost::filesystem::permissions(folder_ / "bin" / name, boost::filesystem::owner_all);
     return *this;
   }
-  MacRecording& AddRegistry(const std::string& root) {
-    return Add("ioregistry.plist", PropertyList(root));
+  /// What the program of a call prints: a text, or a property list from any other value.
+  MacRecording& AddAnswer(const std::string& call, const Json& answer) {
+    const std::string file = std::to_string(++answers_);
+    Add("data/" + file, answer.is_string() ? answer.get<std::string>() : PropertyListOf(answer));
+    Add("answers.txt", ContentOf(folder_ / "answers.txt") + call + "|" + file + "\n");
+    return AddProgram(call.substr(0, call.find(' ')),
+                      ContentOf(NORVIK_SOURCE_DIR "/tests/machines/answer"));
+  }
+  MacRecording& AddRegistry(const Json& root) {
+    return Add("ioregistry.plist", PropertyListOf(RegistryEntry(root)));
   }
 
   void PutInForce() { machine_.emplace(folder_.Path().string()); }
@@ -37,21 +54,8 @@ class MacRecording {
 
  private:
   TemporaryFolder folder_;
+  int answers_ = 0;
   std::optional<Platform::RecordedMachine> machine_;
 };
-
-using Keys = std::vector<std::pair<std::string, std::string>>;
-
-/// An entry of a recorded I/O registry: properties and children as property-list text. The class is
-/// the name as well, if none is given.
-inline std::string Entry(const std::string& className, Keys properties,
-                         const std::vector<std::string>& children = {}) {
-  const auto isName = [](const auto& item) { return item.first == "IORegistryEntryName"; };
-  const bool named = std::any_of(properties.begin(), properties.end(), isName);
-  properties.insert(properties.begin(), {"IOObjectClass", Text(className)});
-  if (!named) properties.insert(properties.begin(), {"IORegistryEntryName", Text(className)});
-  if (!children.empty()) properties.push_back({"IORegistryEntryChildren", Array(children)});
-  return Dictionary(properties);
-}
 
 }  // namespace Norvik::Tests

@@ -1,27 +1,33 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace Norvik::Tests {
 
-// Property lists as the tools of macOS print them.
-
-inline std::string Text(const std::string& text) { return "<string>" + text + "</string>\n"; }
-
-inline std::string Array(const std::vector<std::string>& values) {
-  std::string text = "<array>\n";
-  for (const auto& value : values) text += value;
-  return text + "</array>\n";
+/// A value of a property list as the tools of macOS print it. `{"$data": "AAEC"}` is an element of
+/// that name, `{"$": "<x/>"}` goes in as it stands; so do the references in texts.
+inline std::string ListValue(const nlohmann::ordered_json& value) {
+  const auto element = [](const std::string& name, const std::string& content) {
+    return "<" + name + ">" + content + "</" + name + ">\n";
+  };
+  std::string content;
+  if (value.is_string()) return element("string", value);
+  if (value.is_boolean()) return value ? "<true/>\n" : "<false/>\n";
+  if (value.is_number()) return element(value.is_number_float() ? "real" : "integer", value.dump());
+  if (value.is_array()) {
+    for (const auto& item : value) content += ListValue(item);
+    return element("array", content);
+  }
+  for (const auto& [key, item] : value.items()) {
+    if (key == "$") return item;
+    if (key[0] == '$') return element(key.substr(1), item);
+    content += "\t" + element("key", key) + "\t" + ListValue(item);
+  }
+  return element("dict", content);
 }
 
-inline std::string Dictionary(const std::vector<std::pair<std::string, std::string>>& entries) {
-  std::string text = "<dict>\n";
-  for (const auto& [key, value] : entries) text += "\t<key>" + key + "</key>\n\t" + value;
-  return text + "</dict>\n";
-}
-
+/// A whole list around the text of its value.
 inline std::string PropertyList(const std::string& value) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST "
          "1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist "
@@ -29,14 +35,12 @@ inline std::string PropertyList(const std::string& value) {
          value + "</plist>\n";
 }
 
-/// A report of one type of data, as systems of 2011 and later print it.
-inline std::string Report(const std::string& type, const std::vector<std::string>& items) {
-  const auto words = Array({Text("/usr/sbin/system_profiler"), Text("-xml"), Text(type)});
-  return PropertyList(Array({Dictionary({{"_SPCommandLineArguments", words},
-                                         {"_SPCompletionInterval", "<real>0.25</real>\n"},
-                                         {"_dataType", Text(type)},
-                                         {"_items", Array(items)},
-                                         {"_timeStamp", "<date>2024-05-06T07:08:09Z</date>\n"}})}));
+/// A whole list from a value in JSON.
+inline std::string PropertyListOf(const nlohmann::ordered_json& value) {
+  return PropertyList(ListValue(value));
+}
+inline std::string PropertyListOf(const char* value) {
+  return PropertyListOf(nlohmann::ordered_json::parse(value));
 }
 
 }  // namespace Norvik::Tests

@@ -6,11 +6,13 @@
 #include "common/commands/CommandWords.h"
 #include "common/commands/Execute.h"
 #include "common/text/Text.h"
+#include "support/Cases.h"
 #include "support/LogCapture.h"
 
 namespace {
 
 using namespace Norvik::Common;
+using namespace Norvik::Tests;
 using namespace testing;
 
 TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
@@ -21,32 +23,19 @@ TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
       {"echo one >&2; echo >&2; printf two >&2; exit 3", "", ElementsAre("one", "two")},
       {"no-such-tool-of-norvik -x", "", ElementsAre(_)}};
   for (const auto& [command, output, logged] : cases) {
-    const Norvik::Tests::LogCapture log;
+    const LogCapture log;
     EXPECT_TRUE(CommandRunner::ExecCommand(command) == output) << command;
     EXPECT_THAT(log.Texts(Logger::LEVEL_DETAIL), logged) << command;
   }
 }
 
 TEST(CommandWords, AreSplitAsAShellDoes) {
-  const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"  \t\n ", {}},
-      {"ls -l  /tmp ", {"ls", "-l", "/tmp"}},
-      {"a 'b c' \"d e\"", {"a", "b c", "d e"}},
-      {"a'b'\"c\"d", {"abcd"}},
-      {"'' \"\"", {"", ""}},
-      {R"(a\ b \'c \\)", {"a b", "'c", "\\"}},
-      {R"('a\b' "a\b" "a\"b" "\$x\\")", {"a\\b", "a\\b", "a\"b", "$x\\"}},
-      {"a\\\nb \"c\\\nd\"", {"ab", "cd"}},
-      {"$HOME * ; x", {"$HOME", "*", ";", "x"}},
-  };
-  for (const auto& [line, words] : cases) {
-    const auto split = SplitCommandWords(line);
-    ASSERT_TRUE(split) << line;
-    EXPECT_EQ(*split, words) << line;
-  }
-  for (const auto* open : {"'a", "a \"b", "a\\", "\"a\\\"", "\"a\\"}) {
-    EXPECT_FALSE(SplitCommandWords(open)) << open;
-  }
+  const Json tables = DataOf("common/commands/words.json");
+  ExpectRows(
+      tables.front(), +[](const std::string& line) {
+        const auto words = SplitCommandWords(line);
+        return words ? Json(*words) : Json();
+      });
 }
 
 TEST(Execute, RunsWithoutAShellAndKeepsBothChannels) {

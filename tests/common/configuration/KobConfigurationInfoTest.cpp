@@ -6,11 +6,13 @@
 #include <set>
 #include <sstream>
 
+#include "support/Cases.h"
 #include "support/CommaLocale.h"
 
 namespace {
 
 using Info = Norvik::Common::KobConfigurationInfo;
+using namespace Norvik::Tests;
 using Norvik::Common::ScheduleInfo;
 using Texts = std::vector<std::string>;
 
@@ -21,20 +23,10 @@ std::string TextOf(const Info& info) {
 }
 
 TEST(KobConfigurationInfo, HasADifferentTextForEveryDifference) {
-  const Texts contents[] = {{""},
-                            {"", ""},
-                            {"a"},
-                            {"a", "b"},
-                            {"ab"},
-                            {"a,b"},
-                            {"a,1:b"},
-                            {"b", "a"},
-                            {"a", ""},
-                            {"", "a"},
-                            {"a];excludedPaths=1[1:a"},
-                            {"none"},
-                            {std::string("\0", 1)}};
-  const ScheduleInfo schedules[] = {{0, 0}, {1, 0}, {0, 1}, {11, 1}, {1, 11}, {-1, 1}};
+  const Json& different = DataOf("common/configuration/different.json");
+  const auto contents = different["lists"].get<std::vector<Texts>>();
+  std::vector<ScheduleInfo> schedules;
+  for (const Json& row : different["schedules"]) schedules.push_back({row[0], row[1]});
   std::vector<Info> infos(2);
   infos[1].inventoryOnLogon = true;
   for (const auto list : {&Info::excludedFiles, &Info::excludedPaths, &Info::additionalExtensions,

@@ -4,42 +4,17 @@
 #include <unistd.h>
 
 #include "common/identification/HostInfoProvider.h"
+#include "support/SmbiosTable.h"
 
 namespace {
 
 using namespace Norvik::Common;
-using Bytes = std::vector<std::uint8_t>;
-
-/// A structure as firmware lays it out: the fields behind the header, then the texts.
-void Append(Bytes& table, std::uint8_t type, std::uint8_t handle, const Bytes& fields,
-            const std::vector<std::string>& texts) {
-  table.insert(table.end(), {type, static_cast<std::uint8_t>(4 + fields.size()), handle, 0});
-  table.insert(table.end(), fields.begin(), fields.end());
-  for (const auto& text : texts) {
-    table.insert(table.end(), text.begin(), text.end());
-    table.push_back(0);
-  }
-  table.insert(table.end(), texts.empty() ? 2 : 1, 0);
-}
-
-/// Firmware, system, two memory modules, end; and where each structure ends.
-struct Machine {
-  Machine() {
-    Add(0, {1, 2, 0x00, 0xE0, 3, 0xFF}, {"Fjord Firmware", "412.0.0", "03/14/2022"});
-    Add(1, {1, 2, 0, 3}, {"Fjord", "Skerry 14", "C02XK0"});
-    Add(17, {0x10, 0x00, 0x00, 0x20, 1}, {"DIMM 0"});
-    Add(17, {0x11, 0x00, 0xFF, 0x7F, 0}, {});
-    Append(table, 127, 9, {}, {});
-  }
-  void Add(std::uint8_t type, const Bytes& fields, const std::vector<std::string>& texts) {
-    Append(table, type, static_cast<std::uint8_t>(ends.size()), fields, texts);
-    ends.push_back(table.size());
-  }
-  Bytes table;
-  std::vector<std::size_t> ends;
-};
-
+using namespace Norvik::Tests;
 using List = std::list<const SmBios::CStruct*>;
+
+const Json TABLES = DataOf("common/identification/tables.json");
+/// Firmware, system, two memory modules, end.
+const Json& MACHINE = TABLES["machine"];
 
 List StructuresOf(const SmBios& bios, std::uint8_t type) {
   List structures;
@@ -56,7 +31,7 @@ std::size_t CountOf(const SmBios& bios) {
 }
 
 TEST(SmBios, ListsTheStructuresOfATypeInTableOrder) {
-  SmBios bios(0x301, Machine().table);
+  SmBios bios(0x301, SmbiosTableOf(MACHINE));
   EXPECT_TRUE(bios.IsValid());
   EXPECT_EQ(bios.GetVersion(), 769u);
   EXPECT_EQ(CountOf(bios), 4u);
@@ -77,7 +52,7 @@ TEST(SmBios, ListsTheStructuresOfATypeInTableOrder) {
 }
 
 TEST(SmBios, ReadsNothingBeyondAStructure) {
-  const SmBios bios(0x301, Machine().table);
+  const SmBios bios(0x301, SmbiosTableOf(MACHINE));
   const auto* const system = StructuresOf(bios, 1).front();
   EXPECT_EQ(system->Length(), 8u);
   for (const unsigned long text : {0ul, 4ul, ~0ul}) EXPECT_EQ(system->GetString(text), "") << text;
@@ -93,38 +68,31 @@ TEST(SmBios, ReadsNothingBeyondAStructure) {
 TEST(SmBios, KeepsTheWholeStructuresOfATableThatWasCut) {
   EXPECT_FALSE(SmBios().IsValid());
   EXPECT_EQ(SmBios().GetVersion(), 0u);
-  const Machine machine;
-  for (std::size_t length = 0; length <= machine.table.size(); ++length) {
-    const auto cut = machine.table.begin() + static_cast<std::ptrdiff_t>(length);
-    SmBios bios(0x301, Bytes(machine.table.begin(), cut));
-    const auto whole = std::count_if(machine.ends.begin(), machine.ends.end(),
-                                     [&](std::size_t end) { return end <= length; });
-    EXPECT_EQ(CountOf(bios), static_cast<std::size_t>(whole)) << length;
-    EXPECT_EQ(bios.IsValid(), whole > 0) << length;
-    EXPECT_EQ(bios.GetVersion(), whole > 0 ? 0x301u : 0u) << length;
+  Json before = Json::array();
+  std::size_t begin = 0;
+  for (std::size_t whole = 0; whole < MACHINE.size(); ++whole) {
+    before.push_back(MACHINE[whole]);
+    const SmbiosBytes table = SmbiosTableOf(before);
+    // The structure that ends the table does not count.
+    for (std::size_t length = begin; length < table.size(); ++length) {
+      const auto cut = table.begin() + static_cast<std::ptrdiff_t>(length);
+      SmBios bios(0x301, {table.begin(), cut});
+      EXPECT_EQ(CountOf(bios), whole) << length;
+      EXPECT_EQ(bios.IsValid(), whole > 0) << length;
+      EXPECT_EQ(bios.GetVersion(), whole > 0 ? 0x301u : 0u) << length;
+    }
+    begin = table.size();
   }
 }
 
+std::size_t CountBehindOne(const SmbiosBytes& rest) {
+  SmbiosBytes table = SmbiosTableOf(Json::array({MACHINE[0]}));
+  table.insert(table.end(), rest.begin(), rest.end());
+  return CountOf(SmBios(0x301, table));
+}
+
 TEST(SmBios, EndsWhereTheBytesAreDamaged) {
-  Bytes whole;
-  Append(whole, 1, 0, {1}, {"one"});
-  const std::pair<Bytes, std::size_t> cases[] = {
-      {{}, 1},
-      {{2, 4, 0, 0, 0, 0}, 2},
-      {{2, 0, 0, 0, 0, 0}, 1},
-      {{2, 1, 0, 0, 0, 0}, 1},
-      {{2, 3, 0, 0, 0, 0}, 1},
-      {{2, 255, 0, 0, 0, 0}, 1},                    // longer than the table
-      {{2, 4, 0, 0, 0}, 1},                         // one NUL
-      {{2, 4, 0, 0, 0, 3, 4, 0}, 1},                // one NUL, more behind it
-      {{2, 4, 0, 0, 'a', 'b'}, 1},                  // a text without end
-      {{127, 4, 0, 0, 0, 0, 2, 4, 0, 0, 0, 0}, 1},  // behind the end
-  };
-  for (const auto& [rest, count] : cases) {
-    Bytes table = whole;
-    table.insert(table.end(), rest.begin(), rest.end());
-    EXPECT_EQ(CountOf(SmBios(0x301, table)), count) << testing::PrintToString(rest);
-  }
+  ExpectRows(TABLES["what follows a structure, and how many there are"], CountBehindOne);
 }
 
 TEST(HostInfoProvider, GivesTheNameThatTheSystemHas) {

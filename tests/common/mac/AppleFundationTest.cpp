@@ -27,12 +27,8 @@ CfRef<CFPropertyListRef> ReadFile(const boost::filesystem::path& path) {
 
 TEST(AppleFundation, ReadsTextsAndNumbersOfAFile) {
   MacRecording files;
-  files.Add("a.plist", PropertyList(Dictionary({{"Größe", Text("groß")},
-                                                {"size", "<integer>8000000000</integer>"},
-                                                {"below", "<integer>-1</integer>"},
-                                                {"real", "<real>2.5</real>"},
-                                                {"data", "<data>AAEC</data>"},
-                                                {"on", "<true/>"}})));
+  files.Add("a.plist", PropertyListOf(R"({"Größe": "groß", "size": 8000000000, "below": -1,
+      "real": 2.5, "data": {"$data": "AAEC"}, "on": true})"));
   {
     const auto list = ReadFile(files.Path() / "a.plist");
     ASSERT_TRUE(list);
@@ -65,13 +61,10 @@ TEST(AppleFundation, ReadsTextsAndNumbersOfAFile) {
 }
 
 TEST(AppleFundation, FindsTheFirstOfAClassBelowAnEntry) {
-  const Keys derived = {{"IORegistryEntryName", Text("third")},
-                        {"IOObjectInherits", Array({Text("Wanted")})}};
   MacRecording recording;
-  recording.AddRegistry(
-      Entry("Root", {},
-            {Entry("A", {}, {Entry("B", {}, {Entry("Wanted", {{"n", Text("1")}})})}),
-             Entry("Wanted", {}), Entry("C", {}, {Entry("Derived", derived)})}));
+  recording.AddRegistry(Json::parse(R"(["Root", {}, ["A", {}, ["B", {}, ["Wanted", {"n": "1"}]]],
+      ["Wanted"], ["C", {}, ["Derived", {"IORegistryEntryName": "third",
+                                          "IOObjectInherits": ["Wanted"]}]]])"));
   recording.PutInForce();
   const auto found = [](const char* below, const char* className) -> std::string {
     IoObject entry(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(below)));

@@ -4,6 +4,7 @@
 
 #include <boost/property_tree/ptree.hpp>
 
+#include "support/Cases.h"
 #include "support/LogCapture.h"
 #include "support/PropertyListText.h"
 
@@ -29,44 +30,18 @@ std::string Parsed(const std::string& xml, const std::string& path = "plist.arra
   return TextOf(tree);
 }
 
-TEST(MacXMLToJSONParser, TurnsAPropertyListIntoATree) {
-  const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"dictionary", "<dict><key>a</key><string>x</string><key>b</key><integer>-7</integer></dict>",
-       "{a=x;b=-7}"},
-      {"nested array", "<array><string>x</string><array/></array>", "{=x;=}"},
-      {"data as it stands", "<dict><key>d</key><data>\n\tAAEC\n\tAwQ=\n\t</data></dict>",
-       "{d=\n\tAAEC\n\tAwQ=\n\t}"},
-      {"truth", "<dict><key>t</key><true/><key>f</key><false/></dict>", "{t=true;f=false}"},
-      {"escapes", "<dict><key>a&amp;b</key><string>&lt;&#65;<![CDATA[<]]>\xC3\xBC</string></dict>",
-       "{a&b=<A<\xC3\xBC}"},
-      {"comment", "<dict><!-- <key>no</key> --><key>a</key> <string>x<!-- y -->z</string></dict>",
-       "{a=xz}"},
-      {"dot in a key", "<dict><key>a.b</key><string>x</string></dict>", "{a.b=x}"},
-      {"control characters", "<string>C02\x01\x1FX</string>", "=C02  X"},
-      {"key without value", "<dict><key>a</key><key>b</key><string>x</string><key>c</key></dict>",
-       "{b=x}"},
-      {"value without key", "<dict><string>x</string></dict>", "{=x}"},
-      {"elements in a key", "<dict><key>a<key>b</key><dict/></key><string>x</string></dict>",
-       "{a=x}"},
-      {"key in an array", "<array><key>a</key></array>", "{=a}"},
-      {"empty", "<dict/>", "="},
-  };
-  for (const auto& [name, value, tree] : rows) {
-    EXPECT_EQ(Parsed(PropertyList(Array({value}))), "array{" + std::string(tree) + "}") << name;
-    EXPECT_EQ(Parsed(PropertyList(value), "plist"), "plist{" + std::string(tree) + "}") << name;
-  }
+std::string ParsedValue(const std::string& value) {
+  const std::string inList = Parsed(PropertyList("<array>" + value + "</array>"));
+  EXPECT_EQ(inList.substr(0, 5), "array") << value;
+  EXPECT_EQ(Parsed(PropertyList(value), "plist"), "plist" + inList.substr(5)) << value;
+  return inList.substr(5);
 }
 
-TEST(MacXMLToJSONParser, TakesTheFirstElementAtThePath) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"<plist><array><true/></array><array><false/></array></plist>", "array{=true}"},
-      {"<plist><dict><array/></dict><array><true/></array></plist>", "array{=true}"},
-      {"<plist><plist><array><true/></array></plist></plist>", ""},
-      {"<array><true/></array>", ""},
-      {"<plist><dict/></plist>", ""},
-      {"<plist><array/></plist>", "array="},
-  };
-  for (const auto& [xml, tree] : rows) EXPECT_EQ(Parsed(xml), tree) << xml;
+TEST(MacXMLToJSONParser, TurnsAPropertyListIntoATree) {
+  const Json tables = DataOf("common/mac/property-lists.json");
+  ExpectRows(tables["values"], ParsedValue);
+  ExpectRows(
+      tables["first element at the path"], +[](const std::string& xml) { return Parsed(xml); });
 }
 
 TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
@@ -86,7 +61,7 @@ TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
       {"no XML", "Graphics/Displays:\n\n    Fjord Graphics:\n"},
       {"binary", std::string("bplist00\xD1\x00\x01\xFF", 12)},
       {"no UTF-8", "<plist><array><string>\xFF</string></array></plist>"},
-      {"something behind it", PropertyList(Array({})) + "x"},
+      {"something behind it", PropertyListOf("[]") + "x"},
       {"crossed", "<plist><array></plist></array>"},
       {"too deep", nested(512)},
       {"millions of elements", "<plist><array>" + times(1000000, "<a/>") + "</array></plist>"},
@@ -97,7 +72,8 @@ TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
   };
   for (const auto& [name, xml] : rows) EXPECT_EQ(Parsed(xml), "") << name;
   EXPECT_EQ(log.Texts(5).size(), std::size(rows));
-  const auto whole = Report("SPUSBDataType", {Dictionary({{"_name", Text("USB\xE2\x82\xAC")}})});
+  const auto whole =
+      PropertyListOf("[{\"_dataType\": \"SPUSBDataType\", \"_items\": [{\"_name\": \"USB€\"}]}]");
   const auto end = whole.rfind('>');
   for (std::size_t length = 0; length < end; ++length) {
     ASSERT_EQ(Parsed(whole.substr(0, length)), "") << length;
@@ -106,10 +82,7 @@ TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
 
 TEST(MacXMLToJSONParser, FindsTheFirstNodeOfANameAtAnyDepth) {
   ptree tree;
-  MacXMLToJSONParser(
-      PropertyList(Dictionary(
-          {{"a", Dictionary({{"b", Dictionary({{"x", Text("deep")}})}})}, {"x", Text("late")}})),
-      tree)
+  MacXMLToJSONParser(PropertyListOf(R"({"a": {"b": {"x": "deep"}}, "x": "late"})"), tree)
       .Parse("plist");
   const auto found = MacXMLToJSONParser::SearchNode(tree, "x");
   ASSERT_TRUE(found);

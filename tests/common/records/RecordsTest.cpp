@@ -37,15 +37,6 @@ TYPED_TEST(LenientRecordTest, ARecordSurvivesWhateverTheLocale) {
   }
 }
 
-TEST(RecordsTest, IdentityIsWhatTheDeletedFormKeeps) {
-  EXPECT_EQ(IdentityOf<ProcessorInfo>(), "index");
-  EXPECT_EQ(IdentityOf<PhysicalDiskInfo>(), "pnpDeviceId");
-  EXPECT_EQ(IdentityOf<NetworkAdapterInfo>(), "name");
-  EXPECT_EQ(IdentityOf<SmbMemoryDeviceInfo>(), "name");
-  EXPECT_EQ(IdentityOf<SmbPortConnectorInfo>(), "erd name");
-  EXPECT_EQ(IdentityOf<SoftwareRegisteredInfo>(), "name productCode softwareKey");
-}
-
 TEST(RecordsTest, ASizeAboveTheSignedRangeIsNegativeInADocumentAndPlainInATree) {
   LogicalDiskInfo volume = Filled<LogicalDiskInfo>();
   volume.sizeBytes = 18446744073709551615u;

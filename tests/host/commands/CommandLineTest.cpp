@@ -7,13 +7,17 @@
 #include "host/HostError.h"
 #include "host/TextFile.h"
 #include "host/commands/ActionArguments.h"
+#include "support/Cases.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
+using namespace Norvik::Tests;
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+const Json REFUSED = DataOf("host/commands/refused.json");
 
 CommandLine Parse(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "norvik-agent");
@@ -50,33 +54,21 @@ TEST(CommandLine, TakesTheParametersOfAnActionInOrder) {
 }
 
 TEST(CommandLine, WrongUseIsToldOnOneLineWithTheOption) {
-  const struct {
-    std::vector<std::string> arguments;
-    const char* error;
-  } cases[] = {
-      {{}, "a command is wanted; the commands are inventory, files, explain, open, apply"},
-      {{"inventry"}, "unknown command inventry; the commands are inventory"},
-      {{"inventory", "--full"}, "--full"},
-      {{"inventory", "extra"}, "extra"},
-      {{"open"}, "FILE"},
-      {{"open", ""}, "FILE"},
-      {{"apply", "full.json"}, "INCREMENTAL"},
-      {{"diff", "old.json", "new.json", "--output", ""}, "--output"},
-      {{"action"}, "ACTION"},
-      {{"configure"}, "FILE"},
-      {{"status", "--data"}, "--data"},
-      {{"status", "--data", ""}, "--data"},
-      {{"status", "--log-level", "8"}, "--log-level: Value 8 not in range 2 to 7"},
-      {{"status", "--log-level", "x"}, "--log-level"},
-  };
-  for (const auto& row : cases) {
-    try {
-      Parse(row.arguments);
-      ADD_FAILURE() << "accepted, where this was expected: " << row.error;
-    } catch (const UsageError& error) {
-      EXPECT_THAT(OnOneLine(error.what()), HasSubstr(row.error));
-    }
+  for (const Json& row : REFUSED["command lines"]) {
+    EXPECT_THAT(OnOneLine(MessageOf<UsageError>([&] { Parse(row[0]); })),
+                HasSubstr(row[1].get<std::string>()))
+        << row;
   }
+}
+
+TEST(CommandLine, AUsersProcessLooksForTheServiceOfTheMachineInAFolderOfItsOwn) {
+  const CommandLine user = Parse({"user"});
+  EXPECT_TRUE(user.agent.userProcess);
+  EXPECT_NE(user.agent.dataFolder, Parse({"run"}).agent.dataFolder);
+  EXPECT_EQ(user.socket, "/var/run/norvik/agent.sock");
+  EXPECT_EQ(Parse({"user", "--data", "/d"}).socket, user.socket);
+  EXPECT_EQ(Parse({"run", "--data", "/d"}).socket, "/d/agent.sock");
+  EXPECT_EQ(Parse({"status", "--data", "/d", "--socket", "/s"}).socket, "/s");
 }
 
 TEST(CommandLine, HelpIsNoError) {
@@ -98,26 +90,13 @@ TEST(ActionArguments, ReadsTextsFlagsAndNumbers) {
 }
 
 TEST(ActionArguments, RefusesWhatIsNoParameterAndNamesIt) {
-  const struct {
-    std::vector<std::string> arguments;
-    const char* error;
-  } cases[] = {{{"name"}, "parameter name wants the form key=value"},
-               {{"=x"}, "parameter =x wants the form"},
-               {{":bool=true"}, "parameter :bool=true wants the form"},
-               {{"on:bool=yes"}, "parameter on:bool wants true or false"},
-               {{"pid:u64=-1"}, "parameter pid:u64 wants a whole number"},
-               {{"pid:u64=18446744073709551616"}, "parameter pid:u64 wants a whole number"},
-               {{"pid:u64="}, "parameter pid:u64 wants a whole number"},
-               {{"pid:u64=1x"}, "parameter pid:u64 wants a whole number"},
-               {{"name=\xFF"}, "parameter name wants UTF-8"},
-               {{"a=1", "a:u64=2"}, "parameter a is given twice"}};
-  for (const auto& row : cases) {
-    try {
-      ParseActionParameters(row.arguments);
-      ADD_FAILURE() << "accepted, where this was expected: " << row.error;
-    } catch (const UsageError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(row.error));
-    }
+  for (const Json& row : REFUSED["parameters"]) {
+    const auto arguments = row[0].get<std::vector<Bytes>>();
+    EXPECT_THAT(MessageOf<UsageError>([&] {
+                  ParseActionParameters({arguments.begin(), arguments.end()});
+                }),
+                HasSubstr(row[1].get<std::string>()))
+        << row;
   }
 }
 

@@ -9,11 +9,13 @@
 #include "host/commands/InventoryWatch.h"
 #include "host/commands/Rendering.h"
 #include "host/commands/WatchedPipeline.h"
+#include "support/Cases.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
+using namespace Norvik::Tests;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -41,61 +43,49 @@ TEST(InventoryWatch, FollowsTheSectionsAndLooksUpTheirPlaces) {
   EXPECT_EQ(watch.FallbackReason(), "");
 }
 
+std::string ReasonOf(const std::vector<std::pair<int, std::string>>& lines) {
+  InventoryWatch watch({});
+  See(watch, lines);
+  return watch.FallbackReason();
+}
+
 TEST(InventoryWatch, TellsWhyATotalInventoryWasSent) {
-  const std::string fallback =
-      "KOB incremental will not be sent. An KOB total inventory will be sent instead";
-  const struct {
-    std::vector<std::pair<int, std::string>> lines;
-    const char* reason;
-  } cases[] = {{{{4, "No new updates. KOB incremental inventory will not be sent"}, {3, fallback}},
-                "No new updates. KOB incremental inventory will not be sent"},
-               {{{2, "The JSON file at the specified location 'x' does not exist"}, {3, fallback}},
-                "The JSON file at the specified location 'x' does not exist"},
-               {{{3, fallback}}, "the comparison failed"},
-               {{{2, "Unable to compress a from b"}}, ""}};
-  for (const auto& row : cases) {
-    InventoryWatch watch({});
-    See(watch, row.lines);
-    EXPECT_EQ(watch.FallbackReason(), row.reason);
-  }
+  ExpectRows(DataOf("host/commands/fallbacks.json"), ReasonOf);
+}
+
+std::map<std::string, std::size_t> CountsIn(const std::string& document) {
+  std::istringstream stream(document);
+  return CountRecords(stream);
 }
 
 TEST(DocumentCounts, CountsTheRecordsOfEachKey) {
-  std::istringstream document(
-      R"({"a":[{"x":[1,2]},{"y":{}}],"b":null,"c":{"list":[1,2,3],"o":{}},"d":[],"e":[[1],[2,3],4]})");
-  EXPECT_THAT(CountRecords(document), ElementsAre(Pair("a", 2u), Pair("b", 0u), Pair("c", 1u),
-                                                  Pair("d", 0u), Pair("e", 3u)));
+  EXPECT_THAT(
+      CountsIn(
+          R"({"a":[{"x":[1,2]},{"y":{}}],"b":null,"c":{"list":[1,2,3],"o":{}},"d":[],"e":[[1],[2,3],4]})"),
+      ElementsAre(Pair("a", 2u), Pair("b", 0u), Pair("c", 1u), Pair("d", 0u), Pair("e", 3u)));
   for (const char* text : {"", "[1]", "7", "{\"a\":[1", "null"}) {
-    std::istringstream broken(text);
-    EXPECT_THAT(CountRecords(broken), IsEmpty()) << text;
+    EXPECT_THAT(CountsIn(text), IsEmpty()) << text;
   }
 }
 
 /// Fails one kind of step.
-class FailingPipeline : public IFilePipeline {
- public:
-  explicit FailingPipeline(int failing) : failing_(failing) {}
-  bool Compress(const boost::filesystem::path&, const boost::filesystem::path&) override {
-    return failing_ != PipelineStep::COMPRESS;
+struct StepsPipeline : IFilePipeline {
+  using Path = boost::filesystem::path;
+  bool Compress(const Path&, const Path&) override { return failing != PipelineStep::COMPRESS; }
+  bool Encrypt(const Path&, const Path&) override { return failing != PipelineStep::ENCRYPT; }
+  bool Copy(const Path&, const Path&) override { return failing != PipelineStep::COPY; }
+  bool MoveToOutbox(const Path&, const boost::optional<bool>&) override {
+    return failing != PipelineStep::MOVE;
   }
-  bool Encrypt(const boost::filesystem::path&, const boost::filesystem::path&) override {
-    return failing_ != PipelineStep::ENCRYPT;
-  }
-  bool Copy(const boost::filesystem::path&, const boost::filesystem::path&) override {
-    return failing_ != PipelineStep::COPY;
-  }
-  bool MoveToOutbox(const boost::filesystem::path&, const boost::optional<bool>&) override {
-    return failing_ != PipelineStep::MOVE;
-  }
-
- private:
-  const int failing_;
+  int failing = -1;
 };
 
 TEST(WatchedPipeline, PassesEveryAnswerOnAndKeepsIt) {
   for (const int failing :
        {PipelineStep::COMPRESS, PipelineStep::ENCRYPT, PipelineStep::COPY, PipelineStep::MOVE}) {
-    WatchedPipeline pipeline(std::make_shared<FailingPipeline>(failing));
+    const auto next = std::make_shared<StepsPipeline>();
+    next->failing = failing;
+    WatchedPipeline pipeline(next);
     EXPECT_EQ(pipeline.Compress("a", "b"), failing != PipelineStep::COMPRESS);
     EXPECT_EQ(pipeline.Encrypt("a", "b"), failing != PipelineStep::ENCRYPT);
     EXPECT_EQ(pipeline.Copy("a", "b"), failing != PipelineStep::COPY);

@@ -4,6 +4,8 @@
 
 #include <functional>
 
+#include "support/Cases.h"
+#include "support/Json.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 
@@ -19,12 +21,11 @@ using testing::StartsWith;
 using Store = KOBDataSourceV2;
 using Tests::TestDatabase;
 
+/// The texts of its failures stand in a data file.
 struct Value {
   const char* key;
   std::function<bool(unsigned int)> update;
   std::function<unsigned int()> get;
-  const char* updateFailure;
-  const char* getFailure;
 };
 
 /// An update by a time, which is to be cut to seconds.
@@ -36,28 +37,19 @@ std::function<bool(unsigned int)> Timed(bool (*update)(const Store::TimePoint&))
 
 const Value VALUES[] = {
     {"last_inventory_changed", Timed(&Store::updateLastInventoryChanged),
-     &Store::getLastInventoryChanged,
-     "Unable to Insert last_inventory_changed: ", "Unable to Get last_inventory_changed: "},
+     &Store::getLastInventoryChanged},
     {"inventory_changed_period", &Store::updateInventoryChangedPeriod,
-     &Store::getInventoryChangePeriod,
-     "Unable to Insert inventory_changed_period: ", "Unable to Get inventory_changed_period: "},
+     &Store::getInventoryChangePeriod},
     {"scheduled_inventory_id", &Store::updateScheduleInventoryID,
-     &Store::getLastScheduleInventoryID,
-     "Unable to Insert scheduled_inventory_id: ", "Unable to Get scheduled_inventory_id: "},
+     &Store::getLastScheduleInventoryID},
     {"rud_last_inventory", Timed(&Store::updateRudCompletoLastInventory),
-     &Store::getRudCompletoLastInventory,
-     "Unable to Insert rud_last_inventory: ", "Unable to Get rud_last_inventory: "},
+     &Store::getRudCompletoLastInventory},
     {"datetime_last_inventory", Timed(&Store::updateDateTimeLastInventory),
-     &Store::getDateTimeLastInventory,
-     "Unable to update DateTimeLastInventory KOB: ", "Unable to get DateTimeLastInventory KOB: "},
+     &Store::getDateTimeLastInventory},
     {"Amount_Inventories_Executed_On_Day", &Store::updateAmountInventoriesExecutedOnDay,
-     &Store::getAmountInventoriesExecutedOnDay,
-     "Unable to update Amount_Inventories_Executed_On_Day: ",
-     "Unable to get AmountInventoriesExecutedOnDay KOB: "},
+     &Store::getAmountInventoriesExecutedOnDay},
     {"Amount_Attempts_Executed_On_Time_Slot", &Store::updateAmountAttemptsExecutedOnTimeSlot,
-     &Store::getAmountAttemptsExecutedOnTimeSlot,
-     "Unable to update Amount_Attempts_Executed_On_Time_Slot: ",
-     "Unable to get Amount_Attempts_Executed_On_Time_Slot KOB: "},
+     &Store::getAmountAttemptsExecutedOnTimeSlot},
 };
 
 DataBaseRows RowsOf(const std::string& key) {
@@ -100,8 +92,10 @@ TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
     const Tests::LogCapture log;
     EXPECT_FALSE(value.update(5));
     EXPECT_EQ(value.get(), 0U);
-    EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith(value.updateFailure + std::string("no such")),
-                                          StartsWith(value.getFailure + std::string("no such"))));
+    const Tests::Json& failures = Tests::DataOf("module/DataAccess/failures.json")[value.key];
+    EXPECT_THAT(log.Texts(2),
+                ElementsAre(StartsWith(failures[0].get<std::string>() + ": no such"),
+                            StartsWith(failures[1].get<std::string>() + ": no such")));
   }
 }
 
@@ -120,25 +114,19 @@ TEST(KOBDataSourceV2, SeedsZerosAndLeavesWhatIsThere) {
   const TestDatabase database;
   Store::updateScheduleInventoryID(7);
   Store::checkKOBDataTable();
-  EXPECT_EQ(TestDatabase::Run("select name, value from KOB_DATA order by id"),
-            DataBaseRows({{std::string("scheduled_inventory_id"), std::string("7")},
-                          {std::string("last_inventory_changed"), std::string("0")},
-                          {std::string("inventory_changed_period"), std::string("0")},
-                          {std::string("rud_last_inventory"), std::string("0")}}));
+  const auto rows = TestDatabase::Run(
+      "select group_concat(name || '=' || value) from (select * from KOB_DATA order by id)");
+  EXPECT_EQ(rows, DataBaseRows({{std::string("scheduled_inventory_id=7,last_inventory_changed=0,"
+                                             "inventory_changed_period=0,rud_last_inventory=0")}}));
 }
 
 Common::SoftwareRegisteredInfo Software(const std::string& name, const std::string& version) {
-  Common::SoftwareRegisteredInfo software;
-  software.isPatch = true;
+  Common::SoftwareRegisteredInfo software(tests::ParseJson(R"({"isPatch": true,
+      "uninstallCommand": "remove 'it'", "installDate": 1700000000000, "publisher": "Maker",
+      "sizeBytes": 5000000000, "productCode": "{1}", "source": "store",
+      "location": "/Applications"})"));
   software.name = name;
-  software.uninstallCommand = "remove 'it'";
-  software.installDate = 1700000000;
   software.version = version;
-  software.publisher = "Maker";
-  software.sizeBytes = 5000000000;
-  software.productCode = "{1}";
-  software.source = "store";
-  software.location = "/Applications";
   return software;
 }
 

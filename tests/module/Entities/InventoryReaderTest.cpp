@@ -25,19 +25,28 @@ TEST(InventoryReaderTest, ReadsWhatWasWrittenRecordByRecord) {
   InventoryKOBInfo withoutLists = FilledInventory();
   withoutLists.software.clear();
   withoutLists.location = {};
-  for (const auto& inventory : {InventoryKOBInfo(), FilledInventory(), withoutLists}) {
+  // What the writer lets through, in any place of what is read at once.
+  InventoryKOBInfo withOddBytes = withoutLists;
+  std::string& oddBytes = withOddBytes.networkDrives.front().path;
+  for (int i = 0; i < 2000; ++i) {
+    oddBytes += "\xED\xA0\x80 \xC0\xAF \xF7\xBF\xBF\xBF caf\xC3\xA9 \xF4\x8F\xBE\x80.";
+  }
+  for (const auto& inventory :
+       {InventoryKOBInfo(), FilledInventory(), withoutLists, withOddBytes}) {
     EXPECT_EQ(ReadAndWritten(JsonText(inventory)), JsonText(inventory));
   }
 }
 
-TEST(InventoryReaderTest, RaisesWhatTheTreeOfTheDocumentWould) {
+TEST(InventoryReaderTest, RefusesWhatIsNoDocumentAndASectionThatIsMissingOrOfTheWrongKind) {
   const nlohmann::json whole = nlohmann::json::parse(JsonText(InventoryKOBInfo()));
   const auto with = [&](const char* key, const char* value) {
     auto document = whole;
     document[key] = nlohmann::json::parse(value);
     return document.dump();
   };
-  for (const char* text : {"", "{", "{\"cdrom\":[{", "garbage", "{}}", "{\"cdrom\":nul}"}) {
+  for (const char* text :
+       {"", "{", "{\"cdrom\":[{", "garbage", "{}}", "{\"cdrom\":nul}", "[\"\x80\"]", "[\"\xC3\"]",
+        "[\"\xC3\xC3\xA9\"]", "[\"\xF8\x88\x80\x80\x80\"]"}) {
     EXPECT_THROW(ReadAndWritten(text), json_parser_error) << text;
   }
   EXPECT_THROW(ReadAndWritten("{\"os\":{\"a\":" + std::string(1 << 20, '[')), json_parser_error);

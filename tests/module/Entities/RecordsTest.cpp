@@ -20,23 +20,6 @@ using ComparedRecords =
                    SmbSystemSlotInfo, UserSettings, VideoInfo>;
 INSTANTIATE_TYPED_TEST_SUITE_P(ModuleRecords, RecordSuite, ComparedRecords, RecordName);
 
-TEST(EntitiesTest, EachListRecordIsIdentifiedByOneField) {
-  EXPECT_EQ(IdentityOf<CdromInfo>(), "pnpDeviceId");
-  EXPECT_EQ(IdentityOf<FeaturesInfo>(), "version");
-  EXPECT_EQ(IdentityOf<GroupSettings>(), "name");
-  EXPECT_EQ(IdentityOf<HardwareInfo>(), "pnpDeviceId");
-  EXPECT_EQ(IdentityOf<KeyboardInfo>(), "pnpDeviceId");
-  EXPECT_EQ(IdentityOf<MonitorInfo>(), "model");
-  EXPECT_EQ(IdentityOf<NetworkDriveInfo>(), "unit");
-  EXPECT_EQ(IdentityOf<PrinterInfo>(), "name");
-  EXPECT_EQ(IdentityOf<RunCommandInfo>(), "name");
-  EXPECT_EQ(IdentityOf<ServiceInfo>(), "name");
-  EXPECT_EQ(IdentityOf<SharedResourceInfo>(), "name");
-  EXPECT_EQ(IdentityOf<SmbSystemSlotInfo>(), "slotId");
-  EXPECT_EQ(IdentityOf<UserSettings>(), "userName");
-  EXPECT_EQ(IdentityOf<VideoInfo>(), "name");
-}
-
 // Which of the two conversions a record takes shows under locale "C" alone: what goes through the
 // locale comes back empty there.
 

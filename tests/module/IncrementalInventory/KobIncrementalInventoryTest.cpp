@@ -5,6 +5,7 @@
 
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
+#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -44,51 +45,25 @@ std::string KeysOfGone(const Deleted& deleted) {
   return words;
 }
 
-struct ListRow {
-  const char* name;
-  const char* previous;
-  const char* current;
-  const char* created;
-  const char* updated;
-  const char* deleted;
-};
-
-const ListRow LIST_ROWS[] = {
-    {"nothing changed", "a1 b1 c1", "a1 b1 c1", "", "", ""},
-    {"another order", "a1 b1 c1", "c1 a1 b1", "", "", ""},
-    {"none before", "", "c1 a1 b1", "c1 a1 b1", "", ""},
-    {"none any more", "c1 a1 b1", "", "", "", "c a b"},
-    {"a change is told whole, in the present order", "a1 b1 c1", "c2 b1 a2", "", "c2 a2", ""},
-    {"another key is another record", "a1 b1", "x1 b1", "x1", "", "a"},
-    {"all at once", "a1 b1 c1 d1", "n1 d2 b1 m1", "n1 m1", "d2", "a c"},
-    {"of equal keys the second finds the first", "a1 a2", "a1 a2", "", "a2", ""},
-    {"the first decides though a later one is equal", "a2 a1", "a1", "", "a1", ""},
-    {"duplicates before only", "a1 a1 a1", "a1", "", "", ""},
-    {"different duplicates before only", "a1 a2", "a1", "", "", ""},
-    {"duplicates now only", "a1", "a1 a1 a2 a2", "", "a2 a2", ""},
-    {"created duplicates", "", "a1 a1", "a1 a1", "", ""},
-    {"deleted duplicates", "a1 a2", "", "", "", "a a"},
-};
-
+/// What was created, updated and deleted between two lists, and that these are left alone.
 template <template <class...> class Container>
-void CheckListRows() {
+std::vector<std::string> Compared(const std::string& before, const std::string& now) {
   using Features = Container<FeaturesInfo>;
-  for (const auto& row : LIST_ROWS) {
-    Features created, updated;
-    Container<FeaturesDeletedInfo> deleted;
-    auto previous = FeaturesOf<Features>(row.previous);
-    auto current = FeaturesOf<Features>(row.current);
-    KobIncrementalInventory::GetItems(created, deleted, updated, previous, current);
-    EXPECT_EQ(WordsOf(created), row.created) << row.name;
-    EXPECT_EQ(WordsOf(updated), row.updated) << row.name;
-    EXPECT_EQ(KeysOfGone(deleted), row.deleted) << row.name;
-    EXPECT_EQ(WordsOf(previous), row.previous) << row.name;
-    EXPECT_EQ(WordsOf(current), row.current) << row.name;
-  }
+  Features created, updated;
+  Container<FeaturesDeletedInfo> deleted;
+  auto previous = FeaturesOf<Features>(before);
+  auto current = FeaturesOf<Features>(now);
+  KobIncrementalInventory::GetItems(created, deleted, updated, previous, current);
+  EXPECT_EQ(WordsOf(previous), before);
+  EXPECT_EQ(WordsOf(current), now);
+  return {WordsOf(created), WordsOf(updated), KeysOfGone(deleted)};
 }
 
-TEST(GetItemsTest, ListsAreComparedByTheFirstRecordOfAKey) { CheckListRows<std::list>(); }
-TEST(GetItemsTest, VectorsAreComparedByTheFirstRecordOfAKey) { CheckListRows<std::vector>(); }
+TEST(GetItemsTest, ListsAndVectorsAreComparedByTheFirstRecordOfAKey) {
+  const Tests::Json& rows = Tests::DataOf("module/IncrementalInventory/comparisons.json");
+  Tests::ExpectRows(rows, Compared<std::list>);
+  Tests::ExpectRows(rows, Compared<std::vector>);
+}
 
 class KobIncrementalInventoryTest : public testing::Test {
  protected:

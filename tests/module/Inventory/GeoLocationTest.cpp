@@ -28,51 +28,27 @@ class DrivenClock : public Norvik::Platform::WaitClock {
   std::atomic<std::chrono::milliseconds> waited{std::chrono::milliseconds(0)};
 };
 
-const std::vector<std::string> NOT_FOUND = {
-    "The agent can't find the location of this device.",
-    "Please check if your device has at least the WiFi on and the permissions are set correctly"};
-
-std::string Fix(double after) {
-  return R"({"afterSeconds": )" + std::to_string(after) +
-         R"(, "latitude": 40.5, "longitude": -3.5, "altitude": 650.0, "speed": 1.5})";
+/// The answer of a machine with a recorded location, while a clock drives the wait.
+GeoLocationPoint LocationOf(const std::string& recorded, DrivenClock& clock,
+                            GeoLocationCommon location = GeoLocationCommon()) {
+  MacRecording recording;
+  recording.Add("location.json", recorded).PutInForce();
+  const Norvik::Platform::WaitClockScope inForce(clock);
+  return location.GetLocation();
 }
 
 TEST(GeoLocation, AwaitsAPositionForFiveSeconds) {
-  const std::vector<std::string> disabled = {"Location Services of this device are disabled"};
-  const struct {
-    const char* name;
-    std::string recorded;
-    int seconds;
-    bool isFound;
-    std::vector<std::string> errors;
-    std::vector<std::string> warnings;
-  } cases[] = {
-      {"at once", R"({"enabled": true, "fixes": [)" + Fix(0) + "]}", 0, true, {}, {}},
-      {"in the third second", R"({"enabled": true, "fixes": [)" + Fix(2.5) + "]}", 3, true, {}, {}},
-      {"at the end", R"({"enabled": true, "fixes": [)" + Fix(5) + "]}", 5, true, {}, {}},
-      {"too late", R"({"enabled": true, "fixes": [)" + Fix(5.5) + "]}", 5, false, {}, NOT_FOUND},
-      {"never", R"({"enabled": true})", 5, false, {}, NOT_FOUND},
-      {"turned off", R"({"enabled": false, "fixes": [)" + Fix(0) + "]}", 0, false, disabled, {}},
-      {"no file", "", 0, false, disabled, {}},
-      {"damaged", R"({"enabled": 1, "fixes": [)", 0, false, disabled, {}},
-      {"no positions", R"({"enabled": true, "fixes": ["x"]})", 5, false, {}, NOT_FOUND},
-  };
-  for (const auto& row : cases) {
-    MacRecording recording;
-    recording.Add("location.json", row.recorded);
-    recording.PutInForce();
+  for (const Json& row : DataOf("module/Inventory/locations.json")) {
+    SCOPED_TRACE(row["name"]);
     DrivenClock clock;
-    const Norvik::Platform::WaitClockScope inForce(clock);
-    LogCapture log;
-    const GeoLocationPoint point = GeoLocationCommon().GetLocation();
-    EXPECT_EQ(point.IsZero(), !row.isFound) << row.name;
-    EXPECT_EQ(point.latitude, row.isFound ? 40.5 : 0) << row.name;
-    EXPECT_EQ(point.longitude, row.isFound ? -3.5 : 0) << row.name;
-    EXPECT_EQ(point.height, row.isFound ? 650.0 : 0) << row.name;
-    EXPECT_EQ(point.acceleration, row.isFound ? 1.5 : 0) << row.name;
-    EXPECT_EQ(clock.waited.load(), std::chrono::seconds(row.seconds)) << row.name;
-    EXPECT_EQ(log.Texts(2), row.errors) << row.name;
-    EXPECT_EQ(log.Texts(3), row.warnings) << row.name;
+    const LogCapture log;
+    const GeoLocationPoint point = LocationOf(row["recorded"], clock);
+    EXPECT_EQ(Json({point.latitude, point.longitude, point.height, point.acceleration}),
+              row.value("position", Json({0.0, 0.0, 0.0, 0.0})));
+    EXPECT_EQ(point.IsZero(), !row.contains("position"));
+    EXPECT_EQ(clock.waited.load(), std::chrono::seconds(row["seconds"].get<int>()));
+    EXPECT_EQ(Json(log.Texts(2)), row.value("errors", Json::array()));
+    EXPECT_EQ(Json(log.Texts(3)), row.value("warnings", Json::array()));
   }
 }
 
@@ -83,13 +59,11 @@ TEST(GeoLocation, TheGuardEndsAWaitThatDoesNotEnd) {
       DrivenClock::SleepFor(duration);
     }
   } clock;
-  MacRecording recording;
-  recording.Add("location.json", R"({"enabled": true, "fixes": [)" + Fix(1) + "]}");
-  recording.PutInForce();
-  const Norvik::Platform::WaitClockScope inForce(clock);
-  LogCapture log;
+  const LogCapture log;
   // The answer comes after the limit and is not taken any more.
-  EXPECT_TRUE(GeoLocationCommon(std::chrono::milliseconds(1)).GetLocation().IsZero());
+  const std::string fix = R"({"enabled": true, "fixes": [{"afterSeconds": 1, "latitude": 40.5}]})";
+  const GeoLocationCommon impatient(std::chrono::milliseconds(1));
+  EXPECT_TRUE(LocationOf(fix, clock, impatient).IsZero());
   EXPECT_THAT(log.Texts(2), ElementsAre("Unable to get location information"));
   EXPECT_THAT(log.Texts(5), ElementsAre("possible memory leak"));
 }
@@ -98,12 +72,8 @@ TEST(GeoLocation, WhatIsRaisedStaysInside) {
   class FaultyClock : public DrivenClock {
     void SleepFor(std::chrono::milliseconds) override { throw std::runtime_error("no time"); }
   } clock;
-  MacRecording recording;
-  recording.Add("location.json", R"({"enabled": true})");
-  recording.PutInForce();
-  const Norvik::Platform::WaitClockScope inForce(clock);
-  LogCapture log;
-  EXPECT_TRUE(GeoLocationCommon().GetLocation().IsZero());
+  const LogCapture log;
+  EXPECT_TRUE(LocationOf(R"({"enabled": true})", clock).IsZero());
   EXPECT_THAT(log.Texts(2), ElementsAre("Unable to get location information unknown ex"));
   EXPECT_THAT(log.Texts(5), IsEmpty());
 }

@@ -7,73 +7,67 @@
 
 #include "common/identification/HostInfoProvider.h"
 #include "common/text/Text.h"
-#include "support/FakeHost.h"
-#include "support/Files.h"
-#include "support/Programs.h"
+#include "support/LogCapture.h"
+#include "support/MacRecording.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
 
-class SystemSectionTest : public testing::Test {
- protected:
-  SystemInfo Collect() {
-    SystemInfo info;
-    SystemSection().GetInfo(info);
-    return info;
-  }
+SystemInfo Collect() {
+  const LogCapture quiet;
+  SystemInfo info;
+  SystemSection().GetInfo(info);
+  return info;
+}
 
-  FakeHost host;
-  Programs programs;
-};
+std::vector<std::string> FeaturesOf(const std::string& features) {
+  MacRecording machine;
+  machine.AddAnswer("sysctl machdep.cpu.features", "machdep.cpu.features: " + features + "\n");
+  machine.PutInForce();
+  const SystemInfo info = Collect();
+  EXPECT_EQ(info.virtualizationAvailable, info.virtualizationLabel != "");
+  return {Common::ToUtf8(info.virtualizationLabel), Common::ToUtf8(info.virtualizationKeyword)};
+}
 
-TEST_F(SystemSectionTest, TakesWhatTheToolsPrintAsItComes) {
-  programs.Add("scutil",
-               "[ \"$*\" = --dns ] && printf 'search domain[0] : acme.test\\n"
-               "search domain[0] : acme.test\\n  search domain[1] : other\\n'");
-  programs.Add("defaults",
-               "[ \"$2\" = /Library/Preferences/SystemConfiguration/com.apple.smb.server ] && "
-               "echo \"the $3\"");
+TEST(SystemSection, TakesWhatTheToolsPrintAsItComes) {
+  const std::string server = "/Library/Preferences/SystemConfiguration/com.apple.smb.server ";
+  MacRecording machine;
+  machine.AddAnswer("scutil --dns",
+                    "search domain[0] : acme.test\nsearch domain[0] : acme.test\n"
+                    "  search domain[1] : other\n");
+  machine.AddAnswer("defaults read " + server + "Workgroup", "the group\n");
+  machine.AddAnswer("defaults read " + server + "ServerDescription", "the server\n");
+  machine.PutInForce();
   const auto before = std::time(nullptr);
   const SystemInfo info = Collect();
   EXPECT_EQ(info.hostName, Common::WxStringFromStdString(Common::HostInfoProvider::GetHostName()));
   EXPECT_GE(info.collectionTime, before);
   EXPECT_LE(info.collectionTime, std::time(nullptr));
   EXPECT_EQ(info.domain, "acme.test\n");
-  EXPECT_EQ(info.workGroup, "the Workgroup\n");
-  EXPECT_EQ(info.description, "the ServerDescription\n");
+  EXPECT_EQ(info.workGroup, "the group\n");
+  EXPECT_EQ(info.description, "the server\n");
 }
 
-TEST_F(SystemSectionTest, AToolThatFailsLeavesItsFieldEmpty) {
-  for (const char* tool : {"scutil", "defaults", "sysctl"}) programs.Add(tool, "exit 1");
+TEST(SystemSection, AToolThatIsNotThereLeavesItsFieldEmpty) {
+  MacRecording machine;
+  machine.PutInForce();
   const SystemInfo info = Collect();
-  EXPECT_EQ(info.domain, "");
-  EXPECT_EQ(info.workGroup, "");
-  EXPECT_EQ(info.description, "");
+  EXPECT_EQ(info.domain + info.workGroup + info.description + info.server, "");
   EXPECT_FALSE(info.virtualizationAvailable);
-  EXPECT_EQ(info.server, "");
 }
 
-TEST_F(SystemSectionTest, VirtualizationIsReadFromTheProcessorsFeatures) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"FPU VMX SSE", "Virtualization Intel vt-x 1"},
-      {"FPU SVM", "Virtualization AMD amd-v 1"},
-      {"SVM VMX", "Virtualization Intel vt-x 1"},
-      {"FPU vmx", "  0"}};
-  for (const auto& [features, expected] : rows) {
-    programs.Add("sysctl", std::string("[ \"$*\" = machdep.cpu.features ] && ") +
-                               "echo machdep.cpu.features: " + features);
-    const SystemInfo info = Collect();
-    EXPECT_EQ(info.virtualizationLabel + " " + info.virtualizationKeyword + " " +
-                  std::to_string(info.virtualizationAvailable),
-              expected)
-        << features;
-  }
+TEST(SystemSection, VirtualizationIsReadFromTheProcessorsFeatures) {
+  ExpectRows(Json::parse(R"([["FPU VMX SSE", ["Virtualization Intel", "vt-x"]],
+                             ["FPU SVM", ["Virtualization AMD", "amd-v"]],
+                             ["SVM VMX", ["Virtualization Intel", "vt-x"]],
+                             ["FPU vmx", ["", ""]]])"),
+             FeaturesOf);
 }
 
 #ifdef __linux__  // Elsewhere the system's own records cannot be replaced.
-TEST_F(SystemSectionTest, TheNewestEntryOfAnyTypeNamesTheUser) {
+TEST(SystemSection, TheNewestEntryOfAnyTypeNamesTheUser) {
   const auto entry = [](short type, int seconds, const char* user) {
     utmpx record{};
     record.ut_type = type;
@@ -90,7 +84,8 @@ TEST_F(SystemSectionTest, TheNewestEntryOfAnyTypeNamesTheUser) {
       {{entry(USER_PROCESS, 100, "first"), entry(USER_PROCESS, 100, "second")}, "first"},
       {{entry(USER_PROCESS, 100, longName.c_str())}, longName},
   };
-  const auto file = host.Folder() / "utmpx";
+  const TemporaryFolder folder;
+  const auto file = folder / "utmpx";
   for (const auto& [entries, user] : rows) {
     WriteFile(file, std::string(reinterpret_cast<const char*>(entries.data()),
                                 entries.size() * sizeof(utmpx)));

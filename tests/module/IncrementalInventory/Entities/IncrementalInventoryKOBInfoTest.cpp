@@ -15,14 +15,6 @@ TEST(IncrementalInventoryKOBInfoTest, WithoutChangesItIsNullWhateverTheDevice) {
   EXPECT_TRUE(json::JSON(changes).IsNull());
 }
 
-TEST(IncrementalInventoryKOBInfoTest, ADocumentWithOneChangeHasAllFourKeys) {
-  IncrementalInventoryKOBInfo created;
-  created.features.resize(1);
-  EXPECT_EQ(JsonText(created),
-            R"({"create":{"features":[{"name":"","version":""}]},"delete":null,"device":)" +
-                JsonText(DeviceInfo()) + R"(,"update":null})");
-}
-
 TEST(IncrementalInventoryKOBInfoTest, ADocumentWithADeletionInEachListHasTheTextOfTheWireFormat) {
   IncrementalInventoryKOBInfo changes;
   ForEachSection([&](const auto& section) {

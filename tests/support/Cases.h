@@ -1,0 +1,100 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+#include "support/Files.h"
+
+/// Cases that stand in data files: a test gives the function, the file its arguments and results.
+namespace Norvik::Tests {
+
+/// Keeps the order of the keys: where it stands for a property list that counts.
+using Json = nlohmann::ordered_json;
+
+/// A data file below tests/; it is read once.
+inline const Json& DataOf(const std::string& file) {
+  static std::map<std::string, Json> files;
+  const auto [found, isNew] = files.try_emplace(file);
+  if (isNew) found->second = Json::parse(ContentOf(NORVIK_SOURCE_DIR "/tests/" + file));
+  return found->second;
+}
+
+/// What an object has under a key; an empty object if it has nothing.
+inline const Json& PartOf(const Json& object, const char* key) {
+  static const Json none = Json::object();
+  return object.contains(key) ? object[key] : none;
+}
+
+/// A value as a failure shows it; bytes that are no UTF-8 do not stop that.
+inline std::string Shown(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// A cell in which each character stands for the byte of its number: JSON has no other bytes.
+struct Bytes : std::string {
+  Bytes(std::string bytes = {}) : std::string(std::move(bytes)) {}
+  friend void from_json(const Json& cell, Bytes& bytes) {
+    const std::string& text = cell.get_ref<const std::string&>();
+    bytes.clear();
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      const auto lead = static_cast<unsigned char>(text[at]);
+      bytes += lead < 0x80 ? text[at] : static_cast<char>(((lead & 3) << 6) | (text[++at] & 0x3F));
+    }
+  }
+  friend void to_json(Json& cell, const Bytes& bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+      const auto number = static_cast<unsigned char>(byte);
+      if (number >= 0x80) text += static_cast<char>(0xC0 | (number >> 6));
+      text += number < 0x80 ? byte : static_cast<char>(0x80 | (number & 0x3F));
+    }
+    cell = text;
+  }
+};
+
+/// Holds a function against rows: the cells of a row are the arguments and, last, the result. A
+/// name may stand in front.
+template <class Result, class... Arguments>
+void ExpectRows(const Json& rows, Result (*function)(Arguments...)) {
+  EXPECT_FALSE(rows.empty());
+  for (const Json& row : rows) {
+    Json cells = row;
+    cells.erase(cells.size() - 1);
+    if (cells.size() > sizeof...(Arguments)) cells.erase(0);
+    const auto arguments = cells.get<std::tuple<std::decay_t<Arguments>...>>();
+    const nlohmann::json result = Json(std::apply(function, arguments));
+    EXPECT_TRUE(result == nlohmann::json(row.back())) << Shown(row) << "\ngives " << Shown(result);
+  }
+}
+
+/// The message of the exception of a type that an action raises; "" if it raises none.
+template <class Error, class Action>
+std::string MessageOf(Action action) {
+  try {
+    action();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+/// Of objects just the keys that are wanted, at any depth.
+inline Json Chosen(const Json& actual, const Json& wanted) {
+  Json chosen = actual;
+  if (actual.is_object() && wanted.is_object()) {
+    chosen = Json::object();
+    for (const auto& [key, value] : wanted.items()) {
+      chosen[key] = actual.contains(key) ? Chosen(actual[key], value) : Json("missing");
+    }
+  } else if (actual.is_array() && wanted.is_array() && actual.size() == wanted.size()) {
+    for (std::size_t i = 0; i < actual.size(); ++i) chosen[i] = Chosen(actual[i], wanted[i]);
+  }
+  return chosen;
+}
+
+}  // namespace Norvik::Tests
