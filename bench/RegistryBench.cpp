@@ -23,31 +23,34 @@ constexpr std::size_t recordingSize = 8u << 20;
 constexpr int daemonCount = 1000;
 constexpr int width = 3;
 
-std::string Device(int number, const std::vector<std::string>& children) {
+Json Device(int number, std::vector<Json> children) {
   const std::string digits = std::to_string(number);
-  return Entry("ExampleDevice" + std::to_string(number % 300),
-               {{"IORegistryEntryName", Text("device" + digits)},
-                {"IORegistryEntryID", "<integer>42949" + digits + "</integer>\n"},
-                {"IOObjectRetainCount", "<integer>7</integer>\n"},
-                {"CFBundleIdentifier", Text("com.example.driver.Device" + digits)},
-                {"IOProviderClass", Text("IOPCIDevice")},
-                {"IOProbeScore", "<integer>1000</integer>\n"},
-                {"reg", "<data>\n\tAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\n\t</data>\n"},
-                {"IOPowerManagement", Dictionary({{"CurrentPowerState", "<integer>2</integer>\n"},
-                                                  {"MaxPowerState", "<integer>2</integer>\n"},
-                                                  {"ChildProxyPowerState", "<true/>\n"}})}},
-               children);
+  Json device = {
+      "ExampleDevice" + std::to_string(number % 300),
+      {{"IORegistryEntryName", "device" + digits},
+       {"IORegistryEntryID", 4294900000 + number},
+       {"IOObjectRetainCount", 7},
+       {"CFBundleIdentifier", "com.example.driver.Device" + digits},
+       {"IOProviderClass", "IOPCIDevice"},
+       {"IOProbeScore", 1000},
+       {"reg", {{"$data", "\n\tAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\n\t"}}},
+       {"IOPowerManagement",
+        {{"CurrentPowerState", 2}, {"MaxPowerState", 2}, {"ChildProxyPowerState", true}}}}};
+  for (Json& child : children) device.push_back(std::move(child));
+  return device;
 }
+
+std::string TextOf(const Json& entry) { return PropertyListOf(RegistryEntry(entry)); }
 
 /// A tree whose last entry is the one that is looked for.
 std::string Recording() {
-  const std::size_t deviceSize = Device(1000, {}).size();
-  std::vector<std::string> level(recordingSize / deviceSize * (width - 1) / width);
+  const std::size_t deviceSize = TextOf(Device(1000, {})).size() - PropertyList("").size();
+  std::vector<Json> level(recordingSize / deviceSize * (width - 1) / width);
   int number = 0;
-  for (std::string& device : level) device = Device(number++, {});
-  level.push_back(Entry("WantedDevice", {{"wanted-key", Text("found")}}));
+  for (Json& device : level) device = Device(number++, {});
+  level.push_back({"WantedDevice", {{"wanted-key", "found"}}});
   while (level.size() > 1) {
-    std::vector<std::string> above;
+    std::vector<Json> above;
     for (std::size_t at = 0; at < level.size(); at += width) {
       const auto begin = level.begin() + static_cast<std::ptrdiff_t>(at);
       const auto count = std::min<std::size_t>(width, level.size() - at);
@@ -55,7 +58,7 @@ std::string Recording() {
     }
     level = std::move(above);
   }
-  return PropertyList(level.front());
+  return TextOf(level.front());
 }
 
 std::size_t UsedMemory() {
@@ -100,9 +103,9 @@ void BM_ThousandDaemons(benchmark::State& state) {
   for (int i = 0; i < daemonCount; ++i) {
     const std::string label = "com.example.daemon" + std::to_string(i);
     recording.Add("root/Library/LaunchDaemons/" + label + ".plist",
-                  PropertyList(Dictionary({{"Label", Text(label)},
-                                           {"ProgramArguments", Array({Text("/usr/libexec/x")})},
-                                           {"RunAtLoad", "<true/>\n"}})));
+                  PropertyListOf({{"Label", label},
+                                  {"ProgramArguments", Json::array({"/usr/libexec/x"})},
+                                  {"RunAtLoad", true}}));
   }
   recording.PutInForce();
   for (auto _ : state) {
