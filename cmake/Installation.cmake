@@ -20,6 +20,7 @@ install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
   REGEX "/(Sentence|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
 install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
 
+install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)
 install(FILES README.md DESTINATION share/doc/norvik-agent)
 install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent)
 install(DIRECTORY packaging/macos packaging/systemd DESTINATION share/norvik-agent)

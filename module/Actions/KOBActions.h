@@ -25,7 +25,8 @@ class KOBActions final : public Common::ActionPerformerBase {
              const Common::ActionFactory& factory, Common::HandlerMap& handlers,
              TimeSource now = std::chrono::system_clock::now);
 
-  /// Deliberately without an action code: whether a logon starts an inventory is decided elsewhere.
+  /// Takes an inventory if the configuration wants one on logon. Deliberately without an action
+  /// code, so that no request reaches it.
   Common::ActionResponse OnLogon(Common::ActionParameters& parameters);
 
  private:

@@ -1,8 +1,5 @@
 #include "module/Inventory/SystemSection.h"
 
-#include <string.h>
-#include <utmpx.h>
-
 #include <chrono>
 #include <cstdint>
 #include <limits>
@@ -12,6 +9,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "platform/LoginRecords.h"
 
 namespace Norvik::KOB {
 
@@ -69,14 +67,12 @@ void SystemSection::GetInfo(SystemInfo& result) {
 void SystemSection::SetUserName(SystemInfo& result) {
   // Deliberately every type of entry, the start of the system among them.
   long long newest = std::numeric_limits<std::int32_t>::min();
-  while (const utmpx* const entry = ::getutxent()) {
+  Platform::LoginRecords records;
+  while (const utmpx* const entry = records.Next()) {
     if (entry->ut_tv.tv_sec <= newest) continue;
     newest = entry->ut_tv.tv_sec;
-    // A name that fills its field has no NUL behind it.
-    result.userName = WxStringFromStdString(
-        std::string(entry->ut_user, ::strnlen(entry->ut_user, sizeof(entry->ut_user))));
+    result.userName = WxStringFromStdString(Platform::LoginRecords::TextOf(entry->ut_user));
   }
-  ::endutxent();
 }
 
 }  // namespace Norvik::KOB

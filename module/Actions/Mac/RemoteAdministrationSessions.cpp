@@ -1,7 +1,6 @@
 #include <CoreServices/CoreServices.h>
 #include <string.h>
 #include <sys/utsname.h>
-#include <utmpx.h>
 
 #include <boost/format.hpp>
 #include <cerrno>
@@ -14,6 +13,7 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
 #include "module/Actions/Mac/SystemChanges.h"
+#include "platform/LoginRecords.h"
 #include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
@@ -68,10 +68,9 @@ OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
   return ::AESendMessage(&event.value, &reply.value, kAENoReply, kAEDefaultTimeout);
 }
 
-/// Text of a fixed field of a login record, which a full field does not end with a NUL.
 template <std::size_t size>
 std::string FieldText(const char (&field)[size]) {
-  return Common::EncodeUtf8Characters(std::string(field, ::strnlen(field, size)));
+  return Common::EncodeUtf8Characters(Platform::LoginRecords::TextOf(field));
 }
 
 bool IsTerminal(const std::string& line) {
@@ -85,22 +84,19 @@ bool IsTerminal(const std::string& line) {
 
 Common::ActionResponse RemoteAdministration::ListSessions(Parameters&) {
   NORVIK_SCOPE();
-  // The walk has one place in the process, and two of them would share it.
-  static std::mutex walk;
-  const std::lock_guard<std::mutex> lock(walk);
   Response response;
   AddTitles(response.table,
             {"Id", "Status", "UserName", "DomainName", "ClientName", "StationName", "Type"});
   utsname machine{};
   if (::uname(&machine) != 0) machine = {};
-  while (const utmpx* const entry = ::getutxent()) {
+  Platform::LoginRecords records;
+  while (const utmpx* const entry = records.Next()) {
     const std::string line = FieldText(entry->ut_line);
     if (!IsTerminal(line)) continue;
     AddTextRow(response.table,
                {std::to_string(entry->ut_pid), "1", FieldText(entry->ut_user),
                 FieldText(entry->ut_host), machine.sysname, machine.nodename, line});
   }
-  ::endutxent();
   return response;
 }
 

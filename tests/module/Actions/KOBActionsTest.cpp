@@ -176,7 +176,6 @@ TEST_F(KOBActionsTest, PendingTasksGoToTheActionSystemInTheServersOrder) {
 TEST(KOBActions, ALogonStartsAnInventoryIfTheConfigurationWantsIt) {
   for (const bool wanted : {false, true}) {
     FakeHost host;
-    host.dependencies->configuration.kob->inventoryOnLogon = wanted;
     ModuleUnderTest module(host);
     Common::HandlerMap handlers;
     KOBActions actions(
@@ -185,9 +184,18 @@ TEST(KOBActions, ALogonStartsAnInventoryIfTheConfigurationWantsIt) {
           return module->GetAction(code, parameters);
         },
         handlers);
+    auto configuration = host.dependencies->configuration;
+    configuration.kob->inventoryOnLogon = wanted;
+    for (int i = 0; i < 2; ++i) {
+      auto parameters = WithConfiguration(configuration);
+      handlers.at(32004)(parameters);
+      configuration.kob.reset();
+    }
+    EXPECT_TRUE(host.log.Holds(4, "Applying new configuration to module"));
+    EXPECT_THAT(host.log.Texts(2), ElementsAre("missing configuration"));
     Common::ActionParameters none;
     actions.OnLogon(none);
-    EXPECT_EQ(host.actions->Texts().size(), wanted ? 1U : 0U);
+    EXPECT_EQ(host.actions->Texts(), wanted ? Texts{"once 1036 +0"} : Texts{});
   }
 }
 

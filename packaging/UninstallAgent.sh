@@ -1,0 +1,38 @@
+#!/bin/sh
+# Takes the agent off this machine and leaves its data folder. Started by hand, or by the server's
+# action 1070 from inside the service: so the files go first, and the service is stopped last, which
+# may end this script too.
+set -u
+home=$(cd "$(dirname "$0")" && pwd)
+[ -x "$home/bin/norvik-agent" ] || { echo "UninstallAgent: no agent beside $0" >&2; exit 1; }
+
+remove_tree() {
+  rm -rf "$home/bin/norvik-agent" "$home"/lib/libNorvik* "$home/lib/cmake/NorvikAgent" \
+    "$home/include/norvik-agent" "$home/share/norvik-agent" "$home/share/doc/norvik-agent"
+  rm -f "$home/UninstallAgent.sh"
+  # Whatever else stands there is not ours.
+  find "$home" -depth -type d -empty -delete
+}
+
+case "$(uname -s)" in
+  Darwin)
+    rm -f /Library/LaunchDaemons/com.norvik.agent.plist \
+      /Library/LaunchAgents/com.norvik.agent.user.plist
+    remove_tree
+    launchctl bootout system/com.norvik.agent ;;
+  *)
+    if dpkg-query -W norvik-agent >/dev/null 2>&1; then
+      # Outside of the service, which the removal of the package stops.
+      if [ -d /run/systemd/system ]; then
+        exec systemd-run --collect --quiet dpkg --remove norvik-agent
+      fi
+      exec dpkg --remove norvik-agent
+    fi
+    rm -f /usr/lib/systemd/system/norvik-agent.service \
+      /usr/lib/systemd/user/norvik-agent-user.service
+    remove_tree
+    if [ -d /run/systemd/system ]; then
+      systemctl disable norvik-agent.service
+      systemctl stop --no-block norvik-agent.service
+    fi ;;
+esac
