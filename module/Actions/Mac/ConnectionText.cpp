@@ -63,7 +63,8 @@ std::vector<std::string> ConnectionOf(const std::vector<std::string>& words) {
 std::vector<std::vector<std::string>> ReadConnections(const std::string& output) {
   std::vector<std::vector<std::string>> connections;
   if (Common::EncodeUtf8Characters(output) != output) return connections;
-  std::istringstream lines(output);
+  // A line end parts lines, so an empty one stands behind the last.
+  std::istringstream lines(output + "\n");
   bool inSection = false;
   for (std::string line; std::getline(lines, line);) {
     if (!inSection) {
