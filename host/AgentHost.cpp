@@ -43,19 +43,6 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
       std::make_shared<ListeningLogger>(std::move(log), options.logListener));
 }
 
-AgentConfigurationInfo ReadConfiguration(const AgentOptions& options, const fs::path& folder) {
-  const fs::path stored = folder / CONFIGURATION_FILE;
-  const bool given = !options.configurationFile.empty();
-  if (!given && !fs::exists(stored)) return DefaultConfiguration();
-  if (given) return ReadConfigurationFile(options.configurationFile).configuration;
-  try {
-    return ReadConfigurationFile(stored).configuration;
-  } catch (const UsageError& error) {
-    // The agent wrote this file itself, so it is no wrong use.
-    throw std::runtime_error(error.what());
-  }
-}
-
 std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configuration,
                                            const fs::path& folder,
                                            const std::shared_ptr<IdentityStore>& identity,
@@ -81,7 +68,8 @@ void UseUtf8Characters() {
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
   const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
-  AgentConfigurationInfo configuration = ReadConfiguration(options, folder);
+  AgentConfigurationInfo configuration =
+      ReadConfiguration(options.configurationFile, folder / CONFIGURATION_FILE);
   if (options.communications) configuration.communications = *options.communications;
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);

@@ -1,6 +1,7 @@
 #include "host/ConfigurationFile.h"
 
 #include <algorithm>
+#include <boost/filesystem/operations.hpp>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -8,6 +9,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <stdexcept>
 #include <vector>
 
 #include "host/TextFile.h"
@@ -176,11 +178,17 @@ Json Parse(const std::string& text) {
     }
     return true;
   };
+  const auto refuse = [](std::size_t byte) {
+    throw ConfigurationError("the configuration is no JSON from byte " + std::to_string(byte));
+  };
+  // The parser takes it for the end and passes over what follows.
+  const std::size_t zero = text.find('\0');
+  if (zero != std::string::npos) refuse(zero + 1);
   try {
     return Json::parse(text, watch);
   } catch (const Json::parse_error& error) {
-    throw ConfigurationError("the configuration is no JSON from byte " +
-                             std::to_string(error.byte));
+    refuse(error.byte);
+    throw;
   }
 }
 
@@ -215,6 +223,17 @@ ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file) {
     throw ConfigurationError(file.string() + ": " + error.what());
   }
   return result;
+}
+
+AgentConfigurationInfo ReadConfiguration(const boost::filesystem::path& given,
+                                         const boost::filesystem::path& stored) {
+  if (!given.empty()) return ReadConfigurationFile(given).configuration;
+  if (!boost::filesystem::exists(stored)) return DefaultConfiguration();
+  try {
+    return ReadConfigurationFile(stored).configuration;
+  } catch (const UsageError& error) {
+    throw std::runtime_error(error.what());
+  }
 }
 
 }  // namespace Norvik::Host

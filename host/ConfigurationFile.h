@@ -32,4 +32,10 @@ struct ConfigurationFile {
 /// for a file that cannot be read.
 ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file);
 
+/// What an agent goes by: the given file unless its name is empty, else the stored one, else the
+/// defaults. Raises `UsageError` for a given file, another `std::runtime_error` for the stored one,
+/// which the agent wrote itself.
+Common::AgentConfigurationInfo ReadConfiguration(const boost::filesystem::path& given,
+                                                 const boost::filesystem::path& stored);
+
 }  // namespace Norvik::Host

@@ -24,15 +24,19 @@ std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit)
     throw std::runtime_error(name + ": " + error.what());
   }
   if (text.size() > limit) {
-    throw std::runtime_error(name + " is larger than " + std::to_string(limit) + " bytes");
+    throw std::runtime_error(name + ": it is larger than " + std::to_string(limit) + " bytes");
   }
   return text;
 }
 
 void WriteTextFile(const boost::filesystem::path& file, const std::string& text) {
-  Platform::ReplacementFile target(file.string());
-  Platform::WriteAll(target.Descriptor(), text.data(), text.size());
-  target.Commit();
+  try {
+    Platform::ReplacementFile target(file.string());
+    Platform::WriteAll(target.Descriptor(), text.data(), text.size());
+    target.Commit();
+  } catch (const std::exception& error) {
+    throw std::runtime_error("cannot write " + file.string() + ": " + error.what());
+  }
 }
 
 std::string OnOneLine(std::string text) {

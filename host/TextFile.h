@@ -10,7 +10,8 @@ namespace Norvik::Host {
 /// cannot be read or is larger than the limit.
 std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit = 1 << 20);
 
-/// Replaces the file whole or not at all, mode 0600. Raises a subclass of `std::exception`.
+/// Replaces the file whole or not at all, mode 0600. Raises `std::runtime_error`, naming
+/// the file.
 void WriteTextFile(const boost::filesystem::path& file, const std::string& text);
 
 /// Text on one line: line ends and other control characters become blanks.

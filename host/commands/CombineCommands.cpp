@@ -1,9 +1,11 @@
+#include <boost/filesystem/operations.hpp>
 #include <ostream>
 
 #include "documents/ApplyIncrement.h"
 #include "documents/Difference.h"
 #include "host/AgentProgram.h"
 #include "host/DataFolder.h"
+#include "host/HostError.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
 #include "host/commands/DocumentFile.h"
@@ -12,15 +14,24 @@ namespace Norvik::Host {
 
 namespace {
 
+namespace fs = boost::filesystem;
 using Documents::NamedText;
 using Combine = std::string (*)(const NamedText&, const NamedText&);
 
+/// Raises `UsageError` for a link, device or pipe: the document would take its place.
+void CheckOutput(const fs::path& file) {
+  const auto type = fs::symlink_status(file).type();
+  if (type == fs::regular_file || type == fs::file_not_found) return;
+  throw UsageError("--output wants a new or a plain file, not " + file.string());
+}
+
 /// Writes what comes of the two documents that the line names.
 int Combined(const CommandLine& line, std::ostream& output, Combine combine) {
+  if (!line.outputFile.empty()) CheckOutput(line.outputFile);
   UseUtf8Characters();
   // Only the answer is to be seen: nothing of the library's log.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  const auto read = [&](const boost::filesystem::path& file) {
+  const auto read = [&](const fs::path& file) {
     return NamedText{file.string(), ReadDocument(file, line.agent.dataFolder / KEY_FOLDER)};
   };
   const std::string document = combine(read(line.file), read(line.secondFile));

@@ -43,7 +43,8 @@ std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
   const PrivateFolder folder;
   const fs::path archive = folder.Path() / "document.zip";
   try {
-    Common::FileSealer(keys).Open(file, archive);
+    // The library follows no link; a user may name one.
+    Common::FileSealer(keys).Open(fs::is_symlink(file) ? fs::canonical(file) : file, archive);
     return Common::ReadArchive(archive);
   } catch (const std::exception& error) {
     throw std::runtime_error("cannot open " + file.string() + ": " + error.what());

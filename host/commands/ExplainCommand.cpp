@@ -14,14 +14,6 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-Common::AgentConfigurationInfo ConfigurationOf(const AgentOptions& options) {
-  if (!options.configurationFile.empty()) {
-    return ReadConfigurationFile(options.configurationFile).configuration;
-  }
-  const fs::path stored = options.dataFolder / CONFIGURATION_FILE;
-  return fs::exists(stored) ? ReadConfigurationFile(stored).configuration : DefaultConfiguration();
-}
-
 /// Links stay: whether one is on the way is what the answer may depend on.
 std::string FullPath(const fs::path& given) {
   std::string path = fs::absolute(given).lexically_normal().string();
@@ -36,7 +28,9 @@ std::string FullPath(const fs::path& given) {
 }  // namespace
 
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  const Common::ScanRules rules(*ConfigurationOf(line.agent).kob);
+  const auto configuration =
+      ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
+  const Common::ScanRules rules(*configuration.kob);
   const std::string path = FullPath(line.file);
   const ScanExplanation answer = ExplainScan(rules, path);
   if (line.json) {

@@ -127,14 +127,14 @@ OrderedJson Gather(const CommandLine& line) {
   Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
   const fs::path folder = Paths(Paths::DATA, false).AppData();
   if (folderOfAgent != folder) agent = nullptr;
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
+  }
   const Stored database = ReadStored(folder);
   const auto identity = ReadIdentity(folder / IDENTITY_FILE);
   const fs::path stored = folder / CONFIGURATION_FILE;
   const bool configured = fs::exists(stored);
-  const auto used = !line.agent.configurationFile.empty() ? line.agent.configurationFile : stored;
-  const bool anyConfiguration = configured || !line.agent.configurationFile.empty();
-  const AgentConfigurationInfo configuration =
-      anyConfiguration ? ReadConfigurationFile(used).configuration : DefaultConfiguration();
+  const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
   return {{"dataFolder", folder.string()},
           {"agent", agent},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},

@@ -18,7 +18,7 @@ constexpr char BLOCK_FOLDER[] = "/sys/block/";
 std::string FirstText(const SystemFiles& files, const std::string& folder,
                       std::initializer_list<const char*> names) {
   for (const char* name : names) {
-    const std::string text = files.Text(folder + name);
+    std::string text = files.Text(folder + name);
     if (!text.empty()) return text;
   }
   return {};

@@ -41,7 +41,7 @@ Devices ParseDevices(const std::string& text) {
 /// A value, unless it says that there is none.
 std::string Told(const Entries& entries, std::initializer_list<const char*> keys) {
   for (const char* key : keys) {
-    const std::string value = ValueOf(entries, key);
+    std::string value = ValueOf(entries, key);
     if (!value.empty() && !boost::starts_with(value, "Not applicable")) return value;
   }
   return {};

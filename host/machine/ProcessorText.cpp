@@ -16,7 +16,7 @@ using Entries = std::map<std::string, std::string>;
 
 std::string FirstOf(const Entries& entries, std::initializer_list<const char*> keys) {
   for (const char* key : keys) {
-    const std::string value = ValueOf(entries, key);
+    std::string value = ValueOf(entries, key);
     if (!value.empty()) return value;
   }
   return {};

@@ -101,10 +101,10 @@ class Reader : public Json::json_sax_t {
     if (section_) section_->seen = true;
   }
 
-  bool Value(std::string text) {
+  bool Value(const std::string& text) {
     if (!section_) return true;
     if (!open_.empty()) {
-      open_.back()->push_back({std::exchange(key_, {}), ptree(std::move(text))});
+      open_.back()->push_back({std::exchange(key_, {}), ptree(text)});
     } else if (level_ > 1 || text != "null") {
       RaiseWrongKind();
     }

@@ -51,7 +51,7 @@ GeoLocationPoint GeoLocation::GetLocation() {
         "correctly");
     return {};
   }
-  const GeoLocationPoint point = PointFrom(*fix);
+  GeoLocationPoint point = PointFrom(*fix);
   service.Stop();
   return point;
 }

@@ -71,7 +71,7 @@ void RudInventory::StartHarvester(const bool& incremental) {
 void RudInventory::onFinishInventory(const Path& result) {
   // The call destroys this object: what it needs must live elsewhere, and nothing may follow it.
   const OnFinish onFinish = onFinish_;
-  const Path path = result;
+  const Path path = result;  // NOLINT(performance-unnecessary-copy-initialization)
   onFinish(path);
 }
 

@@ -245,7 +245,7 @@ fs::path RudPrinter::GenerateJSON(const std::string& guid, const bool& increment
   const auto start = steady_clock::now();
   const fs::path base = GenerateFilename();
   const fs::path archive = base.string() + "rud.zip";
-  const fs::path result = base.string() + ".jsonrud";
+  fs::path result = base.string() + ".jsonrud";
   {
     const std::string document = CreateJSON(guid, incremental);
     if (document.empty()) {

@@ -155,6 +155,7 @@ Common::ActionResponse RemoteAdministration::DeleteFile(Parameters& parameters) 
   std::string results;
   bool allGood = true;
   // Deliberately an index of 16 bits: a request of more files than it counts never ends.
+  // NOLINTNEXTLINE(bugprone-too-small-loop-variable)
   for (unsigned short i = 0; i < files.size(); ++i) {
     if (files[i].empty()) continue;
     const bool good = DeleteOne(files[i]);
