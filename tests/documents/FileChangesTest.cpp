@@ -13,6 +13,9 @@
 namespace Norvik::Documents {
 namespace {
 
+/// Keys in the order of the machine's own documents.
+const Tests::Json DOCUMENTS = Tests::DataOf("documents/file-changes.json");
+
 struct File {
   std::string folder;
   std::string name;
@@ -139,41 +142,18 @@ TEST(FileChangesTest, AServerComesToWhatTheMachineHasButForTheKnownLosses) {
   EXPECT_EQ(losses, Tests::DocumentedLosses("file-inventory.md"));
 }
 
-const File KEPT{"/a", "kept", "app", 1000, 1};
-const File OLD{"/a", "old", "app", 1000, 1};
-const Tree BEFORE = {KEPT, OLD, {"/b", "x", "app", 1000, 1}};
-const Tree AFTER = {KEPT, {"/b", "x", "app", -1, 2}, {"/b", "y", "app", 0, 3}};
-
-std::string FileText(const std::string& status, const std::string& name, const std::string& time,
-                     const std::string& size) {
-  return R"({"extension":"APP","fileStatus":)" + status + R"(,"filename":")" + name + "\"" +
-         (time.empty() ? "" : ",\"lastMod\":" + time) + ",\"size\":" + size + "}";
-}
-
 TEST(FileChangesTest, ADifferenceHasTheFormOfTheMachineAndATotalDocumentComesOfIt) {
-  const NamedText before{"old", DocumentOf(BEFORE)};
-  const std::string difference = DifferenceOf(before, {"new", DocumentOf(AFTER)});
-  const auto folder = [](const std::string& name, const std::string& files) {
-    return R"({"files":[)" + files + R"(],"pathName":")" + name + "\"}";
-  };
-  const std::string device = R"({"device":{"assetDate":3,"guid":"g"},"paths":[)";
-  EXPECT_EQ(difference, device + folder("/b", FileText("1", "y", "", "3")) + "," +
-                            folder("/a", FileText("3", "old", "1000", "1")) + "," +
-                            folder("/b", FileText("2", "x", "-1", "2")) +
-                            R"(],"typeInventory":1})");
-  EXPECT_EQ(ApplyIncrement(before, {"changes", difference}),
-            device + folder("/a", FileText("-1", "kept", "1000", "1")) + "," +
-                folder("/b", FileText("-1", "x", "-1", "2") + "," + FileText("-1", "y", "", "3")) +
-                R"(],"typeInventory":0})");
+  const NamedText before{"old", DOCUMENTS["before"].dump()};
+  const std::string difference = DifferenceOf(before, {"new", DOCUMENTS["after"].dump()});
+  EXPECT_EQ(difference, DOCUMENTS["difference"].dump());
+  EXPECT_EQ(ApplyIncrement(before, {"changes", difference}), DOCUMENTS["after"].dump());
   EXPECT_EQ(ApplyIncrement(before, {"none", "null"}), before.text);
 }
 
 TEST(FileChangesTest, DocumentsThatDoNotFitAreRefusedWithTheReason) {
-  const std::string full = DocumentOf(BEFORE);
-  const std::string changes = DifferenceOf({"", full}, {"", DocumentOf(AFTER)});
-  Tests::ExpectRefusals("documents/file-changes-refused.json", Tests::Json::parse(full),
-                        Tests::Json::parse(changes));
-  EXPECT_THROW(DifferenceOf({"old", full}, {"new", "{}"}), DocumentError);
+  Tests::ExpectRefusals("documents/file-changes-refused.json", DOCUMENTS["before"],
+                        DOCUMENTS["difference"]);
+  EXPECT_THROW(DifferenceOf({"old", DOCUMENTS["before"].dump()}, {"new", "{}"}), DocumentError);
 }
 
 }  // namespace

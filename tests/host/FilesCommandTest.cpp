@@ -1,68 +1,31 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-
-#include <algorithm>
-#include <boost/filesystem/operations.hpp>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "platform/ChildProcess.h"
-#include "support/Files.h"
+#include "host/ProgramTest.h"
 #include "support/OnlyBelow.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
 using namespace Norvik;
+using namespace Norvik::Tests;
 using Json = nlohmann::json;
 namespace fs = boost::filesystem;
 using testing::HasSubstr;
 
-/// Runs the program itself on a disk of which it sees one folder.
-class FilesCommand : public testing::Test {
+/// On a disk of which the program sees one folder.
+class FilesCommand : public ProgramTest {
  protected:
   FilesCommand() {
     fs::create_directories(Data());
     fs::create_directories(Tree());
-    const Json configuration = {{"excludedPaths", Tests::AllBut(Tree())},
+    const Json configuration = {{"excludedPaths", AllBut(Tree())},
                                 {"excludedFiles", {"left out.sample"}},
                                 {"includedExtensions", {"sample"}}};
-    Tests::WriteFile(folder_ / "configuration.json", configuration.dump());
+    WriteFile(folder_ / "configuration.json", configuration.dump());
+    options_ = {"--config", (folder_ / "configuration.json").string()};
   }
 
-  /// Answers the exit code.
-  int Run(const std::vector<std::string>& words) {
-    // Its number comes first, as the shell becomes the program.
-    Platform::ChildCommand command;
-    command.words = {"/bin/sh", "-c", "echo $$; exec \"$@\"", "sh",
-                     std::string(NORVIK_BINARY_DIR) + "/bin/norvik-agent"};
-    command.words.insert(command.words.end(), words.begin(), words.end());
-    for (const auto& word : {std::string("--data"), Data().string(), std::string("--config"),
-                             (folder_ / "configuration.json").string()}) {
-      command.words.push_back(word);
-    }
-    std::string printed;
-    output_.clear();
-    errors_.clear();
-    command.onOutput = [&](std::string_view piece) {
-      printed += piece;
-      if (killAt_.empty() || printed.find(killAt_) == std::string::npos) return;
-      killAt_.clear();
-      ::kill(std::stoi(printed), SIGKILL);
-    };
-    command.onErrors = [&](std::string_view piece) { errors_ += piece; };
-    const int code = Platform::RunChild(command).exitCode;
-    output_ = printed.substr(printed.find('\n') + 1);
-    return code;
-  }
-  Json RunWell(std::vector<std::string> words) {
-    words.push_back("--json");
-    EXPECT_EQ(Run(words), 0) << errors_;
-    return Json::parse(output_, nullptr, false);
-  }
   int StoredState() const {
     Common::AgentDatabase opened(Data());
     Common::V2::DataBase dataBase;
@@ -71,28 +34,22 @@ class FilesCommand : public testing::Test {
     return boost::get<int>(rows.at(0).at(0));
   }
 
-  fs::path Data() const { return folder_ / "data"; }
   fs::path Tree() const { return folder_ / "tree"; }
-  void Write(const std::string& name) const { Tests::WriteFile(Tree() / name, "x"); }
-
-  Tests::TemporaryFolder folder_;
-  std::string killAt_;  ///< kill the program once it has printed this
-  std::string output_;
-  std::string errors_;
+  void Write(const std::string& name) const { WriteFile(Tree() / name, "x"); }
 };
 
 TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   for (const char* name : {"a.sample", "b.sample", "\"fileStatus\":1.sample", "other.txt"}) {
     Write(name);
   }
-  const Json total = RunWell({"files", "--incremental"});
+  const Json total = Ask({"files", "--incremental"});
   EXPECT_EQ(total["kind"], "total");
   EXPECT_THAT(total["fallback"], HasSubstr("no file of a former"));
   EXPECT_EQ(total["files"], Json({{"total", 3}}));
   EXPECT_EQ(total["statuses"].back()["status"], 2);
   const std::string sealed = total["file"];
   EXPECT_EQ(fs::path(sealed).extension(), ".jsonrud");
-  const Json document = RunWell({"open", sealed});
+  const Json document = Ask({"open", sealed});
   EXPECT_EQ(document["typeInventory"], 0);
   EXPECT_EQ(document["paths"][0]["pathName"], Tree().string());
   EXPECT_EQ(document["paths"][0]["files"].size(), 3u);
@@ -100,14 +57,14 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   fs::remove(Tree() / "a.sample");
   fs::last_write_time(Tree() / "b.sample", 1'000'000'000);
   for (const char* name : {"c.sample", "d.sample"}) Write(name);
-  const Json changes = RunWell({"files", "--incremental"});
+  const Json changes = Ask({"files", "--incremental"});
   EXPECT_EQ(changes["kind"], "incremental");
   EXPECT_EQ(changes["files"], Json({{"added", 2}, {"removed", 1}, {"modified", 1}}));
   EXPECT_EQ(changes["phases"].size(), 3u);
 
-  EXPECT_EQ(Run({"files", "--incremental"}), 0) << errors_;
-  EXPECT_THAT(output_, HasSubstr("scanning: "));
-  EXPECT_THAT(output_, HasSubstr("document: none, there is nothing to tell"));
+  const std::string shown = RunWell({"files", "--incremental"}).output;
+  EXPECT_THAT(shown, HasSubstr("scanning: "));
+  EXPECT_THAT(shown, HasSubstr("document: none, there is nothing to tell"));
 }
 
 /// Each file of a document in one text.
@@ -125,7 +82,7 @@ TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
   for (const char* name : {"a.sample", "b.sample", "c.sample"}) Write(name);
   // Each takes the place of the one before it in the outbox.
   const auto taken = [&](const char* name, const std::vector<std::string>& words) {
-    fs::rename(RunWell(words)["file"].get<std::string>(), folder_ / name);
+    fs::rename(Ask(words)["file"].get<std::string>(), folder_ / name);
     return (folder_ / name).string();
   };
   const std::string before = taken("before.jsonrud", {"files"});
@@ -135,7 +92,7 @@ TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
   const std::string changes = taken("changes.jsonrud", {"files", "--incremental"});
   const std::string after = taken("after.jsonrud", {"files"});
   const auto plain = [&](const char* name, const std::string& sealed) {
-    Tests::WriteFile(folder_ / name, RunWell({"open", sealed}).dump());
+    WriteFile(folder_ / name, Ask({"open", sealed}).dump());
     return (folder_ / name).string();
   };
   const struct {
@@ -146,27 +103,20 @@ TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
               {{"apply", before, changes}, after},
               {{"apply", before, plain("changes", changes)}, after}};
   for (const auto& row : rows) {
-    EXPECT_EQ(FilesOf(RunWell(row.words)), FilesOf(RunWell({"open", row.same}))) << row.words[0];
+    EXPECT_EQ(FilesOf(Ask(row.words)), FilesOf(Ask({"open", row.same}))) << row.words[0];
   }
-  EXPECT_TRUE(RunWell({"diff", after, after}).is_null());
-  EXPECT_EQ(Run({"apply", changes, before}), 1);
-  EXPECT_EQ(std::count(errors_.begin(), errors_.end(), '\n'), 1) << errors_;
+  EXPECT_TRUE(Ask({"diff", after, after}).is_null());
+  ExpectRefusal({"apply", changes, before}, 1, "");
 }
 
 TEST_F(FilesCommand, RefusesScheduledOnesOnTheDayOfATotalOne) {
   Write("a.sample");
-  EXPECT_TRUE(RunWell({"status"})["fileInventory"].is_null());
-  EXPECT_EQ(RunWell({"files", "--scheduled"})["files"]["total"], 1);
-  const auto refusalOf = [&](const std::vector<std::string>& words) {
-    EXPECT_EQ(Run(words), 1);
-    EXPECT_EQ(output_, "");
-    EXPECT_EQ(std::count(errors_.begin(), errors_.end(), '\n'), 1) << errors_;
-    return errors_;
-  };
-  EXPECT_THAT(refusalOf({"files", "--scheduled"}), HasSubstr("already ended on this day"));
-  EXPECT_THAT(refusalOf({"files", "--scheduled", "--incremental"}),
-              HasSubstr("blocked due RUD complet executed today"));
-  const Json state = RunWell({"status"})["fileInventory"];
+  EXPECT_TRUE(Ask({"status"})["fileInventory"].is_null());
+  EXPECT_EQ(Ask({"files", "--scheduled"})["files"]["total"], 1);
+  ExpectRefusal({"files", "--scheduled"}, 1, "already ended on this day");
+  ExpectRefusal({"files", "--scheduled", "--incremental"}, 1,
+                "blocked due RUD complet executed today");
+  const Json state = Ask({"status"})["fileInventory"];
   EXPECT_EQ(state["stateName"], "finished");
   EXPECT_EQ(state["files"], 1);
   EXPECT_GE(state["end"]["seconds"], state["begin"]["seconds"]);
@@ -197,14 +147,14 @@ TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
               {"../data/a.sample", "excluded-folder"}};
   std::set<std::string> listed;
   for (const auto& row : rows) {
-    const Json answer = RunWell({"explain", (Tree() / row.path).string()});
+    const Json answer = Ask({"explain", (Tree() / row.path).string()});
     EXPECT_EQ(answer["rule"], row.rule) << row.path << ": " << answer;
     if (answer["listed"] == true) {
       listed.insert(fs::path(answer["path"].get<std::string>()).replace_extension().string());
     }
   }
   // The inventory itself agrees.
-  const Json document = RunWell({"open", RunWell({"files"})["file"]});
+  const Json document = Ask({"open", Ask({"files"})["file"]});
   std::set<std::string> found;
   for (const auto& folder : document["paths"]) {
     for (const auto& file : folder["files"]) {
@@ -222,10 +172,10 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
       {"includedExtensions", {"Txt", ".TXT", "txt", "EXE"}},
       {"additionalExtensions", {"CPL", "exe", "EXE"}},
       {"server", {{"address", "a"}, {"caFile", "/no such.pem"}}}};
-  Tests::WriteFile(folder_ / "surprising.json", configuration.dump());
+  WriteFile(folder_ / "surprising.json", configuration.dump());
   std::vector<std::string> warned;
   const auto file = (folder_ / "surprising.json").string();
-  const Json answer = RunWell({"configure", file, "--check"});
+  const Json answer = Ask({"configure", file, "--check"});
   for (const auto& warning : answer["warnings"]) {
     if (warning["value"] != "") warned.push_back(warning["value"]);
   }
@@ -237,17 +187,16 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
 
 TEST_F(FilesCommand, ARunThatWasKilledBeginsAgainAtTheNextStart) {
   for (int i = 0; i < 10000; ++i) Write(std::to_string(i) + ".sample");
-  killAt_ = "scanning: ";
-  EXPECT_EQ(Run({"files"}), 128 + SIGKILL);
+  EXPECT_EQ(Run({"files"}, "scanning: ").code, 128 + SIGKILL);
   EXPECT_NE(StoredState(), 2);
-  EXPECT_EQ(Run({"status"}), 0) << errors_;
-  EXPECT_THAT(output_, testing::ContainsRegex("file inventory: (scann|sav|print)ing, begun 20"));
+  EXPECT_THAT(RunWell({"status"}).output,
+              testing::ContainsRegex("file inventory: (scann|sav|print)ing, begun 20"));
   EXPECT_FALSE(fs::exists(Data() / "outbox") && !fs::is_empty(Data() / "outbox"));
 
-  RunWell({"action", "COMMON_ACTION_INIT"});
+  Ask({"action", "COMMON_ACTION_INIT"});
   EXPECT_EQ(StoredState(), 2);
-  EXPECT_EQ(Tests::FilesBelow(Data() / "outbox").size(), 1u);
-  EXPECT_EQ(RunWell({"files", "--incremental"})["files"]["added"], 0);
+  EXPECT_EQ(FilesBelow(Data() / "outbox").size(), 1u);
+  EXPECT_EQ(Ask({"files", "--incremental"})["files"]["added"], 0);
 }
 
 }  // namespace

@@ -11,10 +11,7 @@
 namespace Norvik::KOB {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
+using namespace testing;
 using namespace Tests;
 using Common::ScheduleInfo;
 using Common::V2::DataBase;

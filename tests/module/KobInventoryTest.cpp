@@ -16,11 +16,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 using boost::property_tree::ptree;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using namespace testing;
 using namespace Tests;
 using tests::ParseJson;
 

@@ -11,8 +11,7 @@
 namespace Norvik::KOB {
 namespace {
 
-using testing::IsEmpty;
-using testing::SizeIs;
+using namespace testing;
 using namespace Tests;
 
 class SectionFactoryTest : public testing::Test {

@@ -10,6 +10,7 @@
 
 #include "platform/ScopedHandle.h"
 #include "platform/compat/LiveObjects.h"
+#include "support/Cases.h"
 #include "support/PropertyListText.h"
 
 namespace {
@@ -118,14 +119,8 @@ TEST(CoreFoundationDeathTest, AFaultyUseEndsTheProgramAndNamesTheObject) {
   for (const auto& row : cases) EXPECT_DEATH(row.use(), row.message) << row.name;
 }
 
-std::string Repeat(const std::string& text, int times) {
-  std::string result;
-  for (int i = 0; i < times; ++i) result += text;
-  return result;
-}
-
 /// A binary list from its objects; references are of one byte, the first object is the root.
-std::string BinaryOf(const std::vector<std::string>& objects) {
+std::string BinaryOf(const std::vector<Bytes>& objects) {
   std::string bytes = "bplist00";
   std::string offsets;
   for (const auto& object : objects) {
@@ -139,42 +134,23 @@ std::string BinaryOf(const std::vector<std::string>& objects) {
   return bytes;
 }
 
+/// The bytes of a row: as they stand, a value in a list, or marks repeated, then others as often.
+std::string BytesOf(const Json& row) {
+  if (row.contains("bytes")) return row["bytes"].get<Bytes>();
+  if (row.contains("value")) return PropertyList(row["value"].get<Bytes>());
+  if (row.contains("objects")) return BinaryOf(row["objects"].get<std::vector<Bytes>>());
+  std::string text;
+  const int times = row["times"];
+  for (const char* part : {"opened", "closed"}) {
+    for (int i = 0; i < times; ++i) text += row[part].get_ref<const std::string&>();
+  }
+  return PropertyList(text);
+}
+
 TEST(CoreFoundation, HostileListsAreNoLists) {
-  std::vector<std::string> bomb;
-  for (char next = 1; next < 40; ++next) bomb.push_back({'\xa2', next, next});
-  bomb.push_back("\x09");
-  const struct {
-    const char* name;
-    std::string bytes;
-    bool isList;
-  } cases[] = {
-      {"nothing", "", false},
-      {"a text", "no list at all", false},
-      {"another mark-up", "<html><body/></html>", false},
-      {"nested deeply", PropertyList(Repeat("<array>", 400) + Repeat("</array>", 400)), true},
-      {"nested without measure",
-       PropertyList(Repeat("<array>", 200000) + Repeat("</array>", 200000)), false},
-      {"closed in a comment only",
-       PropertyList(Repeat("<array><!--</array>-->", 100000) + Repeat("</array>", 100000)), false},
-      {"closed in an attribute only",
-       PropertyList(Repeat("<array a=\"></array>\">", 100000) + Repeat("</array>", 100000)), false},
-      {"a small binary one", BinaryOf({"\xa1\x01", "\x09"}), true},
-      {"a binary one that holds itself", BinaryOf({std::string("\xa1\0", 2)}), false},
-      {"a small one that unfolds to many", BinaryOf(bomb), false},
-      {"a binary one without objects", "bplist00" + std::string(32, '\0'), false},
-      {"a key with a NUL",
-       BinaryOf({"\xd1\1\2",
-                 std::string("\x53"
-                             "a\0b",
-                             4),
-                 "\x09"}),
-       false},
-      {"a wide key with a NUL", BinaryOf({"\xd1\1\2", std::string("\x62\0a\0\0", 5), "\x09"}),
-       false},
-      {"a NUL in the other form", PropertyList(std::string("<string>a\0b</string>", 20)), false},
-      {"a count beyond its end", BinaryOf({"\xaf\x13\xff\xff\xff\xff\xff\xff\xff\xff"}), false},
-  };
-  for (const auto& row : cases) EXPECT_EQ(bool(Read(row.bytes)), row.isList) << row.name;
+  for (const Json& row : DataOf("platform/hostile-lists.json")) {
+    EXPECT_EQ(bool(Read(BytesOf(row))), row["isList"].get<bool>()) << row["name"];
+  }
   EXPECT_EQ(CountLiveObjects(), LiveObjects());
 }
 

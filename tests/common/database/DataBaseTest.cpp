@@ -3,23 +3,40 @@
 #include <gmock/gmock.h>
 
 #include <boost/optional/optional_io.hpp>
-#include <limits>
 #include <stdexcept>
 #include <thread>
 
+#include "support/Cases.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::Common {
 namespace {
 
 using namespace testing;
+using Tests::Json;
 using V2::DataBase;
 using V2::DataBaseRow;
 using V2::DataBaseRows;
 using V2::DataBaseValue;
-using UnsignedLimits = std::numeric_limits<unsigned long long>;
 
 DataBaseValue Text(const std::string& text) { return text; }
+
+/// A plain number stands for an int or a double; {"long": 7} tells another type.
+DataBaseValue ValueOf(const Json& cell) {
+  if (cell.is_string()) return cell.get<std::string>();
+  if (cell.is_number_float()) return cell.get<double>();
+  if (cell.is_number()) return cell.get<int>();
+  if (cell.contains("unsigned int")) return cell["unsigned int"].get<unsigned int>();
+  if (cell.contains("long")) return cell["long"].get<long>();
+  if (cell.contains("long long")) return cell["long long"].get<long long>();
+  return cell.at("unsigned long long").get<unsigned long long>();
+}
+
+DataBaseRow RowOf(const Json& cells) {
+  DataBaseRow row;
+  for (const Json& cell : cells) row.push_back(ValueOf(cell));
+  return row;
+}
 
 void Insert(DataBase& dataBase, const std::string& name, const std::string& value) {
   dataBase.ExecuteSentence("insert into DATA(name, value) values('{1}', '{2}')", {name, value});
@@ -58,71 +75,20 @@ TEST_F(ExecuteSentence, GivesEveryTextBackAsItWasBound) {
   }
 }
 
-TEST_F(ExecuteSentence, BindsAPlaceholderInQuotesAsText) {
-  EXPECT_EQ(
-      OneRow("select typeof('{1}'), '{1}', typeof({1}), '{2}', '{3}', '{4}', typeof('{5}'), '{5}'",
-             {-5, UnsignedLimits::max(), 0.1, 4000000000U, 7L}),
-      (DataBaseRow{Text("text"), Text("-5"), Text("integer"), Text("18446744073709551615"),
-                   Text("0.10000000000000001"), Text("4000000000"), Text("text"), Text("7")}));
-}
-
-TEST_F(ExecuteSentence, KeepsNumbersOfEveryKind) {
-  Run("create table T(small INTEGER, big BIGINT, number REAL)");
-  constexpr auto Least = std::numeric_limits<long long>::min();
-  const std::pair<DataBaseValue, long long> cases[] = {
-      {-7, -7},       {4000000000U, 4000000000LL},
-      {Least, Least}, {UnsignedLimits::max(), -1},  // the same bits
-      {-1L, -1},      {Text("12"), 12}};
-  for (const auto& [bound, read] : cases) {
-    Run("delete from T");
-    Run("insert into T(small, big, number) values({1}, {1}, {2})", {bound, 2.5});
-    EXPECT_EQ(OneRow("select small, big, number from T"),
-              (DataBaseRow{static_cast<int>(read), read, 2.5}));
-  }
-}
-
-TEST_F(ExecuteSentence, GivesCellsTheTypeOfTheirColumn) {
-  Run("create table T(a INTEGER, b BIGINT, c TEXT, d REAL, e VARCHAR(10), f UNSIGNED BIG INT, g)");
-  Run("insert into T values(1, 2, 3, 4, 5, 6, 7)");
-  Run("insert into T values(null, null, null, null, null, null, null)");
-  EXPECT_EQ(Run("select a, b, c, d, e, f, g from T order by rowid"),
-            (DataBaseRows{{1, 2LL, Text("3"), 4.0, Text("5"), 6LL, 7},
-                          {0, 0LL, Text(""), 0.0, Text(""), 0LL, Text("")}}));
-  EXPECT_EQ(OneRow("select max(b), count(*), 5000000000, 1.5, 'x', null from T"),
-            (DataBaseRow{2, 2, 5000000000LL, 1.5, Text("x"), Text("")}));
-}
-
-TEST_F(ExecuteSentence, GivesTheReadersOfTheFileInventoryTheirTypes) {
-  Run("insert into RUD2_LAST_INVENTORY(id_path, size, last_modification, file_name, absolute_path, "
-      "is_executable) values({1}, {2}, {3}, '{4}', '{5}', {6})",
-      {3U, 5000000000ULL, -1LL, Text("ls"), Text("/bin/ls"), 1});
-  EXPECT_EQ(OneRow("select size, last_modification, is_executable, file_version, file_name from "
-                   "RUD2_LAST_INVENTORY"),
-            (DataBaseRow{5000000000LL, -1LL, 1, Text(""), Text("ls")}));
-}
-
-TEST_F(ExecuteSentence, LetsTheLastDriveOfAPathReplaceTheOneBefore) {
-  for (const char* unit : {"E:", "F:"}) {
-    Run("insert into KOB_NETWORK_DRIVES( id, Unit, Path, Server) values(%1%, '%2%', '%3%', '%4%')",
-        {0xFFFFFFFF00000007ULL, Text(unit), Text("//a/o'b"), Text("a")});
-  }
-  // The reader of the table wants an int: the low half of the id.
-  EXPECT_EQ(OneRow("select id, Unit, Path, Server from KOB_NETWORK_DRIVES"),
-            (DataBaseRow{7, Text("F:"), Text("//a/o'b"), Text("a")}));
-}
-
-TEST_F(ExecuteSentence, SaysWhatIsWrongWithAStatement) {
-  const std::pair<std::string, const char*> cases[] = {
-      {"select value from MISSING", "no such table: MISSING"},
-      {"select {3}", "placeholder {3} has no value, 1 given"},
-      {"select '{2}'", "placeholder {2} has no value, 1 given"},
-      {"select {0}", "counted from 1"},
-      {"delete from DATA; delete from KOB_DATA", "more than one statement"},
-      {"", "no statement"},
-      {"select 'open {1}", "unrecognized token"}};
-  for (const auto& entry : cases) {
-    EXPECT_THAT([&] { Run(entry.first, {1}); },
-                ThrowsMessage<std::exception>(HasSubstr(entry.second)));
+TEST_F(ExecuteSentence, GivesEachCellItsTypeOrSaysWhatIsWrong) {
+  for (const Json& row : Tests::DataOf("common/database/statements.json")) {
+    SCOPED_TRACE(row["name"]);
+    DataBaseRows told;
+    const std::string fault = Tests::MessageOf<std::exception>([&] {
+      for (const Json& step : row["statements"]) {
+        told = Run(step[0], step.size() > 1 ? RowOf(step[1]) : DataBaseRow());
+      }
+    });
+    EXPECT_THAT(fault, HasSubstr(row.value("fault", "")));
+    EXPECT_EQ(fault.empty(), !row.contains("fault")) << fault;
+    DataBaseRows wanted;
+    for (const Json& cells : row.value("gives", Json::array())) wanted.push_back(RowOf(cells));
+    EXPECT_EQ(told, wanted);
   }
 }
 

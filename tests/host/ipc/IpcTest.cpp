@@ -8,6 +8,7 @@
 #include "host/ipc/IpcService.h"
 #include "host/ipc/IpcUser.h"
 #include "host/ipc/RateLimit.h"
+#include "support/Cases.h"
 #include "support/LocalClient.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryFolder.h"
@@ -28,6 +29,13 @@ const std::string JOINED = EncodeFrame(FrameKind::JOIN, "");
 
 std::string FrameOf(const IPCMessage& message) {
   return EncodeFrame(FrameKind::MESSAGE, EncodeMessage(message));
+}
+
+/// A frame of a row: just bytes, a kind and its content, or a message.
+std::string BytesOf(const Json& frame) {
+  if (frame.is_string()) return frame.get<Bytes>();
+  if (frame.size() > 2) return FrameOf({frame[0], frame[1], frame[2], frame[3].get<Bytes>()});
+  return EncodeFrame(static_cast<FrameKind>(frame[0].get<std::string>()[0]), frame[1].get<Bytes>());
 }
 
 /// Messages that came in; those of a held receiver wait to be handled.
@@ -100,53 +108,28 @@ class Ipc : public testing::Test {
 };
 
 TEST_F(Ipc, EachMisdeedLeavesOneLineThatSaysWhatAndFromWhomAndHurtsNobodyElse) {
-  const IPCMessage command{0, 1013, "RunProcess", "rm"};
-  const IPCMessage question{1, 32001, "other", "x"};
-  const IPCMessage broken{1, 1066, "truncateNetDrivesTable", "\xFF"};
-  const std::string frame = FrameOf(TRUNCATE);
-  const struct {
-    const char* name;
-    std::string bytes;
-    bool hangsUp;
-    const char* complaint;
-  } rows[] = {
-      {"a length beyond the limit", "\xFF\xFF\xFF\xFF", false, "sent a frame of 4294967295 bytes"},
-      {"a length of nothing", std::string(4, '\0'), false, "sent a frame of 0 bytes"},
-      {"a length that lies", JOINED + frame.substr(0, 9), true, "ended inside a frame"},
-      {"an endless frame", JOINED + frame.substr(0, 9), false, "did not end a frame in time"},
-      {"garbage", "GET / HTTP/1.1\r\n\r\n", false, "sent a frame of 1195725856 bytes"},
-      {"an unknown kind", EncodeFrame(static_cast<FrameKind>('x'), "y"), false, "unknown kind 120"},
-      {"a message too early", frame, false, "sent a message before it joined"},
-      {"a message cut short", JOINED + EncodeFrame(FrameKind::MESSAGE, "abc"), false,
-       "without a head"},
-      {"a key that lies", JOINED + EncodeFrame(FrameKind::MESSAGE, std::string(12, '\x7F')), false,
-       "whose key is longer than the message"},
-      {"no UTF-8", JOINED + FrameOf(broken), false, "sent a message that is no UTF-8"},
-      {"joined twice", JOINED + JOINED, false, "joined twice"},
-      {"an answer", EncodeFrame(FrameKind::ANSWER, "{}"), false,
-       "an answer to a request that nobody"},
-      {"a forbidden code", JOINED + FrameOf(command), false,
-       "sent the message 1013 \"RunProcess\""},
-      {"a forbidden key", JOINED + FrameOf(question), false, "sent the message 32001 \"other\""},
-  };
   ServiceLimits limits;
   limits.connection.frameTime = milliseconds(100);
   StartService(limits);
   const LocalClient honest(Socket());
   ASSERT_TRUE(honest.Send(JOINED));
-  for (const auto& row : rows) {
+  const std::string from =
+      "user " + std::to_string(::geteuid()) + ", process " + std::to_string(::getpid());
+  for (const Json& row : DataOf("host/ipc/misdeeds.json")) {
+    SCOPED_TRACE(row["name"]);
     const std::size_t before = Warnings().size();
+    std::string bytes;
+    for (const Json& frame : row["sends"]) bytes += BytesOf(frame);
     LocalClient client(Socket());
-    ASSERT_TRUE(client.Send(row.bytes)) << row.name;
-    if (row.hangsUp) client.HangUp();
-    ASSERT_TRUE(Eventually([&] { return Warnings().size() > before; })) << row.name;
-    const std::string from =
-        "user " + std::to_string(::geteuid()) + ", process " + std::to_string(::getpid());
-    EXPECT_EQ(Warnings().size(), before + 1) << row.name;
-    EXPECT_THAT(Warnings().back(), AllOf(HasSubstr(row.complaint), HasSubstr(from))) << row.name;
+    ASSERT_TRUE(client.Send(bytes.substr(0, row.value("cutAt", bytes.size()))));
+    if (row.contains("hangsUp")) client.HangUp();
+    ASSERT_TRUE(Eventually([&] { return Warnings().size() > before; }));
+    EXPECT_EQ(Warnings().size(), before + 1);
+    EXPECT_THAT(Warnings().back(),
+                AllOf(HasSubstr(row["warning"].get<std::string>()), HasSubstr(from)));
   }
   EXPECT_EQ(inbox_.Count(), 0u);
-  ASSERT_TRUE(honest.Send(frame));
+  ASSERT_TRUE(honest.Send(FrameOf(TRUNCATE)));
   EXPECT_TRUE(Eventually([&] { return inbox_.Count() == 1; }));
 }
 

@@ -1,22 +1,16 @@
 // Recorded machines, which hold an inventory here, are in force on systems other than macOS only.
 #ifdef __linux__
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
+#include "host/ProgramTest.h"
 #include "host/actions/PeriodicState.h"
 #include "host/ipc/Frames.h"
-#include "platform/ChildProcess.h"
 #include "support/BackgroundProcess.h"
 #include "support/LocalClient.h"
 #include "support/LogCapture.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -29,8 +23,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-using Words = std::vector<std::string>;
-
 int CountOf(const std::string& part, const std::string& text) {
   int count = 0;
   for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
@@ -38,42 +30,30 @@ int CountOf(const std::string& part, const std::string& text) {
 }
 
 /// A service and users' processes of their own, on a machine whose inventories stop at a gate.
-class Run : public testing::Test {
+class Service : public ProgramTest {
  protected:
-  Run() {
+  Service() {
     fs::create_directories(folder_ / "machine/bin");
     const auto tool = folder_ / "machine/bin/system_profiler";
     WriteFile(tool, "#!/bin/sh\nwhile [ -e " + Gate() + " ]; do sleep 0.02; done\n");
     fs::permissions(tool, fs::owner_all);
+    options_ = {"--socket",    Socket(), "--machine", (folder_ / "machine").string(),
+                "--log-level", "5"};
   }
 
   std::string Gate() const { return (folder_ / "gate").string(); }
   void CloseGate() const { WriteFile(Gate(), ""); }
   void OpenGate() const { fs::remove(Gate()); }
 
-  Words Line(Words words, const std::string& data = "data") const {
-    words.insert(words.begin(), std::string(NORVIK_BINARY_DIR) + "/bin/norvik-agent");
-    words.insert(words.end(), {"--data", (folder_ / data).string(), "--socket", Socket(),
-                               "--machine", (folder_ / "machine").string(), "--log-level", "5"});
-    return words;
-  }
   std::unique_ptr<BackgroundProcess> Start(const Words& words, const std::string& data = "data") {
-    auto process =
-        std::make_unique<BackgroundProcess>(Line(words, data), folder_ / (data + ".out"));
+    Words line = {NORVIK_BINARY_DIR "/bin/norvik-agent", "--data", (folder_ / data).string()};
+    for (const Words& part : {words, options_}) line.insert(line.end(), part.begin(), part.end());
+    auto process = std::make_unique<BackgroundProcess>(line, folder_ / (data + ".out"));
     EXPECT_TRUE(Eventually([&] { return !process->Output().empty(); })) << words.front();
     EXPECT_THAT(process->Output(), HasSubstr("runs as process"));
     return process;
   }
-  /// Runs a command to its end; its exit code and all that it printed.
-  std::pair<int, std::string> Call(const Words& words) const {
-    Platform::ChildCommand command;
-    command.words = Line(words);
-    std::string printed;
-    command.onOutput = [&](std::string_view piece) { printed += piece; };
-    const int code = Platform::RunChild(command).exitCode;
-    return {code, printed};
-  }
-  Json Status() const { return Json::parse(Call({"status", "--json"}).second, nullptr, false); }
+  Json Status() const { return Ask({"status"}); }
   bool HasSessions(std::size_t count) const {
     return Eventually([&] { return Status()["agent"]["sessions"].size() == count; });
   }
@@ -103,46 +83,41 @@ class Run : public testing::Test {
     return paths;
   }
   std::size_t DocumentsInOutbox() const { return Status()["outbox"].size(); }
-
-  TemporaryFolder folder_;
 };
 
-TEST_F(Run, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
+TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
   const auto service = Start({"run"});
-  EXPECT_EQ(Call({"message", "nobody hears this"}),
-            std::make_pair(1, std::string("norvik-agent: no user's process is connected\n")));
+  ExpectRefusal({"message", "nobody hears this"}, 1,
+                "norvik-agent: no user's process is connected\n");
   const auto first = Start({"user"}, "first");
   const auto second = Start({"user"}, "second");
   ASSERT_TRUE(HasSessions(2));
   EXPECT_TRUE(Logs("Survey is not enabled on profile"));  // what begins with a session
-  EXPECT_EQ(Call({"message", "two\nlines"}).first, 0);
+  RunWell({"message", "two\nlines"});
   for (const auto* user : {first.get(), second.get()}) {
     EXPECT_TRUE(
         Eventually([&] { return CountOf("message: two\nmessage: lines\n", user->Output()) == 1; }));
   }
-  EXPECT_EQ(Call({"notify", "hardware"}).first, 0);
+  RunWell({"notify", "hardware"});
   EXPECT_TRUE(Logs("Hardware changes successful"));
-  EXPECT_EQ(Call({"notify", "weather"}).first, 2);
+  EXPECT_EQ(Run({"notify", "weather"}).code, 2);
 
-  const auto refused = Call({"run"});
-  EXPECT_EQ(refused.first, 1);
-  EXPECT_THAT(refused.second, HasSubstr("another agent works with the data folder"));
-  EXPECT_EQ(CountOf("\n", refused.second), 1);
+  ExpectRefusal({"run"}, 1, "another agent works with the data folder");
 
   EXPECT_EQ(second->End(SIGINT), 0);
   EXPECT_TRUE(HasSessions(1));
   EXPECT_EQ(service->End(SIGTERM), 0);
   EXPECT_FALSE(fs::exists(Socket()));
   EXPECT_TRUE(Status()["agent"].is_null());
-  EXPECT_EQ(Call({"notify", "software"}).first, 1);
+  EXPECT_EQ(Run({"notify", "software"}).code, 1);
   const auto again = Start({"run"});
   EXPECT_TRUE(HasSessions(1));  // the first one found the service again
 }
 
-TEST_F(Run, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
+TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   const auto service = Start({"run"});
   CloseGate();
-  ASSERT_EQ(Call({"notify", "software"}).first, 0);
+  RunWell({"notify", "software"});
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   EXPECT_EQ(Status()["agent"]["running"][0]["action"], "1071 ACTION_TOTAL_INVENTORY");
   service->Signal(SIGTERM);
@@ -155,14 +130,14 @@ TEST_F(Run, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   EXPECT_EQ(CountOf(" starts", log.substr(log.find("The service stops"))), 0);
 }
 
-TEST_F(Run, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnds) {
+TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnds) {
   const auto file = folder_ / "given.json";
   const auto service = Start({"run"});
   CloseGate();
-  ASSERT_EQ(Call({"notify", "software"}).first, 0);
+  RunWell({"notify", "software"});
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   WriteFile(file, R"({"profileId": 7, "pendingTasksSchedule": {"periodSeconds": 9999}})");
-  EXPECT_EQ(Call({"configure", file.string()}).first, 0);
+  RunWell({"configure", file.string()});
   EXPECT_TRUE(Logs("Configuration has changed"));
   EXPECT_EQ(ContentOf(folder_ / "data/configuration.json"), ContentOf(file));
   EXPECT_TRUE(Logs("KOB Inventory already running"));  // the one that the configuration asks for
@@ -181,10 +156,10 @@ TEST_F(Run, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnds) {
   service->Signal(SIGHUP);
   EXPECT_TRUE(Logs("is read again"));
   WriteFile(file, R"({"profileId": "eight"})");
-  EXPECT_EQ(Call({"configure", file.string()}).first, 2);
+  EXPECT_EQ(Run({"configure", file.string()}).code, 2);
 }
 
-TEST_F(Run, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
+TEST_F(Service, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
   const struct {
     const char* name;
     long period;
@@ -200,7 +175,7 @@ TEST_F(Run, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
       {"a single one while it ran", 0, 0, "running", 1, "none"},
       {"a single one after it had run", 0, 0, "ended", 0, "none"},
   };
-  Call({"inventory"});
+  RunWell({"inventory"});
   for (const auto& row : rows) {
     const long due = system_clock::to_time_t(system_clock::now()) + row.dueIn;
     const auto state = [&](const std::string& toWrite = "") { return State(1036, toWrite); };
@@ -242,9 +217,9 @@ std::string ArchiveOf(int id, const std::string& path) {
          " 2 Z: " + std::to_string(path.size()) + " " + path + " 8 nas.test";
 }
 
-TEST_F(Run, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
+TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
   using Paths = std::multiset<std::string>;
-  Call({"inventory"});
+  RunWell({"inventory"});
   // Due when the users are connected: the service then asks all of them.
   State(32001, "0 " + std::to_string(system_clock::to_time_t(system_clock::now()) + 5));
   const auto service = Start({"run"});

@@ -1,14 +1,13 @@
 #include <gmock/gmock.h>
 
 #include <boost/filesystem/operations.hpp>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "common/database/DataBase.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
-#include "support/Files.h"
+#include "support/Cases.h"
 #include "support/FullDisk.h"
 #include "support/OnlyBelow.h"
 
@@ -19,12 +18,7 @@ namespace fs = boost::filesystem;
 using namespace Tests;
 using Common::V2::DataBase;
 using std::chrono::system_clock;
-using testing::AllOf;
-using testing::Contains;
-using testing::Each;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
+using namespace testing;
 using V2::RudDataSource;
 
 void EndOfLastTotal(std::chrono::hours ago) {
@@ -57,7 +51,7 @@ class FileInventoryTest : public testing::Test {
   }
   /// The files of the document in the outbox, as "status name"; the file leaves the outbox.
   std::vector<std::string> Delivered() {
-    const auto document = nlohmann::json::parse(host.DeliveredDocument());
+    const Json document = Json::parse(host.DeliveredDocument());
     fs::remove(host.Outbox() / NamesIn(host.Outbox()).front());
     std::vector<std::string> files;
     for (const auto& path : document["paths"]) {
@@ -118,47 +112,26 @@ TEST_F(FileInventoryTest, ATotalAndThenAnIncrementalInventoryReachTheOutbox) {
 }
 
 TEST(FileInventory, TheDayAndTheBaseDecideWhatRuns) {
-  const std::string blocked =
-      "8 RUD incremental inventory is blocked due RUD complet executed today";
-  const std::string total = "RUD Inventory Started: 0";
-  const std::string incremental = "RUD Inventory Started: 1";
-  struct Row {
-    unsigned int code;
-    bool totalToday;
-    bool hasBase;
-    std::string status;
-    std::string started;      ///< empty: nothing
-    std::string recordedKey;  ///< empty: none
-  };
-  const Row rows[] = {{1047, false, true, "7", total, "RUD_INVENTORY"},
-                      {1047, true, true, "3", "", ""},
-                      {1037, false, true, "7", total, ""},
-                      {1037, true, true, "7", total, ""},
-                      {1041, false, true, "7", incremental, "RUD_INVENTORY_INCREMENTAL"},
-                      {1041, false, false, "7", total, "RUD_INVENTORY"},
-                      {1041, true, true, blocked, "", ""},
-                      {1038, true, true, "7", incremental, ""},
-                      {1038, true, false, "7", total, ""}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.code * 100 + (row.totalToday ? 10 : 0) + (row.hasBase ? 1 : 0));
+  for (const Json& row : DataOf("module/Actions/InventoryActionsFiles.json")) {
+    SCOPED_TRACE(Shown(row));
     FakeHost host;
     host.dependencies->configuration.kob->includedExtensions = {"norvikdoc"};
     ModuleUnderTest module(host);
-    EndOfLastTotal(std::chrono::hours(row.totalToday ? 0 : 24));
-    if (row.hasBase)
+    EndOfLastTotal(std::chrono::hours(row.value("total today", false) ? 0 : 24));
+    if (row.value("base", true))
       TestDatabase::Run("insert into RUD2_LAST_INVENTORY(absolute_path) values('/a')");
-    module.Run(row.code);
-    EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre(row.status));
-    for (const auto& text : {total, incremental}) {
-      EXPECT_EQ(host.log.Holds(4, text), text == row.started) << text;
+    module.Run(row["code"]);
+    EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre(row.value("status", "7")));
+    const std::string started = row.value("started", "");
+    EXPECT_EQ(host.log.Holds(4, "RUD Inventory Started: 0"), started == "total");
+    EXPECT_EQ(host.log.Holds(4, "RUD Inventory Started: 1"), started == "incremental");
+    for (const std::string key : {"RUD_INVENTORY", "RUD_INVENTORY_INCREMENTAL"}) {
+      EXPECT_EQ(DataBase::GetDataTable(key) != 0, key == row.value("recorded", "")) << key;
     }
-    for (const char* key : {"RUD_INVENTORY", "RUD_INVENTORY_INCREMENTAL"}) {
-      EXPECT_EQ(DataBase::GetDataTable(key) != 0, key == row.recordedKey) << key;
-    }
-    if (row.started.empty()) continue;
-    auto started = host.actions->Last(1060);
-    EXPECT_EQ(started.delay.count(), 0);
-    EXPECT_EQ(started.action.parameters.Get<bool>("incremental"), row.started == incremental);
+    if (started.empty()) continue;
+    auto run = host.actions->Last(1060);
+    EXPECT_EQ(run.delay.count(), 0);
+    EXPECT_EQ(run.action.parameters.Get<bool>("incremental"), started == "incremental");
   }
 }
 

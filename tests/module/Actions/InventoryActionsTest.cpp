@@ -6,79 +6,63 @@
 
 #include "common/database/DataBase.h"
 #include "module/ModuleUnderTest.h"
+#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 using namespace Tests;
 using Common::V2::DataBase;
 
+using Texts = std::vector<std::string>;
+
+int LastInventory() { return DataBase::GetDataTable("KOB_INVENTORY"); }
+
 class InventoryActionsTest : public testing::Test {
  protected:
-  void RunTotal(bool incremental) {
-    Common::ActionParameters parameters;
-    parameters.Set("kobIncremental", incremental);
-    module.Run(1071, parameters);
-  }
-  std::vector<std::string> Statuses() { return host.communications->TakeStatuses(); }
-  int LastInventory() { return DataBase::GetDataTable("KOB_INVENTORY"); }
+  Texts Statuses() { return host.communications->TakeStatuses(); }
 
   FakeHost host;
   ModuleUnderTest module{host};
 };
 
-TEST_F(InventoryActionsTest, ATotalInventoryReportsItsStateAndItsFile) {
-  const auto before = std::time(nullptr);
-  module.Run(1071);
-  EXPECT_THAT(Statuses(), ElementsAre("7", "2"));
-  EXPECT_GE(LastInventory(), before);
-  EXPECT_EQ(host.communications->newFiles, 1);
-  EXPECT_THAT(host.pipeline->calls, Contains("move total"));
-  EXPECT_TRUE(host.log.Holds(4, "Generating KOB inventory..."));
-  EXPECT_TRUE(host.log.Holds(4, "KOB Inventory finished"));
-}
-
-TEST_F(InventoryActionsTest, AFirstIncrementalInventoryStartsATotalOne) {
-  module.Run(1036);
-  EXPECT_THAT(Statuses(), ElementsAre("7"));
-  EXPECT_THAT(host.actions->Texts(), ElementsAre("once 1071 +0"));
-  EXPECT_FALSE(host.actions->Last(1071).action.parameters.Exist("kobIncremental"));
-  EXPECT_EQ(LastInventory(), 0);
-  host.actions->RunWaiting();
-  EXPECT_THAT(Statuses(), ElementsAre("7", "2"));
-  EXPECT_NE(LastInventory(), 0);
-}
-
-TEST_F(InventoryActionsTest, ALaterIncrementalInventoryRunsAtOnce) {
-  DataBase::SetDataTable("KOB_INVENTORY", 1);
-  module.Run(1036);
-  EXPECT_THAT(Statuses(), ElementsAre("7", "7", "2"));
-  EXPECT_THAT(host.actions->Texts(), IsEmpty());
-  EXPECT_GT(LastInventory(), 1);
-  EXPECT_TRUE(host.log.Holds(4, "Generating KOB incremental inventory..."));
-  // The request's words, though what went out was a total one.
-  EXPECT_TRUE(host.log.Holds(4, "KOB incremental Inventory finished"));
-  EXPECT_THAT(host.pipeline->calls, Contains("move total"));
-}
-
-TEST_F(InventoryActionsTest, TheKindIsTheParametersValue) {
-  RunTotal(false);
-  EXPECT_TRUE(host.log.Holds(4, "KOB Inventory finished"));
-  RunTotal(true);
-  EXPECT_TRUE(host.log.Holds(4, "KOB incremental Inventory finished"));
-}
-
-TEST_F(InventoryActionsTest, WithoutATokenATotalInventoryIsTriedLater) {
-  host.identification->token.clear();
-  RunTotal(true);
-  EXPECT_THAT(Statuses(), IsEmpty());
-  EXPECT_THAT(host.actions->Texts(), ElementsAre("once 1071 +60"));
-  EXPECT_TRUE(host.actions->Last(1071).action.parameters.Values().empty());
-  EXPECT_EQ(LastInventory(), 0);
-  EXPECT_TRUE(host.log.Holds(4, "The token is null, kob Inventory not started"));
+TEST(InventoryActions, ARequestEndsAsTheStateOfTheMachineWantsIt) {
+  for (const Json& row : DataOf("module/Actions/InventoryActions.json")) {
+    SCOPED_TRACE(row["name"]);
+    FakeHost host(row.value("processKind", 0));
+    host.identification->token = row.value("token", "token-1");
+    if (row.contains("torn")) {
+      host.pipeline->beforeStep = [&](const std::string&) {
+        throw std::runtime_error(row["torn"].get<std::string>());
+      };
+    }
+    ModuleUnderTest module(host);
+    const int last = row.value("last", 0);
+    if (last) DataBase::SetDataTable("KOB_INVENTORY", last);
+    Common::ActionParameters parameters;
+    if (row.contains("incremental"))
+      parameters.Set("kobIncremental", row["incremental"].get<bool>());
+    const auto before = std::time(nullptr);
+    module.Run(row["code"], parameters);
+    const Texts statuses = row.value("statuses", Texts{"7", "2"});
+    EXPECT_EQ(host.communications->TakeStatuses(), statuses);
+    const bool isDone = !statuses.empty() && statuses.back() == "2";
+    EXPECT_EQ(host.communications->newFiles, isDone);
+    EXPECT_EQ(LastInventory() >= before, isDone) << LastInventory();
+    const Texts& steps = host.pipeline->calls;
+    EXPECT_EQ(steps.empty() ? "" : steps.back(), row.value("step", "move total"));
+    EXPECT_EQ(host.actions->Texts(), row.value("started", Texts()));
+    for (const auto& started : host.actions->All()) {
+      EXPECT_TRUE(started.action.parameters.Values().empty());
+    }
+    EXPECT_THAT(host.log.Texts(4), IsSupersetOf(row.value("log", Texts())));
+    EXPECT_THAT(host.log.Texts(2), IsSupersetOf(row.value("errors", Texts())));
+    host.actions->RunWaiting();
+    const Texts then = row.value("then", Texts());
+    EXPECT_EQ(host.communications->TakeStatuses(), then);
+    EXPECT_EQ(LastInventory() >= before, isDone || !then.empty());
+  }
 }
 
 TEST_F(InventoryActionsTest, ASecondRequestDuringARunIsRefused) {
@@ -96,14 +80,6 @@ TEST_F(InventoryActionsTest, ASecondRequestDuringARunIsRefused) {
   EXPECT_EQ(host.communications->newFiles, 1);
   module.Run(1071);
   EXPECT_THAT(Statuses(), Contains("2"));
-}
-
-TEST_F(InventoryActionsTest, ARunThatFailedInsideStillCounts) {
-  host.pipeline->beforeStep = [](const std::string&) { throw std::runtime_error("torn cable"); };
-  module.Run(1071);
-  EXPECT_TRUE(host.log.Holds(2, "Unable to generate kob inventory: torn cable"));
-  EXPECT_THAT(Statuses(), ElementsAre("7", "2"));
-  EXPECT_NE(LastInventory(), 0);
 }
 
 TEST_F(InventoryActionsTest, AFailureBeforeTheRunGoesBackAndReleasesTheLock) {
@@ -127,13 +103,6 @@ TEST(InventoryActions, NeedsAConfiguration) {
   Common::AgentConfigurationInfo configuration;
   configuration.kob.emplace();
   module.Run(32004, WithConfiguration(configuration));
-  module.Run(1071);
-  EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre("7", "2"));
-}
-
-TEST(InventoryActions, AUsersProcessDoesNotAskForTheAgentsIdentity) {
-  FakeHost host(1);
-  ModuleUnderTest module(host);
   module.Run(1071);
   EXPECT_THAT(host.communications->TakeStatuses(), ElementsAre("7", "2"));
 }

@@ -8,12 +8,12 @@
 #include "common/database/DataBase.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
+#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 using namespace Tests;
 using Common::V2::DataBase;
 using std::chrono::milliseconds;
@@ -37,11 +37,6 @@ class KOBActionsTest : public testing::Test {
   }
   /// What a change at the time `now` starts.
   Texts ChangeNow(unsigned int code) {
-    Common::HandlerMap handlers;
-    const auto factory = [&](unsigned int started, const Common::ActionParameters& parameters) {
-      return module->GetAction(started, parameters);
-    };
-    const KOBActions actions(host.Dependencies(), factory, handlers, [&] { return now; });
     host.actions->Forget();
     Common::ActionParameters none;
     handlers.at(code)(none);
@@ -51,45 +46,39 @@ class KOBActionsTest : public testing::Test {
   FakeHost host;
   ModuleUnderTest module{host};
   system_clock::time_point now;
+  Common::HandlerMap handlers;
+  KOBActions actions{host.Dependencies(),
+                     [this](unsigned int code, const Common::ActionParameters& parameters) {
+                       return module->GetAction(code, parameters);
+                     },
+                     handlers, [this] { return now; }};
 };
 
 TEST_F(KOBActionsTest, AChangeStartsAnInventoryNoOftenerThanThePeriod) {
-  constexpr int LAST = 1700000000;
-  const Texts inventory = {"queue 1036"};
-  const Texts later = {"replace 32023 every 0"};
-  const struct {
-    const char* name;
-    int last;
-    std::int64_t sinceLast;  // milliseconds
-    unsigned int period;
-    Texts started;
-    int remaining;
-  } rows[] = {{"never inventoried", 0, 1700000000000, 3600, inventory, 0},
-              {"at the last", LAST, 0, 3600, {}, 0},
-              {"at the last without a period", LAST, 999, 0, {}, 0},
-              {"with a clock behind the last", LAST, -1000, 3600, {}, 0},
-              {"a second later", LAST, 1000, 3600, later, 3609},
-              {"between two seconds", LAST, 1500, 3600, later, 3608},
-              {"a moment before the period is over", LAST, 3599999, 3600, later, 10},
-              {"when the period is over", LAST, 3600000, 3600, inventory, 0},
-              {"a second later without a period", LAST, 1000, 0, inventory, 0}};
-  for (const auto& row : rows) {
-    now = system_clock::from_time_t(row.last) + milliseconds(row.sinceLast);
-    KOBDataSourceV2::updateInventoryChangedPeriod(row.period);
-    DataBase::SetDataTable("KOB_INVENTORY", row.last);
+  for (const Json& row : DataOf("module/Actions/KOBActions.json")) {
+    const int last = row.value("last", 1700000000);
+    const std::string started = row.value("started", "");
+    const int remaining = row.value("remaining", 0);
+    now = system_clock::from_time_t(last) + milliseconds(row["since last"].get<std::int64_t>());
+    KOBDataSourceV2::updateInventoryChangedPeriod(row.value("period", 3600U));
+    DataBase::SetDataTable("KOB_INVENTORY", last);
     for (const unsigned int code : {32022U, 32023U}) {
-      SCOPED_TRACE(testing::Message() << row.name << ": " << code);
-      EXPECT_EQ(ChangeNow(code), row.started);
+      SCOPED_TRACE(Message() << row["name"] << ": " << code);
+      const Texts texts = ChangeNow(code);
       const std::string kind = code == 32022 ? "Hardware" : "Software";
+      Texts wanted;
       std::string line = ">>";
-      if (row.started == inventory) {
+      if (started == "inventory") {
+        wanted = {"queue 1036"};
         line = kind + " changes successful, executing KOB incremental inventory.";
-      } else if (row.started == later) {
-        line = "KOB incremental inventory execution will be in " + std::to_string(row.remaining) +
+      } else if (started == "later") {
+        wanted = {"replace 32023 every 0"};
+        line = "KOB incremental inventory execution will be in " + std::to_string(remaining) +
                " seconds";
         const auto delay = host.actions->Last(32023).timing.next - system_clock::now();
-        EXPECT_NEAR(std::chrono::duration<double>(delay).count(), row.remaining, 2);
+        EXPECT_NEAR(std::chrono::duration<double>(delay).count(), remaining, 2);
       }
+      EXPECT_EQ(texts, wanted);
       EXPECT_EQ(host.log.Lines().end()[-2].text, line);
     }
   }
@@ -159,8 +148,7 @@ TEST_F(KOBActionsTest, PendingTasksGoToTheActionSystemInTheServersOrder) {
     {"identifier": "x", "code": 4711}, {"identifier": "a", "code": 1036}]})";
   EXPECT_THAT(Run(1046), ElementsAre("schedule 1071", "schedule 1036"));
   EXPECT_THAT(Run(32027), ElementsAre("schedule 1071", "schedule 1036"));
-  EXPECT_THAT(host.communications->requests,
-              testing::Each(R"({"agentIdentifier":"agent-1","product":1})"));
+  EXPECT_THAT(host.communications->requests, Each(R"({"agentIdentifier":"agent-1","product":1})"));
   host.actions->onNextStart = [&] { std::thread([&] { module.Run(32027); }).join(); };
   EXPECT_THAT(Run(1046), ElementsAre("schedule 1071", "schedule 1036"));
   EXPECT_TRUE(host.log.Holds(5, "Get pending task action is already running"));
@@ -173,17 +161,8 @@ TEST_F(KOBActionsTest, PendingTasksGoToTheActionSystemInTheServersOrder) {
   EXPECT_THROW(Run(1046), std::bad_weak_ptr);
 }
 
-TEST(KOBActions, ALogonStartsAnInventoryIfTheConfigurationWantsIt) {
+TEST_F(KOBActionsTest, ALogonStartsAnInventoryIfTheLastConfigurationWantsIt) {
   for (const bool wanted : {false, true}) {
-    FakeHost host;
-    ModuleUnderTest module(host);
-    Common::HandlerMap handlers;
-    KOBActions actions(
-        host.Dependencies(),
-        [&](unsigned int code, const Common::ActionParameters& parameters) {
-          return module->GetAction(code, parameters);
-        },
-        handlers);
     auto configuration = host.dependencies->configuration;
     configuration.kob->inventoryOnLogon = wanted;
     for (int i = 0; i < 2; ++i) {
@@ -191,12 +170,12 @@ TEST(KOBActions, ALogonStartsAnInventoryIfTheConfigurationWantsIt) {
       handlers.at(32004)(parameters);
       configuration.kob.reset();
     }
-    EXPECT_TRUE(host.log.Holds(4, "Applying new configuration to module"));
-    EXPECT_THAT(host.log.Texts(2), ElementsAre("missing configuration"));
     Common::ActionParameters none;
     actions.OnLogon(none);
     EXPECT_EQ(host.actions->Texts(), wanted ? Texts{"once 1036 +0"} : Texts{});
   }
+  EXPECT_TRUE(host.log.Holds(4, "Applying new configuration to module"));
+  EXPECT_THAT(host.log.Texts(2), ElementsAre("missing configuration", "missing configuration"));
 }
 
 }  // namespace

@@ -7,16 +7,13 @@
 #include "common/text/Text.h"
 #include "module/ModuleUnderTest.h"
 #include "module/NetworkDrivesHandler/TextArchive.h"
+#include "support/Cases.h"
 #include "support/CommaLocale.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::Each;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-using testing::StartsWith;
+using namespace testing;
 using namespace Tests;
 using Texts = std::vector<std::string>;
 using Messages = std::vector<Common::IPCMessage>;
@@ -76,28 +73,19 @@ Texts Stored() {
 }
 
 TEST(NetworkDrivesActions, ARoundReplacesTheTableByTheUsersDrives) {
-  const char* const odd = "//o'neill@\xC3\xBC/%1% {2}\n\"";
-  const struct {
-    const char* name;
-    Drives drives;
-    Texts stored;
-  } rows[] = {
-      {"two drives",
-       {Drive("a", "//s/a"), Drive("b", "//s/b")},
-       {"a //s/a files", "b //s/b files"}},
-      {"texts that are no SQL", {Drive("'); --", odd, "")}, {std::string("'); -- ") + odd + " "}},
-      {"the same path twice", {Drive("a", "//s/x"), Drive("b", "//s/x")}, {"b //s/x files"}},
-      {"no drives", {}, {}}};
+  const Json& rows = DataOf("module/Actions/NetworkDrivesActions.json");
   std::vector<Messages> rounds;
-  {
+  for (const Json& row : rows) {
+    Drives drives;
+    for (const Json& drive : row["drives"]) drives.push_back(Drive(drive[0], drive[1], drive[2]));
     const tests::CommaLocale comma;
-    for (const auto& row : rows) rounds.push_back(MessagesOf(row.drives));
+    rounds.push_back(MessagesOf(drives));
   }
   Side service(0);
   for (std::size_t i = 0; i < rounds.size(); ++i) {
-    EXPECT_THAT(rounds[i], SizeIs(1 + rows[i].drives.size())) << rows[i].name;
+    EXPECT_THAT(rounds[i], SizeIs(1 + rows[i]["drives"].size())) << rows[i]["name"];
     service.Take(rounds[i]);
-    EXPECT_EQ(Stored(), rows[i].stored) << rows[i].name;
+    EXPECT_EQ(Stored(), rows[i]["stored"].get<Texts>()) << rows[i]["name"];
   }
   EXPECT_THAT(service.host.log.Texts(2), IsEmpty());
 }

@@ -12,9 +12,7 @@ namespace {
 using Common::V2::DataBase;
 using std::chrono::seconds;
 using std::chrono::system_clock;
-using testing::ElementsAre;
-using testing::Pointee;
-using testing::StartsWith;
+using namespace testing;
 using Tests::TestDatabase;
 
 TEST(KOBDataSource, GivesAFreshDatabaseItsDefaults) {

@@ -15,9 +15,7 @@ namespace {
 using Common::V2::DataBaseRows;
 using std::chrono::milliseconds;
 using std::chrono::system_clock;
-using testing::ElementsAre;
-using testing::SizeIs;
-using testing::StartsWith;
+using namespace testing;
 using Store = KOBDataSourceV2;
 using Tests::TestDatabase;
 

@@ -6,7 +6,7 @@
 
 #include <boost/filesystem/operations.hpp>
 
-#include "support/Files.h"
+#include "support/Cases.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryFolder.h"
 
@@ -15,14 +15,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 using namespace Tests;
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
-using testing::StartsWith;
-using testing::UnorderedElementsAre;
+using namespace testing;
 
 class FileHarvesterTest : public testing::Test {
  protected:
@@ -59,34 +52,12 @@ class FileHarvesterTest : public testing::Test {
 };
 
 TEST_F(FileHarvesterTest, KeepsAFileByItsNameAndItsPlace) {
-  struct Row {
-    const char* name;
-    bool kept;
-  };
-  const Row rows[] = {{"plain.txt", true},
-                      {"UPPER.TXT", true},
-                      {"Mixed.Txt", false},
-                      {"none", false},
-                      {".txt", false},
-                      {".hidden.txt", true},
-                      {"archive.tar.gz", true},
-                      {"other.pdf", false},
-                      {"dot.", false},
-                      {"left.txt", false},
-                      {"below/left.txt", false},
-                      {"below/deep/kept.txt", true},
-                      {"below/left.txt.gz", true},
-                      {"it's {3} %1%.txt", true},
-                      {"two\nlines.txt", true},
-                      {"\xFF\xFE.txt", true},
-                      {"excluded/lost.txt", false},
-                      {"excluded/deep/lost.txt", false},
-                      {"slash/kept.txt", true}};
+  const auto rows = DataOf("module/RUD/names.json").get<std::vector<std::pair<Bytes, bool>>>();
   config[ExcludePath] = {(root / "excluded").string(), (root / "slash/").string()};
-  for (const auto& row : rows) Make(row.name);
+  for (const auto& [name, kept] : rows) Make(name);
   const auto names = Names();
-  for (const auto& row : rows) {
-    EXPECT_EQ(std::count(names.begin(), names.end(), row.name), row.kept) << row.name;
+  for (const auto& [name, kept] : rows) {
+    EXPECT_EQ(std::count(names.begin(), names.end(), name), kept) << name;
   }
   EXPECT_THAT(log.Texts(3),
               UnorderedElementsAre("RUD: IsExcludedFile - Excluded file by setting - left.txt",
@@ -200,7 +171,7 @@ TEST_F(FileHarvesterTest, AFolderMayBeClosedAndAnotherVanishOnTheWay) {
   fs::permissions(root, fs::all_all);
   const OrdinaryUser user;
   Common::Logger::SetInstance(std::make_shared<Remover>(root, Common::Logger::GetInstance()));
-  EXPECT_THAT(Names(), ElementsAre(testing::EndsWith("/kept.txt")));
+  EXPECT_THAT(Names(), ElementsAre(EndsWith("/kept.txt")));
   EXPECT_THAT(log.Texts(5), ElementsAre(AllOf(HasSubstr("/closed"), HasSubstr("denied")),
                                         HasSubstr("No such file or directory")));
 }

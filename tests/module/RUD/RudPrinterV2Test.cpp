@@ -4,7 +4,7 @@
 
 #include <regex>
 
-#include "module/RUD/Data/RudDataSourceV2.h"
+#include "module/RUD/ScannedFiles.h"
 #include "support/FakeHost.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
@@ -13,40 +13,7 @@ namespace Norvik::KOB::V2 {
 namespace {
 
 using namespace Tests;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-struct Row {
-  const char* folder;
-  const char* name;
-  long time = 1000;
-  RudFileInfo details = {};
-};
-
-void Save(const std::vector<Row>& rows, bool incremental) {
-  RudBuffer buffer(1);
-  const auto extension = buffer.AddExtension("EXE");
-  for (const auto& row : rows) {
-    RudFileInfo file = row.details;
-    file.extensionId = extension;
-    file.pathId = buffer.AddParentPath(row.folder);
-    file.companyId = buffer.AddCompanyName(file.details.Get().companyName);
-    file.fileName = row.name;
-    file.absolutePath = std::string(row.folder) + "/" + row.name + ".exe";
-    file.lastModification = row.time;
-    buffer.Insert(file);
-  }
-  RudDataSource::SaveBuffer(buffer, incremental);
-}
-
-RudFileInfo Details(const std::string& product, const std::string& version,
-                    const std::string& fileVersion, const std::string& company,
-                    const std::string& description, bool executable = false) {
-  RudFileInfo file;
-  file.details.Make() = {product, version, fileVersion, company, description};
-  file.isExecutable = executable;
-  return file;
-}
+using namespace testing;
 
 class RudPrinterTest : public testing::Test {
  protected:
@@ -63,12 +30,15 @@ class RudPrinterTest : public testing::Test {
 };
 
 TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
-  Save({{"/a", "one", 0},
-        {"/a/h", "it's \"two\"", -1},
-        {"/a", "three", 3000, Details("P", "1", "", "M", "D", true)},
-        {"/a", "four", 4000, Details("", "", "2", "", " ")},
-        {"/c", "five", 5000, Details("", "3", "2", "", "")}},
-       false);
+  const RudFileDetails all = {"P", "1", "", "M", "D"};
+  const RudFileDetails blank = {"", "", "2", "", " "};
+  const RudFileDetails versions = {"", "3", "2", "", ""};
+  SaveScan({{"one", 0, 0, "/a"},
+            {"it's \"two\"", -1, 0, "/a/h"},
+            {"three", 3000, 0, "/a", all, true},
+            {"four", 4000, 0, "/a", blank},
+            {"five", 5000, 0, "/c", versions}},
+           false);
   EXPECT_EQ(Print(false),
             R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)"
             R"({"files":[{"detail":{"fileVersion":""},"extension":"EXE","fileStatus":-1,)"
@@ -85,12 +55,12 @@ TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
 }
 
 TEST_F(RudPrinterTest, AnIncrementalDocumentHoldsNewThenRemovedThenModifiedFiles) {
-  Save({{"/a", "removed"}, {"/a", "modified"}, {"/a", "same"}}, false);
-  Save({{"/a", "modified", 2000}, {"/a", "same"}, {"/a", "new"}}, true);
+  SaveScan({{"removed"}, {"modified"}, {"same"}}, false);
+  SaveScan({{"modified", 2000}, {"same"}, {"new"}}, true);
   const auto file = [](const std::string& status, const std::string& name,
                        const std::string& time) {
     return R"({"files":[{"extension":"EXE","fileStatus":)" + status + R"(,"filename":")" + name +
-           R"(","lastMod":)" + time + R"(,"size":0}],"pathName":"/a"})";
+           R"(","lastMod":)" + time + R"(,"size":0}],"pathName":"/it s"})";
   };
   EXPECT_EQ(Print(true), R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)" +
                              file("1", "new", "1000") + "," + file("3", "removed", "1000") + "," +
@@ -101,7 +71,7 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   for (const bool incremental : {false, true}) {
     EXPECT_EQ(RudPrinter::GenerateJSON("g", incremental), "");
   }
-  Save({{"/a", "one"}}, false);
+  SaveScan({{"one"}}, false);
   TestDatabase::Run("update RUD2_LAST_INVENTORY set id_company_name=0");
   TestDatabase::Run("drop table RUD2_FILE_COMPANY");
   EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
@@ -112,7 +82,7 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
 }
 
 TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsNotAnswered) {
-  Save({{"/a", "one"}}, false);
+  SaveScan({{"one"}}, false);
   for (const char* step : {"compress", "encrypt"}) {
     host.pipeline->failingStep = step;
     EXPECT_EQ(RudPrinter::GenerateJSON("g", false).extension(), ".jsonrud") << step;

@@ -5,6 +5,10 @@
 #include <boost/variant/get.hpp>
 
 #include "module/Actions/Mac/AdministeredMachine.h"
+#include "module/Actions/Mac/ConnectionText.h"
+#include "module/Actions/Mac/ProcessText.h"
+#include "module/Actions/Mac/ShareText.h"
+#include "module/Actions/ZebAgentUninstaller.h"
 #include "platform/compat/SentAppleEvents.h"
 #include "support/Files.h"
 
@@ -89,6 +93,104 @@ TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
   std::set<int> kinds;
   for (const auto& step : rehearsal.Steps()) kinds.insert(step.kind);
   EXPECT_EQ(kinds.size(), 6U) << "there was something of each kind that it could have done";
+}
+
+using RemoteRemovalTest = AdministeredMachine;
+
+TEST_F(RemoteRemovalTest, AShareIsGoneWhenNoListingNamesIt) {
+  AddFile("shares", "name:\tbooks\nname:\told books\nname:\tkept\n");
+  AddRecordedTool("bin/sharing",
+                  "case \"$1 $2\" in '-l ') cat \"$M/shares\" ;;\n"
+                  "  '-r locked') echo 'sharing: unable to remove' ;;\n"
+                  "  '-r kept') ;;\n"
+                  "  *) sed -i \"/^name:.$2$/d\" \"$M/shares\" ;;\nesac");
+  Follow("shares.txt");
+}
+
+TEST_F(RemoteRemovalTest, AnAgentGoesOnlyByItsOwnIdentifier) {
+  AddRecordedTool("bin/sh");
+  Follow("agent.txt");
+  AddFile("root/opt/local/norvik/UninstallZebAgent.sh");
+  EXPECT_EQ(Ask(1070, {{"Guid", "agent-1"}}),
+            (Lines{"ran sh /opt/local/norvik/UninstallZebAgent.sh",
+                   "ran sh /opt/local/norvik/UninstallAgent.sh"}));
+  host.identification.reset();
+  const std::string reason = "Uninstall aborted: parameters not available";
+  EXPECT_EQ(Ask(1070, {{"Guid", ""}}), (Lines{"status 8 " + reason, "error " + reason}));
+}
+
+TEST_F(RemoteRemovalTest, WithoutACheckOnlyDocumentsGo) {
+  for (const auto& place : {host.Outbox(), host.Previous(), host.Work()}) {
+    for (const char* name : {"a.jsonkob", "b.jsonrud", "jsonkob"}) WriteFile(place / name, "x");
+  }
+  EXPECT_EQ(RehearseAndAsk(1073), std::make_pair(Lines{}, Lines{}));
+  EXPECT_EQ(NamesIn(host.Outbox()), (Lines{"b.jsonrud", "jsonkob"}));
+  EXPECT_EQ(NamesIn(host.Previous()), (Lines{"b.jsonrud", "jsonkob"}));
+  EXPECT_EQ(NamesIn(host.Work()).size(), 3U);
+}
+
+using RemoteServicesTest = AdministeredMachine;
+
+TEST_F(RemoteServicesTest, ServicesAreListedWithoutTheirDescriptionAndControlledByTheShell) {
+  AddFile("root/Library/LaunchDaemons/sample.plist",
+          R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
+             <key>Label</key><string>org.example.sample</string>
+             <key>Program</key><string>/usr/libexec/sampled</string></dict></plist>)");
+  const Lines rows = Ask(1006);
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(rows[0], "Name|DisplayName|PathName|Status|StartMode|StartName|Description");
+  EXPECT_THAT(rows[1], testing::MatchesRegex("org.example.sample\\|org.example.sample\\|"
+                                             "/usr/libexec/sampled\\|[^|]*\\|[^|]*\\|"));
+  AddRecordedTool("bin/launchctl", "echo refused; exit 1");
+  Follow("services.txt");
+}
+
+TEST_F(RemoteServicesTest, ConnectionsAreThoseOfTheInternetSection) {
+  AddTool("root/usr/sbin/netstat", "[ \"$*\" = -aW ] && cat \"$M/input\"");
+  Follow("connections.txt");
+  EXPECT_TRUE(host.log.Holds(5, "Error in netstat parser"));
+  EXPECT_TRUE(host.log.Holds(5, "udp4 0 0 *.5353 *.* "));
+  const std::string text = "Active Internet connections (including servers)\n\na b c d e\n";
+  EXPECT_EQ(ReadConnections(text).size(), 1U);
+  EXPECT_EQ(ReadConnections(text + "\xFF").size(), 0U) << "not UTF-8";
+}
+
+TEST(ToolOutput, MayBeCutAnywhere) {
+  const LogCapture log;
+  const std::string connections =
+      "Active Internet connections (including servers)\n"
+      "Proto Recv-Q Send-Q  Local Address          Foreign Address        (state)\n"
+      "tcp4       0      0  192.168.1.2.52034      192.0.2.10.5223        ESTABLISHED\n"
+      "udp4       0      0  *.5353                 *.*                    \n"
+      "Registered kernel control modules\n";
+  const std::string shares = "name:\tbooks\npath:\t/b\nname:\tkept\npath:\t/k\n";
+  for (std::size_t end = 0; end <= connections.size(); ++end) {
+    const auto rows = ReadConnections(connections.substr(0, end));
+    ASSERT_LE(rows.size(), 2U);
+    for (const auto& row : rows) EXPECT_THAT(row.size(), testing::AnyOf(7U, 8U)) << end;
+  }
+  for (std::size_t end = 0; end <= shares.size(); ++end) {
+    const std::string rest = WithoutShare(shares.substr(0, end), "books");
+    EXPECT_EQ(rest.find("/b"), std::string::npos) << end;
+  }
+  EXPECT_EQ(WithoutShare(shares, "books"), "name:\tkept\npath:\t/k\n");
+  const std::string share = "%CPU\n  1.5\n";
+  for (std::size_t end = 0; end <= share.size(); ++end) {
+    EXPECT_THAT(ReadProcessorShare(share.substr(0, end)),
+                testing::AnyOf("100", "", "1", "1.", "1.5"));
+  }
+}
+
+using ZebAgentUninstallerTest = AdministeredMachine;
+
+TEST_F(ZebAgentUninstallerTest, WhatGoesWrongIsLoggedOnly) {
+  ZebAgentUninstaller().UninstallZebAgent();
+  EXPECT_TRUE(host.log.Holds(4, "The ZEB agent is not installed"));
+  boost::filesystem::create_directories(folder / "root/opt/local");
+  boost::filesystem::create_symlink("norvik", folder / "root/opt/local/norvik");
+  ZebAgentUninstaller().UninstallZebAgent();
+  EXPECT_THAT(host.log.Texts(2),
+              testing::ElementsAre(testing::StartsWith("Failed to uninstall ZEB agent: ")));
 }
 
 }  // namespace

@@ -8,15 +8,11 @@ namespace {
 using namespace tests;
 using Software = std::vector<Common::SoftwareRegisteredInfo>;
 
-TEST(IncrementalInventoryKOBInfoTest, WithoutChangesItIsNullWhateverTheDevice) {
-  IncrementalInventoryKOBInfo changes;
-  changes.device.name = "mac-07";
-  changes.configuration.profileId = 7;  // an inherited single record tells nothing either
-  EXPECT_TRUE(json::JSON(changes).IsNull());
-}
-
 TEST(IncrementalInventoryKOBInfoTest, ADocumentWithADeletionInEachListHasTheTextOfTheWireFormat) {
   IncrementalInventoryKOBInfo changes;
+  changes.configuration.profileId = 7;  // an inherited single record tells nothing
+  changes.device.name = "mac-07";       // nor does the device alone
+  EXPECT_TRUE(json::JSON(changes).IsNull());
   ForEachSection([&](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
     if constexpr (Section::isList) {
@@ -28,7 +24,6 @@ TEST(IncrementalInventoryKOBInfoTest, ADocumentWithADeletionInEachListHasTheText
   editor.name = "Editor";
   editor.version = "2.0";
   editor.installDate = 1577836800;
-  changes.device.name = "mac-07";
   changes.services.resize(1);
   changes.services.front().name = "backup";
   changes.localUsers.groups.resize(1);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "module/RUD/Data/RudSentences.h"
+#include "module/RUD/ScannedFiles.h"
 #include "support/FullDisk.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
@@ -15,32 +16,7 @@ namespace {
 using namespace Tests;
 using Common::V2::DataBaseRow;
 using Common::V2::DataBaseRows;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
-using testing::UnorderedElementsAre;
-
-/// A scan of files in "/folder", all of the extension TXT.
-RudBuffer BufferOf(const std::vector<std::tuple<std::string, long, long>>& nameTimeSize) {
-  RudBuffer buffer(10);
-  RudFileInfo file;
-  file.extensionId = buffer.AddExtension("TXT");
-  file.pathId = buffer.AddParentPath("/folder");
-  for (const auto& [name, time, size] : nameTimeSize) {
-    file.fileName = name;
-    file.absolutePath = "/folder/" + name + ".txt";
-    file.lastModification = time;
-    file.size = size;
-    buffer.Insert(file);
-  }
-  return buffer;
-}
-
-bool Save(RudBuffer buffer, bool incremental) {
-  return RudDataSource::SaveBuffer(buffer, incremental);
-}
+using namespace testing;
 
 std::vector<std::string> NamesOf(const DataBaseRows& rows) {
   std::vector<std::string> names;
@@ -78,42 +54,31 @@ TEST_F(RudDataSourceTest, HostileNamesComeBackWithBlanksForApostrophesOnly) {
   for (const auto& name : names) {
     auto expected = name;
     std::replace(expected.begin(), expected.end(), '\'', ' ');
-    RudBuffer buffer = BufferOf({{name, -1, 5000000000}});
-    buffer.AddParentPath("/o'brien");
+    RudBuffer buffer = ScanOf({{name, -1, 5000000000}});
     ASSERT_TRUE(RudDataSource::SaveBuffer(buffer, false)) << name;
     EXPECT_EQ(
         RudDataSource::GetLastInventory(),
-        DataBaseRows({{1, "/folder", expected, "TXT", 5000000000LL, -1LL, "", "", "", "", 0, ""}}))
+        DataBaseRows({{1, "/it s", expected, "EXE", 5000000000LL, -1LL, "", "", "", "", 0, ""}}))
         << name;
-    EXPECT_EQ(buffer.GetBufferFile()[0].absolutePath, "/folder/" + expected + ".txt");
+    EXPECT_EQ(buffer.GetBufferFile()[0].absolutePath, "/it s/" + expected + ".exe");
   }
-  EXPECT_EQ(TestDatabase::Run("select path from RUD2_FILE_PATH where id=2"),
-            DataBaseRows({{"/o brien"}}));
 }
 
 TEST_F(RudDataSourceTest, EachColumnComesFromItsField) {
-  RudBuffer buffer(1);
-  RudFileInfo file;
-  file.extensionId = buffer.AddExtension("EXE");
-  file.pathId = buffer.AddParentPath("/p");
-  file.companyId = buffer.AddCompanyName("Maker");
-  file.fileName = "n";
-  file.absolutePath = "/p/n.exe";
-  file.details.Make() = {"product", "v", "fv", "Maker", "it's"};
-  file.isExecutable = true;
-  buffer.Insert(file);
-  EXPECT_TRUE(Save(buffer, false));
+  const RudFileDetails details = {"product", "v", "fv", "Maker", "it's"};
+  EXPECT_TRUE(SaveScan({{"n", 0, 0, "/p", details, true}}, false));
   EXPECT_EQ(
       RudDataSource::GetLastInventory(),
       DataBaseRows({{1, "/p", "n", "EXE", 0LL, 0LL, "product", "v", "it s", "Maker", 1, "fv"}}));
 }
 
 TEST_F(RudDataSourceTest, ASaveReplacesItsOwnTablesOnly) {
-  EXPECT_TRUE(Save(BufferOf({{"a", 1, 1}, {"b", 1, 1}}), true));
-  EXPECT_TRUE(Save(BufferOf({{"c", 1, 1}, {"c", 2, 2}}), false));
+  EXPECT_TRUE(SaveScan({{"a", 1, 1}, {"b", 1, 1}}, true));
+  EXPECT_TRUE(SaveScan({{"c", 1, 1}, {"c", 2, 2}}, false));
   EXPECT_EQ(Count("RUD2_LAST_INVENTORY_TEMP"), 2);
   EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("c"));
-  EXPECT_TRUE(Save(RudBuffer(1), false));
+  RudBuffer nothing(1);
+  EXPECT_TRUE(RudDataSource::SaveBuffer(nothing, false));
   for (const char* table : {"RUD2_LAST_INVENTORY", "RUD2_FILE_PATH", "RUD2_FILE_EXTENSION"}) {
     EXPECT_EQ(Count(table), 0) << table;
   }
@@ -122,22 +87,22 @@ TEST_F(RudDataSourceTest, ASaveReplacesItsOwnTablesOnly) {
 }
 
 TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
-  EXPECT_TRUE(Save(BufferOf({{"same", 1, 1},
-                             {"size", 1, 1},
-                             {"time", 1, 1},
-                             {"old", 1, 1},
-                             {"it's", 1, 1},
-                             {"unread", -1, 0},
-                             {"readOnce", -1, 0}}),
-                   false));
-  EXPECT_TRUE(Save(BufferOf({{"new", 1, 1},
-                             {"same", 1, 1},
-                             {"size", 1, 2},
-                             {"time", 2, 3},
-                             {"it's", 1, 1},
-                             {"unread", -1, 0},
-                             {"readOnce", 7, 0}}),
-                   true));
+  EXPECT_TRUE(SaveScan({{"same", 1, 1},
+                        {"size", 1, 1},
+                        {"time", 1, 1},
+                        {"old", 1, 1},
+                        {"it's", 1, 1},
+                        {"unread", -1, 0},
+                        {"readOnce", -1, 0}},
+                       false));
+  EXPECT_TRUE(SaveScan({{"new", 1, 1},
+                        {"same", 1, 1},
+                        {"size", 1, 2},
+                        {"time", 2, 3},
+                        {"it's", 1, 1},
+                        {"unread", -1, 0},
+                        {"readOnce", 7, 0}},
+                       true));
   EXPECT_THAT(NamesOf(RudDataSource::getNewFiles()), ElementsAre("new"));
   EXPECT_THAT(NamesOf(RudDataSource::getRemoveFiles()), ElementsAre("old"));
   const auto modified = RudDataSource::getModifiedFiles();
@@ -146,8 +111,8 @@ TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
 }
 
 TEST_F(RudDataSourceTest, ADatabaseOfTheFirstSchemaKeepsItsFiles) {
-  EXPECT_TRUE(Save(BufferOf({{"main", 1, 2}}), false));
-  EXPECT_TRUE(Save(BufferOf({{"temp", 3, 4}}), true));
+  EXPECT_TRUE(SaveScan({{"main", 1, 2}}, false));
+  EXPECT_TRUE(SaveScan({{"temp", 3, 4}}, true));
   const auto before = RudDataSource::GetLastInventory();
   for (const std::string table : {"RUD2_LAST_INVENTORY", "RUD2_LAST_INVENTORY_TEMP"}) {
     TestDatabase::Run("alter table " + table + " rename to newer");
@@ -177,17 +142,17 @@ TEST_F(RudDataSourceTest, EachReadFindsItsRowsByKey) {
     const bool isDifference = sentence != Sentences::ALL_FILES;
     EXPECT_THAT(plan, Not(HasSubstr("AUTOMATIC")));
     EXPECT_EQ(plan.find("(absolute_path=?)") != std::string::npos, isDifference) << plan;
-    EXPECT_THAT(plan, testing::ContainsRegex("SEARCH FP .*rowid="));
+    EXPECT_THAT(plan, ContainsRegex("SEARCH FP .*rowid="));
     EXPECT_EQ(std::count(plan.begin(), plan.end(), '\n'), isDifference ? 5 : 4) << plan;
   }
 }
 
 TEST_F(RudDataSourceTest, AFailureIsLoggedAndAnswered) {
-  EXPECT_TRUE(Save(BufferOf({{"kept", 1, 1}}), false));
+  EXPECT_TRUE(SaveScan({{"kept", 1, 1}}, false));
   TestDatabase::Run("drop table RUD2_FILE_PATH_TEMP");
-  EXPECT_FALSE(Save(BufferOf({{"a", 1, 1}}), true));
+  EXPECT_FALSE(SaveScan({{"a", 1, 1}}, true));
   TestDatabase::Run("create table RUD2_FILE_PATH_TEMP(id INTEGER PRIMARY KEY)");
-  EXPECT_TRUE(Save(BufferOf({{"a", 1, 1}}), true));
+  EXPECT_TRUE(SaveScan({{"a", 1, 1}}, true));
   EXPECT_EQ(Count("RUD2_LAST_INVENTORY_TEMP"), 1);
   EXPECT_THAT(RudDataSource::getNewFiles(), IsEmpty());
   EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("kept"));
@@ -202,16 +167,16 @@ TEST_F(RudDataSourceTest, AFailureIsLoggedAndAnswered) {
 }
 
 TEST_F(RudDataSourceTest, AFullDiskLosesNothingThatStands) {
-  EXPECT_TRUE(Save(BufferOf({{"kept", 1, 1}}), false));
+  EXPECT_TRUE(SaveScan({{"kept", 1, 1}}, false));
   RudDataSource::SetStatus(RudStatusFinished, 1, DateEnd);
   {
     const FullDisk full(1);
     EXPECT_FALSE(RudDataSource::SetStatus(RudStatusSaving, 2, DateModified));
-    EXPECT_FALSE(Save(BufferOf({{"lost", 1, 1}}), false));
+    EXPECT_FALSE(SaveScan({{"lost", 1, 1}}, false));
   }
   EXPECT_EQ(RudDataSource::GetStatus(), RudStatusFinished);
   EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("kept"));
-  EXPECT_TRUE(Save(BufferOf({{"next", 1, 1}}), false));
+  EXPECT_TRUE(SaveScan({{"next", 1, 1}}, false));
   EXPECT_THAT(NamesOf(RudDataSource::GetLastInventory()), ElementsAre("next"));
 }
 

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <algorithm>
+
+#include "platform/ChildProcess.h"
+#include "support/Cases.h"
+#include "support/TemporaryFolder.h"
+
+namespace Norvik::Tests {
+
+struct Answer {
+  int code = -1;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs the program itself on a data folder of its own.
+class ProgramTest : public testing::Test {
+ protected:
+  using Words = std::vector<std::string>;
+
+  /// @param killAt the program is killed once it has printed this; "": never
+  Answer Run(const Words& words, std::string killAt = {}) const {
+    Platform::ChildCommand command;
+    // Its number comes first, as the shell becomes the program.
+    command.words = {"/bin/sh", "-c", "echo $$; exec \"$@\"", "sh",
+                     NORVIK_BINARY_DIR "/bin/norvik-agent"};
+    for (const Words& part : {words, {"--data", Data().string()}, options_}) {
+      command.words.insert(command.words.end(), part.begin(), part.end());
+    }
+    Answer answer;
+    command.onOutput = [&](std::string_view piece) {
+      answer.output += piece;
+      if (killAt.empty() || answer.output.find(killAt) == std::string::npos) return;
+      killAt.clear();
+      ::kill(std::stoi(answer.output), SIGKILL);
+    };
+    command.onErrors = [&](std::string_view piece) { answer.errors += piece; };
+    answer.code = Platform::RunChild(command).exitCode;
+    answer.output.erase(0, answer.output.find('\n') + 1);
+    return answer;
+  }
+  Answer RunWell(const Words& words) const {
+    const Answer answer = Run(words);
+    EXPECT_EQ(answer.code, 0) << answer.errors;
+    return answer;
+  }
+  /// What a command that ends well answers with --json: one line, or a document as it stands.
+  nlohmann::json Ask(Words words) const {
+    words.push_back("--json");
+    const std::string output = RunWell(words).output;
+    EXPECT_EQ(LinesOf(output), words.front() == "open" ? 0 : 1) << output;
+    return nlohmann::json::parse(output, nullptr, false);
+  }
+  /// A failure is told on one line, and nothing else is said.
+  void ExpectRefusal(const Words& words, int code, const std::string& text) const {
+    const Answer answer = Run(words);
+    EXPECT_EQ(answer.code, code) << answer.errors;
+    EXPECT_EQ(answer.output, "");
+    EXPECT_THAT(answer.errors, testing::HasSubstr(text));
+    EXPECT_EQ(LinesOf(answer.errors), 1) << answer.errors;
+  }
+  static std::ptrdiff_t LinesOf(const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+  }
+  boost::filesystem::path Data() const { return folder_ / "data"; }
+
+  TemporaryFolder folder_;
+  Words options_;  ///< stand behind the words of each command
+};
+
+}  // namespace Norvik::Tests
