@@ -166,6 +166,10 @@ Readers ReadersOf(AgentConfigurationInfo& target) {
       {"survey", Survey(target.survey)}};
 }
 
+[[noreturn]] void RefuseFrom(std::size_t byte) {
+  throw ConfigurationError("the configuration is no JSON from byte " + std::to_string(byte));
+}
+
 /// Parses, and refuses a key that stands twice in one object: the parser alone would take the last.
 Json Parse(const std::string& text) {
   std::vector<std::set<std::string>> open;
@@ -178,17 +182,13 @@ Json Parse(const std::string& text) {
     }
     return true;
   };
-  const auto refuse = [](std::size_t byte) {
-    throw ConfigurationError("the configuration is no JSON from byte " + std::to_string(byte));
-  };
   // The parser takes it for the end and passes over what follows.
   const std::size_t zero = text.find('\0');
-  if (zero != std::string::npos) refuse(zero + 1);
+  if (zero != std::string::npos) RefuseFrom(zero + 1);
   try {
     return Json::parse(text, watch);
   } catch (const Json::parse_error& error) {
-    refuse(error.byte);
-    throw;
+    RefuseFrom(error.byte);
   }
 }
 

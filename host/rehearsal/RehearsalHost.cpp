@@ -66,11 +66,8 @@ RehearsalHost::RehearsalHost(const AgentOptions& options,
 RehearsalHost::~RehearsalHost() = default;
 
 AgentConfigurationInfo RehearsalHost::ReadConfiguration(const AgentOptions& options) const {
-  const fs::path stored = copy_.Path() / CONFIGURATION_FILE;
-  const bool given = !options.configurationFile.empty();
-  if (!given && !fs::exists(stored)) return DefaultConfiguration();
   AgentConfigurationInfo configuration =
-      ReadConfigurationFile(given ? options.configurationFile : stored).configuration;
+      Host::ReadConfiguration(options.configurationFile, copy_.Path() / CONFIGURATION_FILE);
   if (options.communications) configuration.communications = *options.communications;
   return configuration;
 }
