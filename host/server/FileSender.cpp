@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "common/files/FileSealer.h"
 #include "host/TextFile.h"
 #include "host/server/FileDigest.h"
 #include "platform/FileSystem.h"
@@ -17,6 +18,8 @@ namespace Norvik::Host {
 namespace {
 
 namespace fs = boost::filesystem;
+
+constexpr char NOT_SEALED[] = "is not given the file: it is not sealed";
 
 /// A name as a header carries it: all but letters, digits and "-._" as %XX.
 std::string PercentEncoded(const std::string& text) {
@@ -44,6 +47,9 @@ FileSender::FileSender(std::shared_ptr<ServerSession> session, const std::atomic
 Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
   try {
     if (!fs::exists(file.path)) return {};
+    // A run that could not seal its document, for want of a sound key, leaves a plain one.
+    if (!Common::IsSealedFile(file.path))
+      return {Attempt::Result::Refused, NOT_SEALED, boost::none};
     const auto opened = Platform::OpenRegularFile(file.path.string());
     const FileDigest digest = DigestOf(opened, stopped_);
 

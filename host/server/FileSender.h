@@ -10,8 +10,9 @@
 namespace Norvik::Host {
 
 /// Sends a file of the outbox, from the disk, and deletes it once the server has acknowledged its
-/// size and its checksum. A file that is gone counts as acknowledged; one that cannot be read or
-/// deleted, as refused. Memory does not grow with the file. Not for two threads at once.
+/// size and its checksum. A file that is gone counts as acknowledged; one that is not sealed, or
+/// cannot be read or deleted, as refused. Memory does not grow with the file. Not for two threads
+/// at once.
 class FileSender {
  public:
   /// @param stopped ends the sending of a file; must outlive the sender

@@ -66,7 +66,7 @@ struct ManagementServer::Inside {
         answer = {{"acknowledged", status.at("id")}};
       }
     } else if (resource.rfind("files/", 0) == 0) {
-      line = "files " + request.get_header_value("Norvik-File-Name") + " " + request.body;
+      line = "files " + request.get_header_value("Norvik-File-Name") + " " + request.body.substr(9);
       answer = {{"sha256", resource.substr(6)}, {"size", request.body.size()}};
     }
     state.requests.push_back(line);

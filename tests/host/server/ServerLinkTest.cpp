@@ -37,6 +37,9 @@ TaskResponseInfo StatusOf(const std::string& requestId) {
   return status;
 }
 
+/// What a sealed file begins with.
+const std::string SEAL = "NRVKSEAL\x01";
+
 /// An agent's side of the road, with an outbox of two kinds of files.
 struct Agent {
   explicit Agent(const ManagementServer& server) {
@@ -59,7 +62,7 @@ struct Agent {
     delivery = std::make_unique<Delivery>(options, session, queue, stopped);
   }
   void Put(const std::string& name, const std::string& content) {
-    WriteFile(options.outbox / name, content);
+    WriteFile(options.outbox / name, SEAL + content);
     delivery->TakeNewFiles();
   }
   /// Delivers, and then lets the time pass that it wants to wait; answers that.
@@ -98,6 +101,19 @@ TEST(Delivery, BringsAllThatWaitsInItsOrderAndThenDeletesIt) {
   agent.Restart();
   EXPECT_EQ(agent.delivery->Round(), NEVER);
   EXPECT_THAT(server.Requests(), SizeIs(6));
+}
+
+TEST(Delivery, KeepsADocumentThatCouldNotBeSealedAndSendsTheOthers) {
+  ManagementServer server;
+  Agent agent(server);
+  WriteFile(agent.options.outbox / "m.jsonkob", "{}");
+  agent.delivery->TakeNewFiles();
+  agent.Put("m.jsonrud", "one");
+  const LogCapture log;
+  EXPECT_GT(agent.Round(), 0);
+  EXPECT_THAT(server.Requests(), ElementsAre("enrol", "files m.jsonrud one"));
+  EXPECT_THAT(agent.Waiting(), ElementsAre(testing::EndsWith("~m.jsonkob")));
+  EXPECT_THAT(log.Texts(3), ElementsAre(HasSubstr("it is not sealed")));
 }
 
 TEST(Delivery, LosesNothingToABadServerAndTellsOnOneLineWhatItDid) {
@@ -208,14 +224,14 @@ TEST(ServerLink, DeliversFromStartToStopAndSleepsInBetween) {
   ManagementServer server;
   const Agent agent(server);
   ServerLink link(agent.options);
-  WriteFile(agent.options.outbox / "m.jsonkob", "one");
+  WriteFile(agent.options.outbox / "m.jsonkob", SEAL + "one");
   link.NewFileOnOutbox();
   link.ReportTaskStatus(StatusOf("first"));
   link.ReportTaskStatus(StatusOf(""));
   EXPECT_THAT(server.Requests(), SizeIs(0));
   link.Start();
   ASSERT_TRUE(server.WaitForRequests(3));
-  WriteFile(agent.options.outbox / "m.jsonkob", "two");
+  WriteFile(agent.options.outbox / "m.jsonkob", SEAL + "two");
   link.NewFileOnOutbox();
   ASSERT_TRUE(server.WaitForRequests(4));
   link.Stop();
@@ -232,7 +248,7 @@ TEST(ServerLink, AStopWaitsForNoServer) {
   });
   Agent agent(server);
   agent.options.limits.request = 10min;
-  WriteFile(agent.options.outbox / "m.jsonkob", "one");
+  WriteFile(agent.options.outbox / "m.jsonkob", SEAL + "one");
   ServerLink link(agent.options);
   const LogCapture log;
   link.Start();
