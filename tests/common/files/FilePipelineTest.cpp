@@ -81,7 +81,7 @@ TEST_F(FilePipelineTest, LeavesTheTargetAloneWhenTheDiskIsFull) {
   ASSERT_TRUE(AgentEncryptFile(folder_ / "key", folder_ / "key"));
   fs::create_directory(folder_ / "targets");
   WriteFile(folder_ / "targets" / "target", "earlier");
-  for (const rlim_t size : {0, 100, 100000}) {
+  for (const rlim_t size : {0u, 100u, 100000u}) {
     for (const auto& [name, step] : STEPS) {
       const FullDisk full(size);
       EXPECT_FALSE(step(source_, folder_ / "targets" / "target")) << name;

@@ -56,7 +56,7 @@ class FileSealerTest : public testing::Test {
 };
 
 TEST_F(FileSealerTest, OpensWhatItSealedWhateverTheSizeAndInPlace) {
-  for (const std::size_t size : {0, 1, 65535, 65536, 65537, 131072, 307200}) {
+  for (const std::size_t size : {0u, 1u, 65535u, 65536u, 65537u, 131072u, 307200u}) {
     const std::string content = Pattern(size);
     const std::size_t chunks = size == 0 ? 1 : (size + 65535) / 65536;
     EXPECT_EQ(Seal(content).size(), CHUNKS + size + 17 * chunks);

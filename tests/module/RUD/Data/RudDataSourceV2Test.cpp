@@ -107,7 +107,7 @@ TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
   EXPECT_THAT(NamesOf(RudDataSource::getRemoveFiles()), ElementsAre("old"));
   const auto modified = RudDataSource::getModifiedFiles();
   EXPECT_THAT(NamesOf(modified), UnorderedElementsAre("time", "readOnce"));
-  for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow({1LL}).front());
+  for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow(1, 1LL).front());
 }
 
 TEST_F(RudDataSourceTest, ADatabaseOfTheFirstSchemaKeepsItsFiles) {
