@@ -15,9 +15,9 @@ namespace {
 namespace fs = boost::filesystem;
 using Common::ScanRules;
 using Warnings = std::vector<ConfigurationWarning>;
-using Texts = std::vector<std::string>;
+using TextList = std::vector<std::string>;
 
-void CheckFolders(const Texts& folders, Warnings& warnings) {
+void CheckFolders(const TextList& folders, Warnings& warnings) {
   const auto warn = [&](const std::string& folder, const char* text) {
     warnings.push_back({"excludedPaths", folder, text});
   };
@@ -38,14 +38,14 @@ void CheckFolders(const Texts& folders, Warnings& warnings) {
   }
 }
 
-void CheckNames(const Texts& names, Warnings& warnings) {
+void CheckNames(const TextList& names, Warnings& warnings) {
   for (const auto& name : names) {
     if (name.find('/') == std::string::npos) continue;
     warnings.push_back({"excludedFiles", name, "is a path, but names are compared without one"});
   }
 }
 
-void CheckExtensions(const char* key, const Texts& extensions, Warnings& warnings) {
+void CheckExtensions(const char* key, const TextList& extensions, Warnings& warnings) {
   for (const auto& extension : extensions) {
     const auto complete = ScanRules::CompleteExtensions({extension});
     if (complete.count(extension) > 0) continue;
@@ -54,7 +54,7 @@ void CheckExtensions(const char* key, const Texts& extensions, Warnings& warning
   }
 }
 
-void CheckAdditional(const Texts& extensions, Warnings& warnings) {
+void CheckAdditional(const TextList& extensions, Warnings& warnings) {
   const auto counting = ScanRules::AdditionalExtensions(extensions);
   for (const auto& extension : extensions) {
     if (counting.count(extension) > 0) continue;

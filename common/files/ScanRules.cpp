@@ -9,8 +9,6 @@ namespace Norvik::Common {
 
 namespace {
 
-using Texts = ScanRules::Texts;
-
 std::string Mapped(std::string text, int (*convert)(int)) {
   std::transform(text.begin(), text.end(), text.begin(), [&](char character) {
     return static_cast<char>(convert(static_cast<unsigned char>(character)));
@@ -19,14 +17,14 @@ std::string Mapped(std::string text, int (*convert)(int)) {
 }
 
 template <class Container>
-Texts Encoded(const Container& texts) {
-  Texts encoded;
+ScanRules::Texts Encoded(const Container& texts) {
+  ScanRules::Texts encoded;
   for (const auto& text : texts) encoded.insert(EncodeUtf8Characters(text));
   return encoded;
 }
 
-Texts WantedExtensions(const KobConfigurationInfo& configuration) {
-  Texts extensions = ScanRules::AdditionalExtensions(configuration.additionalExtensions);
+ScanRules::Texts WantedExtensions(const KobConfigurationInfo& configuration) {
+  ScanRules::Texts extensions = ScanRules::AdditionalExtensions(configuration.additionalExtensions);
   extensions.insert(configuration.includedExtensions.begin(),
                     configuration.includedExtensions.end());
   return ScanRules::CompleteExtensions(extensions);
@@ -46,19 +44,19 @@ ScanRules::Verdict ScanRules::Judge(const std::string& name) const {
   return extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension;
 }
 
-Texts ScanRules::Roots() {
+ScanRules::Texts ScanRules::Roots() {
   // Every volume is mounted below the one root.
   return {"/"};
 }
 
-Texts ScanRules::AdditionalExtensions(const std::vector<std::string>& configured) {
+ScanRules::Texts ScanRules::AdditionalExtensions(const std::vector<std::string>& configured) {
   Texts extensions(configured.begin(), configured.end());
   extensions.erase("EXE");
   extensions.erase("CPL");
   return extensions;
 }
 
-Texts ScanRules::CompleteExtensions(const Texts& extensions) {
+ScanRules::Texts ScanRules::CompleteExtensions(const Texts& extensions) {
   Texts complete;
   const auto addBothCases = [&](const std::string& extension) {
     complete.insert(Mapped(extension, std::toupper));

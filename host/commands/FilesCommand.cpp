@@ -4,6 +4,7 @@
 
 #include "common/action/ActionCodes.h"
 #include "host/AgentProgram.h"
+#include "host/ModuleActionCodes.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
 #include "host/commands/FilesProgress.h"
@@ -18,8 +19,6 @@ namespace {
 using namespace Common;
 using Platform::DirectoryReader;
 using std::chrono::steady_clock;
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 unsigned int CodeFor(const CommandLine& line) {
   if (line.scheduled) {

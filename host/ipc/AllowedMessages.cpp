@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "common/action/ActionCodes.h"
+#include "host/ModuleActionCodes.h"
 #include "host/TextFile.h"
 
 namespace Norvik::Host {
@@ -11,8 +12,6 @@ namespace Norvik::Host {
 namespace {
 
 using namespace Common;
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 struct Allowed {
   Receiver receiver;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "host/ModuleActionCodes.h"
 
 namespace Norvik::Host {
 
@@ -12,8 +13,6 @@ using namespace Common;
 using std::chrono::seconds;
 
 namespace {
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 /// The code behind a name; 0 if there is none.
 unsigned int CodeOf(const std::string& name) {

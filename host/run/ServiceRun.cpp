@@ -7,6 +7,7 @@
 #include "common/action/ActionCodes.h"
 #include "common/log/Logger.h"
 #include "host/ConfigurationFile.h"
+#include "host/ModuleActionCodes.h"
 #include "host/ipc/MessageAction.h"
 #include "host/run/ConfigurationChange.h"
 #include "host/run/StopActions.h"
@@ -16,8 +17,6 @@ namespace Norvik::Host {
 using namespace Common;
 
 namespace {
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 constexpr char SESSION_PARAMETER[] = "SessionEventData";
 

@@ -6,7 +6,7 @@
 #include "common/log/Logger.h"
 #include "common/mac/XmlReader.h"
 #include "common/text/Text.h"
-#include "module/Inventory/ToolFile.h"
+#include "module/Inventory/ToolOutput.h"
 
 namespace Norvik::KOB {
 
@@ -15,13 +15,13 @@ namespace {
 constexpr char REPORT_COMMAND[] = "system_profiler -xml SPUSBDataType>temp";
 constexpr char REPORT_FILE[] = "temp";
 
-struct Field {
+struct HardwareField {
   const char* key;
   wxString HardwareInfo::*member;
 };
-constexpr Field FIELDS[] = {{"_name", &HardwareInfo::name},
-                            {"f_manufacturer", &HardwareInfo::manufacturer},
-                            {"g_location_id", &HardwareInfo::pnpDeviceId}};
+constexpr HardwareField FIELDS[] = {{"_name", &HardwareInfo::name},
+                                    {"f_manufacturer", &HardwareInfo::manufacturer},
+                                    {"g_location_id", &HardwareInfo::pnpDeviceId}};
 
 /// The nearest node of a name, from a node on; each node that is left is logged. Null if there is
 /// none.
@@ -55,7 +55,7 @@ HardwareInfo HardwareFrom(const wxXmlNode& device) {
   for (const wxXmlNode* node = device.GetChildren(); node; node = node->GetNext()) {
     if (node->GetName() != "key") continue;
     const wxString key = TextOf(node);
-    for (const Field& field : FIELDS) {
+    for (const HardwareField& field : FIELDS) {
       if (key == field.key) hardware.*field.member = TextOf(node->GetNext());
     }
   }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr char PRINTERS_FILE[] = "/etc/cups/printers.conf";
 
-wxString TextOf(const std::string& word) { return Common::WxStringFromStdString(word); }
+wxString WordText(const std::string& word) { return Common::WxStringFromStdString(word); }
 
 /// The words of a line, split as wxStringTokenizer does by default: with a delimiter that is no
 /// white space, there is an empty word between two delimiters. Unlike there, the time does not grow
@@ -70,15 +70,15 @@ class PrintersReader {
   void ReadWord(const std::string& word, LineWords& rest) {
     if (word == "<Printer" || word == "<DefaultPrinter") {
       current_ = PrinterInfo();
-      current_.name = TextOf(rest.Next());
+      current_.name = WordText(rest.Next());
       current_.driverName = driverOf_(current_.name);
     } else if (word == "DeviceURI") {
-      current_.port = TextOf(rest.Next());
+      current_.port = WordText(rest.Next());
     } else if (word == "Info") {
       // Deliberately a blank before the first word as well: the server knows it so.
-      while (rest.HasMore()) current_.description += " " + TextOf(rest.Next());
+      while (rest.HasMore()) current_.description += " " + WordText(rest.Next());
     } else if (word == "MakeModel") {
-      current_.manufacturer = TextOf(rest.Next());
+      current_.manufacturer = WordText(rest.Next());
     } else if (word == "</Printer" || word == "</DefaultPrinter") {
       printers_.push_back(current_);
     }
@@ -105,7 +105,7 @@ wxString ReadDriverName(std::istream& description) {
     LineWords words(line, " \t\r\n", false);
     while (words.HasMore()) {
       if (words.Next().find("PCFileName") == std::string::npos) continue;
-      driver = TextOf(words.Next());
+      driver = WordText(words.Next());
       driver.Replace("\"", "");
     }
   });

@@ -43,7 +43,7 @@ std::string Describe(const CfValue& value) {
 
 /// All objects. A reference is a number that is never used twice and not an address, so that an
 /// object that was given back is always told from a new one.
-class Table {
+class ObjectTable {
  public:
   Id Add(CfValue value) {
     const std::lock_guard lock(mutex_);
@@ -111,8 +111,8 @@ class Table {
 };
 
 /// Never destroyed: objects may be given back as late as anything.
-Table& Objects() {
-  static auto& table = *new Table();
+ObjectTable& Objects() {
+  static auto& table = *new ObjectTable();
   return table;
 }
 

@@ -24,7 +24,7 @@ std::string Describe(const Held& held) {
 }
 
 /// All handles. No number is used twice, so that one that was given back is told from a new one.
-class Table {
+class HandleTable {
  public:
   io_object_t Add(Held held) {
     const std::lock_guard lock(mutex_);
@@ -69,8 +69,8 @@ class Table {
 };
 
 /// Never destroyed: handles may be given back as late as anything.
-Table& Handles() {
-  static auto& table = *new Table();
+HandleTable& Handles() {
+  static auto& table = *new HandleTable();
   return table;
 }
 
