@@ -20,6 +20,16 @@ function(norvik_box name)
   endforeach()
 endfunction()
 
+# norvik_part(NAME BOX folder...): an include root that holds just these folders of a box. Its name can
+# stand behind USES.
+function(norvik_part name box)
+  set(root "${CMAKE_BINARY_DIR}/boxes/${name}/${box}")
+  file(MAKE_DIRECTORY "${root}")
+  foreach(folder IN LISTS ARGN)
+    file(CREATE_LINK "${CMAKE_SOURCE_DIR}/${box}/${folder}" "${root}/${folder}" SYMBOLIC)
+  endforeach()
+endfunction()
+
 # Sources of the current folder, below it: without the subfolders named behind EXCLUDE, and of
 # those behind ONLY if there are any.
 function(norvik_sources result)
