@@ -30,6 +30,7 @@ struct ActionSystem::Periodic {
   const std::string label;
   const ModuleAction action;
   AgentData data;
+  std::string doneKey;  ///< of a code; empty for a schedule, whose state goes with its run
   PeriodicState state;
   bool waiting = false;  ///< for a thread, or for the end of its run
   bool spent = false;    ///< its only run has started
@@ -104,9 +105,7 @@ void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds de
 
 void ActionSystem::CreatePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                                   const ActionTiming& timing) {
-  std::string label = LabelOf(code, action);
-  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
-                                                std::move(action), data, timing);
+  const auto entry = OfCode(code, std::move(action), data, timing);
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
   if (const auto known = Known(entry->key)) {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -119,17 +118,13 @@ void ActionSystem::CreatePeriodic(unsigned int code, ModuleAction action, AgentD
 
 void ActionSystem::ReplacePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                                    const ActionTiming& timing) {
-  std::string label = LabelOf(code, action);
-  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
-                                                std::move(action), data, timing);
+  const auto entry = OfCode(code, std::move(action), data, timing);
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
-  Install(entry);
+  WasMade(*entry) ? Forget(entry) : Install(entry);
 }
 
 void ActionSystem::ResumePeriodic(unsigned int code, ModuleAction action, AgentData& data) {
-  std::string label = LabelOf(code, action);
-  const auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label),
-                                                std::move(action), data, ActionTiming());
+  const auto entry = OfCode(code, std::move(action), data, ActionTiming());
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
   if (!Known(entry->key) && TakeUpStored(*entry)) Install(entry);
 }
@@ -160,6 +155,29 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
     if (same && stored->next >= entry->state.next) TakeUpStored(*entry);
   }
   Install(entry);
+}
+
+ActionSystem::PeriodicPointer ActionSystem::OfCode(unsigned int code, ModuleAction action,
+                                                   const AgentData& data,
+                                                   const ActionTiming& timing) {
+  std::string label = LabelOf(code, action);
+  auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label), std::move(action),
+                                          data, timing);
+  entry->doneKey = DoneKey(code);
+  return entry;
+}
+
+/// Whether this is a single run at a time that is past and had its run. A configuration asks for
+/// it anew at each start of the process.
+bool ActionSystem::WasMade(const Periodic& entry) const {
+  if (entry.state.period != seconds(0) || entry.state.next > clock_->Now()) return false;
+  return entry.data.GetOptionalString(entry.doneKey) == ToText(entry.state);
+}
+
+void ActionSystem::Forget(const PeriodicPointer& entry) {
+  entry->data.Remove(entry->key);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  periodics_.erase(entry->key);
 }
 
 /// Lets an action that is new in this process go on where it was before a restart.
@@ -219,10 +237,10 @@ void ActionSystem::End(const PeriodicPointer& entry) {
     if (!IsCurrent(entry)) return;
     entry->state.interrupted = boost::none;
     state = entry->state;
-    if (entry->spent) periodics_.erase(entry->key);
   }
   if (entry->spent) {
-    entry->data.Remove(entry->key);
+    if (!entry->doneKey.empty()) entry->data.SetString(entry->doneKey, ToText(state));
+    Forget(entry);
   } else {
     Store(entry->data, entry->key, state);
   }
@@ -293,7 +311,7 @@ std::vector<ActionSystem::PeriodicPointer> ActionSystem::FollowTimeOfDay() {
   if (jump > -CLOCK_TOLERANCE && jump < CLOCK_TOLERANCE) return {};
   NORVIK_INFORMATION(boost::format("The time of day has moved by %1% seconds: it was set, or the "
                                    "machine slept") %
-                     jump.count());
+                     std::to_string(jump.count()));
   std::vector<PeriodicPointer> moved;
   for (const auto& [key, entry] : periodics_) {
     PeriodicState& state = entry->state;

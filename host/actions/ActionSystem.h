@@ -36,7 +36,8 @@ struct DueAction {
 /// Periodic actions keep their state in the agent data (see `PeriodicState`), so a restart neither
 /// loses nor doubles a run. Runs of one periodic action never overlap; those that fell due while
 /// the process was down, or while the action still ran, are made up for by one run. A period of 0
-/// runs once and then forgets the state. When the time of day was set back, a periodic action that
+/// runs once and then forgets the state but for the time of that run, which is not made again when
+/// `ReplacePeriodic` asks for it anew. When the time of day was set back, a periodic action that
 /// would wait longer than its period is moved to its next time.
 class ActionSystem : public Common::IActionSystem {
  public:
@@ -94,6 +95,10 @@ class ActionSystem : public Common::IActionSystem {
   struct Periodic;
   using PeriodicPointer = std::shared_ptr<Periodic>;
 
+  static PeriodicPointer OfCode(unsigned int code, Common::ModuleAction action,
+                                const Common::AgentData& data, const Common::ActionTiming& timing);
+  bool WasMade(const Periodic& entry) const;
+  void Forget(const PeriodicPointer& entry);
   bool TakeUpStored(Periodic& entry);
   PeriodicPointer Known(const std::string& key);
   bool IsCurrent(const PeriodicPointer& entry) const;

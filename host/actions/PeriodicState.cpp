@@ -54,4 +54,6 @@ boost::optional<PeriodicState> ParsePeriodicState(const std::string& text) {
 
 std::string PeriodicKey(unsigned int code) { return PERIODIC_KEY_PREFIX + std::to_string(code); }
 
+std::string DoneKey(unsigned int code) { return "DONE_" + PeriodicKey(code); }
+
 }  // namespace Norvik::Host

@@ -32,5 +32,7 @@ boost::optional<PeriodicState> ParsePeriodicState(const std::string& text);
 inline constexpr char PERIODIC_KEY_PREFIX[] = "PERIODIC_";
 inline constexpr char SCHEDULE_KEY_PREFIX[] = "SCHEDULE_";
 std::string PeriodicKey(unsigned int code);
+/// Where the state of an action that runs once stays when it has run.
+std::string DoneKey(unsigned int code);
 
 }  // namespace Norvik::Host
