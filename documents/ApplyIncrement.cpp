@@ -145,7 +145,7 @@ std::string ApplyIncrement(const NamedText& full, const NamedText& incremental) 
   } catch (const DocumentError& error) {
     throw DocumentError(incremental.name + " does not fit " + full.name + ": " + error.what());
   }
-  return document.value.dump();
+  return TextOf(document.value);
 }
 
 }  // namespace Norvik::Documents

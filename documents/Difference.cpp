@@ -36,7 +36,7 @@ std::string DifferenceOf(const NamedText& oldDocument, const NamedText& newDocum
   CheckSameKind(before, after);
   CheckDocument(after, check);
   if (!files) return MachineDifference(oldDocument, newDocument);
-  return FileDifference(std::move(before.value), std::move(after.value)).dump();
+  return TextOf(FileDifference(std::move(before.value), std::move(after.value)));
 }
 
 }  // namespace Norvik::Documents

@@ -1,5 +1,9 @@
 #include "documents/DocumentText.h"
 
+#include <iterator>
+#include <sstream>
+
+#include "common/text/MaskedDocument.h"
 #include "documents/DocumentError.h"
 
 namespace Norvik::Documents {
@@ -27,14 +31,37 @@ void CheckNesting(const std::string& text) {
   }
 }
 
-Json Parse(const std::string& text) {
+std::string Masked(const std::string& text) {
+  std::istringstream stream(text);
+  Common::MaskedDocument masked(stream);
+  return {std::istreambuf_iterator<char>(&masked), {}};
+}
+
+/// @param good the masked text before the wrong byte
+[[noreturn]] void RefuseBehind(const std::string& good) {
+  throw DocumentError("no JSON from byte " +
+                      std::to_string(Common::MaskedDocument::Unmask(good).size() + 1));
+}
+
+template <class Value>
+Value Parse(const std::string& text) {
   CheckNesting(text);
+  const std::string masked = Masked(text);
+  // The parser takes it for the end and passes over what follows.
+  const std::size_t zero = masked.find('\0');
+  if (zero != std::string::npos) RefuseBehind(masked.substr(0, zero));
   try {
-    return Json::parse(text);
-  } catch (const Json::exception& error) {
-    // The parser quotes the token it failed at, however long that is.
-    throw DocumentError("not JSON: " + std::string(error.what()).substr(0, 200));
+    return Value::parse(masked);
+  } catch (const Json::parse_error& error) {
+    RefuseBehind(masked.substr(0, error.byte - 1));
+  } catch (const Json::out_of_range&) {
+    throw DocumentError("holds a number that is too large");
   }
+}
+
+template <class Value>
+std::string Written(const Value& value, int indent) {
+  return Common::MaskedDocument::Unmask(value.dump(indent));
 }
 
 template <class Action>
@@ -49,7 +76,14 @@ auto Naming(const std::string& name, Action action) {
 }  // namespace
 
 Document ParseDocument(const NamedText& document) {
-  return {document.name, Naming(document.name, [&] { return Parse(document.text); })};
+  return {document.name, Naming(document.name, [&] { return Parse<Json>(document.text); })};
+}
+
+std::string TextOf(const Json& value) { return Written(value, -1); }
+
+std::string Indented(const NamedText& document) {
+  return Naming(document.name,
+                [&] { return Written(Parse<nlohmann::ordered_json>(document.text), 2) + "\n"; });
 }
 
 void CheckDocument(const Document& document, void (*check)(const Json&)) {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "common/action/ActionCodes.h"
+#include "common/database/SQLiteNames.h"
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
@@ -17,7 +18,9 @@
 #include "host/Identification.h"
 #include "host/IdentityStore.h"
 #include "host/ModuleLoader.h"
+#include "host/StandardChannels.h"
 #include "host/TextFile.h"
+#include "host/rehearsal/DataFolderCopy.h"
 #include "platform/ReplacementFile.h"
 
 namespace Norvik::Host {
@@ -56,7 +59,21 @@ std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configurati
   return std::make_shared<ServerLink>(options);
 }
 
+/// Beside another agent nothing of a database that is there may change.
+std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusive) {
+  const bool toRead = !exclusive && fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME);
+  return std::make_shared<AgentDatabase>(
+      folder, toRead ? AgentDatabase::Access::ReadOnly : AgentDatabase::Access::ReadWrite);
+}
+
 }  // namespace
+
+AgentConfigurationInfo ConfigurationOf(const AgentOptions& options, const fs::path& dataFolder) {
+  AgentConfigurationInfo configuration =
+      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
+  if (options.communications) configuration.communications = *options.communications;
+  return configuration;
+}
 
 void UseUtf8Characters() {
   for (const char* name : {"", "C.UTF-8", "en_US.UTF-8", "UTF-8"}) {
@@ -68,19 +85,18 @@ void UseUtf8Characters() {
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
   const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
-  AgentConfigurationInfo configuration =
-      ReadConfiguration(options.configurationFile, folder / CONFIGURATION_FILE);
-  if (options.communications) configuration.communications = *options.communications;
+  const AgentConfigurationInfo configuration = ConfigurationOf(options, folder);
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
+    RemoveLeftCopies(folder);
     Platform::RemoveLeftReplacements(folder.string());
   }
   logger_ = OpenLog(folder, options);
-  dataBase_ = std::make_shared<AgentDatabase>(folder);
+  dataBase_ = OpenDataBase(folder, options.exclusive);
   const auto identity = std::make_shared<IdentityStore>(folder / IDENTITY_FILE);
   identification_ = std::make_shared<Identification>(identity);
   communications_ = std::make_shared<Communications>();
-  actionSystem_ = std::make_shared<ActionSystem>(AgentData(dataBase_, "DATA"));
+  actionSystem_ = std::make_shared<ActionSystem>(AgentData(dataBase_, AGENT_DATA_TABLE));
 
   dependencies_ = std::make_shared<ModuleDependencies>();
   dependencies_->configuration = configuration;
@@ -104,6 +120,7 @@ AgentHost::~AgentHost() {
 }
 
 ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& parameters) {
+  const ToolErrors toolErrors;
   ActionResponse response;
   std::exception_ptr failure;
   try {
@@ -119,7 +136,7 @@ ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& paramet
 }
 
 void AgentHost::ResumePeriodicActions() {
-  AgentData data(dataBase_, "DATA");
+  AgentData data(dataBase_, AGENT_DATA_TABLE);
   for (const ActionName& known : ACTION_NAMES) {
     ModuleAction action = module_->GetAction(known.code, {});
     if (!action.name.empty()) actionSystem_->ResumePeriodic(known.code, std::move(action), data);

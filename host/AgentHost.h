@@ -26,10 +26,15 @@ struct AgentOptions {
   int logLevel = 4;
   bool userProcess = false;
   /// Refuse to work beside another agent on the same data folder. Without this there is no road to
-  /// the server.
+  /// the server, and a database that is there is only read.
   bool exclusive = true;
   LogListener logListener;
 };
+
+/// The configuration that the options ask for, of an agent with the data folder. Raises what
+/// `ReadConfiguration` raises.
+Common::AgentConfigurationInfo ConfigurationOf(const AgentOptions& options,
+                                               const boost::filesystem::path& dataFolder);
 
 /// Sets a UTF-8 character type for the process and leaves the rest of its locale alone.
 void UseUtf8Characters();

@@ -1,12 +1,13 @@
 #include "host/AgentProgram.h"
 
 #include <exception>
+#include <iostream>
 #include <map>
-#include <ostream>
+#include <utility>
 
 #include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
-#include "host/TextFile.h"
+#include "host/StandardChannels.h"
 #include "host/commands/Commands.h"
 #include "host/machine/Recording.h"
 
@@ -35,8 +36,22 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   return AllCommands().at(line.command)(line, output, errors);
 }
 
+/// Tells once of a wait for the database.
+class WaitNotice {
+ public:
+  explicit WaitNotice(std::ostream& errors) {
+    Common::AgentDatabase::SetWaitListener([&errors, told = false]() mutable {
+      if (std::exchange(told, true)) return;
+      errors << "norvik-agent: waiting for the database, which another program holds" << std::endl;
+    });
+  }
+  WaitNotice(const WaitNotice&) = delete;
+  WaitNotice& operator=(const WaitNotice&) = delete;
+  ~WaitNotice() { Common::AgentDatabase::SetWaitListener({}); }
+};
+
 int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
-  errors << "norvik-agent: " << OnOneLine(error.what()) << std::endl;
+  errors << "norvik-agent: " << ReasonOf(error) << std::endl;
   return code;
 }
 
@@ -45,6 +60,7 @@ int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
 int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
                     std::ostream& errors) {
   Common::AgentDatabase::LeaveOutConnectionLocks();
+  const WaitNotice notice(errors);
   try {
     const int code = Run(ParseCommandLine(arguments), output, errors);
     if (output.flush()) return code;
@@ -54,6 +70,12 @@ int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& out
   } catch (const std::exception& error) {
     return Fail(error, EXIT_FAILED, errors);
   }
+}
+
+int RunAgentProgram(const std::vector<std::string>& arguments) {
+  FillStandardChannels();
+  OwnErrors errors;
+  return RunAgentProgram(arguments, std::cout, errors);
 }
 
 }  // namespace Norvik::Host

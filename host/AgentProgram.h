@@ -16,4 +16,7 @@ enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
 int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
                     std::ostream& errors);
 
+/// The same on the standard channels of the process, of which some may be closed.
+int RunAgentProgram(const std::vector<std::string>& arguments);
+
 }  // namespace Norvik::Host

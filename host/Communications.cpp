@@ -56,7 +56,8 @@ void Communications::NewFileOnOutbox() {
 
 bool Communications::Send(const IPCMessage& message, unsigned long long session) {
   if (const auto processes = Processes()) return processes->Send(message, session);
-  NORVIK_DETAIL(boost::format("Message %1% finds no session %2%") % message.code % session);
+  NORVIK_DETAIL(boost::format("Message %1% finds no session %2%") % std::to_string(message.code) %
+                std::to_string(session));
   return false;
 }
 

@@ -103,7 +103,7 @@ Reader FullPath(std::string& target) {
   };
 }
 
-Reader Texts(std::vector<std::string>& target) {
+Reader TextArray(std::vector<std::string>& target) {
   return [&target](const Place& place) {
     if (!place.value.is_array()) place.Refuse("a list of texts");
     target.clear();
@@ -115,7 +115,7 @@ Reader Texts(std::vector<std::string>& target) {
   };
 }
 
-Reader Schedule(boost::optional<ScheduleInfo>& target) {
+Reader ScheduleObject(boost::optional<ScheduleInfo>& target) {
   return [&target](const Place& place) {
     constexpr std::int64_t TEN_YEARS = 315'360'000;
     constexpr std::int64_t LATEST = 4'000'000'000;
@@ -154,14 +154,14 @@ Readers ReadersOf(AgentConfigurationInfo& target) {
   return {
       {"profileId", WholeNumber(target.profileId, 0, std::numeric_limits<std::uint32_t>::max())},
       {"server", Server(target.communications)},
-      {"excludedFiles", Texts(kob.excludedFiles)},
-      {"excludedPaths", Texts(kob.excludedPaths)},
-      {"additionalExtensions", Texts(kob.additionalExtensions)},
-      {"includedExtensions", Texts(kob.includedExtensions)},
-      {"inventorySchedule", Schedule(kob.inventorySchedule)},
-      {"fileInventoryIncrementalSchedule", Schedule(kob.fileInventoryIncrementalSchedule)},
-      {"fileInventorySchedule", Schedule(kob.fileInventorySchedule)},
-      {"pendingTasksSchedule", Schedule(kob.pendingTasksSchedule)},
+      {"excludedFiles", TextArray(kob.excludedFiles)},
+      {"excludedPaths", TextArray(kob.excludedPaths)},
+      {"additionalExtensions", TextArray(kob.additionalExtensions)},
+      {"includedExtensions", TextArray(kob.includedExtensions)},
+      {"inventorySchedule", ScheduleObject(kob.inventorySchedule)},
+      {"fileInventoryIncrementalSchedule", ScheduleObject(kob.fileInventoryIncrementalSchedule)},
+      {"fileInventorySchedule", ScheduleObject(kob.fileInventorySchedule)},
+      {"pendingTasksSchedule", ScheduleObject(kob.pendingTasksSchedule)},
       {"inventoryOnLogon", Flag(kob.inventoryOnLogon)},
       {"survey", Survey(target.survey)}};
 }
@@ -171,7 +171,7 @@ Readers ReadersOf(AgentConfigurationInfo& target) {
 }
 
 /// Parses, and refuses a key that stands twice in one object: the parser alone would take the last.
-Json Parse(const std::string& text) {
+Json ParseConfigurationJson(const std::string& text) {
   std::vector<std::set<std::string>> open;
   const auto watch = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
     if (event == Json::parse_event_t::object_start) open.emplace_back();
@@ -189,6 +189,8 @@ Json Parse(const std::string& text) {
     return Json::parse(text, watch);
   } catch (const Json::parse_error& error) {
     RefuseFrom(error.byte);
+  } catch (const Json::out_of_range&) {
+    throw ConfigurationError("the configuration holds a number that is too large");
   }
 }
 
@@ -206,7 +208,7 @@ AgentConfigurationInfo DefaultConfiguration() {
 
 AgentConfigurationInfo ParseConfiguration(const std::string& text) {
   AgentConfigurationInfo configuration = DefaultConfiguration();
-  ReadObject({Parse(text), ""}, ReadersOf(configuration));
+  ReadObject({ParseConfigurationJson(text), ""}, ReadersOf(configuration));
   return configuration;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace Norvik::Host {
 
@@ -10,5 +11,9 @@ class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// What an exception says, on one line. One of a file names the file and the reason, without the
+/// library's own words.
+std::string ReasonOf(const std::exception& error);
 
 }  // namespace Norvik::Host

@@ -12,14 +12,26 @@
 
 namespace Norvik::Host {
 
+namespace {
+
+constexpr std::size_t TEXT_PIECE = 65536;
+
+}  // namespace
+
 std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit) {
   const std::string& name = file.string();
   // A user may name a link or a pipe, so this is not limited to regular files.
   const Platform::FileDescriptor descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor.IsOpen()) throw std::runtime_error(name + ": " + std::strerror(errno));
-  std::string text(limit + 1, '\0');
+  std::string text;
   try {
-    text.resize(Platform::ReadFull(descriptor, text.data(), text.size()));
+    // In pieces, for most files are far smaller than the limit.
+    std::size_t had = 0;
+    do {
+      had = text.size();
+      text.resize(had + TEXT_PIECE);
+      text.resize(had + Platform::ReadFull(descriptor, &text[had], TEXT_PIECE));
+    } while (text.size() > had && text.size() <= limit);
   } catch (const std::exception& error) {
     throw std::runtime_error(name + ": " + error.what());
   }

@@ -1,10 +1,8 @@
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "host/AgentProgram.h"
 
 int main(int argc, char** argv) {
-  return Norvik::Host::RunAgentProgram(std::vector<std::string>(argv, argv + argc), std::cout,
-                                       std::cerr);
+  return Norvik::Host::RunAgentProgram(std::vector<std::string>(argv, argv + argc));
 }

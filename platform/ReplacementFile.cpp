@@ -18,10 +18,6 @@ namespace {
 
 constexpr char INFIX[] = ".new-";
 
-[[noreturn]] void Raise(int error, const std::string& what) {
-  throw std::system_error(error, std::generic_category(), what);
-}
-
 }  // namespace
 
 ReplacementFile::ReplacementFile(const std::string& target) : target_(target) {
@@ -32,7 +28,7 @@ ReplacementFile::ReplacementFile(const std::string& target) : target_(target) {
   if (!file_.IsOpen()) {
     const int error = errno;
     path_.clear();
-    Raise(error, "Cannot make a file in " + folder_);
+    RaiseSystemError(error, "Cannot make a file in " + folder_);
   }
   ::fcntl(file_.Get(), F_SETFD, FD_CLOEXEC);
 }
@@ -44,7 +40,7 @@ ReplacementFile::~ReplacementFile() {
 void ReplacementFile::Commit() {
   // Through the name, not the descriptor: whoever was given the name may have replaced the file.
   SyncFile(OpenRegularFile(path_));
-  if (std::rename(path_.c_str(), target_.c_str()) != 0) Raise(errno, target_);
+  if (std::rename(path_.c_str(), target_.c_str()) != 0) RaiseSystemError(errno, target_);
   path_.clear();
   SyncFolder(folder_);
 }
@@ -53,7 +49,7 @@ bool ReplacementFile::CommitIfAbsent() {
   SyncFile(OpenRegularFile(path_));
   if (::link(path_.c_str(), target_.c_str()) != 0) {
     if (errno == EEXIST) return false;
-    Raise(errno, target_);
+    RaiseSystemError(errno, target_);
   }
   SyncFolder(folder_);
   return true;
@@ -66,7 +62,9 @@ void RemoveLeftReplacements(const std::string& folder) {
   for (; !error && entry != std::filesystem::recursive_directory_iterator();
        entry.increment(error)) {
     const auto& path = entry->path();
-    if (std::regex_match(path.filename().string(), NAME)) ::unlink(path.c_str());
+    const std::string name = path.filename().string();
+    if (std::regex_match(name, NAME)) ::unlink(path.c_str());
+    if (name.front() == '.') entry.disable_recursion_pending();
   }
 }
 

@@ -55,8 +55,8 @@ bool AgentData::SetInt64(const std::string& name, std::int64_t value) {
 
 std::unique_ptr<system_clock::time_point> AgentData::GetDateTime(const std::string& name) const {
   const auto value = GetInt64(name);
-  constexpr auto Latest = duration_cast<seconds>(system_clock::duration::max()).count();
-  if (!value || *value > Latest || *value < -Latest) return nullptr;
+  constexpr auto LATEST = duration_cast<seconds>(system_clock::duration::max()).count();
+  if (!value || *value > LATEST || *value < -LATEST) return nullptr;
   return std::make_unique<system_clock::time_point>(seconds(*value));
 }
 

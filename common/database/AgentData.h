@@ -11,6 +11,9 @@
 
 namespace Norvik::Common {
 
+/// Table that holds the agent's general data; `V2::DataBase::GetDataTable` reads it as well.
+inline constexpr char AGENT_DATA_TABLE[] = "DATA";
+
 /// Key and value store over one table of the agent database (columns `name`, unique, and `value`).
 /// Every value is kept as text: integers as decimal text, times as whole seconds since the epoch.
 /// Safe on any thread. Reading raises what the database raises; an expired database reads as

@@ -23,8 +23,7 @@ std::string SelectText(const std::string& table, int offset, int limit, int orde
 }  // namespace
 
 struct AgentDatabase::State {
-  explicit State(const boost::filesystem::path& file)
-      : pool(std::make_shared<ConnectionPool>(file, OpenDatabaseFile(file))) {
+  explicit State(std::shared_ptr<ConnectionPool> opened) : pool(std::move(opened)) {
     ConnectionPool::Install(pool);
   }
   State(const State&) = delete;
@@ -34,8 +33,10 @@ struct AgentDatabase::State {
   std::shared_ptr<ConnectionPool> pool;
 };
 
-AgentDatabase::AgentDatabase(const boost::filesystem::path& folder)
-    : state_(std::make_unique<State>(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) {}
+AgentDatabase::AgentDatabase(const boost::filesystem::path& folder, Access access)
+    : state_(std::make_unique<State>(
+          (access == Access::ReadOnly ? OpenDatabaseFileToRead : OpenDatabaseFile)(
+              folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME))) {}
 
 AgentDatabase::~AgentDatabase() = default;
 
@@ -52,6 +53,13 @@ CorruptDatabaseError::CorruptDatabaseError(const std::string& text, boost::files
     : std::runtime_error(text), keptAs_(std::move(keptAs)) {}
 
 CorruptDatabaseError::~CorruptDatabaseError() = default;
+
+void AgentDatabase::SetWaitListener(std::function<void()> listener) {
+  if (!listener) return Connection::SetWaitListener({});
+  Connection::SetWaitListener([tell = std::move(listener)] {
+    if (!ConnectionPool::IsContended()) tell();
+  });
+}
 
 bool AgentDatabase::LeaveOutConnectionLocks() {
   return sqlite_api::sqlite3_config(SQLITE_CONFIG_MULTITHREAD) == SQLITE_OK;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,8 @@ namespace Norvik::Common {
 /// and destroy it after.
 class NORVIK_COMMON_API AgentDatabase : public IDataBase {
  public:
+  enum class Access { ReadWrite, ReadOnly };
+
   /// Opens or creates the database file in the folder, which must exist.
   ///
   /// A file that is no database or whose content is damaged is renamed to its name with
@@ -22,13 +25,21 @@ class NORVIK_COMMON_API AgentDatabase : public IDataBase {
   /// `CorruptDatabaseError` is raised, so that nobody goes on with an empty database unawares; the
   /// next call makes a fresh one. Raises `std::runtime_error` for any other failure, a newer
   /// schema among them.
-  explicit AgentDatabase(const boost::filesystem::path& folder);
+  ///
+  /// `ReadOnly` takes a file that is there, beside its agent or without one, and leaves it as and
+  /// where it is, damaged or not; an older schema may then lack tables.
+  explicit AgentDatabase(const boost::filesystem::path& folder, Access access = Access::ReadWrite);
   AgentDatabase(const AgentDatabase&) = delete;
   AgentDatabase& operator=(const AgentDatabase&) = delete;
   ~AgentDatabase() override;
 
   std::unique_ptr<DbResponseTable> GetTable(const std::string& name, int offset, int limit,
                                             int order) override;
+
+  /// Is called on the waiting thread when something of this process has waited for a second for
+  /// another process to let go of the database; the wait ends in an error after a minute. Must not
+  /// raise, nor use the database. Empty: nobody is told.
+  static void SetWaitListener(std::function<void()> listener);
 
   /// Has SQLite leave out its lock around each row and cell. Only for a process that uses no
   /// connection of its own on two threads at once (those here never are), and before its first use

@@ -1,18 +1,40 @@
 #include "common/database/Connection.h"
 
+#include <mutex>
+#include <thread>
+#include <utility>
+
 namespace Norvik::Common {
 namespace {
 
 // Longer than the longest batch, so that a writer waits for a whole file inventory to be saved.
-constexpr int BusyTimeoutMilliseconds = 60000;
+constexpr std::chrono::seconds BUSY_TIMEOUT(60);
+constexpr std::chrono::seconds TELLS_OF_WAIT_AFTER(1);
+constexpr std::chrono::milliseconds BUSY_PAUSE(20);
 
 // The cache holds the index over a few hundred thousand paths while they are inserted; the limit
 // gives the room of a large transaction's log back to the disk. Deleted rows are not overwritten:
 // they are file names in a file of the owner's, and clearing a full table would take as long as
 // filling it.
-constexpr char Settings[] =
+constexpr char SETTINGS[] =
     "PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; PRAGMA journal_size_limit=4194304; "
     "PRAGMA secure_delete=OFF;";
+
+struct SharedListener {
+  std::mutex mutex;
+  Connection::WaitListener listener;
+};
+
+SharedListener& TheWaitListener() {
+  static SharedListener instance;
+  return instance;
+}
+
+void TellOfWait() {
+  auto& shared = TheWaitListener();
+  const std::lock_guard lock(shared.mutex);
+  if (shared.listener) shared.listener();
+}
 
 // SOCI reads "key=value" pairs out of a text that holds an equals sign, the whole text as the
 // path otherwise.
@@ -32,10 +54,39 @@ __attribute__((no_sanitize("vptr"))) sqlite_api::sqlite3* HandleOf(soci::session
 
 Connection::Connection(const boost::filesystem::path& file)
     : session_(soci::sqlite3, ConnectString(file.string())), handle_(HandleOf(session_)) {
-  sqlite_api::sqlite3_busy_timeout(handle_, BusyTimeoutMilliseconds);
+  sqlite_api::sqlite3_busy_handler(handle_, OnBusy, this);
 }
 
-void Connection::Configure() { ExecuteScript(Settings); }
+void Connection::SetWaitListener(WaitListener listener) {
+  auto& shared = TheWaitListener();
+  const std::lock_guard lock(shared.mutex);
+  shared.listener = std::move(listener);
+}
+
+int Connection::OnBusy(void* connection, int earlierCalls) {
+  return static_cast<Connection*>(connection)->Wait(earlierCalls == 0) ? 1 : 0;
+}
+
+// Whether to try once more.
+bool Connection::Wait(bool begins) {
+  const auto now = std::chrono::steady_clock::now();
+  if (begins) {
+    waitingSince_ = now;
+    hasToldOfWait_ = false;
+  }
+  const auto waited = now - waitingSince_;
+  if (waited >= BUSY_TIMEOUT) return false;
+  if (waited >= TELLS_OF_WAIT_AFTER && !std::exchange(hasToldOfWait_, true)) TellOfWait();
+  std::this_thread::sleep_for(begins ? std::chrono::milliseconds(1) : BUSY_PAUSE);
+  return true;
+}
+
+void Connection::OnlyRead(bool hasLog) {
+  CheckpointOnClose(!hasLog);
+  ExecuteScript("PRAGMA query_only=ON");
+}
+
+void Connection::Configure() { ExecuteScript(SETTINGS); }
 
 void Connection::ExecuteScript(const std::string& script) {
   const int code = sqlite_api::sqlite3_exec(handle_, script.c_str(), nullptr, nullptr, nullptr);

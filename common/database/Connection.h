@@ -6,19 +6,33 @@
 #include <soci/sqlite3/soci-sqlite3.h>
 
 #include <boost/filesystem/path.hpp>
+#include <chrono>
+#include <functional>
 #include <string>
 
 namespace Norvik::Common {
 
 /// One connection to the database file. Use it on one thread at a time. Every member raises
-/// `soci::soci_error` on failure, the ones of SQLite as `soci::sqlite3_soci_error`.
+/// `soci::soci_error` on failure, the ones of SQLite as `soci::sqlite3_soci_error`. What another
+/// connection is in the way of waits for it, a minute at most.
 class Connection {
  public:
+  using WaitListener = std::function<void()>;
+
   /// Opens the file, or creates it. Reads nothing of it yet.
   explicit Connection(const boost::filesystem::path& file);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection() = default;
+
+  /// Is called on the waiting thread when a connection of this process has waited for a second.
+  /// Must not raise, nor use the database. Empty: nobody is told.
+  static void SetWaitListener(WaitListener listener);
+
+  /// Leaves the file as it is from here on: statements that write are refused, and the log of an
+  /// agent that has died stays for its next start.
+  /// @param hasLog the file had one before the first connection was made
+  void OnlyRead(bool hasLog);
 
   /// Sets what holds for each connection to a file that is known to be sound.
   void Configure();
@@ -43,6 +57,11 @@ class Connection {
   [[noreturn]] void RaiseLastError(int code, const std::string& statement) const;
 
  private:
+  static int OnBusy(void* connection, int earlierCalls);
+  bool Wait(bool begins);
+
+  std::chrono::steady_clock::time_point waitingSince_;
+  bool hasToldOfWait_ = false;
   soci::session session_;
   sqlite_api::sqlite3* handle_;
 };

@@ -6,7 +6,7 @@
 namespace Norvik::Common {
 namespace {
 
-constexpr std::size_t MostIdle = 4;
+constexpr std::size_t MOST_IDLE = 4;
 
 struct ProcessPool {
   std::mutex mutex;
@@ -20,32 +20,34 @@ ProcessPool& TheProcessPool() {
 
 }  // namespace
 
-ConnectionPool::ConnectionPool(boost::filesystem::path file, std::unique_ptr<Connection> first)
-    : file_(std::move(file)) {
-  idle_.reserve(MostIdle);
+ConnectionPool::ConnectionPool(Connect connect, std::unique_ptr<Connection> first)
+    : connect_(std::move(connect)) {
+  idle_.reserve(MOST_IDLE);
   idle_.push_back(std::move(first));
 }
 
+std::unique_ptr<Connection> ConnectionPool::TakeIdle() {
+  const std::lock_guard lock(mutex_);
+  if (idle_.empty()) return nullptr;
+  auto connection = std::move(idle_.back());
+  idle_.pop_back();
+  return connection;
+}
+
 std::unique_ptr<Connection> ConnectionPool::Take() {
-  {
-    const std::lock_guard lock(mutex_);
-    if (!idle_.empty()) {
-      auto connection = std::move(idle_.back());
-      idle_.pop_back();
-      return connection;
-    }
-  }
-  auto connection = std::make_unique<Connection>(file_);
-  connection->Configure();
+  auto connection = TakeIdle();
+  if (!connection) connection = connect_();
+  ++atWork_;
   return connection;
 }
 
 void ConnectionPool::Return(std::unique_ptr<Connection> connection) noexcept {
+  --atWork_;
   // A connection that cannot roll back is closed, which does.
   if (!connection->Rollback()) return;
   sqlite_api::sqlite3_db_release_memory(connection->Handle());
   const std::lock_guard lock(mutex_);
-  if (!closed_ && idle_.size() < MostIdle) idle_.push_back(std::move(connection));
+  if (!closed_ && idle_.size() < MOST_IDLE) idle_.push_back(std::move(connection));
 }
 
 void ConnectionPool::Close() noexcept {
@@ -76,6 +78,12 @@ void ConnectionPool::Uninstall() noexcept {
     pool.swap(process.pool);
   }
   if (pool) pool->Close();
+}
+
+bool ConnectionPool::IsContended() noexcept {
+  auto& process = TheProcessPool();
+  const std::lock_guard lock(process.mutex);
+  return process.pool && process.pool->atWork_ > 1;
 }
 
 }  // namespace Norvik::Common

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <boost/filesystem/path.hpp>
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -13,8 +14,11 @@ namespace Norvik::Common {
 /// a few kept open for the next. Safe on any thread.
 class ConnectionPool {
  public:
-  /// @param first a connection to the file that is open and configured already
-  ConnectionPool(boost::filesystem::path file, std::unique_ptr<Connection> first);
+  using Connect = std::function<std::unique_ptr<Connection>()>;
+
+  /// @param connect makes a connection that is ready for use
+  /// @param first   one that is made already
+  ConnectionPool(Connect connect, std::unique_ptr<Connection> first);
 
   /// Raises what opening a connection raises.
   std::unique_ptr<Connection> Take();
@@ -28,9 +32,14 @@ class ConnectionPool {
   /// Raises `std::runtime_error` if the process has a pool already.
   static void Install(std::shared_ptr<ConnectionPool> pool);
   static void Uninstall() noexcept;
+  /// Whether more than one connection of the process's pool is at work.
+  static bool IsContended() noexcept;
 
  private:
-  const boost::filesystem::path file_;
+  std::unique_ptr<Connection> TakeIdle();
+
+  const Connect connect_;
+  std::atomic<int> atWork_{0};
   std::mutex mutex_;
   std::vector<std::unique_ptr<Connection>> idle_;
   bool closed_ = false;

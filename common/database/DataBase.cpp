@@ -4,16 +4,12 @@
 #include <unordered_map>
 #include <utility>
 
+#include "common/database/AgentData.h"
 #include "common/database/ConnectionPool.h"
 #include "common/database/KeyValueTable.h"
 #include "common/database/Statement.h"
 
 namespace Norvik::Common::V2 {
-namespace {
-
-constexpr char GeneralTable[] = "DATA";
-
-}  // namespace
 
 struct DataBase::State {
   State() : pool(ConnectionPool::Current()), connection(pool->Take()) {}
@@ -103,16 +99,16 @@ void DataBase::ClearTable(const std::string& name) {
 }
 
 int DataBase::GetDataTable(const std::string& key) {
-  const auto text = ReadKey(GeneralTable, key);
+  const auto text = ReadKey(AGENT_DATA_TABLE, key);
   return text ? ParseInteger<int>(*text).value_or(0) : 0;
 }
 
 void DataBase::SetDataTable(const std::string& key, int value) {
-  WriteKey(GeneralTable, key, std::to_string(value));
+  WriteKey(AGENT_DATA_TABLE, key, std::to_string(value));
 }
 
 boost::optional<std::string> DataBase::GetOptionalStringDataTable(const std::string& key) {
-  return ReadKey(GeneralTable, key);
+  return ReadKey(AGENT_DATA_TABLE, key);
 }
 
 }  // namespace Norvik::Common::V2

@@ -3,7 +3,7 @@
 #include <boost/filesystem/operations.hpp>
 #include <stdexcept>
 
-#include "common/database/Connection.h"
+#include "common/database/DatabaseFile.h"
 
 namespace Norvik::Common {
 
@@ -11,12 +11,9 @@ void CopyDatabase(const boost::filesystem::path& source, const boost::filesystem
   if (!boost::filesystem::exists(source)) {
     throw std::runtime_error("there is no database " + source.string());
   }
-  // The log of an agent that died is left for its next start.
-  const bool hasLog = boost::filesystem::exists(source.string() + "-wal");
-  Connection from(source);
-  from.CheckpointOnClose(!hasLog);
+  const auto from = OpenDatabaseFileToRead(source)->Take();
   Connection to(target);
-  auto* const backup = sqlite_api::sqlite3_backup_init(to.Handle(), "main", from.Handle(), "main");
+  auto* const backup = sqlite_api::sqlite3_backup_init(to.Handle(), "main", from->Handle(), "main");
   if (!backup) to.RaiseLastError(SQLITE_ERROR, "copy of " + source.string());
   sqlite_api::sqlite3_backup_step(backup, -1);
   const int code = sqlite_api::sqlite3_backup_finish(backup);

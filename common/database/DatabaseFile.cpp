@@ -46,7 +46,7 @@ std::string FindDamage(Connection& connection) {
     return finding == "ok" ? "" : finding;
   } catch (const soci::sqlite3_soci_error& error) {
     if (!IsDamage(error)) throw;
-    return error.what();
+    return sqlite_api::sqlite3_errstr(error.result());
   }
 }
 
@@ -81,22 +81,22 @@ fs::path PutAside(const fs::path& file) {
 
 // The file's first switch to write-ahead logging needs it alone, and SQLite does not wait for that.
 void UseWriteAheadLog(Connection& connection) {
-  constexpr int Attempts = 200;
-  constexpr std::chrono::milliseconds Pause(25);
+  constexpr int ATTEMPTS = 200;
+  constexpr std::chrono::milliseconds PAUSE(25);
   for (int attempt = 1;; ++attempt) {
     try {
       connection.ExecuteScript("PRAGMA journal_mode=WAL");
       return;
     } catch (const soci::sqlite3_soci_error& error) {
-      if ((error.result() & 0xFF) != SQLITE_BUSY || attempt == Attempts) throw;
+      if ((error.result() & 0xFF) != SQLITE_BUSY || attempt == ATTEMPTS) throw;
     }
-    std::this_thread::sleep_for(Pause);
+    std::this_thread::sleep_for(PAUSE);
   }
 }
 
 // A file inventory fills the file and compares it by long paths, for which SQLite's own size makes
 // trees too deep. A file that holds something keeps the size that it was made with.
-constexpr char PageSize[] = "PRAGMA page_size=16384";
+constexpr char SET_PAGE_SIZE[] = "PRAGMA page_size=16384";
 
 std::unique_ptr<Connection> OpenUndamaged(const fs::path& file) {
   auto connection = std::make_unique<Connection>(file);
@@ -114,23 +114,68 @@ std::unique_ptr<Connection> OpenUndamaged(const fs::path& file) {
   return connection;
 }
 
-}  // namespace
+std::unique_ptr<Connection> OpenNewest(const fs::path& file) {
+  MakeOwnersFile(file);
+  auto connection = OpenUndamaged(file);
+  CheckSchemaVersion(*connection);
+  connection->ExecuteScript(SET_PAGE_SIZE);
+  connection->Configure();
+  UseWriteAheadLog(*connection);
+  UpgradeSchema(*connection);
+  return connection;
+}
 
-std::unique_ptr<Connection> OpenDatabaseFile(const fs::path& file) {
+std::string ReasonOf(const std::exception& error) {
+  const auto* const ofSqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
+  const int code = ofSqlite ? ofSqlite->result() & 0xFF : SQLITE_OK;
+  if (code == SQLITE_BUSY) return "another program holds it";
+  if (code == SQLITE_CANTOPEN) return "it, or a file that belongs beside it, cannot be opened";
+  return error.what();
+}
+
+// What the opening of a file raises names the file.
+template <class Open>
+auto Naming(const fs::path& file, Open open) {
   try {
-    MakeOwnersFile(file);
-    auto connection = OpenUndamaged(file);
-    CheckSchemaVersion(*connection);
-    connection->ExecuteScript(PageSize);
-    connection->Configure();
-    UseWriteAheadLog(*connection);
-    UpgradeSchema(*connection);
-    return connection;
+    return open();
   } catch (const CorruptDatabaseError&) {
     throw;
   } catch (const std::exception& error) {
-    throw std::runtime_error("cannot open the database " + file.string() + ": " + error.what());
+    throw std::runtime_error("cannot open the database " + file.string() + ": " + ReasonOf(error));
   }
+}
+
+}  // namespace
+
+std::shared_ptr<ConnectionPool> OpenDatabaseFile(const fs::path& file) {
+  const auto connect = [file] {
+    auto connection = std::make_unique<Connection>(file);
+    connection->Configure();
+    return connection;
+  };
+  return std::make_shared<ConnectionPool>(connect, Naming(file, [&] { return OpenNewest(file); }));
+}
+
+std::shared_ptr<ConnectionPool> OpenDatabaseFileToRead(const fs::path& file) {
+  // Asked before the first connection, which makes one.
+  const bool hasLog = fs::exists(file.string() + "-wal");
+  const auto connect = [file, hasLog] {
+    auto connection = std::make_unique<Connection>(file);
+    connection->OnlyRead(hasLog);
+    return connection;
+  };
+  const auto open = [&] {
+    // The journal of a file that is not in use yet, which a reader would roll back.
+    if (fs::exists(file.string() + "-journal")) {
+      throw std::runtime_error("it is not finished; the next start of an agent does that");
+    }
+    auto first = connect();
+    const std::string damage = FindDamage(*first);
+    if (!damage.empty()) throw std::runtime_error("it is damaged (" + damage + ')');
+    CheckSchemaVersion(*first);
+    return first;
+  };
+  return std::make_shared<ConnectionPool>(connect, Naming(file, open));
 }
 
 }  // namespace Norvik::Common

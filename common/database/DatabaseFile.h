@@ -3,7 +3,7 @@
 #include <boost/filesystem/path.hpp>
 #include <memory>
 
-#include "common/database/Connection.h"
+#include "common/database/ConnectionPool.h"
 
 namespace Norvik::Common {
 
@@ -12,6 +12,11 @@ namespace Norvik::Common {
 ///
 /// A damaged file is put aside and `CorruptDatabaseError` raised; any other failure raises
 /// `std::runtime_error` and leaves the file where it is.
-std::unique_ptr<Connection> OpenDatabaseFile(const boost::filesystem::path& file);
+std::shared_ptr<ConnectionPool> OpenDatabaseFile(const boost::filesystem::path& file);
+
+/// Opens a database file that is there, beside its agent or without one, for connections that only
+/// read: it is checked, but nothing is mended, put aside or brought up to date. Raises
+/// `std::runtime_error` with the reason, also for a damaged file.
+std::shared_ptr<ConnectionPool> OpenDatabaseFileToRead(const boost::filesystem::path& file);
 
 }  // namespace Norvik::Common

@@ -16,7 +16,7 @@ namespace {
 // version in the same place is the same row. KOB_NETWORK_DRIVES: the id is a hash over the path,
 // and the last user to report a path replaces the row. RUD_STATE is read by position, the state's
 // name being the seventh column.
-constexpr char FirstSchema[] = R"sql(
+constexpr char FIRST_SCHEMA[] = R"sql(
 CREATE TABLE DATA(name TEXT NOT NULL UNIQUE, value TEXT);
 CREATE TABLE KOB_DATA(id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, value TEXT);
 CREATE TABLE KOB_REGISTERED_SOFTWARE(
@@ -53,7 +53,7 @@ CREATE TABLE RUD2_LAST_INVENTORY_TEMP(
 
 // The files of a scan lie in the order of their paths, by which two scans are compared: one tree
 // instead of a table and an index over it, which hold each path twice.
-constexpr char FilesByPath[] = R"sql(
+constexpr char FILES_BY_PATH[] = R"sql(
 ALTER TABLE RUD2_LAST_INVENTORY RENAME TO FORMER_INVENTORY;
 ALTER TABLE RUD2_LAST_INVENTORY_TEMP RENAME TO FORMER_INVENTORY_TEMP;
 CREATE TABLE RUD2_LAST_INVENTORY(
@@ -73,7 +73,7 @@ DROP TABLE FORMER_INVENTORY_TEMP;
 )sql";
 
 // The script at [n] leads from version n to n + 1. Scripts that have shipped never change.
-constexpr const char* Migrations[] = {FirstSchema, FilesByPath};
+constexpr const char* MIGRATIONS[] = {FIRST_SCHEMA, FILES_BY_PATH};
 
 int SchemaVersion(Connection& connection) {
   return boost::get<int>(Statement(connection, "PRAGMA user_version").Run({}).at(0).at(0));
@@ -81,7 +81,7 @@ int SchemaVersion(Connection& connection) {
 
 }  // namespace
 
-int NewestSchemaVersion() { return static_cast<int>(std::size(Migrations)); }
+int NewestSchemaVersion() { return static_cast<int>(std::size(MIGRATIONS)); }
 
 void CheckSchemaVersion(Connection& connection) {
   const int version = SchemaVersion(connection);
@@ -97,7 +97,7 @@ void UpgradeSchema(Connection& connection) {
   connection.Begin();
   // Once more: another process may have done the work while this one waited.
   for (int version = SchemaVersion(connection); version < NewestSchemaVersion(); ++version) {
-    connection.ExecuteScript(Migrations[version]);
+    connection.ExecuteScript(MIGRATIONS[version]);
   }
   connection.ExecuteScript("PRAGMA user_version=" + std::to_string(NewestSchemaVersion()));
   connection.Commit();

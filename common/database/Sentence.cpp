@@ -7,7 +7,7 @@ namespace Norvik::Common {
 namespace {
 
 // More values than SQLite takes: keeps the number of a nonsense placeholder from overflowing.
-constexpr std::size_t MaxNumber = 1000000;
+constexpr std::size_t MAX_NUMBER = 1000000;
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
@@ -23,7 +23,7 @@ Placeholder PlaceholderAt(const std::string& text, std::size_t begin) {
   std::size_t at = begin + 1;
   for (; at < text.size() && IsDigit(text[at]); ++at) {
     found.number =
-        std::min(MaxNumber, found.number * 10 + static_cast<std::size_t>(text[at] - '0'));
+        std::min(MAX_NUMBER, found.number * 10 + static_cast<std::size_t>(text[at] - '0'));
   }
   if (at == begin + 1 || at >= text.size() || text[at] != closing) return {};
   found.length = at + 1 - begin;

@@ -44,26 +44,26 @@ void SetNumber(ActionParameters& parameters, const std::string& key, const std::
 
 using Setter = void (*)(ActionParameters&, const std::string&, const std::string&);
 
-/// The part behind the last colon of a key says how its value is read.
+/// What stands behind the name of a key says how its value is read.
 const std::map<std::string, Setter>& Setters() {
-  static const std::map<std::string, Setter> setters = {{"bool", SetFlag}, {"u64", SetNumber}};
+  static const std::map<std::string, Setter> setters = {
+      {"", SetText}, {":bool", SetFlag}, {":u64", SetNumber}};
   return setters;
 }
 
 void Take(const std::string& argument, ActionParameters& parameters) {
   const auto equals = argument.find('=');
   std::string key = argument.substr(0, equals);
-  const auto colon = key.rfind(':');
-  const auto setter =
-      colon == std::string::npos ? Setters().end() : Setters().find(key.substr(colon + 1));
-  const bool typed = setter != Setters().end();
-  if (typed) key.erase(colon);
-  if (equals == std::string::npos || key.empty()) {
+  const auto colon = key.find(':');
+  const std::string type = colon == std::string::npos ? "" : key.substr(colon);
+  key.resize(key.size() - type.size());
+  const auto setter = Setters().find(type);
+  if (equals == std::string::npos || key.empty() || setter == Setters().end()) {
     throw UsageError("parameter " + argument +
                      " wants the form key=value, key:bool=true, key:bool=false or key:u64=NUMBER");
   }
   if (parameters.Exist(key)) throw UsageError("parameter " + key + " is given twice");
-  (typed ? setter->second : SetText)(parameters, key, argument.substr(equals + 1));
+  setter->second(parameters, key, argument.substr(equals + 1));
 }
 
 }  // namespace

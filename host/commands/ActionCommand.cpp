@@ -4,6 +4,7 @@
 
 #include "common/log/Logger.h"
 #include "host/AgentProgram.h"
+#include "host/HostError.h"
 #include "host/commands/ActionArguments.h"
 #include "host/commands/ActionOutcome.h"
 #include "host/commands/Commands.h"
@@ -24,22 +25,24 @@ ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters&
   try {
     outcome.response = host.Run(code, parameters);
   } catch (const std::exception& error) {
-    outcome.failure = *error.what() ? error.what() : "the action raised an exception";
+    outcome.failure = *error.what() ? ReasonOf(error) : "the action raised an exception";
   }
   outcome.statuses = recorder.Statuses();
   return outcome;
 }
 
-void WarnOfMissingHandler(IModule& module, unsigned int code, std::ostream& errors) {
+void RequireHandler(IModule& module, unsigned int code) {
   if (!module.GetAction(code, {}).name.empty()) return;
-  errors << "norvik-agent: no handler is registered for the action " << code << std::endl;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
 }
 
 int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& errors) {
-  if (!outcome.failure.empty()) {
-    errors << "norvik-agent: action " << code << " failed: " << outcome.failure << std::endl;
-  }
-  return outcome.HasFailed() ? EXIT_FAILED : EXIT_DONE;
+  if (!outcome.HasFailed()) return EXIT_DONE;
+  const std::string reason = outcome.Reason();
+  errors << "norvik-agent: action " << code << " failed" << (reason.empty() ? "" : ": ") << reason
+         << std::endl;
+  return EXIT_FAILED;
 }
 
 /// Users that are connected to the agent that works with the same data folder, if one runs.
@@ -65,7 +68,7 @@ int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors
   const unsigned int code = ParseActionCode(line.action);
   const ActionParameters parameters = ParseActionParameters(line.parameters);
   RehearsalHost host(line.agent, ConnectedSessions(line));
-  WarnOfMissingHandler(host.Module(), code, errors);
+  RequireHandler(host.Module(), code);
   const RehearsalReport report(code, host.Run(code, parameters));
   output << host.InOriginal(line.json ? JsonLine(report.ToJson()) : report.ToText());
   return CodeFor(report.Outcome(), code, errors);
@@ -78,7 +81,7 @@ int RunAction(const CommandLine& line, std::ostream& output, std::ostream& error
   const unsigned int code = ParseActionCode(line.action);
   const ActionParameters parameters = ParseActionParameters(line.parameters);
   AgentHost host(line.agent);
-  WarnOfMissingHandler(host.Module(), code, errors);
+  RequireHandler(host.Module(), code);
   const ActionOutcome outcome = RunOne(host, code, parameters);
   output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
   return CodeFor(outcome, code, errors);

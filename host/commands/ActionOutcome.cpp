@@ -1,5 +1,7 @@
 #include "host/commands/ActionOutcome.h"
 
+#include "host/TextFile.h"
+
 namespace Norvik::Host {
 
 namespace {
@@ -17,6 +19,12 @@ std::vector<OrderedJson> CellsOf(const ActionResponseTable::Row& row) {
 bool ActionOutcome::HasFailed() const {
   if (!failure.empty() || response.text) return true;
   return !statuses.empty() && statuses.back().status == TaskResponseInfo::TASK_FAILED;
+}
+
+std::string ActionOutcome::Reason() const {
+  if (!failure.empty()) return OnOneLine(failure);
+  if (response.text && !response.text->empty()) return OnOneLine(*response.text);
+  return statuses.empty() ? "" : OnOneLine(statuses.back().message);
 }
 
 OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome) {

@@ -17,6 +17,8 @@ struct ActionOutcome {
 
   /// An action says in different ways that it failed.
   bool HasFailed() const;
+  /// Why it failed, on one line; empty if the action does not say.
+  std::string Reason() const;
 };
 
 OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome);

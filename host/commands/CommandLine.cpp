@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 
 #include "common/configuration/AgentVersion.h"
 #include "host/DataFolder.h"
@@ -147,11 +148,14 @@ void Take(const Texts& texts, CommandLine& line) {
   line.outputFile = texts.outputFile;
 }
 
-/// CLI11's text for a missing or unknown command names none.
+/// CLI11 turns the order of what it does not know, passes over it where something is missing as
+/// well, and its text for a missing or unknown command names none.
 std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
-  if (!dynamic_cast<const CLI::RequiredError*>(&error) || !program.get_subcommands().empty()) {
-    return error.what();
+  if (!program.get_subcommands().empty()) {
+    const std::string unexpected = boost::join(program.remaining(true), " ");
+    return unexpected.empty() ? error.what() : "unexpected: " + unexpected;
   }
+  if (!dynamic_cast<const CLI::RequiredError*>(&error)) return error.what();
   std::string names;
   for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
     names += (names.empty() ? "" : ", ") + command->get_name();

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/text/MaskedDocument.h"
+
 namespace Norvik::Host {
 
 namespace {
@@ -71,7 +73,9 @@ class Counter : public nlohmann::json_sax<Json> {
 
 std::map<std::string, std::size_t> CountRecords(std::istream& document) {
   Counter counter;
-  if (!Json::sax_parse(document, &counter)) return {};
+  Common::MaskedDocument masked(document);
+  std::istream stream(&masked);
+  if (!Json::sax_parse(stream, &counter)) return {};
   return counter.counts;
 }
 

@@ -6,6 +6,7 @@
 #include <boost/filesystem/operations.hpp>
 #include <stdexcept>
 
+#include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "host/TextFile.h"
 
@@ -40,6 +41,10 @@ class PrivateFolder {
 }  // namespace
 
 std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
+  if (!fs::is_regular_file(file)) {
+    throw std::runtime_error("cannot open " + file.string() +
+                             (fs::exists(file) ? ": it is no plain file" : ": it does not exist"));
+  }
   const PrivateFolder folder;
   const fs::path archive = folder.Path() / "document.zip";
   try {
@@ -52,7 +57,9 @@ std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
 }
 
 std::string ReadDocument(const fs::path& file, const fs::path& keys) {
-  if (Common::IsSealedFile(file)) return ReadSealedDocument(file, keys);
+  // A pipe can be read once only.
+  if (fs::is_regular_file(file) && Common::IsSealedFile(file))
+    return ReadSealedDocument(file, keys);
   return ReadTextFile(file, MAX_DOCUMENT_BYTES);
 }
 

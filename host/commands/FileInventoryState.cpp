@@ -16,6 +16,8 @@ using std::chrono::system_clock;
 constexpr const char* STATES[] = {"unknown", "none", "finished", "scanning", "saving", "printing"};
 constexpr int FINISHED = 2;
 
+constexpr char STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
+
 const char* StateName(int state) {
   const bool isKnown = state > 0 && static_cast<std::size_t>(state) < std::size(STATES);
   return STATES[isKnown ? state : 0];
@@ -30,16 +32,18 @@ OrderedJson TimeOf(int seconds) {
 }  // namespace
 
 OrderedJson ReadFileInventoryState() {
+  if (!DataBase::ExistTable(STATUS_TABLE)) return nullptr;
   DataBase dataBase;
-  const auto numbers = [&](const char* sentence) {
+  const auto numbers = [&](const std::string& sentence) {
     std::vector<int> answers;
     for (const auto& row : dataBase.ExecuteSentence(sentence)) {
       for (const auto& cell : row) answers.push_back(boost::get<int>(cell));
     }
     return answers;
   };
-  const auto run = numbers(
-      "select id_state_harverting, date_begin, date_modified, date_end from RUD2_CURRENT_STATUS");
+  const auto run =
+      numbers(std::string("select id_state_harverting, date_begin, date_modified, date_end from ") +
+              STATUS_TABLE);
   if (run.empty()) return nullptr;
   return {
       {"state", run[0]},         {"stateName", StateName(run[0])},

@@ -3,9 +3,11 @@
 #include <ostream>
 
 #include "common/action/ActionCodes.h"
+#include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/files/Paths.h"
 #include "host/AgentProgram.h"
+#include "host/ModuleActionCodes.h"
 #include "host/TextFile.h"
 #include "host/commands/Commands.h"
 #include "host/commands/DocumentCounts.h"
@@ -18,10 +20,6 @@ namespace {
 
 using namespace Common;
 using std::chrono::steady_clock;
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
-
-constexpr char LAST_INVENTORY_KEY[] = "KOB_INVENTORY";
 
 /// The full document of this run, which is kept for the next comparison.
 std::map<std::string, std::size_t> CountsOfRun(const std::vector<PipelineStep>& steps) {

@@ -1,11 +1,10 @@
-#include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "documents/DocumentText.h"
 #include "host/AgentProgram.h"
 #include "host/DataFolder.h"
 #include "host/commands/Commands.h"
 #include "host/commands/DocumentFile.h"
-#include "host/commands/Rendering.h"
 
 namespace Norvik::Host {
 
@@ -13,7 +12,7 @@ int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& /*error
   // Only the answer is to be seen: nothing of the library's log.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   std::string document = ReadSealedDocument(line.file, line.agent.dataFolder / KEY_FOLDER);
-  if (line.pretty) document = OrderedJson::parse(document).dump(2) + "\n";
+  if (line.pretty) document = Documents::Indented({line.file.string(), document});
   output << document;
   return EXIT_DONE;
 }

@@ -5,6 +5,8 @@
 #include <ostream>
 
 #include "common/action/ActionCodes.h"
+#include "common/action/InventorySchedules.h"
+#include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
 #include "common/database/SQLiteNames.h"
 #include "common/files/Paths.h"
@@ -25,8 +27,6 @@ using namespace Common;
 namespace fs = boost::filesystem;
 using std::chrono::system_clock;
 
-constexpr char LAST_INVENTORY_KEY[] = "KOB_INVENTORY";
-
 OrderedJson TimeToJson(system_clock::time_point time) {
   return {{"seconds", system_clock::to_time_t(time)}, {"time", TimeText(time)}};
 }
@@ -39,7 +39,7 @@ struct Stored {
 
 std::map<std::string, std::string> ReadData(AgentDatabase& dataBase) {
   std::map<std::string, std::string> data;
-  const auto table = dataBase.GetTable("DATA", 0, 0, 0);
+  const auto table = dataBase.GetTable(AGENT_DATA_TABLE, 0, 0, 0);
   if (!table) return data;
   const auto columnOf = [&](const char* name) {
     const auto found = std::find_if(table->columns.begin(), table->columns.end(),
@@ -54,7 +54,7 @@ std::map<std::string, std::string> ReadData(AgentDatabase& dataBase) {
 
 Stored ReadStored(const fs::path& folder) {
   if (!fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) return {};
-  AgentDatabase dataBase(folder);
+  AgentDatabase dataBase(folder, AgentDatabase::Access::ReadOnly);
   return {ReadData(dataBase), ReadFileInventoryState()};
 }
 
@@ -94,17 +94,21 @@ OrderedJson PeriodicActions(const std::map<std::string, std::string>& data) {
   return list;
 }
 
-/// The files of a folder, by name. Hidden ones are still being written.
+/// The files of a folder, by name, but for those that an agent takes away meanwhile. Hidden ones
+/// are still being written.
 OrderedJson FilesIn(const fs::path& folder) {
   std::map<std::string, OrderedJson> files;
   boost::system::error_code error;
   for (fs::directory_iterator item(folder, error), end; item != end; item.increment(error)) {
     const fs::path path = item->path();
-    if (path.filename().string().front() == '.' || !fs::is_regular_file(path)) continue;
-    files[path.string()] = {
-        {"file", path.string()},
-        {"bytes", fs::file_size(path)},
-        {"time", TimeText(system_clock::from_time_t(fs::last_write_time(path)))}};
+    boost::system::error_code gone;
+    if (path.filename().string().front() == '.' || !fs::is_regular_file(path, gone)) continue;
+    const auto bytes = fs::file_size(path, gone);
+    const auto time = fs::last_write_time(path, gone);
+    if (gone) continue;
+    files[path.string()] = {{"file", path.string()},
+                            {"bytes", bytes},
+                            {"time", TimeText(system_clock::from_time_t(time))}};
   }
   OrderedJson list = OrderedJson::array();
   for (const auto& file : files) list.push_back(file.second);

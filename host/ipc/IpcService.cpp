@@ -196,7 +196,8 @@ void IpcService::Join(const ConnectionPointer& connection, SessionId& session) {
     const std::lock_guard<std::mutex> lock(mutex_);
     sessions_[session] = connection;
   }
-  NORVIK_DETAIL(boost::format("Session %1% is %2%") % session % connection->PeerText());
+  NORVIK_DETAIL(boost::format("Session %1% is %2%") % std::to_string(session) %
+                connection->PeerText());
   if (AccountOf(*connection).sessionStarts.Ask() == RateLimit::Verdict::ALLOWED) {
     events_.onSession(session);
   }
@@ -211,8 +212,8 @@ void IpcService::TakeMessage(const ConnectionPointer& connection, SessionId sess
     if (const auto alive = weak.lock()) alive->Handled(size);
   };
   if (IsAllowed(Receiver::SERVICE, message)) {
-    NORVIK_DETAIL(boost::format("Message %1% of session %2% (%3%)") % Describe(message) % session %
-                  connection->PeerText());
+    NORVIK_DETAIL(boost::format("Message %1% of session %2% (%3%)") % Describe(message) %
+                  std::to_string(session) % connection->PeerText());
     return events_.onMessage(std::move(message), handled);
   }
   Complain(*connection, "sent the message " + Describe(message) +

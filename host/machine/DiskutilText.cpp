@@ -13,7 +13,6 @@ namespace Norvik::Host {
 namespace {
 
 using namespace Common;
-using Entries = std::map<std::string, std::string>;
 
 /// A disk or a part of one, by its identifier.
 using Devices = std::map<std::string, Entries>;

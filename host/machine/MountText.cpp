@@ -12,7 +12,7 @@ namespace {
 bool IsOctal(char c) { return c >= '0' && c <= '7'; }
 
 /// Blanks and backslashes stand as three octal digits behind a backslash.
-std::string Unescaped(const std::string& text) {
+std::string OctalUnescaped(const std::string& text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const bool escape = text[i] == '\\' && i + 3 < text.size() && IsOctal(text[i + 1]) &&
@@ -40,8 +40,8 @@ std::vector<Mount> ParseMountInfo(const std::string& text) {
     const auto words = WordsOf(line);
     const auto dash = std::find(words.begin(), words.end(), "-");
     if (dash - words.begin() < 6 || words.end() - dash < 3) continue;
-    Mount mount{words[2], Unescaped(words[3]), Unescaped(words[4]), *(dash + 1),
-                Unescaped(*(dash + 2))};
+    Mount mount{words[2], OctalUnescaped(words[3]), OctalUnescaped(words[4]), *(dash + 1),
+                OctalUnescaped(*(dash + 2))};
     mounts.erase(
         std::remove_if(mounts.begin(), mounts.end(),
                        [&](const Mount& other) { return other.mountPoint == mount.mountPoint; }),

@@ -12,7 +12,6 @@ namespace Norvik::Host {
 namespace {
 
 using namespace Common;
-using Entries = std::map<std::string, std::string>;
 
 std::string FirstOf(const Entries& entries, std::initializer_list<const char*> keys) {
   for (const char* key : keys) {

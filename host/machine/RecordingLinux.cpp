@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+#include <iterator>
 #include <stdexcept>
 
 #include "host/HostError.h"
@@ -6,10 +9,25 @@
 
 namespace Norvik::Host {
 
+namespace {
+
+bool IsRecording(const boost::filesystem::path& folder) {
+  static constexpr const char* PARTS[] = {"bin",           "root",           "ioregistry.plist",
+                                          "location.json", "processes.json", "smbios.bin"};
+  return std::any_of(std::begin(PARTS), std::end(PARTS),
+                     [&](const char* part) { return boost::filesystem::exists(folder / part); });
+}
+
+}  // namespace
+
 bool HasRecordedMachines() { return true; }
 
 std::shared_ptr<const void> UseRecordedMachine(const boost::filesystem::path& folder) {
   if (folder.empty()) return nullptr;
+  if (boost::filesystem::is_directory(folder) && !IsRecording(folder)) {
+    throw UsageError("--machine: " + folder.string() + " holds nothing of a recorded machine, as " +
+                     "bin, root or ioregistry.plist");
+  }
   try {
     return std::make_shared<const Platform::RecordedMachine>(folder.string());
   } catch (const std::runtime_error& error) {

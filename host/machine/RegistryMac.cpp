@@ -1,5 +1,6 @@
 #include "host/machine/RegistryMac.h"
 
+#include "platform/CfText.h"
 #include "platform/ScopedHandle.h"
 
 namespace Norvik::Host {
@@ -12,19 +13,8 @@ using Platform::IoObject;
 /// Null if there is no service or property.
 CfRef<CFTypeRef> Property(const IoObject& service, const char* name) {
   if (!service) return {};
-  const CfRef<CFStringRef> key(
-      CFStringCreateWithCString(kCFAllocatorDefault, name, kCFStringEncodingUTF8));
-  if (!key) return {};
-  return CfRef<CFTypeRef>(
-      IORegistryEntryCreateCFProperty(service.Get(), key.Get(), kCFAllocatorDefault, 0));
-}
-
-std::string TextOf(CFStringRef text) {
-  const CFIndex size =
-      CFStringGetMaximumSizeForEncoding(CFStringGetLength(text), kCFStringEncodingUTF8) + 1;
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (!CFStringGetCString(text, bytes.data(), size, kCFStringEncodingUTF8)) return {};
-  return bytes.substr(0, bytes.find('\0'));
+  return CfRef<CFTypeRef>(IORegistryEntryCreateCFProperty(
+      service.Get(), Platform::CfTextOf(name).Get(), kCFAllocatorDefault, 0));
 }
 
 std::string BytesOf(CFDataRef data) {
@@ -41,7 +31,7 @@ std::string RegistryProperty(const char* serviceClass, const char* property) {
   const auto value = Property(service, property);
   if (!value) return {};
   const CFTypeID type = CFGetTypeID(value.Get());
-  if (type == CFStringGetTypeID()) return TextOf(static_cast<CFStringRef>(value.Get()));
+  if (type == CFStringGetTypeID()) return Platform::Utf8Of(static_cast<CFStringRef>(value.Get()));
   if (type == CFDataGetTypeID()) return BytesOf(static_cast<CFDataRef>(value.Get()));
   return {};
 }

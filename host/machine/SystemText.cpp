@@ -10,7 +10,6 @@
 namespace Norvik::Host {
 
 using Common::trim_copy;
-using Entries = std::map<std::string, std::string>;
 
 std::uint64_t LeadingNumber(const std::string& text) {
   std::uint64_t number = 0;

@@ -18,9 +18,11 @@ std::vector<std::string> LinesOf(const std::string& text);
 /// Words between blanks.
 std::vector<std::string> WordsOf(const std::string& text);
 
+using Entries = std::map<std::string, std::string>;
+
 /// Entries of the form `key<separator>value`, one a line, without the blanks around both; the first
 /// of a key counts. Lines without the separator are passed over.
-std::map<std::string, std::string> ParseEntries(const std::string& text, char separator);
+Entries ParseEntries(const std::string& text, char separator);
 
 /// The same for paragraphs between empty lines.
 std::vector<std::map<std::string, std::string>> ParseParagraphs(const std::string& text,

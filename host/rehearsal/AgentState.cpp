@@ -6,6 +6,7 @@
 #include <fstream>
 #include <set>
 
+#include "common/database/AgentData.h"
 #include "common/database/DataBase.h"
 #include "common/database/SQLiteNames.h"
 #include "host/DataFolder.h"
@@ -17,7 +18,7 @@ namespace {
 using namespace Common;
 namespace fs = boost::filesystem;
 
-const std::set<std::string> TABLES_OF_KEYS = {"DATA", "KOB_DATA"};
+const std::set<std::string> TABLES_OF_KEYS = {AGENT_DATA_TABLE, "KOB_DATA"};
 
 AgentState::Table ReadTable(V2::DataBase& dataBase, const std::string& name) {
   AgentState::Table table;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <memory>
+
+#include "host/DataFolder.h"
 
 namespace Norvik::Host {
 
@@ -21,6 +24,10 @@ class DataFolderCopy {
   void CopyFrom(const boost::filesystem::path& original) const;
 
   boost::filesystem::path path_;
+  std::unique_ptr<const DataFolderLock> lock_;  ///< tells that the copy is in use
 };
+
+/// Removes the copies in a data folder whose process was killed. What cannot be removed stays.
+void RemoveLeftCopies(const boost::filesystem::path& dataFolder);
 
 }  // namespace Norvik::Host

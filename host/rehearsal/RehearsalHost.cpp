@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "common/files/Paths.h"
-#include "host/ConfigurationFile.h"
 #include "host/Identification.h"
 #include "host/IdentityStore.h"
 #include "host/ModuleLoader.h"
+#include "host/StandardChannels.h"
 
 namespace Norvik::Host {
 
@@ -48,10 +48,10 @@ RehearsalHost::RehearsalHost(const AgentOptions& options,
   identification_ = std::make_shared<Identification>(
       std::make_shared<IdentityStore>(copy_.Path() / IDENTITY_FILE));
   communications_ = std::make_shared<RehearsedCommunications>(sessions);
-  actions_ = std::make_shared<RehearsedActions>(AgentData(dataBase_, "DATA"));
+  actions_ = std::make_shared<RehearsedActions>(AgentData(dataBase_, AGENT_DATA_TABLE));
 
   dependencies_ = std::make_shared<ModuleDependencies>();
-  dependencies_->configuration = ReadConfiguration(options);
+  dependencies_->configuration = ConfigurationOf(options, copy_.Path());
   dependencies_->identification = identification_;
   dependencies_->processKind = options.userProcess ? 1 : 0;
   dependencies_->actionSystem = actions_;
@@ -65,19 +65,13 @@ RehearsalHost::RehearsalHost(const AgentOptions& options,
 
 RehearsalHost::~RehearsalHost() = default;
 
-AgentConfigurationInfo RehearsalHost::ReadConfiguration(const AgentOptions& options) const {
-  AgentConfigurationInfo configuration =
-      Host::ReadConfiguration(options.configurationFile, copy_.Path() / CONFIGURATION_FILE);
-  if (options.communications) configuration.communications = *options.communications;
-  return configuration;
-}
-
 RehearsedAction RehearsalHost::Run(unsigned int code, const ActionParameters& parameters) {
   const AgentState before = ReadAgentState(copy_.Path());
   const std::size_t stepsBefore = rehearsal_.Steps().size();
   const std::size_t startedBefore = actions_->Started().size();
   const std::size_t loggedBefore = logged_.size();
   RehearsedAction rehearsed;
+  const ToolErrors toolErrors;
   try {
     ModuleAction action = module_->GetAction(code, parameters);
     rehearsed.response = action.handler(action.parameters);

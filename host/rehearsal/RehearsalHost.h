@@ -51,8 +51,6 @@ class RehearsalHost {
   std::string InOriginal(const std::string& text) const;
 
  private:
-  Common::AgentConfigurationInfo ReadConfiguration(const AgentOptions& options) const;
-
   /// Has the paths of the process lead into a folder.
   struct PathsScope {
     explicit PathsScope(const boost::filesystem::path& folder);

@@ -11,7 +11,7 @@
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
-#include "host/TextFile.h"
+#include "host/ModuleActionCodes.h"
 #include "host/commands/Rendering.h"
 #include "host/run/ConfigurationChange.h"
 
@@ -20,8 +20,6 @@ namespace Norvik::Host {
 using namespace Common;
 
 namespace {
-
-enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 struct Agent {
   AgentHost& host;
@@ -95,9 +93,8 @@ OrderedJson Carry(const Agent& agent, const std::string& text) {
 }
 
 OrderedJson Refusal(const std::exception& error, const std::string& from, bool wrongUse) {
-  NORVIK_WARNING(boost::format("A request of %1% is refused: %2%") % from %
-                 OnOneLine(error.what()));
-  return {{"error", error.what()}, {"wrongUse", wrongUse}};
+  NORVIK_WARNING(boost::format("A request of %1% is refused: %2%") % from % ReasonOf(error));
+  return {{"error", ReasonOf(error)}, {"wrongUse", wrongUse}};
 }
 
 }  // namespace

@@ -24,27 +24,27 @@ namespace Norvik::Host {
 namespace {
 
 using Common::TaskResponseInfo;
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::size_t LONGEST_MESSAGE = 4096;
 constexpr std::size_t LONGEST_NAME = 1024;
 
 std::string JsonOf(const std::string& id, const TaskResponseInfo& status) {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  const Json node = {{"id", id},
-                     {"status", static_cast<unsigned int>(status.status)},
-                     {"message", status.message.substr(0, LONGEST_MESSAGE)},
-                     {"time", std::chrono::duration_cast<std::chrono::seconds>(now).count()},
-                     {"requestId", status.requestId.substr(0, LONGEST_NAME)},
-                     {"taskName", status.taskName.substr(0, LONGEST_NAME)},
-                     {"taskCreationDate", status.taskCreationDate.substr(0, LONGEST_NAME)},
-                     {"taskTimeStamp", status.taskTimeStamp.substr(0, LONGEST_NAME)}};
-  return node.dump(-1, ' ', false, Json::error_handler_t::replace);
+  const OrderedJson node = {{"id", id},
+                            {"status", static_cast<unsigned int>(status.status)},
+                            {"message", status.message.substr(0, LONGEST_MESSAGE)},
+                            {"time", std::chrono::duration_cast<std::chrono::seconds>(now).count()},
+                            {"requestId", status.requestId.substr(0, LONGEST_NAME)},
+                            {"taskName", status.taskName.substr(0, LONGEST_NAME)},
+                            {"taskCreationDate", status.taskCreationDate.substr(0, LONGEST_NAME)},
+                            {"taskTimeStamp", status.taskTimeStamp.substr(0, LONGEST_NAME)}};
+  return node.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
 /// Empty id if the line is no state.
 WaitingStatus ParseLine(const std::string& line) {
-  const Json node = Json::parse(line, nullptr, false);
+  const OrderedJson node = OrderedJson::parse(line, nullptr, false);
   if (!node.is_object() || !node.contains("id") || !node["id"].is_string()) return {};
   return {node["id"].get<std::string>(), line};
 }
@@ -71,8 +71,8 @@ void StatusQueue::Load() {
   if (damaged == 0) return;
   // Or the next state would stand on the line that was cut.
   fileIsWhole_ = false;
-  NORVIK_WARNING(boost::format("%1% states of tasks in %2% are damaged and left out") % damaged %
-                 file_.string());
+  NORVIK_WARNING(boost::format("%1% states of tasks in %2% are damaged and left out") %
+                 std::to_string(damaged) % file_.string());
 }
 
 void StatusQueue::Add(const TaskResponseInfo& status) {
@@ -85,7 +85,7 @@ void StatusQueue::Add(const TaskResponseInfo& status) {
   while (waiting_.size() > limit_) {
     NORVIK_ERROR(boost::format("More than %1% states of tasks wait for the server; the oldest is "
                                "dropped") %
-                 limit_);
+                 std::to_string(limit_));
     waiting_.pop_front();
     fileIsWhole_ = false;
   }

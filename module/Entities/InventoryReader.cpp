@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "common/text/MaskedDocument.h"
 #include "module/Entities/InventorySections.h"
-#include "module/Entities/MaskedDocument.h"
 
 namespace Norvik::KOB {
 
@@ -72,7 +72,9 @@ class Reader : public Json::json_sax_t {
   bool number_integer(number_integer_t value) override { return Value(std::to_string(value)); }
   bool number_unsigned(number_unsigned_t value) override { return Value(std::to_string(value)); }
   bool number_float(number_float_t /*value*/, const string_t& text) override { return Value(text); }
-  bool string(string_t& value) override { return Value(MaskedDocument::Unmask(std::move(value))); }
+  bool string(string_t& value) override {
+    return Value(Common::MaskedDocument::Unmask(std::move(value)));
+  }
   bool binary(binary_t& /*value*/) override { return false; }
 
   bool key(string_t& name) override {
@@ -157,7 +159,7 @@ class Reader : public Json::json_sax_t {
 std::unique_ptr<InventoryKOBInfo> ReadInventory(std::istream& document, const std::string& file) {
   auto inventory = std::make_unique<InventoryKOBInfo>();
   Reader reader(*inventory, file);
-  MaskedDocument masked(document);
+  Common::MaskedDocument masked(document);
   std::istream stream(&masked);
   Json::sax_parse(stream, &reader);
   reader.CheckComplete();

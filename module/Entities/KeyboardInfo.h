@@ -6,6 +6,7 @@
 
 namespace Norvik::KOB {
 
+/// A keyboard.
 struct KeyboardInfo final : Common::InventoryRecord<KeyboardInfo> {
   KeyboardInfo() = default;
   explicit KeyboardInfo(const ptree& node) { Read(node); }

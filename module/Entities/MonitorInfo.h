@@ -8,6 +8,7 @@
 
 namespace Norvik::KOB {
 
+/// A display.
 struct MonitorInfo final : Common::InventoryRecord<MonitorInfo> {
   MonitorInfo() = default;
   explicit MonitorInfo(const ptree& node) { Read(node); }

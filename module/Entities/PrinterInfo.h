@@ -6,6 +6,7 @@
 
 namespace Norvik::KOB {
 
+/// A printer queue.
 struct PrinterInfo final : Common::InventoryRecord<PrinterInfo> {
   PrinterInfo() = default;
   explicit PrinterInfo(const ptree& node) { Read(node); }

@@ -6,6 +6,7 @@
 
 namespace Norvik::KOB {
 
+/// A service that the system runs in the background.
 struct ServiceInfo final : Common::InventoryRecord<ServiceInfo> {
   ServiceInfo() = default;
   explicit ServiceInfo(const ptree& node) { Read(node); }

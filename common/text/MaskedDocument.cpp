@@ -1,4 +1,4 @@
-#include "module/Entities/MaskedDocument.h"
+#include "common/text/MaskedDocument.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,11 +6,11 @@
 
 #include "common/text/Text.h"
 
-namespace Norvik::KOB {
+namespace Norvik::Common {
 
 namespace {
 
-constexpr std::size_t PIECE = 16384;
+constexpr std::size_t MASKED_PIECE = 16384;
 constexpr char NO_UTF8 = '\xFF';
 
 // The last 128 characters that UTF-8 can write, for the bytes from 0x80 on: a document that has
@@ -31,13 +31,17 @@ std::string MaskOf(char byte) {
 }
 
 /// Bytes of the sequence that a byte begins; 0 if it begins none.
-std::size_t SequenceLength(char lead) {
+std::size_t LengthFromLead(char lead) {
   if ((lead & 0xE0) == 0xC0) return 2;
   if ((lead & 0xF0) == 0xE0) return 3;
   return (lead & 0xF8) == 0xF0 ? 4 : 0;
 }
 
 }  // namespace
+
+MaskedDocument::MaskedDocument(std::istream& document) : document_(document) {}
+
+MaskedDocument::~MaskedDocument() = default;
 
 std::string MaskedDocument::Unmask(std::string text) {
   for (auto at = text.find(MASK); at != std::string::npos; at = text.find(MASK, at + 1)) {
@@ -49,11 +53,15 @@ std::string MaskedDocument::Unmask(std::string text) {
 }
 
 MaskedDocument::int_type MaskedDocument::underflow() {
-  char piece[PIECE];
+  char piece[MASKED_PIECE];
   masked_.clear();
   while (masked_.empty()) {
-    document_.read(piece, PIECE);
-    if (document_.gcount() == 0) return traits_type::eof();
+    document_.read(piece, MASKED_PIECE);
+    if (document_.gcount() == 0) {
+      if (sequence_.empty()) return traits_type::eof();
+      sequence_.clear();
+      masked_ += NO_UTF8;
+    }
     const char* const end = piece + document_.gcount();
     for (const char* at = piece; at != end;) {
       // Most of a document is ASCII.
@@ -78,18 +86,18 @@ void MaskedDocument::Take(char byte) {
     return;
   }
   sequence_ += byte;
-  if (sequence_.size() >= SequenceLength(sequence_.front())) TakeSequence();
+  if (sequence_.size() >= LengthFromLead(sequence_.front())) TakeSequence();
 }
 
 void MaskedDocument::TakeSequence() {
   const std::string sequence = std::exchange(sequence_, {});
-  if (sequence.size() != SequenceLength(sequence.front())) {
+  if (sequence.size() != LengthFromLead(sequence.front())) {
     masked_ += NO_UTF8;
-  } else if (Common::EncodeUtf8Characters(sequence) == sequence && !IsMask(sequence, 0)) {
+  } else if (EncodeUtf8Characters(sequence) == sequence && !IsMask(sequence, 0)) {
     masked_ += sequence;
   } else {
     for (const char byte : sequence) masked_ += MaskOf(byte);
   }
 }
 
-}  // namespace Norvik::KOB
+}  // namespace Norvik::Common

@@ -1,0 +1,16 @@
+#include "host/HostError.h"
+
+#include <boost/filesystem/exception.hpp>
+
+#include "host/TextFile.h"
+
+namespace Norvik::Host {
+
+std::string ReasonOf(const std::exception& error) {
+  const auto* const ofFile = dynamic_cast<const boost::filesystem::filesystem_error*>(&error);
+  if (!ofFile) return OnOneLine(error.what());
+  const std::string target = ofFile->path2().empty() ? "" : " to " + ofFile->path2().string();
+  return OnOneLine(ofFile->path1().string() + target + ": " + ofFile->code().message());
+}
+
+}  // namespace Norvik::Host
