@@ -21,7 +21,7 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 #include "module/RUD/RudPrinterV2.h"
 #include "support/FakeHost.h"
-#include "support/OnlyBelow.h"
+#include "support/Files.h"
 
 namespace Norvik::Bench {
 namespace {

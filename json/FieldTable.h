@@ -68,6 +68,21 @@ void WriteValue(JSON& target, const Value& value) {
   }
 }
 
+template <class Value>
+JSON ValueToJson(const Value& value) {
+  JSON written;
+  WriteValue(written, value);
+  return written;
+}
+
+/// Puts what `read` gives for each child of a node in the place of the elements; null has none.
+template <class Tree, class Container, class Read>
+void ReadElements(const Tree* list, Container& elements, Read read) {
+  elements.clear();
+  if (!list) return;
+  for (const auto& child : *list) elements.insert(elements.end(), read(child.second));
+}
+
 template <class Tree, class T>
 void ReadFields(const Tree& node, T& record) {
   std::apply([&](const auto&... field) { (field.Read(node, record), ...); }, T::Fields());
@@ -223,11 +238,8 @@ struct RecordsField {
 
   template <class Tree>
   void Read(const Tree& node, R& record) const {
-    Container& records = record.*member;
-    records.clear();
     const Tree* child = required ? &node.get_child(key) : ChildOf(node, key);
-    if (!child) return;
-    for (const auto& element : *child) records.push_back(ReadRecord<Inner>(element.second));
+    ReadElements(child, record.*member, ReadRecord<Inner, Tree>);
   }
   void Write(JSON& object, const R& record) const {
     object[key] = ArrayOf(record.*member, RecordToJson<Inner>);
@@ -248,20 +260,12 @@ struct TextsField {
 
   template <class Tree>
   void Read(const Tree& node, R& record) const {
-    Container& texts = record.*member;
-    texts.clear();
-    const Tree* child = ChildOf(node, key);
-    if (!child) return;
-    for (const auto& element : *child) {
-      texts.insert(texts.end(), TextCodec<Text>::Decode(element.second.data(), conversion));
-    }
+    ReadElements(ChildOf(node, key), record.*member, [this](const Tree& element) {
+      return TextCodec<Text>::Decode(element.data(), conversion);
+    });
   }
   void Write(JSON& object, const R& record) const {
-    object[key] = ArrayOf(record.*member, [](const Text& text) {
-      JSON value;
-      WriteValue(value, text);
-      return value;
-    });
+    object[key] = ArrayOf(record.*member, ValueToJson<Text>);
   }
   bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
 };
@@ -276,13 +280,9 @@ struct NamesField {
 
   template <class Tree>
   void Read(const Tree& node, R& record) const {
-    Container& names = record.*member;
-    names.clear();
-    const Tree* child = ChildOf(node, key);
-    if (!child) return;
-    for (const auto& element : *child) {
-      names.push_back(ReadValue(element.second, "name", Text(), conversion));
-    }
+    ReadElements(ChildOf(node, key), record.*member, [this](const Tree& element) {
+      return ReadValue(element, "name", Text(), conversion);
+    });
   }
   void Write(JSON& object, const R& record) const {
     object[key] = ArrayOf(record.*member, [](const Text& name) {

@@ -7,6 +7,7 @@
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
 #include "module/ActionCodes.h"
+#include "module/ActionPeriods.h"
 #include "module/Actions/InventoryActions.h"
 #include "module/Actions/KOBActions.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
@@ -136,7 +137,7 @@ void KOBModule::UpdateConfiguration(Common::ActionParameters& parameters) {
     return;
   }
   const std::string text = ConfigurationText(*agent.kob);
-  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
   const std::string stored = data.GetOptionalString(key).get_value_or("");
   RunOneShotAction(ACTION_UPDATE_CONFIGURATION, seconds(0), &parameters);
   if (stored == text) return;
@@ -151,7 +152,7 @@ void KOBModule::CreateModuleSchedules() { CreateInventorySchedules(); }
 void KOBModule::CreateInventorySchedules() {
   NORVIK_SCOPE();
   NORVIK_INFORMATION("Rescheduling actions");
-  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
   if (!configuration_) return;
 
   const auto schedule = [&](const char* key, ActionCodes code,
@@ -170,10 +171,12 @@ void KOBModule::CreateInventorySchedules() {
                            FIRST_SCHEDULED_TOTAL);
     }
   };
-  schedule(LAST_INVENTORY_KEY, ACTION_INCREMENTAL_INVENTORY, configuration_->inventorySchedule);
-  schedule("RUD_INVENTORY_INCREMENTAL", ACTION_FILE_INVENTORY_INCREMENTAL,
+  schedule(Common::LAST_INVENTORY_KEY, ACTION_INCREMENTAL_INVENTORY,
+           configuration_->inventorySchedule);
+  schedule(Common::LAST_INCREMENTAL_FILE_INVENTORY_KEY, ACTION_FILE_INVENTORY_INCREMENTAL,
            configuration_->fileInventoryIncrementalSchedule);
-  schedule("RUD_INVENTORY", ACTION_FILE_INVENTORY, configuration_->fileInventorySchedule);
+  schedule(Common::LAST_FILE_INVENTORY_KEY, ACTION_FILE_INVENTORY,
+           configuration_->fileInventorySchedule);
   if (configuration_->pendingTasksSchedule) {
     ReplacePeriodicAction(ACTION_GET_PENDING_TASKS, data,
                           configuration_->pendingTasksSchedule.get_ptr());
@@ -183,7 +186,7 @@ void KOBModule::CreateInventorySchedules() {
 void KOBModule::CreateUserActions() {
   NORVIK_SCOPE();
   NORVIK_INFORMATION("Create user actions");
-  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
   ReplacePeriodicAction(ACTION_NETWORK_DRIVES, data, PERIOD_GET_NET_DRIVES, DELAY_GET_NET_DRIVES);
 }
 

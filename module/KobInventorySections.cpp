@@ -176,12 +176,12 @@ LocalUserInfo KobInventory::GetLocalUsersInfo() {
 
 std::vector<Common::SoftwareRegisteredInfo> KobInventory::GetSoftwareRegisteredInfo() {
   NORVIK_SCOPE();
+  NORVIK_DETAIL("Retrieving software registered section");
   // Made for what its making does: it fills in the defaults of the module's store.
   const KOBDataSource store(dataBase_);
   std::vector<Common::SoftwareRegisteredInfo> result;
   result.reserve(EXPECTED_SOFTWARE);
-  Fill("Retrieving software registered section", *sectionFactory_,
-       &SectionFactory::GetSoftwareRegisteredSection, result);
+  sectionFactory_->GetSoftwareRegisteredSection()->GetInfo(result);
   return result;
 }
 

@@ -6,7 +6,10 @@
 
 namespace Norvik::Platform {
 
-// What raises here raises `std::system_error` with the path in its text.
+// What raises here raises `std::system_error`; what takes a path has it in the text.
+
+/// Raises the error of a number, as `errno` holds it. The text says of what.
+[[noreturn]] void RaiseSystemError(int error, const std::string& what);
 
 /// Opens an existing regular file for reading; a link is not followed. Raises.
 FileDescriptor OpenRegularFile(const std::string& path);

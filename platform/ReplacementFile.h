@@ -32,7 +32,8 @@ class ReplacementFile {
 };
 
 /// Removes what replacement files of a process that was killed have left in the folder and in its
-/// folders, where no other process may be making any. What cannot be removed stays.
+/// folders but for hidden ones, where no other process may be making any. What cannot be removed
+/// stays.
 void RemoveLeftReplacements(const std::string& folder);
 
 }  // namespace Norvik::Platform

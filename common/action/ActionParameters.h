@@ -8,6 +8,8 @@
 
 namespace Norvik::Common {
 
+// Names of parameters that several actions have. Those of a task are texts; the configuration is an
+// `AgentConfigurationInfo`.
 inline constexpr char COMMON_PARAMETER_REQUEST_ID[] = "ParameterRequestId";
 inline constexpr char COMMON_PARAMETER_LOCAL_IP[] = "ParameterLocalIp";
 inline constexpr char COMMON_PARAMETER_PRODUCT_CODE[] = "ParameterProductCode";
@@ -15,6 +17,7 @@ inline constexpr char COMMON_PARAMETER_CONFIGURATION[] = "ParameterConfiguration
 inline constexpr char COMMON_PARAMETER_TASK_NAME[] = "ParameterTaskName";
 inline constexpr char COMMON_PARAMETER_TASK_CREATION_DATE[] = "ParameterTaskCreationDate";
 inline constexpr char COMMON_PARAMETER_TASK_TIME_STAMP[] = "ParameterTaskTimeStamp";
+/// The text that a user is to see.
 inline constexpr char PARAMETER_NAME[] = "message";
 
 /// Named values that travel with an action. Copied with it; not synchronised.

@@ -9,6 +9,12 @@
 
 namespace Norvik::Common {
 
+// Keys of the "DATA" table, which the module writes: time of a last run in seconds since the epoch;
+// 0 or absent: there was none. Of the file inventories only scheduled runs count.
+inline constexpr char LAST_INVENTORY_KEY[] = "KOB_INVENTORY";
+inline constexpr char LAST_FILE_INVENTORY_KEY[] = "RUD_INVENTORY";
+inline constexpr char LAST_INCREMENTAL_FILE_INVENTORY_KEY[] = "RUD_INVENTORY_INCREMENTAL";
+
 /// The schedule to install for an inventory that has no execution pending: the configured one with
 /// its next execution moved to the first of its times that is not past. Empty stays empty.
 NORVIK_COMMON_API boost::optional<ScheduleInfo> CheckInventoryNextExecutionInit(

@@ -7,7 +7,7 @@ namespace Norvik::Common {
 
 namespace {
 
-constexpr char BLANKS[] = " \t\n\r\v\f";
+constexpr char WORD_BLANKS[] = " \t\n\r\v\f";
 
 /// Reads a line word by word; each operation takes what it reads and says whether it was whole.
 class WordReader {
@@ -27,12 +27,12 @@ class WordReader {
 
  private:
   bool SkipBlanks() {
-    at_ = line_.find_first_not_of(BLANKS, at_);
+    at_ = line_.find_first_not_of(WORD_BLANKS, at_);
     return at_ != std::string::npos;
   }
 
   bool ReadWord() {
-    static const std::string blanks = BLANKS;
+    static const std::string blanks = WORD_BLANKS;
     while (at_ < line_.size() && blanks.find(line_[at_]) == std::string::npos) {
       const char c = line_[at_++];
       if (c == '\'') {

@@ -8,6 +8,7 @@
 
 namespace Norvik::Common {
 
+/// Base of the parts of a configuration that cross the border between host and module.
 struct NORVIK_COMMON_API ConfigurationInfoBase {
   ConfigurationInfoBase() = default;
   ConfigurationInfoBase(const ConfigurationInfoBase&) = default;
@@ -15,7 +16,8 @@ struct NORVIK_COMMON_API ConfigurationInfoBase {
   virtual ~ConfigurationInfoBase();
 };
 
-/// How the agent reaches its server.
+/// How the agent reaches its server. 0 for a number of seconds is the host's own. A host need not
+/// use all of it.
 struct NORVIK_COMMON_API CommunicationsInfo : ConfigurationInfoBase {
   std::uint64_t port = 0;  ///< the server's port in the low 16 bits
   std::uint64_t connectTimeoutSeconds = 0;
@@ -24,8 +26,8 @@ struct NORVIK_COMMON_API CommunicationsInfo : ConfigurationInfoBase {
   std::string address;  ///< the server's name or address; empty without a server
   std::string basePath;
   std::string proxy;
-  std::string certificateFile;
-  UniqueQueue alternates;
+  std::string certificateFile;  ///< PEM; its authorities count alone. Empty: the machine's
+  UniqueQueue alternates;       ///< further addresses
   std::string proxyUser;
   bool verifyPeer = true;
   std::string proxyPassword;

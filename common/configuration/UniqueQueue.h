@@ -7,7 +7,7 @@
 
 namespace Norvik::Common {
 
-/// A queue that takes each text once.
+/// A queue that holds each text once. Not synchronised.
 class UniqueQueue {
  public:
   /// False if the text waits already.

@@ -4,10 +4,8 @@
 
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
-#include "common/files/FileSealer.h"
 #include "platform/FileSystem.h"
 #include "platform/ReplacementFile.h"
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
-#include <functional>
 #include <stdexcept>
-#include <string>
 
 #include "common/Api.h"
 
@@ -36,9 +34,5 @@ class NORVIK_COMMON_API FileSealer {
 
 /// Whether a file begins as sealed ones do. False if it cannot be read.
 NORVIK_COMMON_API bool IsSealedFile(const boost::filesystem::path& file);
-
-/// The one entry of an archive that `CompressFile` wrote. Raises `std::runtime_error` if the file
-/// is no such archive or its content does not match its checksum.
-NORVIK_COMMON_API std::string ReadArchive(const boost::filesystem::path& archive);
 
 }  // namespace Norvik::Common

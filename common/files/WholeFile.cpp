@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
-#include <system_error>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -29,9 +28,7 @@ void MoveWhole(const boost::filesystem::path& source, const boost::filesystem::p
     Platform::SyncFolder(target.parent_path().string());
     return;
   }
-  if (errno != EXDEV) {
-    throw std::system_error(errno, std::generic_category(), target.string());
-  }
+  if (errno != EXDEV) Platform::RaiseSystemError(errno, target.string());
   CopyWhole(source, target);
   boost::filesystem::remove(source);
 }

@@ -21,14 +21,14 @@ struct ReportField {
   std::string SoftwareRegisteredInfo::*member;
 };
 
-constexpr ReportField FIELDS[] = {{"_name", &SoftwareRegisteredInfo::name},
-                                  {"version", &SoftwareRegisteredInfo::version},
-                                  {"path", &SoftwareRegisteredInfo::location},
-                                  {"path", &SoftwareRegisteredInfo::softwareKey},
-                                  {"obtained_from", &SoftwareRegisteredInfo::source},
-                                  {"signed_by", &SoftwareRegisteredInfo::signedBy},
-                                  {"arch_kind", &SoftwareRegisteredInfo::architecture},
-                                  {"info", &SoftwareRegisteredInfo::description}};
+constexpr ReportField REPORT_FIELDS[] = {{"_name", &SoftwareRegisteredInfo::name},
+                                         {"version", &SoftwareRegisteredInfo::version},
+                                         {"path", &SoftwareRegisteredInfo::location},
+                                         {"path", &SoftwareRegisteredInfo::softwareKey},
+                                         {"obtained_from", &SoftwareRegisteredInfo::source},
+                                         {"signed_by", &SoftwareRegisteredInfo::signedBy},
+                                         {"arch_kind", &SoftwareRegisteredInfo::architecture},
+                                         {"info", &SoftwareRegisteredInfo::description}};
 
 /// Calls `visit` with each key of a property list's dictionary and the node of its value.
 template <class Visit>
@@ -54,7 +54,7 @@ SoftwareRegisteredInfo SoftwareOf(const ptree& dictionary) {
     values.emplace(key, TextOf(value));
   });
   SoftwareRegisteredInfo software;
-  for (const auto& field : FIELDS) software.*field.member = values[field.key];
+  for (const auto& field : REPORT_FIELDS) software.*field.member = values[field.key];
   const auto modified = UTCStringToTimePoint(values["lastModified"], "%Y-%m-%dT%H:%M:%SZ");
   software.installDate = std::chrono::system_clock::to_time_t(modified);
   software.systemComponent = software.location.rfind("/System/", 0) == 0;

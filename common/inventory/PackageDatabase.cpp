@@ -18,15 +18,15 @@ struct PackageField {
   std::string SoftwareRegisteredInfo::*member;
 };
 
-constexpr PackageField FIELDS[] = {{"Package", &SoftwareRegisteredInfo::name},
-                                   {"Package", &SoftwareRegisteredInfo::productCode},
-                                   {"Version", &SoftwareRegisteredInfo::version},
-                                   {"Maintainer", &SoftwareRegisteredInfo::publisher},
-                                   {"Architecture", &SoftwareRegisteredInfo::architecture},
-                                   {"Source", &SoftwareRegisteredInfo::source},
-                                   {"Description", &SoftwareRegisteredInfo::description},
-                                   {"Section", &SoftwareRegisteredInfo::category},
-                                   {"Homepage", &SoftwareRegisteredInfo::url}};
+constexpr PackageField PACKAGE_FIELDS[] = {{"Package", &SoftwareRegisteredInfo::name},
+                                           {"Package", &SoftwareRegisteredInfo::productCode},
+                                           {"Version", &SoftwareRegisteredInfo::version},
+                                           {"Maintainer", &SoftwareRegisteredInfo::publisher},
+                                           {"Architecture", &SoftwareRegisteredInfo::architecture},
+                                           {"Source", &SoftwareRegisteredInfo::source},
+                                           {"Description", &SoftwareRegisteredInfo::description},
+                                           {"Section", &SoftwareRegisteredInfo::category},
+                                           {"Homepage", &SoftwareRegisteredInfo::url}};
 
 std::string ValueOf(const Stanza& stanza, const char* name) {
   const auto found = stanza.find(name);
@@ -54,7 +54,7 @@ std::uint64_t BytesOf(const std::string& kibibytes) {
 
 SoftwareRegisteredInfo SoftwareOf(const Stanza& stanza, const PackageDate& date) {
   SoftwareRegisteredInfo software;
-  for (const auto& field : FIELDS) software.*field.member = ValueOf(stanza, field.name);
+  for (const auto& field : PACKAGE_FIELDS) software.*field.member = ValueOf(stanza, field.name);
   software.softwareKey = software.name + ":" + software.architecture;
   software.sizeBytes = BytesOf(ValueOf(stanza, "Installed-Size"));
   software.systemComponent = ValueOf(stanza, "Essential") == "yes";

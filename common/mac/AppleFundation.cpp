@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "common/text/Text.h"
+#include "platform/CfText.h"
 #include "platform/FileSystem.h"
 #include "platform/ScopedHandle.h"
 
@@ -20,19 +21,10 @@ using Platform::IoObject;
 
 /// Null if the key is absent or holds another type. The value belongs to the dictionary.
 CFTypeRef ValueOf(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
-  const CfRef<CFStringRef> name(
-      CFStringCreateWithCString(kCFAllocatorDefault, key, kCFStringEncodingUTF8));
+  const CfRef<CFStringRef> name = Platform::CfTextOf(key);
   if (!dictionary || !name) return nullptr;
   const CFTypeRef value = CFDictionaryGetValue(dictionary, name.Get());
   return value && CFGetTypeID(value) == type ? value : nullptr;
-}
-
-std::string Utf8Of(CFStringRef text) {
-  const CFIndex size =
-      CFStringGetMaximumSizeForEncoding(CFStringGetLength(text), kCFStringEncodingUTF8) + 1;
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (!CFStringGetCString(text, bytes.data(), size, kCFStringEncodingUTF8)) return {};
-  return bytes.substr(0, bytes.find('\0'));
 }
 
 std::string PathOf(CFURLRef url) {
@@ -73,7 +65,8 @@ unsigned int AppleFundation::FindRecursiveChildren(unsigned int& entry, const ch
 
 wxString AppleFundation::GetCFDictionaryStringProperty(CFDictionaryRef& dict, const char* key) {
   const CFTypeRef value = ValueOf(dict, key, CFStringGetTypeID());
-  return value ? WxStringFromStdString(Utf8Of(static_cast<CFStringRef>(value))) : wxString();
+  return value ? WxStringFromStdString(Platform::Utf8Of(static_cast<CFStringRef>(value)))
+               : wxString();
 }
 
 unsigned long long AppleFundation::GetCFDictionaryIntergerProperty(CFDictionaryRef& dict,

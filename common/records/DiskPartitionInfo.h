@@ -7,6 +7,7 @@
 
 namespace Norvik::Common {
 
+/// A partition of a disk. Offset and size in bytes.
 struct NORVIK_COMMON_API DiskPartitionInfo final : InventoryRecord<DiskPartitionInfo> {
   DiskPartitionInfo() = default;
   explicit DiskPartitionInfo(const ptree& node) { Read(node); }

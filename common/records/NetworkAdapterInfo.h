@@ -11,6 +11,7 @@
 
 namespace Norvik::Common {
 
+/// An address of a network adapter.
 struct IpAddressInfo {
   std::string address;
   std::string mask;  ///< as an address for IPv4, as a prefix length for IPv6
@@ -21,6 +22,7 @@ struct IpAddressInfo {
   }
 };
 
+/// A network interface, the addresses that it has and what serves it.
 struct NORVIK_COMMON_API NetworkAdapterInfo final : InventoryRecord<NetworkAdapterInfo> {
   NetworkAdapterInfo() = default;
   explicit NetworkAdapterInfo(const ptree& node) { Read(node); }

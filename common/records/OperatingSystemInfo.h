@@ -8,6 +8,7 @@
 
 namespace Norvik::Common {
 
+/// The operating system of the machine.
 struct NORVIK_COMMON_API OperatingSystemInfo final : InventoryRecord<OperatingSystemInfo> {
   OperatingSystemInfo() = default;
   explicit OperatingSystemInfo(const ptree& node) { Read(node); }

@@ -10,6 +10,7 @@
 
 namespace Norvik::Common {
 
+/// A disk as a device, with its partitions and the volumes on them.
 struct NORVIK_COMMON_API PhysicalDiskInfo final : InventoryRecord<PhysicalDiskInfo> {
   PhysicalDiskInfo() = default;
   explicit PhysicalDiskInfo(const ptree& node) { Read(node); }

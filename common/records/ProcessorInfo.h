@@ -10,6 +10,7 @@
 
 namespace Norvik::Common {
 
+/// A cache of a processor.
 struct CSmbCacheInfo {
   std::string name;
   std::string type;

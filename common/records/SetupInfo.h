@@ -11,6 +11,7 @@
 
 namespace Norvik::Common {
 
+/// The board.
 struct SmbBaseboardInfo {
   std::string manufacturer;
   std::string product;
@@ -26,7 +27,7 @@ struct SmbBaseboardInfo {
   }
 };
 
-/// The codes are those of the SMBIOS standard.
+/// The chassis. The codes are those of the SMBIOS standard.
 struct SmbChassisInfo {
   std::uint32_t oemInformation = 0;
   std::uint8_t type = 0;
@@ -55,6 +56,7 @@ struct SmbChassisInfo {
   }
 };
 
+/// The machine as its maker sells it.
 struct SmbSystemInfo {
   std::string manufacturer;
   std::string product;

@@ -22,7 +22,7 @@ struct NORVIK_COMMON_API PendingTasksRequest : IRestRequest {
 /// A task of the answer that cannot be run as it stands.
 struct RefusedTask {
   Schedule task;       ///< as far as it could be read
-  std::string reason;  ///< "the task 5 has no code"
+  std::string reason;  ///< for people, as in "it has no identifier"
 };
 
 /// The tasks, in the server's order. A task's name, dates and request are among its parameters, as

@@ -29,7 +29,8 @@ class NORVIK_COMMON_API IRestRequest {
 class NORVIK_COMMON_API IRestResponse {
  public:
   virtual ~IRestResponse();
-  /// Takes the fields from the answer's body; a missing one takes its default.
+  /// Takes the fields from the answer's body; a missing one takes its default. A value of
+  /// another type raises a subclass of `std::exception` and leaves the fields as they were.
   virtual void Assign(const boost::property_tree::ptree& body) = 0;
 
  protected:
@@ -38,7 +39,8 @@ class NORVIK_COMMON_API IRestResponse {
   IRestResponse& operator=(const IRestResponse&) = default;
 };
 
-/// A message from this agent's module to its counterpart on the server.
+/// A question of this agent's module to its counterpart on the server, which knows by the codes
+/// what it is about. Without an identifier the body has none.
 struct NORVIK_COMMON_API ProcessMessageRequest : IRestRequest {
   operator json::JSON() const override;
 
@@ -48,6 +50,7 @@ struct NORVIK_COMMON_API ProcessMessageRequest : IRestRequest {
   wxString message;
 };
 
+/// The answer to a `ProcessMessageRequest`.
 struct NORVIK_COMMON_API ProcessMessageResponse : IRestResponse {
   void Assign(const boost::property_tree::ptree& body) override;
 

@@ -9,7 +9,7 @@ namespace Norvik::Common {
 
 namespace {
 
-bool IsForbidden(char c) {
+bool IsForbiddenInName(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte <= ' ' || byte == 0x7F || std::strchr("\\/:*?\"<>|'&%#$;`", c) != nullptr;
 }
@@ -27,7 +27,7 @@ std::string CharacterConverter::ChangeSpecialCharacter(const std::string& text) 
   std::string changed;
   for (std::size_t at = 0; at < source.size(); ++at) {
     const bool longControl = IsLongControl(source, at);
-    changed += longControl || IsForbidden(source[at]) ? '_' : source[at];
+    changed += longControl || IsForbiddenInName(source[at]) ? '_' : source[at];
     if (longControl) ++at;
   }
   return changed;

@@ -18,6 +18,7 @@
 #include "common/action/IModule.h"
 #include "common/action/ModuleDependencies.h"
 #include "common/database/AgentDatabase.h"
+#include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
 #include "common/identification/HostInfoProvider.h"

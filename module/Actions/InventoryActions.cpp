@@ -3,11 +3,13 @@
 #include <chrono>
 #include <utility>
 
+#include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
 #include "module/ActionCodes.h"
+#include "module/ActionPeriods.h"
 #include "module/Actions/NetworkDrivesActions.h"
 #include "module/ConfigurationText.h"
 #include "module/KobInventory.h"
@@ -21,8 +23,8 @@ using Common::TaskResponseInfo;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
-constexpr char INCREMENTAL_PARAMETER[] = "kobIncremental";
-constexpr char ALREADY_RUNNING[] = "KOB Inventory already running";
+constexpr char MACHINE_INCREMENTAL[] = "kobIncremental";
+constexpr char MACHINE_ALREADY_RUNNING[] = "KOB Inventory already running";
 
 }  // namespace
 
@@ -66,8 +68,6 @@ void InventoryActions::RegisterHandlers(Common::HandlerMap& handlers) {
 Common::ActionResponse InventoryActions::OnUpdateConfiguration(
     Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
-  const std::string key =
-      std::string("KOB_ACTIONS_LOCAL_") + Common::COMMON_PARAMETER_CONFIGURATION;
   if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) return {};
   const std::lock_guard<std::mutex> lock(configurationLock_);
   const auto agent =
@@ -78,7 +78,7 @@ Common::ActionResponse InventoryActions::OnUpdateConfiguration(
     return {};
   }
   configuration_ = agent.kob;
-  Common::AgentData(dataBase, AGENT_DATA_TABLE).SetString(key, ConfigurationText(*agent.kob));
+  KeepConfigurationText(dataBase, *agent.kob);
   return {};
 }
 
@@ -91,8 +91,8 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
   NORVIK_SCOPE();
   const std::unique_lock<std::mutex> lock(inventoryLock_, std::try_to_lock);
   if (!lock) {
-    NORVIK_WARNING(ALREADY_RUNNING);
-    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, ALREADY_RUNNING);
+    NORVIK_WARNING(MACHINE_ALREADY_RUNNING);
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, MACHINE_ALREADY_RUNNING);
     return {};
   }
   const std::shared_ptr<Common::IIdentificationSystem> identity(identification);
@@ -106,13 +106,13 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
                          communications_.value(), profileId_);
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
   const bool incremental =
-      parameters.Exist(INCREMENTAL_PARAMETER) && parameters.Get<bool>(INCREMENTAL_PARAMETER);
+      parameters.Exist(MACHINE_INCREMENTAL) && parameters.Get<bool>(MACHINE_INCREMENTAL);
   NORVIK_INFORMATION(incremental ? "Generating KOB incremental inventory..."
                                  : "Generating KOB inventory...");
   inventory.GenerateInventory(incremental);
   // Cut to the 32 bits that the table's numbers have.
   Common::V2::DataBase::SetDataTable(
-      LAST_INVENTORY_KEY, static_cast<int>(system_clock::to_time_t(system_clock::now())));
+      Common::LAST_INVENTORY_KEY, static_cast<int>(system_clock::to_time_t(system_clock::now())));
   NORVIK_INFORMATION(incremental ? "KOB incremental Inventory finished" : "KOB Inventory finished");
   RiseNewFileOnOutbox();
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
@@ -123,8 +123,8 @@ Common::ActionResponse InventoryActions::DoKOBIncrementalInventory(
     Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
-  parameters.Set(INCREMENTAL_PARAMETER, true);
-  if (Common::V2::DataBase::GetDataTable(LAST_INVENTORY_KEY) != 0) {
+  parameters.Set(MACHINE_INCREMENTAL, true);
+  if (Common::V2::DataBase::GetDataTable(Common::LAST_INVENTORY_KEY) != 0) {
     DoKOBInventoryV2(parameters);
   } else {
     RunOneShotAction(ACTION_TOTAL_INVENTORY, seconds(0), nullptr);
@@ -133,7 +133,7 @@ Common::ActionResponse InventoryActions::DoKOBIncrementalInventory(
 }
 
 Common::ActionResponse InventoryActions::OnSaveOperatingSystemType(Common::ActionParameters&) {
-  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
   if (data.GetOptionalString(Common::OPERATING_SYSTEM_AGENT_DATA)) return {};
   const auto first =
       std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();

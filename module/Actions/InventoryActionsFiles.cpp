@@ -6,6 +6,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/files/FilePipeline.h"
 #include "common/files/ScanRules.h"
@@ -13,6 +14,7 @@
 #include "module/ActionCodes.h"
 #include "module/Actions/InventoryActions.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
+#include "module/ElapsedTime.h"
 #include "module/RUD/RudInventoryV2.h"
 
 namespace Norvik::KOB {
@@ -24,13 +26,11 @@ using Common::TaskResponseInfo;
 using Common::V2::DataBase;
 using std::chrono::steady_clock;
 using std::chrono::system_clock;
-using Texts = std::set<std::string>;
+using Names = std::set<std::string>;
 
-constexpr char INCREMENTAL_PARAMETER[] = "incremental";
+constexpr char FILES_INCREMENTAL[] = "incremental";
 constexpr char MAIN_TABLE[] = "RUD2_LAST_INVENTORY";
-constexpr char LAST_SCHEDULED[] = "RUD_INVENTORY";
-constexpr char LAST_SCHEDULED_INCREMENTAL[] = "RUD_INVENTORY_INCREMENTAL";
-constexpr char ALREADY_RUNNING[] = "RUD Inventory already running";
+constexpr char FILES_ALREADY_RUNNING[] = "RUD Inventory already running";
 constexpr char BLOCKED_TODAY[] =
     "RUD incremental inventory is blocked due RUD complet executed today";
 
@@ -51,7 +51,7 @@ std::tm UtcOf(std::time_t time) {
   return fields;
 }
 
-Texts SetOf(const std::vector<std::string>& values) { return {values.begin(), values.end()}; }
+Names SetOf(const std::vector<std::string>& values) { return {values.begin(), values.end()}; }
 
 }  // namespace
 
@@ -64,7 +64,7 @@ Common::ActionResponse InventoryActions::OnRUDInventoryV2(Common::ActionParamete
     return {};
   }
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
-  RecordScheduledRun(LAST_SCHEDULED);
+  RecordScheduledRun(Common::LAST_FILE_INVENTORY_KEY);
   StartRudInventoryV2(false, parameters);
   return {};
 }
@@ -93,7 +93,8 @@ Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalV2(
   const bool incremental = !HasNoBase();
   // Deliberately recorded also if the run is turned away: a schedule counts its firings.
   StartRudInventoryV2(incremental, parameters);
-  RecordScheduledRun(incremental ? LAST_SCHEDULED_INCREMENTAL : LAST_SCHEDULED);
+  RecordScheduledRun(incremental ? Common::LAST_INCREMENTAL_FILE_INVENTORY_KEY
+                                 : Common::LAST_FILE_INVENTORY_KEY);
   return {};
 }
 
@@ -109,7 +110,7 @@ Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalOnDemandV2(
 
 Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
-  const bool incremental = parameters.Get<bool>(INCREMENTAL_PARAMETER);
+  const bool incremental = parameters.Get<bool>(FILES_INCREMENTAL);
   const auto start = steady_clock::now();
   V2::RudInventory* const run = TakeWaitingRun();
   if (run == nullptr) {
@@ -119,9 +120,8 @@ Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParame
   run->StartHarvester(incremental);
   // The run has destroyed itself.
   if (!incremental) KOBDataSourceV2::updateRudCompletoLastInventory(system_clock::now());
-  const auto elapsed =
-      std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
-  NORVIK_INFORMATION(boost::format("RUD finish with %1% milliseconds") % elapsed.count());
+  NORVIK_INFORMATION(boost::format("RUD finish with %1% milliseconds") %
+                     std::to_string(MillisecondsSince(start)));
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
   return {};
 }
@@ -129,8 +129,8 @@ Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParame
 std::unique_lock<std::mutex> InventoryActions::TryRunLock(Common::ActionParameters& parameters) {
   std::unique_lock<std::mutex> lock(runLock_, std::try_to_lock);
   if (!lock) {
-    NORVIK_WARNING(ALREADY_RUNNING);
-    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, ALREADY_RUNNING);
+    NORVIK_WARNING(FILES_ALREADY_RUNNING);
+    SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, FILES_ALREADY_RUNNING);
   }
   return lock;
 }
@@ -169,7 +169,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
       std::bind(&InventoryActions::OnRUDInventoryFinishV2, this, std::placeholders::_1),
       agentIdentifier_);
   ConfigureRUDV2(*run, *configuration);
-  parameters.Set(INCREMENTAL_PARAMETER, incremental);
+  parameters.Set(FILES_INCREMENTAL, incremental);
   // Not before it is configured: a run that is left behind would turn away all others.
   currentRun_ = std::move(run);
   runWaits_ = true;
@@ -184,7 +184,7 @@ void InventoryActions::ConfigureRUDV2(V2::RudInventory& run,
   run.SetConfig(V2::IncludeExtension, SetOf(configuration.includedExtensions));
   const auto first =
       std::shared_ptr<Common::IIdentificationSystem>(identification)->GetFirstInventoryInfo();
-  const Texts roots = V2::RudInventory::GetDevices(first.physicalDisks);
+  const Names roots = V2::RudInventory::GetDevices(first.physicalDisks);
   run.AddConfig(V2::IncludeExtension,
                 ScanRules::AdditionalExtensions(configuration.additionalExtensions));
   run.AddConfig(V2::IncludePath, roots);

@@ -4,11 +4,13 @@
 #include <chrono>
 #include <utility>
 
+#include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "common/text/Text.h"
 #include "module/ActionCodes.h"
+#include "module/ActionPeriods.h"
 #include "module/Actions/OtherProcesses.h"
 #include "module/ConfigurationText.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
@@ -70,7 +72,7 @@ void KOBActions::HandleChangeDetection(Common::ActionParameters& parameters, std
     return;
   }
   const std::int64_t period = KOBDataSourceV2::getInventoryChangePeriod();
-  const std::int64_t last = Common::V2::DataBase::GetDataTable(LAST_INVENTORY_KEY);
+  const std::int64_t last = Common::V2::DataBase::GetDataTable(Common::LAST_INVENTORY_KEY);
   const std::int64_t now = system_clock::to_time_t(now_());
   if (now <= last) return;
   if (now - last < period) {
@@ -91,7 +93,7 @@ void KOBActions::ReprogramInventory(std::int64_t last, std::int64_t period) {
   const auto remaining = std::chrono::duration_cast<seconds>(due - now_());
   NORVIK_INFORMATION(boost::format("KOB incremental inventory execution will be in %1% seconds") %
                      std::to_string(remaining.count()));
-  Common::AgentData data(dataBase, AGENT_DATA_TABLE);
+  Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
   // Deliberately the code of software changes for hardware changes too: one later check is for all.
   ReplacePeriodicAction(Common::COMMON_ACTION_SOFTWARE_CHANGES, data, seconds(0), remaining);
 }
@@ -154,8 +156,6 @@ Common::ActionResponse KOBActions::KOBGetPendingTasks(Common::ActionParameters&)
 
 Common::ActionResponse KOBActions::OnUpdateConfiguration(Common::ActionParameters& parameters) {
   NORVIK_INFORMATION("!");
-  const std::string key =
-      std::string("KOB_ACTIONS_LOCAL_") + Common::COMMON_PARAMETER_CONFIGURATION;
   if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) return {};
   const std::lock_guard<std::mutex> lock(configurationLock_);
   const auto agent =
@@ -167,7 +167,7 @@ Common::ActionResponse KOBActions::OnUpdateConfiguration(Common::ActionParameter
     return {};
   }
   configuration_ = agent.kob;
-  Common::AgentData(dataBase, AGENT_DATA_TABLE).SetString(key, ConfigurationText(*agent.kob));
+  KeepConfigurationText(dataBase, *agent.kob);
   return {};
 }
 

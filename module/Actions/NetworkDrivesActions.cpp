@@ -20,7 +20,7 @@ constexpr char REQUEST[] = "requestNetworkDrives";
 constexpr char TRUNCATE[] = "truncateNetDrivesTable";
 
 constexpr std::int32_t KIND = 1;
-constexpr unsigned long long SYSTEM_PROCESS = 0;
+constexpr unsigned long long SERVICE_PROCESS = 0;
 
 /// What the log is told when a step fails: the text with the reason, and one for what has none.
 struct FailureTexts {
@@ -156,12 +156,8 @@ void NetworkDrivesActions::OnUserRequestTruncateNetDrivesTable() {
 }
 
 void NetworkDrivesActions::SendTruncation() {
-  const auto message = SetUpIPCMessage(ACTION_TRUNCATE_NETWORK_DRIVES, TRUNCATE, TRUNCATE);
-  if (RequireOtherProcesses(communications)->Send(message, SYSTEM_PROCESS)) {
-    NORVIK_DETAIL("IPC message sent");
-  } else {
-    NORVIK_ERROR("IPC message NOT sent");
-  }
+  SendToService(SetUpIPCMessage(ACTION_TRUNCATE_NETWORK_DRIVES, TRUNCATE, TRUNCATE),
+                {"IPC message sent", "IPC message NOT sent"});
 }
 
 void NetworkDrivesActions::SendInfoToCore(std::vector<NetworkDriveInfo>&& drives) {
@@ -175,11 +171,16 @@ void NetworkDrivesActions::SendDrive(NetworkDriveInfo drive) {
   drive.id = hashCodeFromString(drive.path);
   const std::string archive = Serialize(drive);
   NORVIK_DETAIL(boost::format("Network drives Serialized info: %s") % archive);
-  const auto message = SetUpIPCMessage(ACTION_NETWORK_DRIVES, DRIVE, archive);
-  if (RequireOtherProcesses(communications)->Send(message, SYSTEM_PROCESS)) {
-    NORVIK_DETAIL("IPC Message sent");
+  SendToService(SetUpIPCMessage(ACTION_NETWORK_DRIVES, DRIVE, archive),
+                {"IPC Message sent", "IPC Message NOT sent"});
+}
+
+void NetworkDrivesActions::SendToService(const Common::IPCMessage& message,
+                                         const SendingTexts& texts) {
+  if (RequireOtherProcesses(communications)->Send(message, SERVICE_PROCESS)) {
+    NORVIK_DETAIL(texts.sent);
   } else {
-    NORVIK_ERROR("IPC Message NOT sent");
+    NORVIK_ERROR(texts.notSent);
   }
 }
 

@@ -28,6 +28,12 @@ class NetworkDrivesActions final : public Common::ActionPerformerBase {
                        MappedDrives mappedDrives = &NetworkDrivesHandler::GetMappedDrivesFromAPI);
 
  private:
+  /// What the log is told of a message.
+  struct SendingTexts {
+    const char* sent;
+    const char* notSent;
+  };
+
   Common::ActionResponse OnValidateRegistryKey(Common::ActionParameters& parameters);
   // The service's side.
   Common::ActionResponse OnCoreSaveData(Common::ActionParameters& parameters);
@@ -41,6 +47,7 @@ class NetworkDrivesActions final : public Common::ActionPerformerBase {
   void SendTruncation();
   void SendInfoToCore(std::vector<NetworkDriveInfo>&& drives);
   void SendDrive(NetworkDriveInfo drive);
+  void SendToService(const Common::IPCMessage& message, const SendingTexts& texts);
 
   Common::IPCMessage SetUpIPCMessage(const unsigned int& code, const std::string& key,
                                      const std::string& value) const;

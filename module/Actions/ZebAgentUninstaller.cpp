@@ -5,7 +5,7 @@
 
 #include "common/identification/VerifyAgent.h"
 #include "common/log/Logger.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
 
 namespace Norvik::KOB {
 

@@ -17,6 +17,7 @@
 #include "common/text/Dates.h"
 #include "common/text/Text.h"
 #include "module/Inventory/ProfilerReport.h"
+#include "platform/CfText.h"
 #include "platform/ScopedHandle.h"
 
 namespace Norvik::KOB {
@@ -46,10 +47,8 @@ IoObject FindPlatformExpert() {
 
 /// Bytes of a property up to the first NUL; none if there is no such property, or no data in it.
 boost::optional<std::string> TextProperty(const IoObject& service, const char* name) {
-  const CfRef<CFStringRef> key(
-      ::CFStringCreateWithCString(kCFAllocatorDefault, name, kCFStringEncodingUTF8));
-  const CfRef<CFTypeRef> property(
-      ::IORegistryEntryCreateCFProperty(service.Get(), key.Get(), kCFAllocatorDefault, 0));
+  const CfRef<CFTypeRef> property(::IORegistryEntryCreateCFProperty(
+      service.Get(), Platform::CfTextOf(name).Get(), kCFAllocatorDefault, 0));
   if (!property || ::CFGetTypeID(property.Get()) != ::CFDataGetTypeID()) return boost::none;
   const auto data = static_cast<CFDataRef>(property.Get());
   const auto* const text = reinterpret_cast<const char*>(::CFDataGetBytePtr(data));

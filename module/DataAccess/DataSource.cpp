@@ -5,7 +5,7 @@
 
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
-#include "module/ActionCodes.h"
+#include "module/ActionPeriods.h"
 #include "module/DataAccess/RegisteredSoftwareRow.h"
 
 namespace Norvik::KOB {
@@ -14,6 +14,8 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::seconds;
 using std::chrono::system_clock;
+
+constexpr std::int64_t INVENTORY_DEFAULT_ID = 0;
 
 constexpr std::size_t STATE_NAME_COLUMN = 6;
 

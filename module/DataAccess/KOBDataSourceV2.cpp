@@ -87,16 +87,16 @@ unsigned int Get(const NamedValue& named) {
   }
 }
 
-long long SecondsOf(const KOBDataSourceV2::TimePoint& time) {
+long long EpochSecondsOf(const KOBDataSourceV2::TimePoint& time) {
   return duration_cast<seconds>(time.time_since_epoch()).count();
 }
 
 // Deliberately 32 bits wide: readers of the table expect the values of all keys but one so.
 unsigned int ShortSecondsOf(const KOBDataSourceV2::TimePoint& time) {
-  return static_cast<unsigned int>(SecondsOf(time));
+  return static_cast<unsigned int>(EpochSecondsOf(time));
 }
 
-constexpr char INSERT_SOFTWARE[] =
+constexpr char INSERT_REGISTERED_SOFTWARE[] =
     "INSERT OR IGNORE INTO KOB_REGISTERED_SOFTWARE(is_patch,name,uninstall_str,install_date,"
     "version,publisher,size,product_id,source,location) "
     "VALUES({1},'{2}','{3}','{4}','{5}','{6}',{7},'{8}','{9}','{10}')";
@@ -120,7 +120,7 @@ bool KOBDataSourceV2::updateRudCompletoLastInventory(const TimePoint& time) {
 }
 
 bool KOBDataSourceV2::updateDateTimeLastInventory(const TimePoint& time) {
-  return Update(DATE_TIME_LAST_INVENTORY, std::to_string(SecondsOf(time)));
+  return Update(DATE_TIME_LAST_INVENTORY, std::to_string(EpochSecondsOf(time)));
 }
 
 bool KOBDataSourceV2::updateAmountInventoriesExecutedOnDay(unsigned int amount) {
@@ -160,7 +160,7 @@ bool KOBDataSourceV2::ReplaceRegistredSoftware(
   try {
     Common::V2::DataBase::ClearTable("KOB_REGISTERED_SOFTWARE");
     Common::V2::DataBase dataBase;
-    const std::string insert = INSERT_SOFTWARE;
+    const std::string insert = INSERT_REGISTERED_SOFTWARE;
     for (const auto& one : software) dataBase.ExecuteSentence(insert, RegisteredSoftwareRow(one));
     dataBase.Commit();
     return true;

@@ -31,7 +31,8 @@ class KOBDataSourceV2 {
   static unsigned int getLastScheduleInventoryID();
   static unsigned int getRudCompletoLastInventory();
 
-  /// Writes a 0 for each of the four values of the machine inventory that reads as 0.
+  /// Writes a 0 for each that reads as 0: the last change, the schedule's id, the period, the last
+  /// total file inventory.
   static void checkKOBDataTable();
 
   /// Replaces the whole table. Of records that the table takes for the same, the first stays.

@@ -8,7 +8,7 @@
 
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
-#include "module/Inventory/ToolFile.h"
+#include "module/Inventory/ToolOutput.h"
 
 namespace Norvik::KOB {
 

@@ -11,7 +11,8 @@
 #include "common/mac/SataInfo.h"
 #include "common/text/Text.h"
 #include "module/Inventory/RegistryProperties.h"
-#include "module/Inventory/ToolFile.h"
+#include "module/Inventory/ToolOutput.h"
+#include "platform/CfText.h"
 #include "platform/ScopedHandle.h"
 
 namespace Norvik::KOB {
@@ -41,10 +42,8 @@ IoObject MediumOf(IoObject& services) {
 
 /// The dictionary that `diskutil` has written; null if there is none.
 CfRef<CFDictionaryRef> ReadDiskFile() {
-  const CfRef<CFStringRef> path(
-      CFStringCreateWithCString(kCFAllocatorDefault, DISK_FILE, kCFStringEncodingUTF8));
-  const CfRef<CFURLRef> url(
-      CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path.Get(), kCFURLPOSIXPathStyle, false));
+  const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
+      kCFAllocatorDefault, Platform::CfTextOf(DISK_FILE).Get(), kCFURLPOSIXPathStyle, false));
   CfRef<CFPropertyListRef> list(AppleFundation::CreateMyPropertyListFromFile(url.Get()));
   if (!list || CFGetTypeID(list.Get()) != CFDictionaryGetTypeID()) return {};
   return CfRef<CFDictionaryRef>(static_cast<CFDictionaryRef>(list.Release()));

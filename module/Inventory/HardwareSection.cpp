@@ -12,7 +12,7 @@ namespace Norvik::KOB {
 
 namespace {
 
-constexpr char REPORT_COMMAND[] = "system_profiler -xml SPUSBDataType>temp";
+constexpr char USB_REPORT_COMMAND[] = "system_profiler -xml SPUSBDataType>temp";
 constexpr char REPORT_FILE[] = "temp";
 
 struct HardwareField {
@@ -74,7 +74,7 @@ wxXmlDocument ReadReport() {
 
 void HardwareSection::GetInfo(std::list<HardwareInfo>& result) {
   NORVIK_SCOPE();
-  RunToFile(REPORT_COMMAND);
+  RunToFile(USB_REPORT_COMMAND);
   const wxXmlDocument report = ReadReport();
   if (!report.IsOk()) {
     NORVIK_ERROR("Attempt to read SPUSBDataType failed");

@@ -18,7 +18,7 @@ using boost::property_tree::ptree;
 
 constexpr char EDID_COMMAND[] =
     R"(ioreg -l | grep IODisplayEDID | sed -e's/<//g' -e's/>//g' -e's/ //g' | awk -F= '{print $2}')";
-constexpr char REPORT_COMMAND[] = "system_profiler -xml SPDisplaysDataType";
+constexpr char DISPLAYS_REPORT_COMMAND[] = "system_profiler -xml SPDisplaysDataType";
 
 /// Vendor of a display that tells nothing of itself: "unkn" as hexadecimal text.
 constexpr char UNKNOWN_VENDOR[] = "756e6b6e";
@@ -85,7 +85,7 @@ void MonitorsSection::GetInfo(std::list<MonitorInfo>& result) {
   const std::string lines = Common::CommandRunner::ExecCommand(EDID_COMMAND);
   if (!lines.empty()) {
     ReadEdidLines(lines, result);
-  } else if (!AddFromReport(ProfilerReportOf(REPORT_COMMAND), result)) {
+  } else if (!AddFromReport(ProfilerReportOf(DISPLAYS_REPORT_COMMAND), result)) {
     // Deliberately a stop without a word: displays behind an unknown one are not told either.
     return;
   }

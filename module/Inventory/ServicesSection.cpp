@@ -4,14 +4,13 @@
 #include <wx/dir.h>
 #include <wx/log.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <queue>
 #include <utility>
 #include <vector>
 
 #include "common/text/Text.h"
+#include "module/ProcessIds.h"
 #include "platform/MachinePath.h"
 #include "platform/PropertyListFile.h"
 
@@ -63,12 +62,7 @@ void ServicesSection::GetInfo(std::list<ServiceInfo>& result) {
 }
 
 void ServicesSection::FindProcesses() {
-  // Deliberately the answer, which is in bytes, as a count of entries: what is too much stays zero
-  // and leaves room for processes that have just begun.
-  const int count = std::max(::proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0), 0);
-  std::vector<std::int32_t> processes(static_cast<std::size_t>(count), 0);
-  ::proc_listpids(PROC_ALL_PIDS, 0, processes.data(), count * static_cast<int>(sizeof(int)));
-  for (const std::int32_t process : processes) {
+  for (const std::int32_t process : ProcessIds()) {
     if (process == 0) continue;
     char path[PATH_SIZE] = {};
     ::proc_pidpath(process, path, PATH_SIZE);

@@ -9,6 +9,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "module/Inventory/ToolOutput.h"
 #include "platform/LoginRecords.h"
 
 namespace Norvik::KOB {
@@ -35,10 +36,6 @@ constexpr Virtualization VIRTUALIZATIONS[] = {
     {"VMX", "Virtualization Intel", "vt-x"},
     {"SVM", "Virtualization AMD", "amd-v"},
 };
-
-wxString OutputOf(const char* command) {
-  return WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
-}
 
 void SetVirtualization(const std::string& features, SystemInfo& result) {
   result.virtualizationAvailable = false;

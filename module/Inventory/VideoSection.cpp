@@ -2,14 +2,15 @@
 
 #include <boost/format.hpp>
 #include <cstdint>
+#include <locale>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "common/text/Text.h"
 #include "module/Inventory/RegistryProperties.h"
+#include "module/Inventory/ToolOutput.h"
+#include "platform/CfText.h"
 #include "platform/ScopedHandle.h"
 #include "platform/SystemLog.h"
 
@@ -34,10 +35,6 @@ constexpr char DRIVER_VERSION_COMMAND[] =
 
 constexpr double UTILIZATION_PER_PERCENT = 10'000'000.0;
 constexpr double PERCENT = 100.0;
-
-wxString OutputOf(const char* command) {
-  return Common::WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
-}
 
 /// None if the machine has no accelerator.
 IoObject Accelerators() {
@@ -74,9 +71,7 @@ void AskTools(VideoInfo& video) {
 
 /// None if the key is absent or holds no number.
 std::optional<double> NumberOf(CFDictionaryRef dictionary, const char* key) {
-  const CfRef<CFStringRef> name(
-      CFStringCreateWithCString(kCFAllocatorDefault, key, kCFStringEncodingUTF8));
-  const CFTypeRef value = CFDictionaryGetValue(dictionary, name.Get());
+  const CFTypeRef value = CFDictionaryGetValue(dictionary, Platform::CfTextOf(key).Get());
   if (!value || CFGetTypeID(value) != CFNumberGetTypeID()) return {};
   std::int64_t number = 0;
   CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &number);
@@ -89,7 +84,7 @@ void DisplayStatistics(CFDictionaryRef statistics) {
   const auto used = NumberOf(statistics, "vramUsedBytes");
   if (!utilization || !free || !used) return;
   const double memory = *used / (*free + *used) * PERCENT;
-  Platform::WriteSystemLog((boost::format("GPU: %.3f%% VRAM: %.3f%%") %
+  Platform::WriteSystemLog((boost::format("GPU: %.3f%% VRAM: %.3f%%", std::locale::classic()) %
                             (*utilization / UTILIZATION_PER_PERCENT) % memory)
                                .str());
 }
@@ -124,8 +119,7 @@ void GetGPUList(unsigned int& parent, std::list<unsigned int>& out) {
 }
 
 void displayGraphicsInfo() {
-  const CfRef<CFStringRef> key(CFStringCreateWithCString(
-      kCFAllocatorDefault, "PerformanceStatistics", kCFStringEncodingUTF8));
+  const CfRef<CFStringRef> key = Platform::CfTextOf("PerformanceStatistics");
   const IoObject accelerators = Accelerators();
   if (!accelerators) return;
   while (const IoObject accelerator{IOIteratorNext(accelerators.Get())}) {

@@ -8,6 +8,7 @@
 #include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "module/ElapsedTime.h"
 
 namespace Norvik::KOB::V2 {
 
@@ -18,11 +19,6 @@ using std::chrono::steady_clock;
 namespace {
 
 constexpr std::size_t INITIAL_CAPACITY = 5000;
-
-std::int64_t MillisecondsSince(steady_clock::time_point start) {
-  using std::chrono::milliseconds;
-  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start).count();
-}
 
 /// The folder as it is called in the paths of its entries, without a slash at its end.
 std::string ParentPathOf(const std::string& folder) {
@@ -85,7 +81,8 @@ void FileHarvester::Harvester() {
   try {
     for (const auto& root : foldersToScan_) ScanRoot(root);
     PrintFilesWithError();
-    NORVIK_INFORMATION(boost::format("Scan finished in %1% milliseconds") % totalScanTime_);
+    NORVIK_INFORMATION(boost::format("Scan finished in %1% milliseconds") %
+                       std::to_string(totalScanTime_));
   } catch (const std::exception& error) {
     PrintFilesWithError();
     NORVIK_ERROR(boost::format("RUDHarvester exception: %1%") % error.what());
@@ -117,7 +114,7 @@ void FileHarvester::ScanRoot(const std::string& root) {
   }
   const std::int64_t elapsed = MillisecondsSince(start);
   NORVIK_INFORMATION(boost::format("Scan folder %1% finished in %2% milliseconds") % root %
-                     elapsed);
+                     std::to_string(elapsed));
   totalScanTime_ += elapsed;
 }
 

@@ -14,6 +14,7 @@
 #include "common/log/Logger.h"
 #include "json/Escape.h"
 #include "json/JSON.h"
+#include "module/ElapsedTime.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "platform/WaitClock.h"
 
@@ -167,7 +168,7 @@ std::string MakeDocument(const std::string& guid, bool incremental, int attempt)
   } else {
     whole = CreateJSONCompleto(document);
   }
-  if (attempt >= 2) NORVIK_DETAIL(boost::format("Try [%1%]: Success") % attempt);
+  if (attempt >= 2) NORVIK_DETAIL(boost::format("Try [%1%]: Success") % std::to_string(attempt));
   return whole ? document.Take(incremental) : std::string();
 }
 
@@ -180,7 +181,7 @@ std::string CreateJSON(const std::string& guid, bool incremental) {
     try {
       return MakeDocument(guid, incremental, attempt);
     } catch (const soci::soci_error& error) {
-      NORVIK_DETAIL(boost::format("Try [%1%]") % attempt);
+      NORVIK_DETAIL(boost::format("Try [%1%]") % std::to_string(attempt));
       NORVIK_TRACE(failure(attempt, error));
       // Deliberately in seconds, so that the last waits are hours: the database may be held long.
       Platform::WaitClock::Current().SleepFor(PAUSE_PER_ATTEMPT * attempt);
@@ -226,13 +227,13 @@ void RemoveTempFile(const fs::path& file) {
     fs::remove(file, error);
     if (!error) {
       if (attempt >= 2) {
-        NORVIK_WARNING(boost::format("Try [%1%]. Success. Remove file %2%") % attempt %
-                       file.string());
+        NORVIK_WARNING(boost::format("Try [%1%]. Success. Remove file %2%") %
+                       std::to_string(attempt) % file.string());
       }
       return;
     }
-    NORVIK_WARNING(boost::format("Try [%1%]. Remove file %2%: %3%") % attempt % file.string() %
-                   error.message());
+    NORVIK_WARNING(boost::format("Try [%1%]. Remove file %2%: %3%") % std::to_string(attempt) %
+                   file.string() % error.message());
     Platform::WaitClock::Current().SleepFor(PAUSE_OF_REMOVAL);
   }
 }
@@ -240,9 +241,8 @@ void RemoveTempFile(const fs::path& file) {
 }  // namespace
 
 fs::path RudPrinter::GenerateJSON(const std::string& guid, const bool& incremental) {
-  using namespace std::chrono;
   NORVIK_INFORMATION("Generating JSON RUD Complete");
-  const auto start = steady_clock::now();
+  const auto start = std::chrono::steady_clock::now();
   const fs::path base = GenerateFilename();
   const fs::path archive = base.string() + "rud.zip";
   fs::path result = base.string() + ".jsonrud";
@@ -259,7 +259,7 @@ fs::path RudPrinter::GenerateJSON(const std::string& guid, const bool& increment
   RemoveTempFile(base);
   RemoveTempFile(archive);
   NORVIK_INFORMATION(boost::format("RUD Generating JSON finish with %1% milliseconds") %
-                     duration_cast<milliseconds>(steady_clock::now() - start).count());
+                     std::to_string(MillisecondsSince(start)));
   return result;
 }
 

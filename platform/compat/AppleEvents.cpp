@@ -5,15 +5,18 @@
 #include <string>
 #include <utility>
 
+#include "platform/FourCharacters.h"
 #include "platform/Rehearsal.h"
 #include "platform/compat/SentAppleEvents.h"
 
 namespace {
 
+using Norvik::Platform::CharactersOf;
+using Norvik::Platform::FourCharacters;
 using Norvik::Platform::SentAppleEvent;
 
-constexpr DescType APPLE_EVENT_TYPE = 0x61657674;  // 'aevt'
-constexpr DescType NULL_TYPE = 0x6e756c6c;         // 'null'
+constexpr DescType APPLE_EVENT_TYPE = FourCharacters("aevt");
+constexpr DescType NULL_TYPE = FourCharacters("null");
 
 /// What a descriptor's handle leads to.
 struct Storage {
@@ -30,13 +33,6 @@ struct Outgoing {
 Outgoing& TheOutgoing() {
   static Outgoing outgoing;
   return outgoing;
-}
-
-/// The four characters of a code, the first in its highest byte.
-std::string CharactersOf(std::uint32_t code) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>((code >> shift) & 0xFFu);
-  return text;
 }
 
 Storage* StorageOf(const AEDesc& descriptor) {

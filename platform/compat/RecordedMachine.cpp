@@ -31,7 +31,7 @@ Recording& Current() {
   return recording;
 }
 
-std::string FolderOf(const std::string& text) {
+std::string ExistingFolder(const std::string& text) {
   std::error_code error;
   const fs::path folder = fs::canonical(text, error);
   if (error || !fs::is_directory(folder, error)) {
@@ -51,7 +51,7 @@ void Replace(const std::string& folder) {
 
 RecordedMachine::RecordedMachine(const std::string& folder) {
   if (IsMachineRecorded()) throw std::runtime_error("a recorded machine is in force already");
-  const std::string real = FolderOf(folder);
+  const std::string real = ExistingFolder(folder);
   const char* const path = ::getenv("PATH");
   hadPath_ = path != nullptr;
   previousPath_ = hadPath_ ? path : "";

@@ -14,7 +14,7 @@
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
 #include "platform/MachinePath.h"
 
 namespace Norvik::KOB {

@@ -15,7 +15,8 @@
 #include "module/Actions/Mac/ProcessText.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
+#include "module/ProcessIds.h"
 #include "platform/Task.h"
 
 namespace Norvik::KOB {
@@ -25,16 +26,6 @@ const std::vector<std::string> titleName = {"Pid", "Name",   "Path",
                                             "Cpu", "Memory", "PercentMemory"};
 
 namespace {
-
-std::vector<std::int32_t> ProcessIds() {
-  const int bytes = ::proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
-  if (bytes <= 0) return {};
-  // As many entries as there are bytes, deliberately: that leaves room for processes that start
-  // meanwhile. What is not filled stays 0.
-  std::vector<std::int32_t> ids(static_cast<std::size_t>(bytes), 0);
-  ::proc_listpids(PROC_ALL_PIDS, 0, ids.data(), static_cast<int>(ids.size() * sizeof(ids[0])));
-  return ids;
-}
 
 using TextCall = int (*)(int processId, void* buffer, std::uint32_t size);
 
@@ -90,7 +81,7 @@ int TryStart(const ProcessRequest& request) {
     NORVIK_INFORMATION(boost::format("Unable to execute commmand %s:%s") %
                        Common::ToUtf8(request.command) % error.what());
   }
-  NORVIK_INFORMATION(boost::format("Execution Result:%d") % result);
+  NORVIK_INFORMATION(boost::format("Execution Result:%d") % std::to_string(result));
   return result;
 }
 
@@ -129,7 +120,7 @@ Common::ActionResponse RemoteAdministration::RunProcess(Parameters& parameters) 
   } else {
     Fail(parameters, response,
          (boost::format("Unable to execute command %s. Error code: %d") %
-          Common::ToUtf8(request.command) % result)
+          Common::ToUtf8(request.command) % std::to_string(result))
              .str());
   }
   return response;

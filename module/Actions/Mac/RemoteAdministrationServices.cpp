@@ -5,7 +5,7 @@
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
 #include "module/Inventory/ServicesSection.h"
 
 namespace Norvik::KOB {

@@ -12,7 +12,8 @@
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
+#include "platform/FourCharacters.h"
 #include "platform/LoginRecords.h"
 #include "platform/Rehearsal.h"
 
@@ -20,17 +21,8 @@ namespace Norvik::KOB {
 
 namespace {
 
-constexpr std::uint32_t FourCharacters(const char (&text)[5]) {
-  std::uint32_t code = 0;
-  for (int i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(text[i]);
-  return code;
-}
-
-std::string CharactersOf(std::uint32_t code) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>((code >> shift) & 0xFFu);
-  return text;
-}
+using Platform::CharactersOf;
+using Platform::FourCharacters;
 
 constexpr std::uint32_t EVENT_CLASS = FourCharacters("aevt");
 constexpr std::uint32_t LOG_OUT = FourCharacters("rlgo");
@@ -40,20 +32,20 @@ constexpr std::uint32_t PROCESS_NUMBER_TYPE = FourCharacters("psn ");
 /// High and low word of the number under which the system itself takes events.
 constexpr std::uint32_t SYSTEM_PROCESS[] = {0, 1};
 
-struct Descriptor {
-  Descriptor() = default;
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { ::AEDisposeDesc(&value); }
+struct EventDescriptor {
+  EventDescriptor() = default;
+  EventDescriptor(const EventDescriptor&) = delete;
+  EventDescriptor& operator=(const EventDescriptor&) = delete;
+  ~EventDescriptor() { ::AEDisposeDesc(&value); }
 
   AEDesc value{FourCharacters("null"), nullptr};
 };
 
 /// 0, or the status of the step that failed. Under a rehearsal the event is made but not sent.
 OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
-  Descriptor event;
+  EventDescriptor event;
   {
-    Descriptor address;
+    EventDescriptor address;
     OSStatus status =
         ::AECreateDesc(PROCESS_NUMBER_TYPE, SYSTEM_PROCESS, sizeof(SYSTEM_PROCESS), &address.value);
     if (status != noErr) return status;
@@ -64,7 +56,7 @@ OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
   if (Platform::IsRehearsed()) {
     return Platform::RehearseAppleEvent(CharactersOf(EVENT_CLASS) + " " + CharactersOf(eventId));
   }
-  Descriptor reply;
+  EventDescriptor reply;
   return ::AESendMessage(&event.value, &reply.value, kAENoReply, kAEDefaultTimeout);
 }
 
@@ -154,8 +146,8 @@ Common::ActionResponse RemoteAdministration::SynchronizeTime(Parameters& paramet
     return response;
   }
   const std::string failure =
-      (boost::format("Operation failed. Error code: %1%. System message: %2%") % result %
-       ::strerror(errno))
+      (boost::format("Operation failed. Error code: %1%. System message: %2%") %
+       std::to_string(result) % ::strerror(errno))
           .str();
   NORVIK_ERROR(failure);
   Fail(parameters, response, failure);

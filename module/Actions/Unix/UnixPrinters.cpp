@@ -5,7 +5,7 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
 #include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/log/Logger.h"
+#include "module/ElapsedTime.h"
 #include "module/RUD/Data/RudSentences.h"
 
 namespace Norvik::KOB::V2 {
@@ -154,10 +155,8 @@ bool RudDataSource::SaveBuffer(RudBuffer& buffer, const bool& incremental) {
   const auto start = steady_clock::now();
   return Try("Unable to saving RUD data: %1%", false, [&] {
     Save(buffer, incremental ? Sentences::TEMP : Sentences::MAIN);
-    const auto elapsed =
-        std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
     NORVIK_INFORMATION(boost::format("RUD Save Buffer finish with %1% milliseconds") %
-                       elapsed.count());
+                       std::to_string(MillisecondsSince(start)));
     return true;
   });
 }
@@ -167,10 +166,19 @@ RudDataSource::Rows RudDataSource::GetLastInventory() {
 }
 
 bool RudDataSource::VisitLastInventory(const Common::V2::RowVisitor& visit) {
-  return Try("Error GetLastInventory: %1%", false, [&] {
-    DataBase().VisitRows(Sentences::ALL_FILES, visit);
+  bool visits = false;
+  try {
+    DataBase().VisitRows(Sentences::ALL_FILES, [&](Common::V2::DataBaseRow& row) {
+      visits = true;
+      visit(row);
+      visits = false;
+    });
     return true;
-  });
+  } catch (const std::exception& error) {
+    if (visits) throw;
+    NORVIK_ERROR(boost::format("Error GetLastInventory: %1%") % error.what());
+    return false;
+  }
 }
 
 RudDataSource::Rows RudDataSource::getNewFiles() {

@@ -19,8 +19,8 @@ enum TimePointStatus : int { DateBegin = 0, DateModified = 1, DateEnd = 2 };
 
 /// Store of the file inventory in the agent database: the state of the run, the last full picture
 /// of the disk (main tables) and the one of a running incremental inventory ("_TEMP" tables).
-/// Nothing here raises: a failure is logged as an error and answered by `RudStatusNone`, false or
-/// no rows.
+/// No failure of the store raises: it is logged as an error and answered by `RudStatusNone`, false
+/// or no rows.
 class RudDataSource {
  public:
   using Rows = Common::V2::DataBaseRows;
@@ -56,7 +56,7 @@ class RudDataSource {
   /// Every file of the main tables.
   static Rows GetLastInventory();
   /// The same one by one, without holding them all. False after a failure, which may come when some
-  /// were visited.
+  /// were visited. Raises what the visitor raises.
   static bool VisitLastInventory(const Common::V2::RowVisitor& visit);
   // Differences of the "_TEMP" tables from the main ones: files by their path, changed ones by
   // their time. Removed files come with their old values.

@@ -1,4 +1,4 @@
-#include "module/Actions/Mac/SystemChanges.h"
+#include "module/Actions/SystemChanges.h"
 
 #include <signal.h>
 #include <unistd.h>
@@ -72,8 +72,9 @@ int SendSignal(int processId, int signal) {
 
 int SetClock(const timeval& time) {
   if (!Platform::IsRehearsed()) return ::settimeofday(&time, nullptr);
-  const std::string call =
-      "settimeofday " + std::to_string(time.tv_sec) + "." + std::to_string(time.tv_usec);
+  // Six digits, of which zeros in front are some.
+  const std::string fraction = std::to_string(1'000'000 + time.tv_usec).substr(1);
+  const std::string call = "settimeofday " + std::to_string(time.tv_sec) + "." + fraction;
   const bool allowed = ::geteuid() == 0;
   if (!allowed) errno = EPERM;
   return Rehearse(call, Common::DateToISOCombinedUTC(time.tv_sec), allowed ? 0 : -1);

@@ -1,13 +1,19 @@
-#include "module/Inventory/ToolFile.h"
+#include "module/Inventory/ToolOutput.h"
 
 #include <stdlib.h>
 
 #include <fstream>
 #include <iterator>
 
+#include "common/commands/CommandRunner.h"
+#include "common/text/Text.h"
 #include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
+
+wxString OutputOf(const char* command) {
+  return Common::WxStringFromStdString(Common::CommandRunner::ExecCommand(command));
+}
 
 void RunToFile(const std::string& command) {
   // It changes nothing but a file of the collector's own.

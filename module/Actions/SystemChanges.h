@@ -9,7 +9,7 @@
 
 namespace Norvik::KOB {
 
-// All that remote administration does to the machine passes through here, but for the Apple Events
+// All that actions do to the machine passes through here, but for the Apple Events
 // of sessions and power. Under a rehearsal (see `Platform::Rehearsal`) nothing is done: each change
 // is noted and answered as if it had gone well, or as it would fail if that can be told.
 

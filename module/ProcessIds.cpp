@@ -1,0 +1,19 @@
+#include "module/ProcessIds.h"
+
+#include <libproc.h>
+
+#include <cstddef>
+
+namespace Norvik::KOB {
+
+std::vector<std::int32_t> ProcessIds() {
+  const int bytes = ::proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
+  if (bytes <= 0) return {};
+  // As many entries as there are bytes, deliberately: that leaves room for processes that start
+  // meanwhile. What is not filled stays 0.
+  std::vector<std::int32_t> ids(static_cast<std::size_t>(bytes), 0);
+  ::proc_listpids(PROC_ALL_PIDS, 0, ids.data(), static_cast<int>(ids.size() * sizeof(ids[0])));
+  return ids;
+}
+
+}  // namespace Norvik::KOB
