@@ -3,7 +3,7 @@
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
 #include "host/ProgramTest.h"
-#include "support/OnlyBelow.h"
+#include "support/Files.h"
 
 namespace {
 
@@ -67,12 +67,12 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   EXPECT_THAT(shown, HasSubstr("document: none, there is nothing to tell"));
 }
 
-/// Each file of a document in one text.
-std::set<std::string> FilesOf(const Json& document) {
-  std::set<std::string> files;
+/// Each file of a document: its folder and what is told of it.
+std::set<Json> FilesOf(const Json& document) {
+  std::set<Json> files;
   for (const auto& folder : document["paths"]) {
     for (const auto& file : folder["files"]) {
-      files.insert(folder["pathName"].get<std::string>() + " " + file.dump());
+      files.insert(Json::array({folder["pathName"], file}));
     }
   }
   return files;
@@ -95,15 +95,14 @@ TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
     WriteFile(folder_ / name, Ask({"open", sealed}).dump());
     return (folder_ / name).string();
   };
-  const struct {
-    std::vector<std::string> words;
-    std::string same;  ///< document with the same files
-  } rows[] = {{{"diff", before, after}, changes},
-              {{"diff", plain("before", before), after}, changes},
-              {{"apply", before, changes}, after},
-              {{"apply", before, plain("changes", changes)}, after}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(FilesOf(Ask(row.words)), FilesOf(Ask({"open", row.same}))) << row.words[0];
+  const std::pair<Words, std::string> rows[] = {
+      // and a document with the same files
+      {{"diff", before, after}, changes},
+      {{"diff", plain("before", before), after}, changes},
+      {{"apply", before, changes}, after},
+      {{"apply", before, plain("changes", changes)}, after}};
+  for (const auto& [words, same] : rows) {
+    EXPECT_EQ(FilesOf(Ask(words)), FilesOf(Ask({"open", same}))) << words[0];
   }
   EXPECT_TRUE(Ask({"diff", after, after}).is_null());
   ExpectRefusal({"apply", changes, before}, 1, "");
@@ -129,38 +128,18 @@ TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
                            "tiny.txt", "folder.sample/d.sample"}) {
     Write(name);
   }
-  const struct {
-    std::string path;
-    const char* rule;
-  } rows[] = {{"a.sample", "listed"},
-              {"B.SAMPLE", "listed"},
-              {"folder.sample/../folder.sample/d.sample", "listed"},
-              {"c.Sample", "unwanted-extension"},
-              {"tiny.txt", "unwanted-extension"},
-              {"left out.sample", "excluded-name"},
-              {".sample", "no-extension"},
-              {"link.sample", "link"},
-              {"link.sample/a.sample", "link"},
-              {"folder.sample/", "folder"},
-              {"a.sample/b.sample", "absent"},
-              {"none.sample", "absent"},
-              {"../data/a.sample", "excluded-folder"}};
-  std::set<std::string> listed;
-  for (const auto& row : rows) {
-    const Json answer = Ask({"explain", (Tree() / row.path).string()});
-    EXPECT_EQ(answer["rule"], row.rule) << row.path << ": " << answer;
+  std::set<fs::path> listed;
+  for (const auto& row : DataOf("host/explained-paths.json")) {
+    const Json answer = Ask({"explain", (Tree() / row[0].get<std::string>()).string()});
+    EXPECT_EQ(answer["rule"], row[1].get<std::string>()) << answer;
     if (answer["listed"] == true) {
-      listed.insert(fs::path(answer["path"].get<std::string>()).replace_extension().string());
+      listed.insert(fs::path(answer["path"].get<std::string>()).replace_extension());
     }
   }
   // The inventory itself agrees.
-  const Json document = Ask({"open", Ask({"files"})["file"]});
-  std::set<std::string> found;
-  for (const auto& folder : document["paths"]) {
-    for (const auto& file : folder["files"]) {
-      const std::string name = file["filename"];
-      found.insert(folder["pathName"].get<std::string>() + "/" + name);
-    }
+  std::set<fs::path> found;
+  for (const auto& file : FilesOf(Ask({"open", Ask({"files"})["file"]}))) {
+    found.insert(fs::path(file[0].get<std::string>()) / file[1]["filename"].get<std::string>());
   }
   EXPECT_EQ(found, listed);
 }
@@ -173,15 +152,14 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
       {"additionalExtensions", {"CPL", "exe", "EXE"}},
       {"server", {{"address", "a"}, {"caFile", "/no such.pem"}}}};
   WriteFile(folder_ / "surprising.json", configuration.dump());
-  std::vector<std::string> warned;
+  Words warned;
   const auto file = (folder_ / "surprising.json").string();
   const Json answer = Ask({"configure", file, "--check"});
   for (const auto& warning : answer["warnings"]) {
     if (warning["value"] != "") warned.push_back(warning["value"]);
   }
-  EXPECT_THAT(warned,
-              testing::ElementsAre(Tree().string() + "/", "/no such", "relative",
-                                   "folder/name.sample", "Txt", "CPL", "EXE", "/no such.pem"));
+  EXPECT_EQ(warned, (Words{Tree().string() + "/", "/no such", "relative", "folder/name.sample",
+                           "Txt", "CPL", "EXE", "/no such.pem"}));
   EXPECT_FALSE(fs::exists(Data() / "configuration.json"));
 }
 

@@ -6,12 +6,11 @@
 #include <boost/filesystem/operations.hpp>
 #include <sstream>
 
-#include "common/action/ActionCodes.h"
 #include "host/AgentProgram.h"
 #include "host/RecordedCommands.h"
 #include "support/Cases.h"
-#include "support/FixedFilesLock.h"
-#include "support/OnlyBelow.h"
+#include "support/Files.h"
+#include "support/Surroundings.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -78,13 +77,16 @@ TEST_F(Rehearsals, TellOfEveryCodeAndChangeNothing) {
   EXPECT_FALSE(fs::exists(Data()));
   ASSERT_EQ(Run({"action", "1071"})["statuses"].back()["status"], 2) << errors_.str();
   ASSERT_EQ(Run({"action", "1037"})["statuses"].back()["status"], 2) << errors_.str();
+  const Json actions = Run({"actions"});
   const auto before = Everything();
+  WriteFile(Data() / ".rehearsal-killed/identity.json", "x");
   const RecordedCommands commands;
-  for (const auto& action : Common::ACTION_NAMES) {
-    const Json told = Rehearse({action.name, "name=$(x)", "cmd=gone", "type=0", "id=999999999",
-                                "path=/x", "file=/x/a", "ext=old", "Guid=x", "message=hello"});
-    EXPECT_TRUE(told.contains("rehearsal")) << action.name << ": " << errors_.str();
-    EXPECT_EQ(Everything(), before) << action.name;
+  for (const Json& action : actions) {
+    const std::string name = action["name"];
+    const Json told = Rehearse({name, "name=$(x)", "cmd=gone", "type=0", "id=999999999", "path=/x",
+                                "file=/x/a", "ext=old", "Guid=x", "message=hello"});
+    EXPECT_TRUE(told.contains("rehearsal")) << name << ": " << errors_.str();
+    EXPECT_EQ(Everything(), before) << name;
   }
   for (const char* tool : {"launchctl start", "launchctl stop", "lpadmin", "sharing -r"}) {
     EXPECT_THAT(commands.Texts(), testing::Not(Contains(testing::HasSubstr(tool))));

@@ -27,11 +27,4 @@ TEST(EscapeTest, AByteIsJudgedAlikeAtEveryPlaceOfALongText) {
   }
 }
 
-TEST(EscapeTest, TheAppendingFormAddsToWhatIsThere) {
-  std::string out = "before ";
-  json::AppendEscaped(out, "x\ny");
-  json::AppendEscaped(out, "z");
-  EXPECT_EQ(out, "before x\\nyz");
-}
-
 }  // namespace

@@ -1,62 +1,36 @@
 #include "module/DeviceIdentifiers.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include "support/Cases.h"
+#include "support/Json.h"
 #include "support/LogCapture.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::ElementsAre;
+using namespace Tests;
 
-class DeviceIdentifiersTest : public testing::Test {
- protected:
-  std::string Identifier(IdType type) {
-    return CreateIdFunctionsMap().at(type)({setup, adapters, hostName, found});
+const std::map<std::string, IdType> TYPES = {{"asset", IdType::ASSET}, {"ip", IdType::IP},
+                                             {"mac", IdType::MAC},     {"mix", IdType::MIX},
+                                             {"pc", IdType::PC},       {"serial", IdType::SERIAL}};
+
+/// What each type finds on a machine of this setup with these adapters, and what is logged.
+Json IdentifiersOf(const Json& setup, const Json& adapters, const std::string& identifier) {
+  std::list<Common::NetworkAdapterInfo> records;
+  for (const Json& adapter : adapters) records.emplace_back(tests::ParseJson(adapter.dump()));
+  const Common::SetupInfo record(tests::ParseJson(setup.dump()));
+  const LogCapture log;
+  Json found;
+  for (const auto& [name, type] : TYPES) {
+    found[name] = CreateIdFunctionsMap().at(type)({record, records, "mac: 1", identifier});
   }
-
-  Common::SetupInfo setup;
-  std::list<Common::NetworkAdapterInfo> adapters;
-  wxString hostName = "mac: 1";
-  wxString found;
-  Tests::LogCapture log;
-};
-
-TEST_F(DeviceIdentifiersTest, NamesOfTheMachineAreMadePlain) {
-  EXPECT_EQ(Identifier(IdType::MAC), "mac__1");
-  EXPECT_EQ(Identifier(IdType::PC), "mac__1");
+  found["errors"] = log.Texts(2);
+  return found;
 }
 
-TEST_F(DeviceIdentifiersTest, AssetAndSerialAreTakenFromTheFirstPartThatHasThem) {
-  const auto both = [&] {
-    const std::string asset = Identifier(IdType::ASSET);
-    return asset + " " + Identifier(IdType::SERIAL);
-  };
-  EXPECT_EQ(both(), " ");
-  setup.chassis.assetTag = "A3";
-  setup.chassis.serial = "S3";
-  EXPECT_EQ(both(), "A3 S3");
-  setup.baseboard.assetTag = "A2";
-  setup.baseboard.serial = "S2";
-  EXPECT_EQ(both(), "A2 S2");
-  setup.system.serial = "S1";
-  EXPECT_EQ(both(), "A2 S1");
-  EXPECT_THAT(log.Texts(2), ElementsAre("Identifier for IdType::ASSET not found",
-                                        "Identifier for IdType::SERIAL not found"));
-}
-
-TEST_F(DeviceIdentifiersTest, AddressesGiveNothingToAMachineWithoutIdentifier) {
-  adapters.resize(2);
-  adapters.front().macAddress = "000000000000";
-  adapters.back().macAddress = "0011223344FF";
-  adapters.back().addresses = {{"10.0.0.7", "255.0.0.0"}};
-  EXPECT_EQ(Identifier(IdType::IP), "");
-  EXPECT_EQ(Identifier(IdType::MIX), "");
-  found = "known";
-  EXPECT_EQ(Identifier(IdType::IP), "");
-  EXPECT_EQ(Identifier(IdType::MIX), "mac: 1_");
-  adapters.pop_back();
-  EXPECT_EQ(Identifier(IdType::MIX), "");
+TEST(DeviceIdentifiersTest, EachTypeLooksAtFactsOfItsOwn) {
+  ExpectRows(DataOf("module/device-identifiers.json"), IdentifiersOf);
 }
 
 }  // namespace

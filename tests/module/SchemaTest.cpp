@@ -2,10 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
@@ -73,119 +71,69 @@ TEST_F(SchemaTest, AllowsEveryDocumentAndHasNoPropertyThatOccursInNone) {
       check.Add(INCREMENTAL, change + "-" + section.key, JsonText(changes));
     }
   });
-  EXPECT_EQ(check.Problems({"--cover", "--annotations"}), Lines());
+  EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
 }
-
-/// Calls `action` with each value of a document and its place, outer values first.
-template <class Action>
-void Walk(Json& value, const std::string& place, Action action) {
-  action(value, place);
-  if (!value.is_structured()) return;
-  for (auto& [key, inner] : value.items()) Walk(inner, place + "/" + key, action);
-}
-
-/// Documents that go wrong in many places, and what the validator must say of each place.
-class Refusals {
- public:
-  explicit Refusals(SchemaCheck& target) : check(target) {}
-
-  /// `spoil(value, place)` spoils a value and tells what is wrong then, or nothing.
-  template <class Spoil>
-  void Add(const std::string& schema, const std::string& name, Json document, Spoil spoil) {
-    Walk(document, "", [&](Json& value, const std::string& place) {
-      const std::string problem = spoil(value, place);
-      if (!problem.empty()) expected.insert(schema + "/" + name + "#" + place + ": " + problem);
-    });
-    check.Add(schema, name, document.dump());
-  }
-
-  SchemaCheck& check;
-  Lines expected;
-};
 
 Json DocumentOf(const std::string& schema) {
   return Json::parse(schema == FULL ? JsonText(FilledInventory()) : JsonText(AllChanges()));
 }
 
-std::string TypeOf(const Json& value) {
-  if (value.is_boolean()) return "boolean";
-  return value.is_number_float() ? "number" : "integer";
-}
-
-TEST_F(SchemaTest, RefusesAnUnknownKeyInEachObjectAndAValueOfAnotherKindAnywhere) {
-  Refusals refusals(check);
-  for (const char* schema : {FULL, INCREMENTAL}) {
-    refusals.Add(schema, "extra", DocumentOf(schema), [](Json& value, const std::string&) {
-      if (!value.is_object()) return "";
-      value["novelty"] = nullptr;
-      return "Additional properties are not allowed ('novelty' was unexpected)";
-    });
-    refusals.Add(schema, "kinds", DocumentOf(schema), [](Json& value, const std::string& place) {
-      const bool mayBeNull = place == "/os/installDate" || place == "/update/os/installDate";
-      if (value.is_structured() || mayBeNull) return std::string();
-      const bool text = value.is_string();
-      const Json old = std::exchange(value, text ? Json(1.5) : Json("x"));
-      return text ? "1.5 is not of type 'string'" : "'x' is not of type '" + TypeOf(old) + "'";
-    });
+/// Spoils a value in a way and gives what is wrong then, as `FirstWords` does; nothing if the value
+/// cannot be spoiled so.
+Lines Spoil(Json& value, const std::string& way, const std::string& place) {
+  const Json old = value;
+  Lines wrong;
+  if (way == "kind") {
+    value = old.is_string() ? Json(1.5) : Json("x");
+    wrong.insert(old.is_string() ? "1.5" : "'x'");
+  } else if (way == "fraction" && old.is_number_integer()) {
+    value = 0.5;
+    wrong.insert("0.5");
+  } else if (way == "emptied" && old.is_structured()) {
+    value.clear();
+    for (const auto& item : old.items()) wrong.insert("'" + item.key() + "'");
+    // The parts of an incremental document hold just the sections that tell something.
+    const std::string name = place.substr(place.find('#') + 1);
+    const bool isPart = name == "/create" || name == "/delete" || name == "/update";
+    if (old.is_array() || isPart) wrong = {value.dump()};
   }
-  EXPECT_EQ(check.Problems(), refusals.expected);
-  EXPECT_GT(refusals.expected.size(), 600u);
+  return wrong;
 }
 
-TEST_F(SchemaTest, RefusesAnObjectWithoutAnyOfItsKeys) {
-  Refusals refusals(check);
-  for (const char* schema : {FULL, INCREMENTAL}) {
-    Lines keys;
-    Json document = DocumentOf(schema);
-    Walk(document, "", [&](Json& value, const std::string&) {
-      if (!value.is_object()) return;
-      for (const auto& item : value.items()) keys.insert(item.key());
-    });
-    for (const auto& key : keys) {
-      const auto drop = [&](Json& value, const std::string& place) {
-        const bool object = value.is_object() && value.erase(key) > 0;
-        // The parts of an incremental document hold just the sections that tell something.
-        const bool part = place == "/create" || place == "/delete" || place == "/update";
-        return object && !part ? "'" + key + "' is a required property" : "";
-      };
-      refusals.Add(schema, "without-" + key, document, drop);
+/// Spoils all values that stand so deep in a document: one that is spoiled hides those in it.
+void SpoilAt(int depth, Json& value, const std::string& way, const std::string& place,
+             Lines& problems) {
+  if (depth == 0) {
+    for (const auto& wrong : Spoil(value, way, place)) problems.insert(place + ": " + wrong);
+  } else if (value.is_structured()) {
+    for (auto& [key, inner] : value.items()) {
+      SpoilAt(depth - 1, inner, way, place + "/" + key, problems);
     }
   }
-  EXPECT_EQ(check.Problems(), refusals.expected);
-  EXPECT_GT(refusals.expected.size(), 600u);
 }
 
-/// The lines without what is wrong there.
-Lines PlacesOf(const Lines& problems) {
-  Lines places;
-  for (const auto& problem : problems) places.insert(problem.substr(0, problem.find(": ")));
-  return places;
+/// The first word of what is wrong is the value or the key that is.
+Lines FirstWords(const Lines& problems) {
+  Lines words;
+  for (const auto& line : problems)
+    words.insert(line.substr(0, line.find(' ', line.find(' ') + 1)));
+  return words;
 }
 
-TEST_F(SchemaTest, RefusesATextInPlaceOfAnyRecordOrListAndAListWithoutRecords) {
-  Refusals refusals(check);
-  for (const char* schema : {FULL, INCREMENTAL}) {
-    // A spoiled value hides those in it, so each document is spoiled at one depth only.
-    for (int depth = 0; depth < 7; ++depth) {
-      const auto isHere = [depth](const std::string& place) {
-        return std::count(place.begin(), place.end(), '/') == depth;
-      };
-      const auto toText = [&](Json& value, const std::string& place) {
-        if (!value.is_structured() || !isHere(place)) return "";
-        value = "x";
-        return "no structure";
-      };
-      const auto toEmptyList = [&](Json& value, const std::string& place) {
-        if (!value.is_array() || !isHere(place)) return "";
-        value = Json::array();
-        return "no records";
-      };
-      refusals.Add(schema, "text-" + std::to_string(depth), DocumentOf(schema), toText);
-      refusals.Add(schema, "empty-" + std::to_string(depth), DocumentOf(schema), toEmptyList);
+TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
+  Lines expected = {"incremental-inventory/emptied-0#: {}"};  // it tells of no change either
+  for (const std::string schema : {FULL, INCREMENTAL}) {
+    for (const std::string way : {"kind", "fraction", "emptied"}) {
+      for (int depth = 0; depth < 7; ++depth) {
+        const std::string name = way + "-" + std::to_string(depth);
+        Json document = DocumentOf(schema);
+        SpoilAt(depth, document, way, schema + "/" + name + "#", expected);
+        check.Add(schema, name, document.dump());
+      }
     }
   }
-  EXPECT_GT(refusals.expected.size(), 200u);
-  EXPECT_EQ(PlacesOf(check.Problems()), PlacesOf(refusals.expected));
+  EXPECT_EQ(FirstWords(check.Problems()), expected);
+  EXPECT_GT(expected.size(), 1500u);
 }
 
 TEST_F(SchemaTest, RefusesWhatNoDocumentMaySay) {

@@ -1,14 +1,12 @@
 #include <CoreFoundation/CoreFoundation.h>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <plist/plist.h>
 
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <tuple>
-#include <vector>
 
-#include "platform/ScopedHandle.h"
+#include "platform/CfText.h"
 #include "platform/compat/LiveObjects.h"
 #include "support/Cases.h"
 #include "support/PropertyListText.h"
@@ -16,9 +14,7 @@
 namespace {
 
 using namespace Norvik::Tests;
-using Norvik::Platform::CfRef;
-using Norvik::Platform::CountLiveObjects;
-using Norvik::Platform::LiveObjects;
+using namespace Norvik::Platform;
 
 CfRef<CFPropertyListRef> Read(const std::string& bytes) {
   const CfRef<CFDataRef> data(CFDataCreate(kCFAllocatorDefault,
@@ -26,11 +22,6 @@ CfRef<CFPropertyListRef> Read(const std::string& bytes) {
                                            static_cast<CFIndex>(bytes.size())));
   return CfRef<CFPropertyListRef>(CFPropertyListCreateWithData(
       kCFAllocatorDefault, data.Get(), kCFPropertyListImmutable, nullptr, nullptr));
-}
-
-CfRef<CFStringRef> String(const char* text) {
-  return CfRef<CFStringRef>(
-      CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
 }
 
 /// The same list in the binary form.
@@ -46,10 +37,33 @@ std::string Binary(const std::string& xml) {
   return binary;
 }
 
+/// What the calls for its type tell of a value; a number that is not exactly that has a mark.
+std::string TextOf(CFTypeRef value) {
+  const CFTypeID type = CFGetTypeID(value);
+  if (type == CFStringGetTypeID()) return Utf8Of(static_cast<CFStringRef>(value));
+  if (type == CFDataGetTypeID()) {
+    const auto data = static_cast<CFDataRef>(value);
+    return {CFDataGetBytePtr(data), CFDataGetBytePtr(data) + CFDataGetLength(data)};
+  }
+  if (type != CFNumberGetTypeID()) return "of another type";
+  std::int64_t number = 0;
+  const auto exact =
+      CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &number);
+  return std::to_string(number) + (exact ? "" : "~");
+}
+
 TEST(CoreFoundation, ReadsEveryTypeOfAPropertyListInBothForms) {
   const std::string xml = PropertyListOf(R"({"text": "Größe", "whole": -5, "real": 2.5,
       "huge": {"$real": "1e30"}, "data": {"$data": "AAEC"}, "on": true,
       "date": {"$date": "2001-01-02T00:00:00Z"}, "list": ["a", false]})");
+  const std::pair<const char*, std::string> values[] = {{"text", "Größe"},
+                                                        {"whole", "-5"},
+                                                        {"real", "2~"},
+                                                        {"on", "of another type"},
+                                                        {"data", {"\0\1\2", 3}},
+                                                        {"huge", "9223372036854775807~"},
+                                                        {"date", "of another type"},
+                                                        {"list", "of another type"}};
   for (const std::string& form : {xml, Binary(xml)}) {
     auto list = Read(form);
     ASSERT_TRUE(list);
@@ -57,40 +71,24 @@ TEST(CoreFoundation, ReadsEveryTypeOfAPropertyListInBothForms) {
     const auto root = static_cast<CFDictionaryRef>(list.Get());
     EXPECT_EQ(CFDictionaryGetCount(root), 8);
     const auto value = [&](const char* key) {
-      return CFDictionaryGetValue(root, String(key).Get());
+      return CFDictionaryGetValue(root, CfTextOf(key).Get());
     };
-    for (const char* const key : {"on", "date", "list"}) {
-      EXPECT_GT(CFGetTypeID(value(key)), CFNumberGetTypeID()) << key;
-    }
-    char text[16];
-    const auto string = static_cast<CFStringRef>(value("text"));
-    EXPECT_EQ(CFStringGetLength(string), 5);
-    EXPECT_TRUE(CFStringGetCString(string, text, sizeof(text), kCFStringEncodingUTF8));
-    EXPECT_STREQ(text, "Größe");
-    EXPECT_FALSE(CFStringGetCString(string, text, 7, kCFStringEncodingUTF8));
-    for (const auto& [key, stored, isExact] : {std::tuple("whole", -5LL, true),
-                                               {"real", 2LL, false},
-                                               {"huge", 0x7fffffffffffffffLL, false}}) {
-      std::int64_t number = 0;
-      EXPECT_EQ(
-          CFNumberGetValue(static_cast<CFNumberRef>(value(key)), kCFNumberSInt64Type, &number),
-          isExact);
-      EXPECT_EQ(number, stored) << key;
-    }
-    const auto data = static_cast<CFDataRef>(value("data"));
-    ASSERT_EQ(CFDataGetLength(data), 3);
-    EXPECT_EQ(CFDataGetBytePtr(data)[2], 2);
+    for (const auto& [key, text] : values) EXPECT_EQ(TextOf(value(key)), text) << key;
     EXPECT_EQ(value("absent"), nullptr);
-    const CfRef<CFTypeRef> retained(CFRetain(data));
+    char small[7];
+    const auto text = static_cast<CFStringRef>(value("text"));
+    EXPECT_EQ(CFStringGetLength(text), 5);
+    EXPECT_FALSE(CFStringGetCString(text, small, sizeof(small), kCFStringEncodingUTF8));
+    const CfRef<CFTypeRef> retained(CFRetain(text));
     list.Reset();
-    EXPECT_EQ(CFGetTypeID(retained.Get()), CFDataGetTypeID());
+    EXPECT_EQ(TextOf(retained.Get()), "Größe");
     EXPECT_EQ(CountLiveObjects().coreFoundation, 1u);
   }
   EXPECT_EQ(CountLiveObjects(), LiveObjects());
 }
 
 TEST(CoreFoundationDeathTest, AFaultyUseEndsTheProgramAndNamesTheObject) {
-  const auto released = [] { return String("Serial Number").Get(); };
+  const auto released = [] { return CfTextOf("Serial Number").Get(); };
   const struct {
     const char* name;
     std::function<void()> use;
@@ -105,51 +103,24 @@ TEST(CoreFoundationDeathTest, AFaultyUseEndsTheProgramAndNamesTheObject) {
          const void* value = nullptr;
          {
            const auto root = Read(PropertyListOf(R"({"key": "inner"})"));
-           value =
-               CFDictionaryGetValue(static_cast<CFDictionaryRef>(root.Get()), String("key").Get());
+           value = CFDictionaryGetValue(static_cast<CFDictionaryRef>(root.Get()),
+                                        CfTextOf("key").Get());
          }
          CFGetTypeID(value);
        },
        "CFGetTypeID: CFString \"inner\" was released already"},
       {"of another type",
-       [] { CFDataGetLength(reinterpret_cast<CFDataRef>(String("text").Release())); },
+       [] { CFDataGetLength(reinterpret_cast<CFDataRef>(CfTextOf("text").Release())); },
        "CFDataGetLength: does not take CFString \"text\""},
       {"null", [] { CFRelease(nullptr); }, "CFRelease: the object is null"},
   };
   for (const auto& row : cases) EXPECT_DEATH(row.use(), row.message) << row.name;
 }
 
-/// A binary list from its objects; references are of one byte, the first object is the root.
-std::string BinaryOf(const std::vector<Bytes>& objects) {
-  std::string bytes = "bplist00";
-  std::string offsets;
-  for (const auto& object : objects) {
-    offsets += std::string{static_cast<char>(bytes.size() >> 8), static_cast<char>(bytes.size())};
-    bytes += object;
-  }
-  const std::size_t table = bytes.size();
-  bytes += offsets + std::string(6, '\0') + "\2\1" + std::string(7, '\0') +
-           static_cast<char>(objects.size()) + std::string(8 + 6, '\0') +
-           std::string{static_cast<char>(table >> 8), static_cast<char>(table)};
-  return bytes;
-}
-
-/// The bytes of a row: as they stand, a value in a list, or marks repeated, then others as often.
-std::string BytesOf(const Json& row) {
-  if (row.contains("bytes")) return row["bytes"].get<Bytes>();
-  if (row.contains("value")) return PropertyList(row["value"].get<Bytes>());
-  if (row.contains("objects")) return BinaryOf(row["objects"].get<std::vector<Bytes>>());
-  std::string text;
-  const int times = row["times"];
-  for (const char* part : {"opened", "closed"}) {
-    for (int i = 0; i < times; ++i) text += row[part].get_ref<const std::string&>();
-  }
-  return PropertyList(text);
-}
-
+// A binary list stands there in three pieces: its objects, where each begins, and the trailer.
 TEST(CoreFoundation, HostileListsAreNoLists) {
   for (const Json& row : DataOf("platform/hostile-lists.json")) {
-    EXPECT_EQ(bool(Read(BytesOf(row))), row["isList"].get<bool>()) << row["name"];
+    EXPECT_EQ(bool(Read(row["bytes"].get<Bytes>())), row["isList"].get<bool>()) << row["name"];
   }
   EXPECT_EQ(CountLiveObjects(), LiveObjects());
 }

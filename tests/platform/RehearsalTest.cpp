@@ -2,12 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <boost/filesystem/operations.hpp>
+#include <boost/algorithm/string/replace.hpp>
 #include <cerrno>
 #include <cstdio>
 
 #include "platform/ChildProcess.h"
-#include "support/Files.h"
+#include "support/Cases.h"
 #include "support/TemporaryFolder.h"
 
 namespace Norvik::Platform {
@@ -25,21 +25,17 @@ TEST(Rehearsal, TellsOfEachRemovalHowItWouldEnd) {
   fs::create_symlink("real", folder / "link");
   fs::create_symlink("gone", folder / "loose");
   fs::permissions(folder / "shut", fs::owner_read | fs::owner_exe);
-  // What goes decides about what comes behind it.
-  const char* const names[] = {
-      "a/x",           "a",     "a",    "gone",  "full",   "full/b",     "full",
-      "link/../empty", "empty", "link", "loose", "shut/c", "shut/inner", "real/.",
-      "real/..",       "real/", ""};
+  const auto names = Tests::DataOf("platform/rehearsed.json")["removed in this order"];
   std::vector<int> told;
   {
     const Rehearsal rehearsal;
-    for (const char* name : names) {
+    for (const std::string name : names) {
       told.push_back(RehearseRemoval((folder / name).string()) ? 0 : errno);
     }
-    EXPECT_EQ(rehearsal.Steps().size(), std::size(names));
+    EXPECT_EQ(rehearsal.Steps().size(), names.size());
   }
-  for (std::size_t i = 0; i < std::size(names); ++i) {
-    const int result = std::remove((folder / names[i]).c_str());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const int result = std::remove((folder / names[i].get<std::string>()).c_str());
     EXPECT_EQ(told[i], result == 0 ? 0 : errno) << i << " " << names[i];
   }
   fs::permissions(folder / "shut", fs::owner_all);
@@ -50,18 +46,10 @@ TEST(Rehearsal, TellsOfEachProgramWhetherItWouldStart) {
   Tests::WriteFile(folder / "text", "#!/bin/sh\n");
   Tests::WriteFile(folder / "tool", "#!/bin/sh\necho > \"$0.ran\"\n");
   fs::permissions(folder / "tool", fs::owner_all);
-  const std::vector<std::string> commands[] = {{"true"},
-                                               {"no such program"},
-                                               {(folder / "tool").string(), "a b"},
-                                               {"/bin"},
-                                               {"/no/such"},
-                                               {(folder / "text").string()},
-                                               {"/bin/true/one"},
-                                               {""},
-                                               {}};
-  for (const auto& words : commands) {
+  for (const Tests::Json& words : Tests::DataOf("platform/rehearsed.json")["programs"]) {
     ChildCommand command;
-    command.words = words;
+    words.get_to(command.words);
+    for (auto& word : command.words) boost::replace_all(word, "$", folder.Path().string());
     ChildResult told;
     {
       const Rehearsal rehearsal;
@@ -70,10 +58,9 @@ TEST(Rehearsal, TellsOfEachProgramWhetherItWouldStart) {
     }
     const ChildResult done = RunChild(command);
     fs::remove(folder / "tool.ran");
-    const std::string name = words.empty() ? "nothing" : words[0];
-    EXPECT_EQ(told.started, done.started) << name;
-    EXPECT_EQ(told.problem, done.problem) << name;
-    EXPECT_EQ(told.exitCode, done.exitCode) << name;
+    EXPECT_EQ(told.started, done.started) << words;
+    EXPECT_EQ(told.problem, done.problem) << words;
+    EXPECT_EQ(told.exitCode, done.exitCode) << words;
   }
 }
 

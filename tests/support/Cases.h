@@ -35,12 +35,20 @@ inline std::string Shown(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-/// A cell in which each character stands for the byte of its number: JSON has no other bytes.
+/// A cell in which each character stands for the byte of its number, as JSON has no other bytes, or
+/// a list of such cells, each with how often it comes.
 struct Bytes : std::string {
   Bytes(std::string bytes = {}) : std::string(std::move(bytes)) {}
   friend void from_json(const Json& cell, Bytes& bytes) {
-    const std::string& text = cell.get_ref<const std::string&>();
     bytes.clear();
+    if (cell.is_array()) {
+      for (const Json& part : cell) {
+        const auto repeated = part[0].get<Bytes>();
+        for (int times = part[1]; times > 0; --times) bytes += repeated;
+      }
+      return;
+    }
+    const std::string& text = cell.get_ref<const std::string&>();
     for (std::size_t at = 0; at < text.size(); ++at) {
       const auto lead = static_cast<unsigned char>(text[at]);
       bytes += lead < 0x80 ? text[at] : static_cast<char>(((lead & 3) << 6) | (text[++at] & 0x3F));

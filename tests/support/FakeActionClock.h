@@ -1,6 +1,7 @@
 #pragma once
 
-#include <mutex>
+#include <atomic>
+#include <chrono>
 
 #include "host/actions/Clock.h"
 
@@ -11,31 +12,22 @@ class FakeActionClock : public Host::Clock {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
 
-  explicit FakeActionClock(long seconds) : now_(std::chrono::seconds(seconds)) {}
+  explicit FakeActionClock(long seconds) : now_(seconds) {}
 
-  TimePoint Now() const override {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return now_;
-  }
+  TimePoint Now() const override { return TimePoint(std::chrono::seconds(now_)); }
   std::chrono::steady_clock::time_point Steady() const override {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return steady_;
+    return std::chrono::steady_clock::time_point(std::chrono::seconds(steady_));
   }
   void Move(std::chrono::seconds time) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    now_ += time;
-    steady_ += time;
+    now_ += time.count();
+    steady_ += time.count();
   }
   /// What an administrator does.
-  void SetTimeOfDay(long seconds) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    now_ = TimePoint(std::chrono::seconds(seconds));
-  }
+  void SetTimeOfDay(long seconds) { now_ = seconds; }
 
  private:
-  mutable std::mutex mutex_;
-  TimePoint now_;
-  std::chrono::steady_clock::time_point steady_;
+  std::atomic<long> now_;
+  std::atomic<long> steady_{0};
 };
 
 }  // namespace Norvik::Tests

@@ -9,9 +9,9 @@
 #include <stdexcept>
 
 #include "common/action/ActionCodes.h"
+#include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
-#include "platform/MachinePath.h"
 
 namespace Norvik::Tests {
 
@@ -43,10 +43,6 @@ void FakeActionSystem::Record(Started started) {
   if (const auto hook = std::exchange(onNextStart, nullptr)) hook();
 }
 
-void FakeActionSystem::AddSchedule(const Common::Schedule& schedule) {
-  Record({"schedule", schedule.code, {}, {}, {}});
-}
-
 Common::ActionResponse FakeActionSystem::RunAction(Common::ModuleAction action) {
   Record({"run", CodeOf(action), action, {}, {}});
   return action.handler(action.parameters);
@@ -61,18 +57,6 @@ void FakeActionSystem::RunOneShot(unsigned int code, Common::ModuleAction action
                                   std::chrono::seconds delay) {
   Record({"once", code, action, delay, {}});
   if (delay.count() == 0) waiting_.push_back(std::move(action));
-}
-
-void FakeActionSystem::CreatePeriodic(unsigned int code, Common::ModuleAction action,
-                                      Common::AgentData& /*data*/,
-                                      const Common::ActionTiming& timing) {
-  Record({"create", code, std::move(action), {}, timing});
-}
-
-void FakeActionSystem::ReplacePeriodic(unsigned int code, Common::ModuleAction action,
-                                       Common::AgentData& /*data*/,
-                                       const Common::ActionTiming& timing) {
-  Record({"replace", code, std::move(action), {}, timing});
 }
 
 std::vector<std::string> FakeActionSystem::Texts() const {
@@ -105,10 +89,6 @@ bool FakeCommunications::ProcessMessage(const Common::IRestRequest& request,
   return true;
 }
 
-void FakeCommunications::ReportTaskStatus(const Common::TaskResponseInfo& status) {
-  statuses.push_back(status);
-}
-
 bool FakeCommunications::Send(const Common::IPCMessage& message, unsigned long long session) {
   sent.emplace_back(session, message);
   if (const auto hook = std::exchange(onNextSend, nullptr)) hook();
@@ -129,27 +109,10 @@ Common::FirstInventoryInfo FakeIdentification::GetFirstInventoryInfo() {
   return first;
 }
 
-bool FaultPipeline::Fails(const std::string& step, const std::string& text) {
-  calls.push_back(text);
+bool FaultPipeline::Fails(const std::string& step, const char* kind) {
+  calls.push_back(step + kind);
   if (beforeStep) beforeStep(step);
   return step == failingStep;
-}
-
-bool FaultPipeline::Compress(const Path& source, const Path& target) {
-  return !Fails("compress", "compress") && next_->Compress(source, target);
-}
-
-bool FaultPipeline::Encrypt(const Path& source, const Path& target) {
-  return !Fails("encrypt", "encrypt") && next_->Encrypt(source, target);
-}
-
-bool FaultPipeline::Copy(const Path& source, const Path& target) {
-  return !Fails("copy", "copy") && next_->Copy(source, target);
-}
-
-bool FaultPipeline::MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) {
-  const std::string kind = !incremental ? "" : *incremental ? " incremental" : " total";
-  return !Fails("move", "move" + kind) && next_->MoveToOutbox(file, incremental);
 }
 
 FakeHost::FakeHost(int processKind)
@@ -167,7 +130,6 @@ FakeHost::FakeHost(int processKind)
 }
 
 FakeHost::~FakeHost() {
-  Platform::SetMachineRoot("");
   Common::SetFilePipeline(std::move(previousPipeline_));
   Paths::SetDataFolder(previousFolder_);
 }
@@ -187,8 +149,6 @@ std::string FakeHost::DeliveredDocument() const {
   Common::FileSealer(Folder() / "keys").Open(Outbox() / names.front(), archive);
   return Common::ReadArchive(archive);
 }
-
-void FakeHost::UseMachine(const fs::path& root) { Platform::SetMachineRoot(root.string()); }
 
 std::vector<std::string> NamesIn(const fs::path& folder) {
   std::vector<std::string> names;

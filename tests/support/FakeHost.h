@@ -32,15 +32,21 @@ class FakeActionSystem final : public Common::IActionSystem {
   };
 
   /// Codes are told by the name of the action, so give it the actions of a loaded module.
-  void AddSchedule(const Common::Schedule& schedule) override;
+  void AddSchedule(const Common::Schedule& schedule) override {
+    Record({"schedule", schedule.code, {}, {}, {}});
+  }
   Common::ActionResponse RunAction(Common::ModuleAction action) override;
   void QueueAction(Common::ModuleAction action) override;
   void RunOneShot(unsigned int code, Common::ModuleAction action,
                   std::chrono::seconds delay) override;
-  void CreatePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
-                      const Common::ActionTiming& timing) override;
-  void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
-                       const Common::ActionTiming& timing) override;
+  void CreatePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& /*data*/,
+                      const Common::ActionTiming& timing) override {
+    Record({"create", code, std::move(action), {}, timing});
+  }
+  void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& /*data*/,
+                       const Common::ActionTiming& timing) override {
+    Record({"replace", code, std::move(action), {}, timing});
+  }
 
   /// All that was started since the last `Forget`, one text each: "run 32004", "queue 1036",
   /// "once 1071 +60", "create 1072 every 432000", "replace 1036 every 3600".
@@ -69,7 +75,9 @@ class FakeCommunications final : public Common::ICommunicationSystem,
  public:
   bool ProcessMessage(const Common::IRestRequest& request,
                       Common::IRestResponse& response) override;
-  void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
+  void ReportTaskStatus(const Common::TaskResponseInfo& status) override {
+    statuses.push_back(status);
+  }
   void NewFileOnOutbox() override { ++newFiles; }
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;
   std::map<unsigned long long, Common::IPCSessionData> GetSessions() override { return sessions; }
@@ -109,10 +117,19 @@ class FaultPipeline final : public Common::IFilePipeline {
 
   explicit FaultPipeline(std::shared_ptr<Common::IFilePipeline> next) : next_(std::move(next)) {}
 
-  bool Compress(const Path& source, const Path& target) override;
-  bool Encrypt(const Path& source, const Path& target) override;
-  bool Copy(const Path& source, const Path& target) override;
-  bool MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) override;
+  bool Compress(const Path& source, const Path& target) override {
+    return !Fails("compress") && next_->Compress(source, target);
+  }
+  bool Encrypt(const Path& source, const Path& target) override {
+    return !Fails("encrypt") && next_->Encrypt(source, target);
+  }
+  bool Copy(const Path& source, const Path& target) override {
+    return !Fails("copy") && next_->Copy(source, target);
+  }
+  bool MoveToOutbox(const Path& file, const boost::optional<bool>& incremental) override {
+    const char* const kind = !incremental ? "" : *incremental ? " incremental" : " total";
+    return !Fails("move", kind) && next_->MoveToOutbox(file, incremental);
+  }
 
   std::string failingStep;  ///< "copy", "compress", "encrypt" or "move"
   std::function<void(const std::string& step)> beforeStep;
@@ -120,7 +137,7 @@ class FaultPipeline final : public Common::IFilePipeline {
                                    ///< "move incremental"
 
  private:
-  bool Fails(const std::string& step, const std::string& text);
+  bool Fails(const std::string& step, const char* kind = "");
 
   std::shared_ptr<Common::IFilePipeline> next_;
 };
@@ -131,8 +148,6 @@ class FaultPipeline final : public Common::IFilePipeline {
 class FakeHost {
  public:
   explicit FakeHost(int processKind = 0);
-  FakeHost(const FakeHost&) = delete;
-  FakeHost& operator=(const FakeHost&) = delete;
   ~FakeHost();
 
   std::weak_ptr<Common::ModuleDependencies> Dependencies() const { return dependencies; }
@@ -144,8 +159,6 @@ class FakeHost {
   /// The one document of the outbox, decrypted and unpacked. Raises if there is none or it cannot
   /// be opened.
   std::string DeliveredDocument() const;
-  /// Puts a recorded machine's files in force, for as long as the host lives.
-  void UseMachine(const boost::filesystem::path& root);
 
   TestDatabase database;
   LogCapture log;

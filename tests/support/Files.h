@@ -8,6 +8,7 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace Norvik::Tests {
 
@@ -36,6 +37,20 @@ inline std::set<std::string> FilesBelow(const boost::filesystem::path& folder) {
                  entry.path().filename().string());
   }
   return files;
+}
+
+/// Folders that a walk from the root has to leave out so that it finds nothing but what lies below
+/// the folder: all that lies beside the way to it now.
+inline std::vector<std::string> AllBut(const boost::filesystem::path& folder) {
+  std::vector<std::string> others;
+  boost::filesystem::path way = "/";
+  for (const auto& step : folder.relative_path()) {
+    for (const auto& entry : boost::filesystem::directory_iterator(way)) {
+      if (entry.path() != way / step) others.push_back(entry.path().string());
+    }
+    way /= step;
+  }
+  return others;
 }
 
 }  // namespace Norvik::Tests

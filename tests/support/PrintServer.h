@@ -3,14 +3,13 @@
 #include <stdlib.h>
 
 #include <boost/algorithm/string/replace.hpp>
-#include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "common/commands/CommandRunner.h"
 #include "support/BackgroundProcess.h"
 #include "support/Files.h"
+#include "support/LocalClient.h"
 #include "support/TemporaryFolder.h"
 
 namespace Norvik::Tests {
@@ -24,25 +23,14 @@ class PrintServer {
     for (const char* name : {"root", "run", "cache", "spool", "tmp"}) {
       boost::filesystem::create_directory(folder_ / name);
     }
-    Write("files.conf",
-          "ServerRoot $/root\nStateDir $/run\nCacheDir $/cache\nRequestRoot $/spool\n"
-          "TempDir $/tmp\nAccessLog $/access\nErrorLog $/error\nPageLog $/page\nFileDevice Yes\n");
-    const std::string removal = removalAllowed
-                                    ? "    Order deny,allow\n"
-                                    : "    AuthType Basic\n    Require user nobody-here\n";
-    Write("server.conf",
-          "Listen $/socket\nBrowsing No\nWebInterface No\nDefaultAuthType None\n"
-          "<Location />\n  Order allow,deny\n  Allow all\n</Location>\n"
-          "<Policy default>\n  <Limit CUPS-Delete-Printer>\n" +
-              removal + "  </Limit>\n  <Limit All>\n    Order deny,allow\n  </Limit>\n</Policy>\n");
+    Write("files.conf", "files.conf");
+    Write("server.conf", removalAllowed ? "removal-allowed.conf" : "removal-denied.conf");
     ::setenv("CUPS_SERVER", (folder_ / "socket").c_str(), 1);
     process_ = std::make_unique<BackgroundProcess>(
         std::vector<std::string>{"/usr/sbin/cupsd", "-f", "-c", (folder_ / "server.conf").string(),
                                  "-s", (folder_ / "files.conf").string()},
         folder_ / "output");
   }
-  PrintServer(const PrintServer&) = delete;
-  PrintServer& operator=(const PrintServer&) = delete;
   ~PrintServer() {
     // In a shell: a test may have `kill` of its own program replaced. Without a number it would
     // reach everybody.
@@ -55,12 +43,10 @@ class PrintServer {
 
   /// Whether it answers; waits for that.
   bool IsRunning() const {
-    for (int i = 0; i < 200; ++i) {
+    return Eventually([] {
       const std::string state = Common::CommandRunner::ExecCommand("LC_ALL=C lpstat -r");
-      if (state.find("is running") != std::string::npos) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return false;
+      return state.find("is running") != std::string::npos;
+    });
   }
   void AddQueue(const std::string& name) const {
     Common::CommandRunner::ExecCommand("/usr/sbin/lpadmin -p " + name + " -v file:/dev/null -E");
@@ -68,7 +54,9 @@ class PrintServer {
   std::string Queues() const { return Common::CommandRunner::ExecCommand("lpstat -v"); }
 
  private:
-  void Write(const std::string& name, const std::string& text) {
+  /// A file of print-server/, in which "$" stands for the folder.
+  void Write(const std::string& name, const std::string& source) {
+    const auto text = ContentOf(NORVIK_SOURCE_DIR "/tests/support/print-server/" + source);
     WriteFile(folder_ / name, boost::replace_all_copy(text, "$", folder_.Path().string()));
   }
 

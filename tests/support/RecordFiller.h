@@ -2,30 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "common/records/InventoryRecord.h"
 #include "support/Json.h"
+#include "support/Surroundings.h"
 
 /// Records and what is written of them: a record's table is walked to fill and to change it.
 namespace tests {
-
-/// Sets the C locale while it lives.
-class ScopedLocale {
- public:
-  explicit ScopedLocale(const char* name) : previous_(std::setlocale(LC_ALL, nullptr)) {
-    if (!std::setlocale(LC_ALL, name)) ADD_FAILURE() << "no locale " << name;
-  }
-  ~ScopedLocale() { std::setlocale(LC_ALL, previous_.c_str()); }
-  ScopedLocale(const ScopedLocale&) = delete;
-  ScopedLocale& operator=(const ScopedLocale&) = delete;
-
- private:
-  std::string previous_;
-};
 
 template <class T>
 std::string JsonText(const T& record) {

@@ -5,10 +5,8 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "platform/ChildProcess.h"
+#include "common/commands/Execute.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
@@ -24,23 +22,17 @@ class SchemaCheck {
   }
 
   /// Lines of the validator, as in "inventory/NAME#/bios/date: 'x' is not of type 'integer'".
-  std::set<std::string> Problems(std::vector<std::string> options = {}) const {
-    std::string output, errors;
-    Platform::ChildCommand command;
-    command.words = {NORVIK_PYTHON, "-I", NORVIK_SOURCE_DIR "/tests/schema/validate.py",
-                     folder_.Path().string()};
-    command.words.insert(command.words.end(), options.begin(), options.end());
-    command.onOutput = [&](std::string_view piece) { output += piece; };
-    command.onErrors = [&](std::string_view piece) { errors += piece; };
-    const auto result = Platform::RunChild(command);
-    std::set<std::string> problems;
+  std::set<std::string> Problems(const std::string& options = {}) const {
     const std::string prefix = folder_.Path().string() + "/";
-    std::istringstream lines(output);
+    Common::Execute validator("'" NORVIK_PYTHON "' -I -W ignore '" NORVIK_SOURCE_DIR
+                              "/tests/schema/validate.py'");
+    const int exitCode = validator.Run("'" + folder_.Path().string() + "' " + options);
+    std::set<std::string> problems;
+    std::istringstream lines(validator.Output());
     for (std::string line; std::getline(lines, line);) {
-      problems.insert(line.compare(0, prefix.size(), prefix) == 0 ? line.substr(prefix.size())
-                                                                  : line);
+      problems.insert(line.rfind(prefix, 0) == 0 ? line.substr(prefix.size()) : line);
     }
-    EXPECT_EQ(result.exitCode, problems.empty() ? 0 : 1) << result.problem << errors;
+    EXPECT_EQ(exitCode, problems.empty() ? 0 : 1) << validator.Output();
     return problems;
   }
 

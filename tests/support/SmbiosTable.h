@@ -10,21 +10,6 @@ namespace Norvik::Tests {
 
 using SmbiosBytes = std::vector<std::uint8_t>;
 
-/// Adds a structure to an SMBIOS table as firmware lays it out: the fields behind the header, then
-/// the texts.
-inline void AddStructure(SmbiosBytes& table, std::uint8_t type, std::uint16_t handle,
-                         const SmbiosBytes& fields, const std::vector<std::string>& texts) {
-  table.insert(table.end(),
-               {type, static_cast<std::uint8_t>(4 + fields.size()),
-                static_cast<std::uint8_t>(handle & 0xFF), static_cast<std::uint8_t>(handle >> 8)});
-  table.insert(table.end(), fields.begin(), fields.end());
-  for (const auto& text : texts) {
-    table.insert(table.end(), text.begin(), text.end());
-    table.push_back(0);
-  }
-  table.insert(table.end(), texts.empty() ? 2 : 1, 0);
-}
-
 /// Fields from a list of bytes, or from bytes by their offset: `{"length": 27, "4": 1, "8": [0,
 /// 1]}`.
 inline SmbiosBytes FieldsOf(const Json& fields) {
@@ -38,12 +23,24 @@ inline SmbiosBytes FieldsOf(const Json& fields) {
   return bytes;
 }
 
-/// A table from structures in the form `[type, handle, fields, text...]`.
+/// A table as firmware lays it out, from structures in the form `[type, handle, fields, text...]`.
 inline SmbiosBytes SmbiosTableOf(const Json& structures) {
   SmbiosBytes table;
+  const auto add = [&](const auto& bytes) {
+    table.insert(table.end(), bytes.begin(), bytes.end());
+  };
   for (const Json& structure : structures) {
-    const std::vector<std::string> texts(structure.begin() + 3, structure.end());
-    AddStructure(table, structure[0], structure[1], FieldsOf(structure[2]), texts);
+    const SmbiosBytes fields = FieldsOf(structure[2]);
+    const int handle = structure[1];
+    const std::vector<int> header = {structure[0], static_cast<int>(4 + fields.size()),
+                                     handle & 0xFF, handle >> 8};
+    for (const int byte : header) table.push_back(static_cast<std::uint8_t>(byte));
+    add(fields);
+    for (std::size_t text = 3; text < structure.size(); ++text) {
+      add(structure[text].get<std::string>());
+      table.push_back(0);
+    }
+    table.insert(table.end(), structure.size() == 3 ? 2 : 1, 0);
   }
   return table;
 }

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/Cases.h"
-#include "support/CommaLocale.h"
+#include "support/Surroundings.h"
 
 namespace {
 

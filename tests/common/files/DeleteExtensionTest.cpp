@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "support/Files.h"
+#include "support/Cases.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryFolder.h"
 
@@ -28,31 +28,14 @@ class DeleteExtensionTest : public testing::Test {
   LogCapture log_;
 };
 
-TEST_F(DeleteExtensionTest, DeletesByTheWholeExtensionWithOrWithoutItsDot) {
-  for (const auto* extension : {".log", "log"}) {
-    Make({"a.log", "a.LOG", "a.logs", "alog", ".log", "a.log.txt", "b/c/d.log", "b/e.x.log"});
-    DeleteExtensionInPath(extension, folder_.Path(), {});
-    EXPECT_THAT(Left(), ElementsAre("./.log", "./a.LOG", "./a.log.txt", "./a.logs", "./alog"));
-  }
-}
-
-TEST_F(DeleteExtensionTest, LeavesExcludedEntriesAndWhatIsBelowThem) {
-  using Names = std::vector<std::string>;
-  const std::tuple<const char*, Names, std::set<std::string>> cases[] = {
-      {"keep", {"missing"}, {"./d.x", "keeper/deep/c.x"}},
-      {".", {"keep/", "keeper/../d.x", "missing"}, {"./d.x", "keep/a.x", "keep/deep/b.x"}},
-      // The dot entries of a listing are no entries.
-      {"keeper", {"keeper/.", "keeper/.."}, {"./d.x", "keep/a.x", "keep/deep/b.x"}},
-      // The folder is itself excluded, or one above it.
-      {"keep/deep", {"keep"}, {"./d.x", "keep/a.x", "keep/deep/b.x", "keeper/deep/c.x"}},
-      {"keep/deep", {"keep/deep"}, {"./d.x", "keep/a.x", "keep/deep/b.x", "keeper/deep/c.x"}},
-  };
-  for (const auto& [folder, names, left] : cases) {
-    Make({"keep/a.x", "keep/deep/b.x", "keeper/deep/c.x", "d.x"});
+TEST_F(DeleteExtensionTest, DeletesByTheWholeExtensionOutsideOfWhatIsExcluded) {
+  for (const Json& row : DataOf("common/files/deleted-extensions.json")) {
+    fs::remove_all(folder_.Path());
+    Make(row["files"]);
     std::vector<fs::path> excluded;
-    for (const auto& name : names) excluded.push_back(folder_ / name);
-    DeleteExtensionInPath("x", folder_ / folder, excluded);
-    EXPECT_EQ(Left(), left) << folder;
+    for (const std::string name : PartOf(row, "excluded")) excluded.push_back(folder_ / name);
+    DeleteExtensionInPath(row["extension"], folder_ / row.value("in", "."), excluded);
+    EXPECT_EQ(Left(), row["left"].get<std::set<std::string>>()) << row["name"];
   }
 }
 

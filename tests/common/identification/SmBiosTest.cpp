@@ -32,10 +32,6 @@ std::size_t CountOf(const SmBios& bios) {
 
 TEST(SmBios, ListsTheStructuresOfATypeInTableOrder) {
   SmBios bios(0x301, SmbiosTableOf(MACHINE));
-  EXPECT_TRUE(bios.IsValid());
-  EXPECT_EQ(bios.GetVersion(), 769u);
-  EXPECT_EQ(CountOf(bios), 4u);
-
   const List modules = StructuresOf(bios, 17);
   ASSERT_EQ(modules.size(), 2u);
   EXPECT_EQ(modules.front()->Header()[2], 2);
@@ -43,8 +39,6 @@ TEST(SmBios, ListsTheStructuresOfATypeInTableOrder) {
   EXPECT_EQ(modules.front()->TextAt(8), "DIMM 0");
   EXPECT_EQ(modules.back()->Field(6, 2), 0x7FFFu);
   EXPECT_EQ(modules.back()->TextAt(8), "");
-  EXPECT_TRUE(StructuresOf(bios, 4).empty());
-
   List list = StructuresOf(bios, 0);
   bios.GetStructData(1, list);
   ASSERT_EQ(list.size(), 2u);

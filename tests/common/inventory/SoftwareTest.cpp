@@ -36,9 +36,8 @@ Software ReadStatus(const std::string& text) {
   });
 }
 
-TEST(PackageDatabase, GivesTheInstalledPackages) { ExpectSoftware(ReadStatus(STATUS), "packages"); }
-
-TEST(PackageDatabase, StandsAnyText) {
+TEST(PackageDatabase, GivesTheInstalledPackagesOfAnyText) {
+  ExpectSoftware(ReadStatus(STATUS), "packages");
   for (std::size_t length = 0; length < STATUS.size(); ++length) {
     EXPECT_LE(ReadStatus(STATUS.substr(0, length)).size(), 3u);
   }
@@ -50,12 +49,9 @@ TEST(PackageDatabase, StandsAnyText) {
   EXPECT_EQ(huge.at(0).sizeBytes, 0u);
 }
 
-TEST(ApplicationsReport, GivesTheApplicationsThatHaveAName) {
-  ExpectSoftware(ReadApplicationsReport(REPORT), "applications");
-}
-
-TEST(ApplicationsReport, GivesNothingForTextThatIsNone) {
+TEST(ApplicationsReport, GivesTheApplicationsThatHaveANameAndNothingForTextThatIsNone) {
   const LogCapture log;
+  ExpectSoftware(ReadApplicationsReport(REPORT), "applications");
   for (std::size_t length = 0; length < REPORT.size() - 8; ++length) {
     EXPECT_TRUE(ReadApplicationsReport(REPORT.substr(0, length)).empty()) << length;
   }
@@ -65,27 +61,21 @@ TEST(ApplicationsReport, GivesNothingForTextThatIsNone) {
   }
 }
 
-Software Collect() {
-  Software result(1);
-  SoftwareRegisteredSection().GetInfo(result);
-  return result;
-}
-
-TEST(SoftwareRegisteredSection, ReadsThePackageDatabaseWithItsDates) {
+TEST(SoftwareRegisteredSection, ReadsThePackageDatabaseOrElseAsksForTheReport) {
+  const std::string status = "root/var/lib/dpkg/status";
   const std::string list = "root/var/lib/dpkg/info/libfjord2:amd64.list";
   MacRecording machine;
-  machine.Add("root/var/lib/dpkg/status", STATUS).Add(list, "").PutInForce();
+  machine.AddAnswer("system_profiler -xml SPApplicationsDataType", REPORT);
+  machine.Add(status, STATUS).Add(list, "").PutInForce();
   boost::filesystem::last_write_time(machine.Path() / list, 1600000000);
-  const Software software = Collect();
+  Software software(1);
+  SoftwareRegisteredSection().GetInfo(software);
   ASSERT_EQ(software.size(), 4u);
   EXPECT_EQ(software[1].installDate, 1600000000);
   EXPECT_EQ(software[2].installDate, 0);
-}
-
-TEST(SoftwareRegisteredSection, AsksForTheReportWhereThereIsNoPackageDatabase) {
-  MacRecording machine;
-  machine.AddAnswer("system_profiler -xml SPApplicationsDataType", REPORT).PutInForce();
-  EXPECT_EQ(Collect().size(), 3u);
+  boost::filesystem::remove(machine.Path() / status);
+  SoftwareRegisteredSection().GetInfo(software);
+  EXPECT_EQ(software.size(), 6u);
 }
 
 }  // namespace

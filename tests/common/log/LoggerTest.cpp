@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "common/log/FileLogger.h"
-#include "support/CommaLocale.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
+#include "support/Surroundings.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -24,16 +24,13 @@ void Leave(bool byException) {
 }
 
 TEST(Logger, TracesTheExitOfAScopeUnlessAnExceptionLeavesIt) {
-  struct CleanUp {
-    ~CleanUp() { Leave(false); }
-  };
-  const auto leaveWhileCleaningUp = [] {
-    const CleanUp cleanUp;
-    throw std::runtime_error("");
-  };
   const LogCapture log;
   Leave(false);
   EXPECT_THROW(Leave(true), std::runtime_error);
+  const auto leaveWhileCleaningUp = [] {
+    const Scope cleanUp([] { Leave(false); });
+    throw std::runtime_error("");
+  };
   EXPECT_THROW(leaveWhileCleaningUp(), std::runtime_error);
   EXPECT_THAT(log.Texts(Logger::LEVEL_TRACE), ElementsAre(">>", "<<", ">>", ">>", "<<"));
 }

@@ -3,25 +3,20 @@
 #include <gtest/gtest.h>
 
 #include "common/text/Text.h"
-#include "platform/ScopedHandle.h"
+#include "platform/CfText.h"
 #include "platform/compat/LiveObjects.h"
 #include "support/MacRecording.h"
 
 namespace {
 
 using namespace Norvik::Tests;
+using namespace Norvik::Platform;
 using Norvik::Common::AppleFundation;
 using Norvik::Common::ToUtf8;
-using Norvik::Platform::CfRef;
-using Norvik::Platform::CountLiveObjects;
-using Norvik::Platform::IoObject;
-using Norvik::Platform::LiveObjects;
 
 CfRef<CFPropertyListRef> ReadFile(const boost::filesystem::path& path) {
-  const CfRef<CFStringRef> text(
-      CFStringCreateWithCString(kCFAllocatorDefault, path.c_str(), kCFStringEncodingUTF8));
-  const CfRef<CFURLRef> url(
-      CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.Get(), kCFURLPOSIXPathStyle, false));
+  const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
+      kCFAllocatorDefault, CfTextOf(path.c_str()).Get(), kCFURLPOSIXPathStyle, false));
   return CfRef<CFPropertyListRef>(AppleFundation::CreateMyPropertyListFromFile(url.Get()));
 }
 
@@ -34,23 +29,15 @@ TEST(AppleFundation, ReadsTextsAndNumbersOfAFile) {
     ASSERT_TRUE(list);
     auto root = static_cast<CFDictionaryRef>(list.Get());
     CFDictionaryRef none = nullptr;
-    const struct {
-      CFDictionaryRef dictionary;
-      const char* key;
-      const char* text;
-      unsigned long long number;
-    } cases[] = {
+    const std::tuple<CFDictionaryRef, const char*, const char*, unsigned long long> cases[] = {
         {root, "Größe", "groß", 0}, {root, "size", "", 8000000000}, {root, "below", "", ~0ULL},
         {root, "real", "", 2},      {root, "data", "", 0},          {root, "on", "", 0},
         {root, "absent", "", 0},    {none, "size", "", 0},
     };
-    for (auto row : cases) {
-      EXPECT_EQ(ToUtf8(AppleFundation::GetCFDictionaryStringProperty(row.dictionary, row.key)),
-                row.text)
-          << row.key;
-      EXPECT_EQ(AppleFundation::GetCFDictionaryIntergerProperty(row.dictionary, row.key),
-                row.number)
-          << row.key;
+    for (auto [dictionary, key, text, number] : cases) {
+      EXPECT_EQ(ToUtf8(AppleFundation::GetCFDictionaryStringProperty(dictionary, key)), text)
+          << key;
+      EXPECT_EQ(AppleFundation::GetCFDictionaryIntergerProperty(dictionary, key), number) << key;
     }
   }
   for (const char* const name : {"absent.plist", ".", "empty.plist"}) {

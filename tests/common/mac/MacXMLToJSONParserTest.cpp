@@ -48,32 +48,15 @@ TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
   const LogCapture log;
   EXPECT_EQ(Parsed(""), "");
   EXPECT_TRUE(log.Lines().empty());
-  const auto times = [](int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-  };
-  const auto nested = [&](int depth) {
-    return "<plist>" + times(depth, "<array>") + times(depth, "</array>") + "</plist>";
-  };
-  EXPECT_NE(Parsed(nested(511)), "");
-  const std::pair<const char*, std::string> rows[] = {
-      {"no XML", "Graphics/Displays:\n\n    Fjord Graphics:\n"},
-      {"binary", std::string("bplist00\xD1\x00\x01\xFF", 12)},
-      {"no UTF-8", "<plist><array><string>\xFF</string></array></plist>"},
-      {"something behind it", PropertyListOf("[]") + "x"},
-      {"crossed", "<plist><array></plist></array>"},
-      {"too deep", nested(512)},
-      {"millions of elements", "<plist><array>" + times(1000000, "<a/>") + "</array></plist>"},
-      {"a long mark-up", "<plist><array " + std::string(70000, ' ') + "/></plist>"},
-      {"entities",
-       "<!DOCTYPE plist [<!ENTITY a \"x\">]><plist><array><string>&a;</string></array>"
-       "</plist>"},
-  };
-  for (const auto& [name, xml] : rows) EXPECT_EQ(Parsed(xml), "") << name;
-  EXPECT_EQ(log.Texts(5).size(), std::size(rows));
+  std::size_t refused = 0;
+  for (const Json& row : DataOf("common/mac/odd-lists.json")) {
+    const bool isList = row["isList"];
+    EXPECT_EQ(!Parsed(row["bytes"].get<Bytes>()).empty(), isList) << row["name"];
+    refused += !isList;
+    EXPECT_EQ(log.Texts(5).size(), refused) << row["name"];
+  }
   const auto whole =
-      PropertyListOf("[{\"_dataType\": \"SPUSBDataType\", \"_items\": [{\"_name\": \"USB€\"}]}]");
+      PropertyListOf(R"([{"_dataType": "SPUSBDataType", "_items": [{"_name": "USB€"}]}])");
   const auto end = whole.rfind('>');
   for (std::size_t length = 0; length < end; ++length) {
     ASSERT_EQ(Parsed(whole.substr(0, length)), "") << length;

@@ -1,53 +1,36 @@
 #include "common/rest/RemoteTaskDownloader.h"
 
-#include <boost/property_tree/json_parser.hpp>
 #include <sstream>
 
 #include "common/rest/PendingTasks.h"
 #include "support/Cases.h"
+#include "support/FakeHost.h"
 
 namespace {
 
 using namespace Norvik::Common;
-using Norvik::Tests::Json;
+using namespace Norvik::Tests;
 
-/// A server that has one answer, or none, and keeps what it is told.
-struct OneAnswer : ICommunicationSystem {
-  bool ProcessMessage(const IRestRequest&, IRestResponse& response) override {
-    if (!answer.is_object()) return false;
-    std::istringstream stream(answer.dump());
-    boost::property_tree::ptree body;
-    boost::property_tree::read_json(stream, body);
-    response.Assign(body);
-    return true;
-  }
-  void ReportTaskStatus(const TaskResponseInfo& status) override {
-    states.push_back(status.requestId + " " + std::to_string(status.status) + " " + status.message);
-  }
-  void NewFileOnOutbox() override {}
-
-  Json answer;
-  std::vector<std::string> states;
-};
-
-struct ToText : boost::static_visitor<void> {
-  explicit ToText(std::ostream& target) : stream(target) {}
-  void operator()(const wxString& text) const { stream << text.utf8_string(); }
-  void operator()(const AgentConfigurationInfo&) const {}
-  void operator()(const ActionTimePoint& time) const {
-    stream << std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
-  }
-  template <class Value>
-  void operator()(const Value& value) const {
-    stream << value;
-  }
-  std::ostream& stream;
-};
+std::string TextOf(const ActionPropertyValue& value) {
+  std::ostringstream stream;
+  const auto write = [&](const auto& held) {
+    using Value = std::decay_t<decltype(held)>;
+    if constexpr (std::is_same_v<Value, wxString>) {
+      stream << held.utf8_string();
+    } else if constexpr (std::is_same_v<Value, ActionTimePoint>) {
+      stream << std::chrono::system_clock::to_time_t(held);
+    } else if constexpr (!std::is_same_v<Value, AgentConfigurationInfo>) {
+      stream << held;
+    }
+  };
+  boost::apply_visitor(write, value);
+  return stream.str();
+}
 
 /// The tasks, each with its parameters as name=TYPE:value, and then what the server was told.
 std::vector<std::string> Fetched(const Json& answer) {
-  const auto server = std::make_shared<OneAnswer>();
-  server->answer = answer;
+  const auto server = std::make_shared<FakeCommunications>();
+  if (answer.is_object()) server->answer = answer.dump();
   ActionParameters base;
   base.Set("a", wxString("base"));
   base.Set("base", wxString("x"));
@@ -63,17 +46,18 @@ std::vector<std::string> Fetched(const Json& answer) {
     text << task.identifier << ' ' << task.code << ' ' << task.when.periodSeconds << ' '
          << task.when.next;
     for (const auto& [name, value] : task.parameters.Values()) {
-      text << ' ' << name << '=' << value.which() << ':';
-      boost::apply_visitor(ToText(text), value);
+      text << ' ' << name << '=' << value.which() << ':' << TextOf(value);
     }
     texts.push_back(text.str());
   }
-  texts.insert(texts.end(), server->states.begin(), server->states.end());
+  for (const auto& status : server->statuses) {
+    texts.push_back(status.requestId + " " + std::to_string(status.status) + " " + status.message);
+  }
   return texts;
 }
 
 TEST(RemoteTaskDownloader, GivesTheGoodTasksAndTellsTheServerOfTheOthers) {
-  Norvik::Tests::ExpectRows(Norvik::Tests::DataOf("common/rest/remote-tasks.json"), Fetched);
+  ExpectRows(DataOf("common/rest/remote-tasks.json"), Fetched);
   EXPECT_TRUE(RemoteTaskDownloader(nullptr, PRODUCT_KOB, {}, "", nullptr).GetSchedules().empty());
 }
 

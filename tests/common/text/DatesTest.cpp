@@ -5,7 +5,7 @@
 #include <clocale>
 
 #include "support/Cases.h"
-#include "support/TimeZone.h"
+#include "support/Surroundings.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using namespace Norvik::Common;
 using namespace Norvik::Tests;
 using std::chrono::system_clock;
 
-const Json TABLES = DataOf("common/text/dates.json");
+const Json DATES = DataOf("common/text/dates.json");
 
 long SecondsOf(const system_clock::time_point& time) { return system_clock::to_time_t(time); }
 
@@ -24,9 +24,9 @@ std::vector<long> BothWays(const std::string& text, const std::string& format) {
 
 TEST(Dates, AreWrittenInUtcAndReadInLocalTimeOrUtc) {
   const TimeZone zone("PST8PDT,M3.2.0,M11.1.0");
-  ExpectRows(TABLES["date of seconds"], DateToISODateUTC);
-  ExpectRows(TABLES["date and time of seconds"], DateToISOCombinedUTC);
-  ExpectRows(TABLES["local and UTC seconds of a text and a format"], BothWays);
+  ExpectRows(DATES["date of seconds"], DateToISODateUTC);
+  ExpectRows(DATES["date and time of seconds"], DateToISOCombinedUTC);
+  ExpectRows(DATES["local and UTC seconds of a text and a format"], BothWays);
 }
 
 TEST(Dates, AreReadInEnglishWhateverTheLocale) {

@@ -9,9 +9,9 @@
 #include <stdexcept>
 
 #include "host/actions/SerialActions.h"
-#include "support/Cases.h"
 #include "support/FakeActionClock.h"
 #include "support/LogCapture.h"
+#include "support/Steps.h"
 #include "support/TestDatabase.h"
 
 namespace {
@@ -27,9 +27,11 @@ using testing::HasSubstr;
 constexpr unsigned int CODE = 1036;
 constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
+const std::string KEY = PeriodicKey(CODE);
 
+/// The first time is told in seconds behind the start.
 ActionTiming Timing(long period, long next) {
-  return {seconds(period), system_clock::time_point(seconds(next))};
+  return {seconds(period), system_clock::time_point(seconds(START + next))};
 }
 
 /// Work that lasts until it is let go.
@@ -47,18 +49,17 @@ class LongWork {
   std::promise<void> release_;
 };
 
-class ActionSystemTest : public testing::Test {
- protected:
-  ActionSystemTest() { Start(); }
+struct ActionsUnderTest {
+  ActionsUnderTest() { Start(); }
 
   void Start() {
     system_ = std::make_unique<ActionSystem>(Data(), clock_);
     system_->SetActionFactory([this](unsigned int, const ActionParameters&) { return Counting(); });
   }
   /// What a new start of the process finds, behind a clean stop and a while.
-  void Restart(seconds downTime) {
+  void Restart(long downTime) {
     system_.reset();
-    clock_->Move(downTime);
+    clock_->Move(seconds(downTime));
     dataBase_.Reopen();
     Start();
   }
@@ -79,23 +80,16 @@ class ActionSystemTest : public testing::Test {
     return Action([this] { ++runs_; });
   }
   void RunOnce(Work work) { system_->RunOneShot(CODE, Action(work), seconds(0)); }
-  void CreateDoing(Work work, long period, long next, unsigned int code = CODE) {
+  void Create(unsigned int code, long period, long next, Work work) {
     AgentData data = Data();
     system_->CreatePeriodic(code, Action(work), data, Timing(period, next));
   }
-  void Create(long period, long next, unsigned int code = CODE) {
-    CreateDoing([this] { ++runs_; }, period, next, code);
+  void CreateCounting(unsigned int code, long period, long next) {
+    Create(code, period, next, [this] { ++runs_; });
   }
   void Replace(long period, long next) {
     AgentData data = Data();
     system_->ReplacePeriodic(CODE, Counting(), data, Timing(period, next));
-  }
-  void AddSchedule(long period, long next) {
-    Schedule schedule;
-    schedule.identifier = "task-1";
-    schedule.code = CODE;
-    schedule.when = {period, next};
-    system_->AddSchedule(schedule);
   }
   /// Lets the time pass; answers how often the action ran since the last time that it was asked.
   int RunsWithin(long time) {
@@ -104,7 +98,7 @@ class ActionSystemTest : public testing::Test {
     system_->WaitIdle();
     return runs_.exchange(0);
   }
-  std::string Stored(const std::string& key = PeriodicKey(CODE)) const {
+  std::string Stored(const std::string& key) const {
     return Data().GetOptionalString(key).get_value_or("none");
   }
 
@@ -114,6 +108,8 @@ class ActionSystemTest : public testing::Test {
   std::atomic<int> runs_{0};
   std::unique_ptr<ActionSystem> system_;
 };
+
+struct ActionSystemTest : testing::Test, ActionsUnderTest {};
 
 TEST_F(ActionSystemTest, AOneShotRunsOnceBehindItsDelayWithItsParameters) {
   wxString text;
@@ -166,70 +162,55 @@ TEST_F(ActionSystemTest, AnActionWithoutAHandlerIsAnsweredByADefaultResponseAndO
   EXPECT_EQ(log_.Texts(Logger::LEVEL_WARNING).size(), 1u);
 }
 
-/// A row is a name and steps; times are in seconds behind the start.
-class Timetable : public ActionSystemTest, public testing::WithParamInterface<Json> {
- protected:
-  static long TimeIn(const Json& cell) { return START + cell.get<long>(); }
-
-  void Do(const Json& step) {
-    const std::string verb = step[0];
-    if (verb == "once") return system_->RunOneShot(CODE, Counting(), seconds(step[1]));
-    if (verb == "create")
-      return Create(step[1], TimeIn(step[2]), step.size() > 3 ? step[3].get<unsigned int>() : CODE);
-    if (verb == "replace") return Replace(step[1], TimeIn(step[2]));
-    if (verb == "schedule") return AddSchedule(step[1], TimeIn(step[2]));
-    if (verb == "restart behind") return Restart(seconds(step[1]));
-    if (verb == "set clock") return clock_->SetTimeOfDay(TimeIn(step[1]));
-    AgentData data = Data();
-    if (verb == "store") return void(data.SetString(PeriodicKey(CODE), step[1]));
-    if (verb == "resume") return system_->ResumePeriodic(CODE, Counting(), data);
-    Expect(verb, step);
-  }
-  void Expect(const std::string& verb, const Json& step) {
-    if (verb == "runs within") {
-      EXPECT_EQ(RunsWithin(step[1]), step[2].get<int>());
-    } else if (verb == "stored") {
-      EXPECT_EQ(Stored(step[1]), step[2].get<std::string>());
-    } else if (verb == "next") {
-      EXPECT_EQ(system_->Next() ? system_->Next()->label : "", step[1].get<std::string>());
-    } else if (verb == "last line") {
+/// Times are in seconds, those of the clock and first ones behind the start.
+struct Timetable : StepsTest, ActionsUnderTest {
+  Timetable() {
+    Verb("once", [this](long delay) { system_->RunOneShot(CODE, Counting(), seconds(delay)); });
+    Verb("create", &ActionsUnderTest::CreateCounting);
+    Verb("replace", &ActionsUnderTest::Replace);
+    Verb("schedule", [this](long period, long next) {
+      system_->AddSchedule({"task-1", CODE, {}, {period, START + next}});
+    });
+    Verb("restart behind", &ActionsUnderTest::Restart);
+    Verb("set clock", [this](long time) { clock_->SetTimeOfDay(START + time); });
+    Verb("store", [this](const std::string& state) { Data().SetString(KEY, state); });
+    Verb("resume", [this] {
+      AgentData data = Data();
+      system_->ResumePeriodic(CODE, Counting(), data);
+    });
+    Verb("runs within", &ActionsUnderTest::RunsWithin);
+    Verb("stored", [this](const std::string& key) { return Stored(key); });
+    Verb("next", [this] { return system_->Next() ? system_->Next()->label : ""; });
+    Verb("last line", [this](std::size_t count, const std::string& text) {
       const auto lines = log_.Texts(Logger::LEVEL_INFORMATION);
-      EXPECT_EQ(lines.size(), step[1].get<std::size_t>());
-      EXPECT_THAT(lines.back(), HasSubstr(step[2].get<std::string>()));
-    } else {
-      ADD_FAILURE() << "no such verb";
-    }
+      EXPECT_EQ(lines.size(), count);
+      EXPECT_THAT(lines.back(), HasSubstr(text));
+    });
   }
 };
 
-TEST_P(Timetable, IsKeptWhateverHappensToProcessAndClock) {
-  const Json& steps = GetParam()["steps"];
-  for (std::size_t i = 0; i < steps.size(); ++i) {
-    SCOPED_TRACE("step " + std::to_string(i + 1) + ": " + steps[i].dump());
-    Do(steps[i]);
-  }
-}
+TEST_P(Timetable, IsKeptWhateverHappensToProcessAndClock) { Follow(); }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Timetable, testing::ValuesIn(DataOf("host/actions/timetables.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST_F(ActionSystemTest, ARunIsMarkedInTheStateAsLongAsItLasts) {
   std::string during;
-  CreateDoing([&] { during = Stored(); }, PERIOD, START);
+  Create(CODE, PERIOD, 0, [&] { during = Stored(KEY); });
   system_->WaitIdle();
   EXPECT_EQ(during, "100 1000100 1000000");
-  EXPECT_EQ(Stored(), "100 1000100");
+  EXPECT_EQ(Stored(KEY), "100 1000100");
 }
 
 TEST_F(ActionSystemTest, AHandlerMayInstallItsOwnActionAnew) {
   for (const bool replace : {true, false}) {
     AgentData data = Data();
-    const long now = system_clock::to_time_t(clock_->Now());
-    const auto again = [&] { replace ? Replace(0, now + 30) : Create(0, now + 30); };
+    const long now = system_clock::to_time_t(clock_->Now()) - START;
+    const auto again = [&] { replace ? Replace(0, now + 30) : CreateCounting(CODE, 0, now + 30); };
     system_->ReplacePeriodic(CODE, Action(again), data, Timing(0, now));
     system_->WaitIdle();
-    EXPECT_EQ(Stored(), "0 " + std::to_string(now + 30)) << replace;
-    EXPECT_EQ(RunsWithin(30), 1) << replace;
+    EXPECT_EQ(Stored(KEY), "0 " + std::to_string(START + now + 30)) << replace;
+    EXPECT_EQ(RunsWithin(31), 1) << replace;
   }
 }
 
@@ -242,7 +223,7 @@ TEST_F(ActionSystemTest, RunsOfOneActionDoNotOverlap) {
     if (++runs_ == 1) first.Do();
     --running;
   };
-  CreateDoing(work, PERIOD, START);
+  Create(CODE, PERIOD, 0, work);
   first.WaitForStart();
   for (int i = 0; i < 5; ++i) {
     clock_->Move(seconds(PERIOD));
@@ -258,7 +239,7 @@ TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue)
   system_ = std::make_unique<ActionSystem>(Data(), clock_, 1);
   LongWork first;
   RunOnce([&] { first.Do(); });
-  Create(PERIOD, START);
+  CreateCounting(CODE, PERIOD, 0);
   system_->QueueAction(Counting());
   first.WaitForStart();
   auto stopping = std::async(std::launch::async, [&] { system_->Stop(); });
@@ -268,7 +249,7 @@ TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue)
   system_->RunOneShot(CODE, Counting(), seconds(0));
   system_->WaitIdle();
   EXPECT_EQ(runs_, 0);
-  EXPECT_EQ(Stored(), "100 1000000");
+  EXPECT_EQ(Stored(KEY), "100 1000000");
 }
 
 TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
@@ -314,16 +295,13 @@ TEST_F(ActionSystemTest, ASystemWithARealClockFiresByItself) {
   EXPECT_EQ(fired.get_future().wait_for(seconds(20)), std::future_status::ready);
 }
 
+std::string ReadBack(const std::string& text) {
+  const auto state = ParsePeriodicState(text);
+  return state ? ToText(*state) : "none";
+}
+
 TEST(PeriodicState, ReadsBackWhatItWritesAndRefusesEverythingElse) {
-  for (const char* text : {"0 0", "86400 1767225600", "86400 1767312000 1767225600"}) {
-    const auto state = ParsePeriodicState(text);
-    ASSERT_TRUE(state) << text;
-    EXPECT_EQ(ToText(*state), text);
-  }
-  for (const char* text : {"", "1", "1 x", "-1 5", "1 -5", "1 2 3 4", "1 2 x", "1 99999999999",
-                           "99999999999999999999 1"}) {
-    EXPECT_FALSE(ParsePeriodicState(text)) << text;
-  }
+  ExpectRows(DataOf("host/actions/states.json"), ReadBack);
 }
 
 }  // namespace

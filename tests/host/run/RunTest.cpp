@@ -1,6 +1,7 @@
 // Recorded machines, which hold an inventory here, are in force on systems other than macOS only.
 #ifdef __linux__
 
+#include <boost/algorithm/string/replace.hpp>
 #include <set>
 
 #include "common/database/AgentData.h"
@@ -120,7 +121,7 @@ TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   RunWell({"notify", "software"});
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   EXPECT_EQ(Status()["agent"]["running"][0]["action"], "1071 ACTION_TOTAL_INVENTORY");
-  service->Signal(SIGTERM);
+  ::kill(service->Id(), SIGTERM);
   ASSERT_TRUE(Logs("The service stops"));
   EXPECT_THAT(Log(), Not(HasSubstr("KOB Inventory finished")));
   OpenGate();
@@ -150,61 +151,43 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   })) << periodic;
 
   WriteFile(folder_ / "data/configuration.json", "{");
-  service->Signal(SIGHUP);
+  ::kill(service->Id(), SIGHUP);
   EXPECT_TRUE(Logs("The configuration is not read again: "));
   WriteFile(folder_ / "data/configuration.json", R"({"profileId": 8})");
-  service->Signal(SIGHUP);
+  ::kill(service->Id(), SIGHUP);
   EXPECT_TRUE(Logs("is read again"));
   WriteFile(file, R"({"profileId": "eight"})");
   EXPECT_EQ(Run({"configure", file.string()}).code, 2);
 }
 
+/// A row is a name, the state of the schedule, in how many seconds it is due, the state in which
+/// the kill comes, and how often the action starts and what the state is after the restart. In a
+/// state N stands for the time when it is due, L for the one after that.
 TEST_F(Service, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
-  const struct {
-    const char* name;
-    long period;
-    long dueIn;              ///< seconds behind the start
-    const char* when;        ///< the kill comes: "waiting", "running" or "ended"
-    int runsAfter;           ///< the restart
-    const char* stateAfter;  ///< N: first time; L: the one after it
-  } rows[] = {
-      {"before it was due", 1000, 5000, "waiting", 0, "1000 N"},
-      {"while it ran", 1000, 0, "running", 1, "1000 L"},
-      {"after it had run", 1000, 0, "ended", 0, "1000 L"},
-      {"a single one before it was due", 0, 5000, "waiting", 0, "0 N"},
-      {"a single one while it ran", 0, 0, "running", 1, "none"},
-      {"a single one after it had run", 0, 0, "ended", 0, "none"},
-  };
   RunWell({"inventory"});
-  for (const auto& row : rows) {
-    const long due = system_clock::to_time_t(system_clock::now()) + row.dueIn;
-    const auto state = [&](const std::string& toWrite = "") { return State(1036, toWrite); };
-    const std::string first = std::to_string(row.period) + " " + std::to_string(due);
-    const std::string later = "1000 " + std::to_string(due + 1000);
-    state(first);
-    const std::string when = row.when;
-    if (when == "running") CloseGate();
+  for (const auto& row : DataOf("host/run/kills.json")) {
+    SCOPED_TRACE(row);
+    const long due = system_clock::to_time_t(system_clock::now()) + row[2].get<long>();
+    const auto timed = [&](std::string state) {
+      boost::replace_all(state, "N", std::to_string(due));
+      return boost::replace_all_copy(state, "L", std::to_string(due + 1000));
+    };
+    const auto reaches = [&](const std::string& state) {
+      return Eventually([&] { return State(1036) == timed(state); });
+    };
+    State(1036, timed(row[1]));
+    if (row[4] == 1) CloseGate();
     auto service = Start({"run"});
-    const std::string ended = row.period == 0 ? "none" : later;
-    const std::string reached = when == "waiting" ? first
-                                : when == "ended"
-                                    ? ended
-                                    : (row.period == 0 ? first : later) + " " + std::to_string(due);
-    EXPECT_TRUE(Eventually([&] { return state() == reached; })) << row.name << ": " << state();
-    EXPECT_EQ(service->End(SIGKILL), 128 + SIGKILL) << row.name;
-
+    EXPECT_TRUE(reaches(row[3])) << State(1036);
+    EXPECT_EQ(service->End(SIGKILL), 128 + SIGKILL);
     OpenGate();
     const std::string before = Log();
     service = Start({"run"});
-    std::string wanted = row.stateAfter;
-    if (wanted == "1000 L") wanted = later;
-    if (wanted.back() == 'N') wanted = first;
-    EXPECT_TRUE(Eventually([&] { return state() == wanted; })) << row.name << ": " << state();
-    EXPECT_EQ(service->End(SIGTERM), 0) << row.name;
+    EXPECT_TRUE(reaches(row[5])) << State(1036);
+    EXPECT_EQ(service->End(SIGTERM), 0);
     const std::string since = Log().substr(before.size());
-    EXPECT_EQ(CountOf("Action 1036 ACTION_INCREMENTAL_INVENTORY starts", since), row.runsAfter)
-        << row.name << since;
-    state(" ");
+    EXPECT_EQ(CountOf("Action 1036 ACTION_INCREMENTAL_INVENTORY starts", since), row[4]) << since;
+    State(1036, " ");
   }
 }
 

@@ -96,7 +96,7 @@ struct ManagementServer::Inside {
 };
 
 ManagementServer::ManagementServer(const boost::filesystem::path& certificate,
-                                   const boost::filesystem::path& key, bool listens)
+                                   const boost::filesystem::path& key)
     : inside_(std::make_unique<Inside>()) {
   auto& server = inside_->server;
   if (certificate.empty()) {
@@ -110,21 +110,17 @@ ManagementServer::ManagementServer(const boost::filesystem::path& certificate,
   server->Put(std::string(AGENTS) + ".*", handler);
   server->Post(std::string(AGENTS) + ".*", handler);
   inside_->port = server->bind_to_any_port("127.0.0.1");
-  if (listens) Listen();
+  inside_->thread = std::thread([this] { inside_->server->listen_after_bind(); });
+  while (!inside_->server->is_running()) std::this_thread::yield();
 }
 
 ManagementServer::~ManagementServer() {
   Set([](State& state) { state.closing = true; });
   inside_->server->stop();
-  if (inside_->thread.joinable()) inside_->thread.join();
+  inside_->thread.join();
 }
 
 int ManagementServer::Port() const { return inside_->port; }
-
-void ManagementServer::Listen() {
-  inside_->thread = std::thread([this] { inside_->server->listen_after_bind(); });
-  while (!inside_->server->is_running()) std::this_thread::yield();
-}
 
 void ManagementServer::Set(const std::function<void(State&)>& change) {
   const std::lock_guard<std::mutex> lock(inside_->mutex);

@@ -30,13 +30,11 @@ class ManagementServer {
   };
 
   /// Without a certificate it speaks plain HTTP. Both files are PEM.
-  /// @param listens if not, it takes connections, and answers from `Listen` on
   explicit ManagementServer(const boost::filesystem::path& certificate = {},
-                            const boost::filesystem::path& key = {}, bool listens = true);
+                            const boost::filesystem::path& key = {});
   ~ManagementServer();
 
   int Port() const;
-  void Listen();
   void Set(const std::function<void(State&)>& change);
   std::vector<std::string> Requests() const;
   /// False if they do not come within half a minute.

@@ -8,15 +8,15 @@
 #include "module/ModuleUnderTest.h"
 #include "module/NetworkDrivesHandler/TextArchive.h"
 #include "support/Cases.h"
-#include "support/CommaLocale.h"
+#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace testing;
 using namespace Tests;
-using Texts = std::vector<std::string>;
-using Messages = std::vector<Common::IPCMessage>;
+using TextList = std::vector<std::string>;
+using Messages = decltype(FakeCommunications::sent);
 using Drives = std::vector<NetworkDriveInfo>;
 
 NetworkDriveInfo Drive(const std::string& unit, const std::string& path,
@@ -41,12 +41,7 @@ struct Side {
     handlers.at(code)(parameters);
   }
   void Take(const Messages& messages) {
-    for (const auto& message : messages) Run(message.code, message.key, message.value);
-  }
-  Messages Sent() const {
-    Messages messages;
-    for (const auto& [session, message] : host.communications->sent) messages.push_back(message);
-    return messages;
+    for (const auto& [session, message] : messages) Run(message.code, message.key, message.value);
   }
 
   FakeHost host;
@@ -59,11 +54,11 @@ Messages MessagesOf(const Drives& drives) {
   Side user(1, drives);
   user.Run(1067, "requestNetworkDrives", "requestNetworkDrives");
   for (const auto& [session, message] : user.host.communications->sent) EXPECT_EQ(session, 0U);
-  return user.Sent();
+  return user.host.communications->sent;
 }
 
-Texts Stored() {
-  Texts texts;
+TextList Stored() {
+  TextList texts;
   const Drives drives = NetworkDrivesHandler::GetFromDb().get_value_or({});
   for (const auto& drive : drives) {
     texts.push_back(drive.unit + " " + drive.path + " " + drive.server);
@@ -85,7 +80,7 @@ TEST(NetworkDrivesActions, ARoundReplacesTheTableByTheUsersDrives) {
   for (std::size_t i = 0; i < rounds.size(); ++i) {
     EXPECT_THAT(rounds[i], SizeIs(1 + rows[i]["drives"].size())) << rows[i]["name"];
     service.Take(rounds[i]);
-    EXPECT_EQ(Stored(), rows[i]["stored"].get<Texts>()) << rows[i]["name"];
+    EXPECT_EQ(Stored(), rows[i]["stored"].get<TextList>()) << rows[i]["name"];
   }
   EXPECT_THAT(service.host.log.Texts(2), IsEmpty());
 }
@@ -95,8 +90,8 @@ TEST(NetworkDrivesActions, AnArchiveThatDoesNotParseStoresNothing) {
   drive.id = 18446744073709551615U;
   const std::string whole = Serialize(drive);
   EXPECT_EQ(Deserialize<NetworkDriveInfo>(whole).id, drive.id);
-  Texts archives = {"garbage", "22 serialization::archive 99 0 0 1 0  0  0 ",
-                    "22 serialization::archive 19 0 9 1 0  0  0 "};
+  TextList archives = {"garbage", "22 serialization::archive 99 0 0 1 0  0  0 ",
+                       "22 serialization::archive 19 0 9 1 0  0  0 "};
   const std::string start = whole.substr(0, whole.find("4 unit"));
   for (const char* length : {"5000000000", "18446744073709551615", "99999999999999999999", "-1"}) {
     archives.push_back(start + length + " unit");
@@ -109,24 +104,6 @@ TEST(NetworkDrivesActions, AnArchiveThatDoesNotParseStoresNothing) {
   EXPECT_THAT(service.host.log.Texts(2),
               Each(StartsWith("Can not deserialize NetworkDriveInfo: ")));
   EXPECT_THAT(Stored(), IsEmpty());
-}
-
-TEST(NetworkDrivesActions, TheServiceAsksEverySessionAndNobodyIfThereIsNone) {
-  Side service(0);
-  service.Run(32001);
-  service.host.communications->sessions = {{5, {"501"}}, {9, {"502"}}};
-  service.Run(32001);
-  service.host.communications->accepts = false;
-  service.Run(32001);
-  EXPECT_THAT(service.Sent(), SizeIs(4));
-  const auto& [session, message] = service.host.communications->sent[1];
-  EXPECT_EQ(session, 9U);
-  EXPECT_EQ(std::tie(message.kind, message.code, message.key, message.value),
-            std::make_tuple(1, 1067U, "requestNetworkDrives", "requestNetworkDrives"));
-  EXPECT_TRUE(service.host.log.Holds(5, "IPC Message sent for user: 9"));
-  EXPECT_THAT(service.host.log.Texts(2),
-              ElementsAre("There are no users available to receive IPC message",
-                          "Message NOT sent for user: 5", "Message NOT sent for user: 9"));
 }
 
 TEST(NetworkDrivesActions, AFailedMessageIsLoggedAndTheNextDriveIsSent) {
@@ -142,20 +119,11 @@ TEST(NetworkDrivesActions, AFailedMessageIsLoggedAndTheNextDriveIsSent) {
                           "IPC Message NOT sent", gone, gone, gone));
 }
 
-TEST(NetworkDrivesActions, NothingIsClearedWithoutTheKeyOfTheMessageOrAListOfDrives) {
-  {
-    Side user(1, boost::none);
-    user.Run(1067, "other");
-    user.Run(1067, "requestNetworkDrives");
-    EXPECT_THAT(user.Sent(), IsEmpty());
-    EXPECT_THAT(user.host.actions->Texts(), ElementsAre("once 1065 +0"));
-  }
-  const Messages drives = MessagesOf({Drive("a", "//s/a")});
-  Side service(0);
-  service.Take(drives);
-  service.Run(1066, "other");
-  EXPECT_THAT(Stored(), ElementsAre("a //s/a files"));
-  EXPECT_TRUE(service.host.log.Holds(5, "Wrong IPC message received"));
+TEST(NetworkDrivesActions, NothingIsClearedWithoutAListOfDrives) {
+  Side user(1, boost::none);
+  user.Run(1067, "requestNetworkDrives");
+  EXPECT_THAT(user.host.communications->sent, IsEmpty());
+  EXPECT_THAT(user.host.actions->Texts(), ElementsAre("once 1065 +0"));
 }
 
 TEST(NetworkDrivesActions, AStoreThatFailsIsLoggedByWhatItDid) {

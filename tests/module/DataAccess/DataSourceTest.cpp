@@ -2,107 +2,116 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 #include "module/DataAccess/KOBDataSourceV2.h"
+#include "support/Json.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using Common::V2::DataBase;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 using namespace testing;
+using Tests::LogCapture;
 using Tests::TestDatabase;
+using Newer = KOBDataSourceV2;
+using SoftwareList = std::vector<Common::SoftwareRegisteredInfo>;
 
-TEST(KOBDataSource, GivesAFreshDatabaseItsDefaults) {
+TEST(KOBDataSource, SharesItsValuesWithTheNewerStore) {
   const TestDatabase database;
-  const KOBDataSource store(database);
+  KOBDataSource store(database);
   EXPECT_THAT(store.getInventoryChangePeriod(), Pointee(3600));
   EXPECT_THAT(store.getLastInventoryChanged(), Pointee(KOBDataSource::TimePoint()));
   EXPECT_THAT(store.getLastScheduleInventoryID(), Pointee(0));
-  EXPECT_EQ(KOBDataSourceV2::getInventoryChangePeriod(), 3600U);
-}
-
-TEST(KOBDataSource, LeavesWhatTheNewerStoreHasWritten) {
-  const TestDatabase database;
-  KOBDataSourceV2::checkKOBDataTable();  // zeros, the period too
-  KOBDataSourceV2::updateScheduleInventoryID(9);
-  const KOBDataSource store(database);
-  EXPECT_THAT(store.getInventoryChangePeriod(), Pointee(0));
-  EXPECT_THAT(store.getLastScheduleInventoryID(), Pointee(9));
-}
-
-TEST(KOBDataSource, WritesWhatTheNewerStoreReads) {
-  const TestDatabase database;
-  KOBDataSource store(database);
   EXPECT_TRUE(store.updateInventoryChangedPeriod(60));
   EXPECT_TRUE(store.updateLastInventoryChanged(system_clock::from_time_t(1700000000)));
   EXPECT_TRUE(store.updateScheduleInventoryID(12));
-  EXPECT_EQ(KOBDataSourceV2::getInventoryChangePeriod(), 60U);
-  EXPECT_EQ(KOBDataSourceV2::getLastInventoryChanged(), 1700000000U);
-  EXPECT_EQ(KOBDataSourceV2::getLastScheduleInventoryID(), 12U);
+  EXPECT_EQ(Newer::getInventoryChangePeriod(), 60U);
+  EXPECT_EQ(Newer::getLastInventoryChanged(), 1700000000U);
+  EXPECT_EQ(Newer::getLastScheduleInventoryID(), 12U);
+  // Also a zero stands.
+  Newer::updateInventoryChangedPeriod(0);
+  EXPECT_THAT(KOBDataSource(database).getInventoryChangePeriod(), Pointee(0));
 }
 
 TEST(KOBDataSource, WaitsFromTheFirstSecondBehindAChangeUntilThePeriodIsOver) {
   const TestDatabase database;
   for (const int sinceChange : {-50, 50, 300}) {
-    KOBDataSourceV2::updateInventoryChangedPeriod(200);
-    KOBDataSourceV2::updateLastInventoryChanged(system_clock::now() - seconds(sinceChange));
+    Newer::updateInventoryChangedPeriod(200);
+    Newer::updateLastInventoryChanged(system_clock::now() - seconds(sinceChange));
     const KOBDataSource store(database);
     EXPECT_EQ(store.checkWaitingPeriod(), sinceChange == 50) << sinceChange;
     EXPECT_NEAR(static_cast<double>(store.waitingTime()), sinceChange, 10.0);
   }
 }
 
-TEST(KOBDataSource, ReadsTheStateOfTheOlderFileInventory) {
-  const TestDatabase database;
+TEST(KOBDataSource, AnswersNullFalseOrNothingWithoutItsTablesOrItsDatabase) {
+  const LogCapture log;
+  TestDatabase database;
   KOBDataSource store(database);
   EXPECT_EQ(store.GetRudStatus(), "");
   TestDatabase::Run("insert into RUD_STATE(id, state_name) values(1, 'Scanning')");
   EXPECT_EQ(store.GetRudStatus(), "Scanning");
   TestDatabase::Run("alter table RUD_STATE drop column state_name");
-  EXPECT_EQ(store.GetRudStatus(), "");
-}
-
-TEST(KOBDataSource, AnswersNullFalseOrNothingWithoutItsTablesOrItsDatabase) {
-  const Tests::LogCapture log;
-  TestDatabase database;
-  KOBDataSource store(database);
   TestDatabase::Run("drop table KOB_DATA");
-  EXPECT_EQ(store.getInventoryChangePeriod(), nullptr);
-  EXPECT_EQ(store.getLastInventoryChanged(), nullptr);
-  EXPECT_EQ(store.getLastScheduleInventoryID(), nullptr);
-  EXPECT_FALSE(store.updateScheduleInventoryID(1));
-
-  database.Close();
-  EXPECT_EQ(store.getLastInventoryChanged(), nullptr);
-  EXPECT_FALSE(store.updateLastInventoryChanged(system_clock::now()));
-  EXPECT_EQ(store.GetRudStatus(), "");
+  for (const char* missing : {"tables", "database"}) {
+    SCOPED_TRACE(missing);
+    EXPECT_EQ(store.GetRudStatus(), "");
+    EXPECT_EQ(store.getInventoryChangePeriod(), nullptr);
+    EXPECT_EQ(store.getLastInventoryChanged(), nullptr);
+    EXPECT_EQ(store.getLastScheduleInventoryID(), nullptr);
+    EXPECT_FALSE(store.updateScheduleInventoryID(1));
+    EXPECT_FALSE(KOBDataSource(database).checkWaitingPeriod());
+    database.Close();
+  }
   EXPECT_FALSE(store.ReplaceRegistredSoftware({}));
-  EXPECT_FALSE(KOBDataSource(database).checkWaitingPeriod());
 }
 
-TEST(KOBDataSource, ReplacesTheRegisteredSoftwareInOneBatch) {
-  const TestDatabase database;
-  KOBDataSource store(database);
-  const auto installed = [] {
-    return TestDatabase::Run("select name, install_date from KOB_REGISTERED_SOFTWARE");
-  };
-  Common::SoftwareRegisteredInfo software;
-  EXPECT_TRUE(store.ReplaceRegistredSoftware({software}));
-  software.name = "O'Editor";
-  software.installDate = 1700000000;
-  const Tests::LogCapture log;
-  EXPECT_TRUE(store.ReplaceRegistredSoftware({software}));
-  EXPECT_THAT(installed(), ElementsAre(ElementsAre(std::string("O'Editor"), 1700000000)));
-  EXPECT_THAT(log.Texts(7), ElementsAre(">>", "<<"));
+Common::SoftwareRegisteredInfo Editor(const std::string& version) {
+  Common::SoftwareRegisteredInfo software(tests::ParseJson(R"({"isPatch": true,
+      "name": "O'Editor", "uninstallCommand": "remove 'it'", "installDate": 1700000000000,
+      "publisher": "Maker", "sizeBytes": 5000000000, "productCode": "{1}", "source": "store",
+      "location": "/Applications"})"));
+  software.version = version;
+  return software;
+}
 
-  // Unlike the newer store this one refuses a duplicate, and the rows before are still there.
-  EXPECT_FALSE(store.ReplaceRegistredSoftware({software, software}));
-  EXPECT_THAT(log.Texts(2),
-              ElementsAre(StartsWith("Error Replace Registered Software: UNIQUE constraint")));
-  EXPECT_THAT(installed(), ElementsAre(ElementsAre(std::string("O'Editor"), 1700000000)));
+TEST(RegisteredSoftware, IsReplacedInOneBatchByEitherStore) {
+  // Unlike the newer store the older one refuses a duplicate, and the rows before are still there.
+  const struct {
+    std::function<bool(const SoftwareList&)> replace;
+    bool takesDuplicates;
+    const char* failure;
+  } stores[] = {
+      {[](const SoftwareList& list) { return KOBDataSource({}).ReplaceRegistredSoftware(list); },
+       false, "Error Replace Registered Software: "},
+      {Newer::ReplaceRegistredSoftware, true, "Create table error: "}};
+  for (const auto& store : stores) {
+    SCOPED_TRACE(store.failure);
+    const LogCapture log;
+    const TestDatabase database;
+    const auto rows = [] {
+      return TestDatabase::Run(
+          "select is_patch, name, uninstall_str, install_date, version, publisher, size, "
+          "product_id, source, location from KOB_REGISTERED_SOFTWARE order by version");
+    };
+    EXPECT_TRUE(store.replace({Editor("0")}));
+    EXPECT_TRUE(store.replace({Editor("2"), Editor("1")}));
+    ASSERT_THAT(rows(), SizeIs(2));
+    EXPECT_EQ(rows()[0],
+              Common::V2::DataBaseRow({1, std::string("O'Editor"), std::string("remove 'it'"),
+                                       1700000000, std::string("1"), std::string("Maker"),
+                                       5000000000LL, std::string("{1}"), std::string("store"),
+                                       std::string("/Applications")}));
+    EXPECT_EQ(store.replace({Editor("3"), Editor("3")}), store.takesDuplicates);
+    EXPECT_THAT(rows(), SizeIs(store.takesDuplicates ? 1 : 2));
+    TestDatabase::Run("drop table KOB_REGISTERED_SOFTWARE");
+    EXPECT_FALSE(store.replace({}));
+    EXPECT_EQ(log.Texts(2).back().rfind(store.failure, 0), 0U);
+  }
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "support/Cases.h"
-#include "support/Json.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 
@@ -22,14 +21,14 @@ using Tests::TestDatabase;
 /// The texts of its failures stand in a data file.
 struct Value {
   const char* key;
-  std::function<bool(unsigned int)> update;
+  std::function<bool(std::uint64_t)> update;
   std::function<unsigned int()> get;
 };
 
 /// An update by a time, which is to be cut to seconds.
-std::function<bool(unsigned int)> Timed(bool (*update)(const Store::TimePoint&)) {
-  return [=](unsigned int seconds) {
-    return update(system_clock::from_time_t(seconds) + milliseconds(999));
+std::function<bool(std::uint64_t)> Timed(bool (*update)(const Store::TimePoint&)) {
+  return [=](std::uint64_t seconds) {
+    return update(system_clock::from_time_t(static_cast<std::time_t>(seconds)) + milliseconds(999));
   };
 }
 
@@ -50,33 +49,21 @@ const Value VALUES[] = {
      &Store::getAmountAttemptsExecutedOnTimeSlot},
 };
 
-DataBaseRows RowsOf(const std::string& key) {
-  return TestDatabase::Run("select value from KOB_DATA where name='{1}'", {key});
-}
-
-TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKey) {
+TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKeyAndAllButOneIn32Bits) {
   const TestDatabase database;
   for (const auto& value : VALUES) {
     SCOPED_TRACE(value.key);
     EXPECT_EQ(value.get(), 0U);
-    for (const unsigned int number : {1700000000U, 4294967295U, 0U}) {
+    const bool isWide = value.key == std::string("datetime_last_inventory");
+    for (const std::uint64_t number : {1700000000ULL, 4294967295ULL, 4294967301ULL, 0ULL}) {
+      const auto cut = static_cast<unsigned int>(number);
       EXPECT_TRUE(value.update(number));
-      EXPECT_EQ(value.get(), number);
-      EXPECT_EQ(RowsOf(value.key), DataBaseRows({{std::to_string(number)}}));
+      EXPECT_EQ(value.get(), cut);
+      EXPECT_EQ(TestDatabase::Run("select value from KOB_DATA where name='{1}'",
+                                  {std::string(value.key)}),
+                DataBaseRows({{std::to_string(isWide ? number : cut)}}));
     }
   }
-}
-
-TEST(KOBDataSourceV2, CutsTimesTo32BitsButForTheDateOfTheLastInventory) {
-  const TestDatabase database;
-  const Store::TimePoint late = system_clock::from_time_t(4294967296 + 5);
-  Store::updateLastInventoryChanged(late);
-  Store::updateRudCompletoLastInventory(late);
-  Store::updateDateTimeLastInventory(late);
-  EXPECT_EQ(RowsOf("last_inventory_changed"), DataBaseRows({{std::string("5")}}));
-  EXPECT_EQ(RowsOf("rud_last_inventory"), DataBaseRows({{std::string("5")}}));
-  EXPECT_EQ(RowsOf("datetime_last_inventory"), DataBaseRows({{std::string("4294967301")}}));
-  EXPECT_EQ(Store::getDateTimeLastInventory(), 5U);
 }
 
 TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
@@ -116,39 +103,6 @@ TEST(KOBDataSourceV2, SeedsZerosAndLeavesWhatIsThere) {
       "select group_concat(name || '=' || value) from (select * from KOB_DATA order by id)");
   EXPECT_EQ(rows, DataBaseRows({{std::string("scheduled_inventory_id=7,last_inventory_changed=0,"
                                              "inventory_changed_period=0,rud_last_inventory=0")}}));
-}
-
-Common::SoftwareRegisteredInfo Software(const std::string& name, const std::string& version) {
-  Common::SoftwareRegisteredInfo software(tests::ParseJson(R"({"isPatch": true,
-      "uninstallCommand": "remove 'it'", "installDate": 1700000000000, "publisher": "Maker",
-      "sizeBytes": 5000000000, "productCode": "{1}", "source": "store",
-      "location": "/Applications"})"));
-  software.name = name;
-  software.version = version;
-  return software;
-}
-
-TEST(KOBDataSourceV2, ReplacesTheRegisteredSoftwareAndPassesOverDuplicates) {
-  const TestDatabase database;
-  EXPECT_TRUE(Store::ReplaceRegistredSoftware({Software("Old", "1")}));
-  EXPECT_TRUE(Store::ReplaceRegistredSoftware(
-      {Software("O'Editor", "1"), Software("O'Editor", "2"), Software("O'Editor", "1")}));
-  const auto rows = TestDatabase::Run(
-      "select is_patch, name, uninstall_str, install_date, version, publisher, size, product_id, "
-      "source, location from KOB_REGISTERED_SOFTWARE order by version");
-  ASSERT_THAT(rows, SizeIs(2));
-  EXPECT_EQ(rows[0], Common::V2::DataBaseRow(
-                         {1, std::string("O'Editor"), std::string("remove 'it'"), 1700000000,
-                          std::string("1"), std::string("Maker"), 5000000000LL, std::string("{1}"),
-                          std::string("store"), std::string("/Applications")}));
-}
-
-TEST(KOBDataSourceV2, LogsWhyTheSoftwareCouldNotBeReplaced) {
-  const TestDatabase database;
-  TestDatabase::Run("drop table KOB_REGISTERED_SOFTWARE");
-  const Tests::LogCapture log;
-  EXPECT_FALSE(Store::ReplaceRegistredSoftware({}));
-  EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("Create table error: no such table")));
 }
 
 }  // namespace

@@ -49,15 +49,6 @@ TEST(EntitiesTest, TextsSurviveLocaleCInSomeRecordsAndNotInTheOthers) {
   });
 }
 
-TEST(DeviceInfoTest, AFilledDeviceComesBack) {
-  auto device = Filled<DeviceInfo>();
-  device.type = 255;
-  device.assetDate = 1767225600123;
-  const auto back = ReadBack<DeviceInfo>(JsonText(device));
-  EXPECT_EQ(JsonText(back), JsonText(device));
-  EXPECT_EQ(back.type, 255);
-}
-
 TEST(ConfigurationInfoTest, WhatComesFromCommunicationsIsNeitherWrittenNorCompared) {
   ConfigurationInfo configuration;
   configuration.communicationsNumber = 443;
@@ -67,25 +58,24 @@ TEST(ConfigurationInfoTest, WhatComesFromCommunicationsIsNeitherWrittenNorCompar
 }
 
 TEST(GeoLocationPointTest, PointsCloserThanTheToleranceAreEqual) {
-  GeoLocationPoint point;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const GeoLocationPoint point;
+  EXPECT_TRUE(point.IsZero());
   for (double GeoLocationPoint::*member :
        {&GeoLocationPoint::longitude, &GeoLocationPoint::latitude, &GeoLocationPoint::height,
         &GeoLocationPoint::acceleration}) {
-    GeoLocationPoint moved;
-    moved.*member = 0.000009;
-    EXPECT_TRUE(moved == point);
-    moved.*member = 0.00001;
-    EXPECT_FALSE(moved == point);
-    moved.*member = -0.00001;
-    EXPECT_TRUE(moved != point);
-    moved.*member = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(moved == moved);
-    EXPECT_FALSE(moved.IsZero());
-    moved.*member = 0.0000001;
-    EXPECT_TRUE(moved == point);
-    EXPECT_FALSE(moved.IsZero());
+    for (const auto& [by, isEqual] : {std::pair(0.000009, true),
+                                      {1e-7, true},
+                                      {0.00001, false},
+                                      {-0.00001, false},
+                                      {nan, false}}) {
+      GeoLocationPoint moved;
+      moved.*member = by;
+      EXPECT_EQ(moved == point, isEqual) << by;
+      EXPECT_EQ(moved != point, !isEqual) << by;
+      EXPECT_FALSE(moved.IsZero()) << by;
+    }
   }
-  EXPECT_TRUE(point.IsZero());
 }
 
 TEST(GeoLocationPointTest, DigitsBeyondTheSixthAreLostSoThatThePointDiffers) {

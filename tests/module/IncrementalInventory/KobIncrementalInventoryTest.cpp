@@ -74,75 +74,14 @@ class KobIncrementalInventoryTest : public testing::Test {
     return result;
   }
   std::string Document() { return JsonText(*Compare()); }
-  /// The document of changes that are told in these words.
-  std::string DocumentOf(const std::string& created, const std::string& deleted,
-                         const std::string& updated) {
-    return R"({"create":)" + created + R"(,"delete":)" + deleted + R"(,"device":)" +
-           JsonText(current.device) + R"(,"update":)" + updated + "}";
-  }
   const IncrementalInventoryKOBInfo& Changes() {
     return dynamic_cast<const IncrementalInventoryKOBInfo&>(*Compare());
   }
-  template <class Section, class Value>
-  void Set(const Section& section, const Value& before, const Value& now) {
-    section.In(previous) = before;
-    section.In(current) = now;
-  }
-
   const ScopedLocale utf8{"C.UTF-8"};
   InventoryKOBInfo previous;
   InventoryKOBInfo current;
   std::unique_ptr<InventoryKOBInfo> result;  ///< of the last comparison; owned by its base
 };
-
-/// An object with a list under a key.
-template <class... T>
-std::string ObjectOf(const std::string& key, const T&... records) {
-  std::string text;
-  ((text += (text.empty() ? "" : ",") + JsonText(records)), ...);
-  return "{\"" + key + "\":[" + text + "]}";
-}
-
-TEST_F(KobIncrementalInventoryTest, EachListTellsWhatWasCreatedUpdatedAndDeleted) {
-  ForEachSection([&](const auto& section) {
-    using Section = std::decay_t<decltype(section)>;
-    if constexpr (Section::isList) {
-      using Record = typename Section::Value::value_type;
-      using Deleted = DeletedRecordOf<Record>;
-      std::vector<Record> r;
-      for (int number = 0; number < 6; ++number) r.push_back(Numbered<Record>(number));
-      const Record changed = ChangedOutsideKey(r[2]);
-      previous = current = InventoryKOBInfo();
-      Set(section, typename Section::Value{r[0], r[1], r[2], r[3]},
-          typename Section::Value{r[5], changed, r[1], r[4]});
-      const std::string updated = ObjectOf(section.key, changed);
-      if constexpr (Section::kind == SectionKind::ListOfUpdates) {
-        EXPECT_EQ(Document(), DocumentOf("null", "null", updated));
-      } else {
-        EXPECT_EQ(Document(),
-                  DocumentOf(ObjectOf(section.key, r[5], r[4]),
-                             ObjectOf(section.key, Deleted(r[0]), Deleted(r[3])), updated));
-      }
-    }
-  });
-}
-
-TEST_F(KobIncrementalInventoryTest, EachFieldOfASingleRecordIsAnUpdateOfTheWholeRecord) {
-  ForEachSection([&](const auto& section) {
-    using Section = std::decay_t<decltype(section)>;
-    using Value = typename Section::Value;
-    if constexpr (!Section::isList && Section::kind != SectionKind::Device) {
-      previous = current = FilledInventory();
-      ForEachChange<Value>([&](const std::string& key, const Value& changed) {
-        Set(section, Filled<Value>(), changed);
-        EXPECT_EQ(Document(),
-                  DocumentOf("null", "null",
-                             "{\"" + std::string(section.key) + "\":" + JsonText(changed) + "}"))
-            << section.key << " " << key;
-      });
-    }
-  });
-}
 
 TEST_F(KobIncrementalInventoryTest,
        AnInventoryAndItsStoredDocumentGiveNullThoughTheDeviceIsCopied) {
@@ -160,13 +99,6 @@ TEST_F(KobIncrementalInventoryTest, AMemoryModuleThatWasAddedOrRemovedIsKeptButN
   std::swap(previous, current);
   EXPECT_EQ(Document(), "null");
   EXPECT_EQ(Changes().Deleted<MemorySlots>().size(), 1u);
-}
-
-TEST_F(KobIncrementalInventoryTest, ALocationThatIsLostIsAnUpdateToZeros) {
-  previous.location.latitude = 41.25;
-  EXPECT_EQ(Document(),
-            DocumentOf("null", "null",
-                       R"({"location":{"acceleration":0,"height":0,"latitude":0,"longitude":0}})"));
 }
 
 }  // namespace

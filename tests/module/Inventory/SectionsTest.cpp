@@ -1,8 +1,15 @@
 #include <gmock/gmock.h>
+#include <grp.h>
+#include <pwd.h>
+#include <time.h>
+#include <utmp.h>
+#include <utmpx.h>
 
 #include <boost/core/demangle.hpp>
 
+#include "common/identification/HostInfoProvider.h"
 #include "common/text/Text.h"
+#include "module/CaseFolder.h"
 #include "module/CommonInventorySections/AlternativeBiosSection.h"
 #include "module/CommonInventorySections/BiosSection.h"
 #include "module/CommonInventorySections/BoardSlotsSection.h"
@@ -10,18 +17,20 @@
 #include "module/Inventory/CdromSection.h"
 #include "module/Inventory/HardwareSection.h"
 #include "module/Inventory/KeyboardSection.h"
+#include "module/Inventory/LocalUsersSection.h"
 #include "module/Inventory/MonitorsSection.h"
 #include "module/Inventory/NetworkDrivesSection.h"
 #include "module/Inventory/PrintersSection.h"
 #include "module/Inventory/ServicesSection.h"
+#include "module/Inventory/SystemSection.h"
 #include "module/Inventory/VideoSection.h"
+#include "platform/ScopedHandle.h"
 #include "platform/compat/LiveObjects.h"
-#include "support/FixedFilesLock.h"
 #include "support/LogCapture.h"
 #include "support/MacRecording.h"
 #include "support/RecordJson.h"
 #include "support/SmbiosTable.h"
-#include "support/TimeZone.h"
+#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -34,6 +43,24 @@ struct Told {
   std::string raised;  ///< type of the exception
 };
 
+template <class Value>
+Json RecordsOf(const Value& value) {
+  return JsonOf(value);
+}
+
+/// It is no part of a document itself.
+Json RecordsOf(const SystemInfo& info) {
+  const auto text = [](const wxString& it) { return Json(Common::ToUtf8(it)); };
+  return {{"domain", text(info.domain)},
+          {"workGroup", text(info.workGroup)},
+          {"description", text(info.description)},
+          {"server", text(info.server)},
+          {"userName", text(info.userName)},
+          {"virtualizationAvailable", info.virtualizationAvailable},
+          {"virtualizationLabel", text(info.virtualizationLabel)},
+          {"virtualizationKeyword", text(info.virtualizationKeyword)}};
+}
+
 template <class Section, class Value>
 Told Ask(Section section, void (Section::*getInfo)(Value&)) {
   Told told;
@@ -43,7 +70,7 @@ Told Ask(Section section, void (Section::*getInfo)(Value&)) {
   } catch (const std::exception& error) {
     told.raised = boost::core::demangle(typeid(error).name());
   }
-  told.records = JsonOf(value);
+  told.records = RecordsOf(value);
   if (!told.records.is_array()) told.records = Json::array({told.records});
   return told;
 }
@@ -71,40 +98,28 @@ const std::map<std::string, Told (*)(const SharedSmBios&)> SECTIONS = {
     {"printers", AskOf<PrintersSection>},
     {"services", AskOf<ServicesSection>},
     {"shares", AskOf<CSharedResourcesSection>},
+    {"system", AskOf<SystemSection>},
     {"video", AskOf<VideoSection>},
 };
 
-/// In a value of a case, "see: name" stands for what the case, or its file, has under the name.
-Json Resolved(Json value, const Json& entry) {
-  if (value.is_string() && value.get_ref<const std::string&>().rfind("see: ", 0) == 0) {
-    return Resolved(entry.at(value.get<std::string>().substr(5)), entry);
+/// The system's records of logins: type, time and user.
+std::string LoginsOf(const Json& logins) {
+  std::string records;
+  for (const Json& login : logins) {
+    utmpx record{};
+    record.ut_type = login[0];
+    record.ut_tv.tv_sec = login[1];
+    login[2].get<std::string>().copy(record.ut_user, sizeof(record.ut_user));
+    records.append(reinterpret_cast<const char*>(&record), sizeof(record));
   }
-  if (value.is_structured()) {
-    for (Json& inner : value) inner = Resolved(inner, entry);
-  }
-  return value;
+  return records;
 }
 
-struct Case {
-  Json entry;
-  friend void PrintTo(const Case& shown, std::ostream* stream) {
-    *stream << shown.entry["name"].get<std::string>();
-  }
-};
-
-/// What a case does not say stands in its file.
 std::vector<Case> AllCases() {
-  std::vector<Case> cases;
-  for (const auto& [section, ask] : SECTIONS) {
-    Json file = DataOf("module/Inventory/sections/" + section + ".json");
-    for (const Json& row : std::exchange(file["cases"], nullptr)) {
-      Json entry = file;
-      entry.update(row);
-      entry["section"] = section;
-      for (const char* part : {"answers", "files", "registry", "smBios", "records"}) {
-        if (entry.contains(part)) entry[part] = Resolved(entry[part], entry);
-      }
-      cases.push_back({entry});
+  auto cases = CasesIn("module/Inventory/sections");
+  for (Case& it : cases) {
+    for (const char* part : {"answers", "files", "registry", "smBios", "records"}) {
+      if (it.entry.contains(part)) it.entry[part] = Resolved(it.entry[part], it.entry);
     }
   }
   return cases;
@@ -117,17 +132,25 @@ class Sections : public testing::TestWithParam<Case> {
     boost::filesystem::current_path(folder_.Path());
     const Json& entry = GetParam().entry;
     for (const auto& [call, answer] : PartOf(entry, "answers").items()) {
-      recording_.AddAnswer(call, answer);
+      const bool isBytes = answer.is_object() && answer.contains("bytes");
+      recording_.AddAnswer(call, isBytes ? Json(answer["bytes"].get<Bytes>()) : answer);
     }
     for (const auto& [name, content] : PartOf(entry, "files").items()) {
       const std::string text =
           content.is_string() ? content.get<std::string>() : PropertyListOf(content);
       name[0] == '/' ? WriteFile(name, text) : void(recording_.Add(name, text));
     }
+    for (const auto& [name, target] : PartOf(entry, "links").items()) {
+      boost::filesystem::create_symlink(target.get<std::string>(), recording_.Path() / name);
+    }
     if (entry.contains("registry")) recording_.AddRegistry(entry["registry"]);
-    recording_.PutInForce();
+    recording_.Add("logins", LoginsOf(entry.value("logins", Json::array()))).PutInForce();
+    ::utmpxname((recording_.Path() / "logins").c_str());
   }
-  ~Sections() override { boost::filesystem::current_path(previous_); }
+  ~Sections() override {
+    ::utmpxname(_PATH_UTMP);
+    boost::filesystem::current_path(previous_);
+  }
 
  private:
   const boost::filesystem::path previous_ = boost::filesystem::current_path();
@@ -142,7 +165,7 @@ TEST_P(Sections, TellWhatTheMachineHas) {
   const LogCapture log;
   const auto smBios = std::make_shared<Common::SmBios>(entry.value("smBiosVersion", 0x301u),
                                                        SmbiosTableOf(PartOf(entry, "smBios")));
-  const Told told = SECTIONS.at(entry["section"])(smBios);
+  const Told told = SECTIONS.at(GetParam().file)(smBios);
   const Json wanted = entry.value("records", Json::array());
   EXPECT_EQ(Shown(Chosen(told.records, wanted)), Shown(wanted));
   EXPECT_THAT(told.raised, testing::EndsWith(entry.value("raises", "")));
@@ -158,21 +181,107 @@ TEST_P(Sections, TellWhatTheMachineHas) {
   EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
 }
 
-/// Words as the name of a test: "no tool" as "NoTool".
-std::string Joined(const std::string& words) {
-  std::string name;
-  bool begins = true;
-  for (const char letter : words) {
-    const bool isPart = std::isalnum(static_cast<unsigned char>(letter)) != 0;
-    if (isPart) name += static_cast<char>(begins ? std::toupper(letter) : letter);
-    begins = !isPart;
+INSTANTIATE_TEST_SUITE_P(Cases, Sections, testing::ValuesIn(AllCases()), CaseName());
+
+TEST(ServicesSection, AProgramThatWasSeenOnceCountsAsRunning) {
+  MacRecording recording;
+  const Json service = {{"Label", "a"}, {"Program", "/sbin/run"}};
+  recording.Add("root/Library/LaunchDaemons/a.plist", PropertyListOf(service)).PutInForce();
+  ServicesSection section;
+  const std::pair<const char*, const char*> rows[] = {
+      {"[]", "Stopped"}, {R"([{"pid": 4, "path": "/sbin/run"}])", "Running"}, {"[]", "Running"}};
+  for (const auto& [processes, state] : rows) {
+    recording.Add("processes.json", processes);
+    std::list<ServiceInfo> services;
+    section.GetInfo(services);
+    EXPECT_EQ(JsonOf(services).at(0).at("state"), state) << processes;
   }
-  return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Sections, testing::ValuesIn(AllCases()), [](const auto& row) {
-  return Joined(row.param.entry["section"]) + "_" + Joined(row.param.entry["name"]);
-});
+TEST(SystemSection, NamesThisHostAndTheTime) {
+  const auto before = std::time(nullptr);
+  SystemInfo info;
+  SystemSection().GetInfo(info);
+  EXPECT_EQ(info.hostName, Common::WxStringFromStdString(Common::HostInfoProvider::GetHostName()));
+  EXPECT_GE(info.collectionTime, before);
+  EXPECT_LE(info.collectionTime, std::time(nullptr));
+}
+
+TEST(LocalUsersSection, GivesOneRecordWithAllAccounts) {
+  std::list<LocalUserInfo::UserSettings> accounts;
+  while (const passwd* const entry = ::getpwent()) {
+    auto& account = accounts.emplace_back();
+    account.userName = Common::WxStringFromStdString(entry->pw_name);
+    account.description = Common::WxStringFromStdString(entry->pw_gecos);
+    account.enabled = true;
+  }
+  ::endpwent();
+  std::list<LocalUserInfo::GroupSettings> groups;
+  while (const group* const entry = ::getgrent()) {
+    auto& settings = groups.emplace_back();
+    settings.name = Common::WxStringFromStdString(entry->gr_name);
+    for (const char* const* member = entry->gr_mem; *member; ++member) {
+      settings.users.push_back(Common::WxStringFromStdString(*member));
+    }
+  }
+  ::endgrent();
+  for (const char* time : {"first", "second"}) {
+    std::list<LocalUserInfo> result;
+    LocalUsersSection().GetInfo(result);
+    ASSERT_EQ(result.size(), 1U) << time;
+    EXPECT_EQ(JsonOf(result.front().groups), JsonOf(groups)) << time;
+    EXPECT_EQ(JsonOf(result.front().users), JsonOf(accounts)) << time;
+  }
+}
+
+TEST(VideoSection, TheAidsListAndShowEveryAccelerator) {
+  MacRecording recording;
+  recording.AddRegistry(Json::parse(R"(["Root", {},
+      ["A", {"IOObjectInherits": ["IOAccelerator"], "PerformanceStatistics": {
+          "GPU Core Utilization": 125000000, "vramFreeBytes": 3000, "vramUsedBytes": 1000}}],
+      ["A", {"IOObjectInherits": ["IOAccelerator"], "PerformanceStatistics": {
+          "GPU Core Utilization": 5, "vramFreeBytes": "none"}}],
+      ["A", {"IOObjectInherits": ["IOAccelerator"]}], ["P"]])"));
+  recording.PutInForce();
+  LogCapture log;
+  testing::internal::CaptureStderr();
+  unsigned int parent = IO_OBJECT_NULL;
+  std::list<unsigned int> handles;
+  GetGPUList(parent, handles);
+  EXPECT_EQ(handles.size(), 3u);
+  for (const unsigned int handle : handles) IOObjectRelease(handle);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "GPU: 12.500% VRAM: 25.000%\n");
+  EXPECT_TRUE(log.Holds(7, ">>"));
+  EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
+}
+
+/// Local time of the date that firmware with the text tells, in the zone of this process, as the
+/// library has asked for it once; or the number that stands for none.
+std::string DateIn(const std::string& text) {
+  const Json firmware = {0, 0, {1, 0, 0, 0, 2}, "Fjord Inc.", text};
+  const auto smBios =
+      std::make_shared<Common::SmBios>(0x204, SmbiosTableOf(Json::array({firmware})));
+  SmBiosInfo info;
+  BiosSection(smBios).GetInfo(info);
+  if (info.date <= 0) return std::to_string(info.date);
+  const std::time_t date = info.date;
+  char local[32];
+  ::strftime(local, sizeof(local), "%Y-%m-%d %H:%M:%S", ::localtime(&date));
+  return local;
+}
+
+TEST(BiosSection, TheDateIsALocalMidnight) {
+  const LogCapture log;
+  ExpectRows(Json::parse(R"([["04/27/2021", "2021-04-27 00:00:00"],
+                             ["12/02/2009", "2009-12-02 00:00:00"],
+                             ["04/27/21", "-1"],
+                             ["13/45/2021", "0"],
+                             ["no date", "0"],
+                             ["", "0"]])"),
+             DateIn);
+  SmBiosInfo info;
+  EXPECT_THROW(BiosSection({}).GetInfo(info), std::bad_weak_ptr);
+}
 
 }  // namespace
 }  // namespace Norvik::KOB

@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
+#include <time.h>
 
 #include <sstream>
+#include <stdexcept>
 
 #include "module/Inventory/CSharedResourcesSection.h"
+#include "module/Inventory/Edid.h"
 #include "module/Inventory/KeyboardSection.h"
 #include "module/Inventory/NetworkDrivesSection.h"
 #include "module/Inventory/PrintersSection.h"
 #include "support/RecordJson.h"
+#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -45,19 +49,56 @@ std::vector<std::string> ShareWith(const Bytes& properties) {
   return {share[0]["description"], share[0]["path"]};
 }
 
-TEST(SectionTexts, TellWhatTheirReadersFindInThem) {
-  const Json tables = DataOf("module/Inventory/texts.json");
-  ExpectRows(tables["configurations of printers"], PrintersIn);
-  ExpectRows(tables["lines of a printer: description, port, manufacturer"], PrinterP);
-  ExpectRows(tables["names of drivers"], DriverNameIn);
-  ExpectRows(tables["keyboard layouts"], ReadKeyboardLayout);
-  ExpectRows(tables["servers of volumes"], ServerOfVolume);
-  ExpectRows(tables["properties of shares: description, path"], ShareWith);
+std::string DateOf(const std::string& text) {
+  const auto seconds = static_cast<::time_t>(static_cast<std::uint32_t>(getDate(text)));
+  char day[16];
+  ::strftime(day, sizeof(day), "%Y-%m-%d", ::gmtime(&seconds));
+  return day;
 }
 
-TEST(PrintersConfiguration, IsReadInTimeThatGrowsWithItsSize) {
-  const std::string blanks(1000000, ' ');
-  EXPECT_EQ(PrinterP(blanks + "DeviceURI u\n</Printer>" + blanks)[1], "u");
+Json KindAndText(const std::string& text) {
+  const Descriptor descriptor = getDescriptor(text);
+  return {static_cast<int>(descriptor.kind), Bytes(descriptor.text)};
+}
+
+/// Name and serial number of a display with these texts, where the digits are its serial number.
+std::vector<std::string> NameAndSerial(const std::vector<std::pair<int, std::string>>& texts,
+                                       const std::string& digits) {
+  std::vector<Descriptor> descriptors;
+  for (const auto& [kind, text] : texts) descriptors.push_back({kind, text});
+  return {getName(descriptors), getSerial(descriptors, digits)};
+}
+
+template <auto function>
+void Hold(const Json& rows) {
+  ExpectRows(rows, function);
+}
+
+const std::pair<const char*, void (*)(const Json&)> TABLES[] = {
+    {"configurations of printers", Hold<PrintersIn>},
+    {"lines of a printer: description, port, manufacturer", Hold<PrinterP>},
+    {"names of drivers", Hold<DriverNameIn>},
+    {"keyboard layouts", Hold<ReadKeyboardLayout>},
+    {"servers of volumes", Hold<ServerOfVolume>},
+    {"properties of shares: description, path", Hold<ShareWith>},
+    {"numbers", Hold<hex2num>},
+    {"manufacturers", Hold<getIDManufacturer>},
+    {"product codes", Hold<getProductCode>},
+    {"versions", Hold<getEDIDVersion>},
+    {"descriptors: kind, text", Hold<KindAndText>},
+    {"dates", Hold<DateOf>},
+    {"names and serial numbers", Hold<NameAndSerial>}};
+
+TEST(SectionTexts, TellWhatTheirReadersFindInThem) {
+  const TimeZone utc("UTC0");
+  Json tables = DataOf("module/Inventory/texts.json");
+  tables.update(DataOf("module/Inventory/edid.json"));
+  EXPECT_EQ(tables.size(), std::size(TABLES));
+  for (const auto& [name, hold] : TABLES) {
+    SCOPED_TRACE(name);
+    hold(tables[name]);
+  }
+  EXPECT_THROW(getDescriptor("00000"), std::out_of_range);
 }
 
 }  // namespace

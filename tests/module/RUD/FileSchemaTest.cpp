@@ -14,7 +14,7 @@ namespace Norvik::KOB::V2 {
 namespace {
 
 using namespace Tests;
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 using Lines = std::set<std::string>;
 
 constexpr char SCHEMA[] = "file-inventory";
@@ -42,7 +42,7 @@ TEST_F(FileSchemaTest, AllowsWhatThePrinterMakesAndHasNoPropertyThatOccursInNone
   check.Add(SCHEMA, "total", Total());
   SaveScan({Detailed("new", "text"), {"plain"}, {"odd", -1}}, true);
   check.Add(SCHEMA, "incremental", Print(true));
-  EXPECT_EQ(check.Problems({"--cover", "--annotations"}), Lines());
+  EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
 }
 
 TEST_F(FileSchemaTest, AServerComesToWhatTheMachineHasByWhatItSends) {
@@ -55,18 +55,18 @@ TEST_F(FileSchemaTest, AServerComesToWhatTheMachineHasByWhatItSends) {
   SaveScan(now, true);
   const std::string changes = Print(true);
   SaveScan(now, false);
-  const Json merged =
-      Json::parse(Documents::ApplyIncrement({"total", total}, {"changes", changes}));
-  EXPECT_EQ(merged["paths"], Json::parse(Print(false))["paths"]);
-  EXPECT_EQ(merged["device"], Json::parse(changes)["device"]);
+  const PlainJson merged =
+      PlainJson::parse(Documents::ApplyIncrement({"total", total}, {"changes", changes}));
+  EXPECT_EQ(merged["paths"], PlainJson::parse(Print(false))["paths"]);
+  EXPECT_EQ(merged["device"], PlainJson::parse(changes)["device"]);
 }
 
 TEST_F(FileSchemaTest, RefusesWhatNoDocumentMaySay) {
-  const Json total = Json::parse(Total());
-  const Json rows = DataOf("module/RUD/refusals.json");
+  const PlainJson total = PlainJson::parse(Total());
+  const PlainJson rows = DataOf("module/RUD/refusals.json");
   for (const auto& row : rows) {
-    Json document = total;
-    document[Json::json_pointer(row[1])] = row[2];
+    PlainJson document = total;
+    document[PlainJson::json_pointer(row[1])] = row[2];
     check.Add(SCHEMA, row[0], document.dump());
   }
   const Lines problems = check.Problems();
@@ -80,13 +80,13 @@ TEST_F(FileSchemaTest, RefusesWhatNoDocumentMaySay) {
 
 /// Every key but those that stand only for some files is in each object.
 TEST_F(FileSchemaTest, RefusesAnObjectWithoutOneOfItsKeys) {
-  const Json total = Json::parse(Total());
+  const PlainJson total = PlainJson::parse(Total());
   Lines expected;
   for (const std::string place : {"", "/device", "/paths/0", "/paths/0/files/0"}) {
-    for (const auto& [key, value] : total[Json::json_pointer(place)].items()) {
+    for (const auto& [key, value] : total[PlainJson::json_pointer(place)].items()) {
       if (key == "detail" || key == "executable" || key == "lastMod") continue;
-      Json document = total;
-      document[Json::json_pointer(place)].erase(key);
+      PlainJson document = total;
+      document[PlainJson::json_pointer(place)].erase(key);
       check.Add(SCHEMA, key, document.dump());
       expected.insert(std::string(SCHEMA) + "/" + key + "#" + place + ": '" + key +
                       "' is a required property");

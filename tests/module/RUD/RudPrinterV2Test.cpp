@@ -1,13 +1,19 @@
 #include "module/RUD/RudPrinterV2.h"
 
 #include <gmock/gmock.h>
+#include <soci/error.h>
 
+#include <boost/filesystem/operations.hpp>
+#include <functional>
 #include <regex>
 
+#include "common/identification/HostInfoProvider.h"
 #include "module/RUD/ScannedFiles.h"
+#include "platform/WaitClock.h"
+#include "support/Cases.h"
 #include "support/FakeHost.h"
 #include "support/Files.h"
-#include "support/FullDisk.h"
+#include "support/Surroundings.h"
 
 namespace Norvik::KOB::V2 {
 namespace {
@@ -30,7 +36,7 @@ class RudPrinterTest : public testing::Test {
 };
 
 TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
-  const RudFileDetails all = {"P", "1", "", "M", "D"};
+  const RudFileDetails all = {"P", "1", "", "M", "it's"};
   const RudFileDetails blank = {"", "", "2", "", " "};
   const RudFileDetails versions = {"", "3", "2", "", ""};
   SaveScan({{"one", 0, 0, "/a"},
@@ -39,32 +45,13 @@ TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
             {"four", 4000, 0, "/a", blank},
             {"five", 5000, 0, "/c", versions}},
            false);
-  EXPECT_EQ(Print(false),
-            R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)"
-            R"({"files":[{"detail":{"fileVersion":""},"extension":"EXE","fileStatus":-1,)"
-            R"("filename":"four","lastMod":4000,"size":0}],"pathName":"/a"},)"
-            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"it s \"two\"",)"
-            R"("lastMod":-1,"size":0}],"pathName":"/a/h"},)"
-            R"({"files":[{"extension":"EXE","fileStatus":-1,"filename":"one","size":0},)"
-            R"({"detail":{"description":"D","manufacturer":"M","name":"P","productVersion":"1"},)"
-            R"("executable":true,"extension":"EXE","fileStatus":-1,"filename":"three",)"
-            R"("lastMod":3000,"size":0}],"pathName":"/a"},)"
-            R"({"files":[{"detail":{"fileVersion":"3","productVersion":"3"},"extension":"EXE",)"
-            R"("fileStatus":-1,"filename":"five","lastMod":5000,"size":0}],"pathName":"/c"}],)"
-            R"("typeInventory":0})");
+  EXPECT_EQ(Print(false), DataOf("module/RUD/documents.json")["total"].dump());
 }
 
 TEST_F(RudPrinterTest, AnIncrementalDocumentHoldsNewThenRemovedThenModifiedFiles) {
   SaveScan({{"removed"}, {"modified"}, {"same"}}, false);
   SaveScan({{"modified", 2000}, {"same"}, {"new"}}, true);
-  const auto file = [](const std::string& status, const std::string& name,
-                       const std::string& time) {
-    return R"({"files":[{"extension":"EXE","fileStatus":)" + status + R"(,"filename":")" + name +
-           R"(","lastMod":)" + time + R"(,"size":0}],"pathName":"/it s"})";
-  };
-  EXPECT_EQ(Print(true), R"({"device":{"assetDate":0,"guid":"guid \"1\""},"paths":[)" +
-                             file("1", "new", "1000") + "," + file("3", "removed", "1000") + "," +
-                             file("2", "modified", "2000") + R"(],"typeInventory":1})");
+  EXPECT_EQ(Print(true), DataOf("module/RUD/documents.json")["incremental"].dump());
 }
 
 TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
@@ -73,12 +60,61 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   }
   SaveScan({{"one"}}, false);
   TestDatabase::Run("update RUD2_LAST_INVENTORY set id_company_name=0");
+  TestDatabase::Run("alter table RUD2_FILE_EXTENSION drop column extension");
+  TestDatabase::Run("alter table RUD2_FILE_EXTENSION add column extension INTEGER");
+  EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
   TestDatabase::Run("drop table RUD2_FILE_COMPANY");
   EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
   EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
-  EXPECT_THAT(host.log.Texts(3), ElementsAre("RUD incremental empty. Without changes.",
-                                             "RUD incremental empty. Without changes.",
-                                             "RUD incremental empty. Without changes."));
+  EXPECT_THAT(host.log.Texts(2), ElementsAre(StartsWith("Creating JSOn of RUD - "),
+                                             StartsWith("Error GetLastInventory: ")));
+  EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(4), Each("RUD incremental empty. Without changes.")));
+}
+
+/// Sleeps in no time; does something meanwhile.
+struct Sleeper final : Platform::WaitClock {
+  void SleepFor(std::chrono::milliseconds duration) override {
+    seconds.push_back(duration / std::chrono::seconds(1));
+    meanwhile(seconds.size());
+  }
+  std::vector<std::int64_t> seconds;
+  std::function<void(std::size_t wait)> meanwhile = [](std::size_t) {};
+};
+
+/// Lets an error out of the store, where its failure is logged.
+struct Leak final : Common::Logger {
+  void Log(Level level, const std::string& text, const char*, int, const char*) override {
+    if (text.rfind("Error GetLastInventory", 0) == 0) throw soci::soci_error("held");
+    if (level == LEVEL_ERROR) errors.push_back(text);
+  }
+  std::vector<std::string> errors;
+};
+
+TEST_F(RudPrinterTest, WaitsForTheDatabaseEverLongerAndForAFileWithoutEnd) {
+  Sleeper clock;
+  const Platform::WaitClockScope inForce(clock);
+  SaveScan({{"one"}}, false);
+  const auto base = host.Work() / (Common::HostInfoProvider::GetHostName() + ".rud");
+  host.pipeline->beforeStep = [&](const std::string& step) {
+    if (step != "encrypt") return;
+    boost::filesystem::remove(base);
+    boost::filesystem::create_directories(base / "busy");
+  };
+  clock.meanwhile = [&](std::size_t wait) {
+    if (wait == 60) boost::filesystem::remove(base / "busy");
+  };
+  Print(false);
+  EXPECT_THAT(clock.seconds, AllOf(SizeIs(60), Each(5)));
+  EXPECT_EQ(host.log.Texts(3).back(), "Try [61]. Success. Remove file " + base.string());
+
+  clock.seconds.clear();
+  TestDatabase::Run("drop table RUD2_FILE_COMPANY");
+  const LogCapture restored;
+  const auto leak = std::make_shared<Leak>();
+  Common::Logger::SetInstance(leak);
+  EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
+  EXPECT_THAT(clock.seconds, AllOf(SizeIs(50), Contains(500), Contains(25000)));
+  EXPECT_THAT(leak->errors, ElementsAre("Creating JSOn of RUD - held"));
 }
 
 TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsNotAnswered) {

@@ -168,34 +168,26 @@ void AdministeredMachine::Follow(const std::string& file) {
 }
 
 void AdministeredMachine::FollowOne(const Lines& lines) {
-  std::string name;
-  std::string input;
-  unsigned int code = 0;
-  std::map<std::string, std::string> texts;
-  Lines outcome;
-  Lines rehearsed;
+  std::map<char, Lines> marked;  ///< by their first character; the outcome has none
   for (const auto& line : lines) {
-    const std::string rest = line.substr(std::min<std::size_t>(line.size(), 2));
-    const auto equals = rest.find('=');
-    if (line[0] == '#') {
-      name = rest;
-    } else if (line[0] == '<') {
-      input += rest + "\n";
-    } else if (line[0] == '~') {
-      rehearsed.push_back(rest);
-    } else if (line[0] != '>') {
-      outcome.push_back(replace_all_copy(line, "$ROOT", (folder / "root").string()));
-    } else if (equals == std::string::npos) {
-      code = static_cast<unsigned int>(std::stoul(rest));
-    } else {
-      texts[rest.substr(0, equals)] = replace_all_copy(rest.substr(equals + 1), "\\n", "\n");
-    }
+    const bool isMarked = line.find_first_of("#<>~") == 0;
+    marked[isMarked ? line[0] : ' '].push_back(
+        isMarked ? line.substr(std::min<std::size_t>(line.size(), 2))
+                 : replace_all_copy(line, "$ROOT", (folder / "root").string()));
   }
-  if (!input.empty()) AddFile("input", input);
+  const std::string name = boost::join(marked['#'], "");
+  if (!marked['<'].empty()) AddFile("input", boost::join(marked['<'], "\n") + "\n");
+  Texts texts;
+  for (const auto& parameter : Lines(marked['>'].begin() + 1, marked['>'].end())) {
+    const auto equals = parameter.find('=');
+    texts[parameter.substr(0, equals)] =
+        replace_all_copy(parameter.substr(equals + 1), "\\n", "\n");
+  }
+  const auto code = static_cast<unsigned int>(std::stoul(marked['>'].at(0)));
   const auto [told, done] = RehearseAndAsk(code, texts);
-  if (rehearsed.empty()) rehearsed = outcome;
+  const Lines& rehearsed = marked[marked['~'].empty() ? ' ' : '~'];
   EXPECT_EQ(boost::join(told, "\n"), boost::join(rehearsed, "\n")) << name << ", rehearsed";
-  EXPECT_EQ(boost::join(done, "\n"), boost::join(outcome, "\n")) << name;
+  EXPECT_EQ(boost::join(done, "\n"), boost::join(marked[' '], "\n")) << name;
 }
 
 }  // namespace Norvik::Tests

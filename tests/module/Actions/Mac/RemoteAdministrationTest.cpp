@@ -1,21 +1,38 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/utsname.h>
 #include <unistd.h>
+#include <utmp.h>
+#include <utmpx.h>
 
+#include <algorithm>
+#include <atomic>
 #include <boost/variant/get.hpp>
+#include <chrono>
+#include <future>
+#include <thread>
 
 #include "module/Actions/Mac/AdministeredMachine.h"
 #include "module/Actions/Mac/ConnectionText.h"
 #include "module/Actions/Mac/ProcessText.h"
 #include "module/Actions/Mac/ShareText.h"
 #include "module/Actions/ZebAgentUninstaller.h"
+#include "platform/LoginRecords.h"
 #include "platform/compat/SentAppleEvents.h"
+#include "support/BackgroundProcess.h"
 #include "support/Files.h"
+#include "support/RecordFiller.h"
+#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
+using namespace std::string_literals;
+namespace fs = boost::filesystem;
+using RemoteAdministrationTest = AdministeredMachine;
 
 constexpr unsigned int ALL[] = {1011, 1013, 1012, 1002, 1003, 1000, 1019, 1020, 1015, 1016, 1017,
                                 1018, 1021, 1022, 1006, 1007, 1010, 1045, 1008, 1009, 1024, 1023,
@@ -23,13 +40,29 @@ constexpr unsigned int ALL[] = {1011, 1013, 1012, 1002, 1003, 1000, 1019, 1020, 
 constexpr const char* NAMES[] = {"cmd",  "type", "name", "password", "domain", "id",
                                  "path", "file", "ext",  "date",     "Guid"};
 
-using RemoteAdministrationTest = AdministeredMachine;
+/// Counts statuses that come from several threads.
+struct CountingCommunications final : Common::ICommunicationSystem {
+  bool ProcessMessage(const Common::IRestRequest&, Common::IRestResponse&) override {
+    return false;
+  }
+  void ReportTaskStatus(const Common::TaskResponseInfo&) override { ++statuses; }
+  void NewFileOnOutbox() override {}
+  std::atomic<int> statuses{0};
+};
+
+std::string Login(short type, int id, const std::string& line, const std::string& user,
+                  const std::string& computer) {
+  utmpx entry{};
+  entry.ut_type = type;
+  entry.ut_pid = id;
+  std::copy_n(line.begin(), std::min(line.size(), sizeof(entry.ut_line)), entry.ut_line);
+  std::copy(user.begin(), user.end(), entry.ut_user);
+  std::copy(computer.begin(), computer.end(), entry.ut_host);
+  return std::string(reinterpret_cast<const char*>(&entry), sizeof(entry));
+}
 
 TEST_F(RemoteAdministrationTest, WhatIsRefusedOrLacksAParameterDoesNothing) {
   Follow("refused.txt");
-  for (const unsigned int code : {1019U, 1020U, 1015U, 1016U, 1017U, 1018U, 1021U, 1022U, 1039U}) {
-    EXPECT_EQ(Ask(code, {{"path", "x"}}), Lines{"text Not supported operation"}) << code;
-  }
 }
 
 TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
@@ -45,10 +78,8 @@ TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
   Common::ActionParameters values;
   for (const char* name : NAMES) values.Set(name, true);
   tryAll(values);
-  for (const std::string& text :
-       {std::string(), std::string("|||\\"), std::string("-1"), std::string(200000, 'a'),
-        std::string("%1%%s%n{}\n'\"`$(exit 3)&\\"), std::string("99999999999999999999"),
-        std::string("\0x", 2), std::string("\xC2\xB4/../../\xF0\x9F\x98\x80")}) {
+  for (const auto& text : {""s, "|||\\"s, "-1"s, std::string(200000, 'a'), "99999999999999999999"s,
+                           "%1%%s%n{}\n'\"`$(exit 3)&\\"s, "\0x"s, "´/../../\xF0\x9F\x98\x80"s}) {
     for (const char* name : NAMES) {
       values.Set(name, wxString::FromUTF8(text.data(), text.size()));
     }
@@ -73,11 +104,9 @@ TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
   const auto documents = FilesBelow(host.Folder());
   Common::ActionParameters values;
   const Platform::Rehearsal rehearsal;
-  for (const std::string& text :
-       {std::string("evil"), std::string("$(evil)"), std::string("`evil`"), std::string(";evil;"),
-        std::string("|evil|/x/a|/x"), std::string("a\nevil\n"), std::string("root"),
-        std::string("0"), std::string("-1"), std::to_string(::getpid()),
-        std::string("20260101000000")}) {
+  for (const auto& text :
+       {"evil"s, "$(evil)"s, "`evil`"s, ";evil;"s, "|evil|/x/a|/x"s, "a\nevil\n"s, "root"s, "0"s,
+        "-1"s, std::to_string(::getpid()), "20260101000000"s}) {
     for (const char* name : NAMES) values.Set(name, wxString::FromUTF8(text.c_str()));
     values.Set("Guid", wxString("agent-1"));
     for (const char* type : {"0", "1", "2", "3"}) {
@@ -95,9 +124,7 @@ TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
   EXPECT_EQ(kinds.size(), 6U) << "there was something of each kind that it could have done";
 }
 
-using RemoteRemovalTest = AdministeredMachine;
-
-TEST_F(RemoteRemovalTest, AShareIsGoneWhenNoListingNamesIt) {
+TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
   AddFile("shares", "name:\tbooks\nname:\told books\nname:\tkept\n");
   AddRecordedTool("bin/sharing",
                   "case \"$1 $2\" in '-l ') cat \"$M/shares\" ;;\n"
@@ -105,21 +132,26 @@ TEST_F(RemoteRemovalTest, AShareIsGoneWhenNoListingNamesIt) {
                   "  '-r kept') ;;\n"
                   "  *) sed -i \"/^name:.$2$/d\" \"$M/shares\" ;;\nesac");
   Follow("shares.txt");
+  EXPECT_TRUE(host.log.Holds(4, "Removing the shared resource: old books"));
+  EXPECT_TRUE(host.log.Holds(
+      4, "The resource was successfully deleted, starting KOB incremental inventory"));
 }
 
-TEST_F(RemoteRemovalTest, AnAgentGoesOnlyByItsOwnIdentifier) {
+TEST_F(RemoteAdministrationTest, AnAgentGoesOnlyByItsOwnIdentifier) {
   AddRecordedTool("bin/sh");
   Follow("agent.txt");
   AddFile("root/opt/local/norvik/UninstallZebAgent.sh");
   EXPECT_EQ(Ask(1070, {{"Guid", "agent-1"}}),
             (Lines{"ran sh /opt/local/norvik/UninstallZebAgent.sh",
                    "ran sh /opt/local/norvik/UninstallAgent.sh"}));
+  EXPECT_TRUE(host.log.Holds(4, "Starting ZEB agent uninstall"));
+  EXPECT_TRUE(host.log.Holds(4, "Starting agent uninstall"));
   host.identification.reset();
   const std::string reason = "Uninstall aborted: parameters not available";
   EXPECT_EQ(Ask(1070, {{"Guid", ""}}), (Lines{"status 8 " + reason, "error " + reason}));
 }
 
-TEST_F(RemoteRemovalTest, WithoutACheckOnlyDocumentsGo) {
+TEST_F(RemoteAdministrationTest, WithoutACheckOnlyDocumentsGo) {
   for (const auto& place : {host.Outbox(), host.Previous(), host.Work()}) {
     for (const char* name : {"a.jsonkob", "b.jsonrud", "jsonkob"}) WriteFile(place / name, "x");
   }
@@ -129,23 +161,16 @@ TEST_F(RemoteRemovalTest, WithoutACheckOnlyDocumentsGo) {
   EXPECT_EQ(NamesIn(host.Work()).size(), 3U);
 }
 
-using RemoteServicesTest = AdministeredMachine;
-
-TEST_F(RemoteServicesTest, ServicesAreListedWithoutTheirDescriptionAndControlledByTheShell) {
+TEST_F(RemoteAdministrationTest, ServicesAreListedWithoutTheirDescriptionAndControlledByTheShell) {
   AddFile("root/Library/LaunchDaemons/sample.plist",
           R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
              <key>Label</key><string>org.example.sample</string>
              <key>Program</key><string>/usr/libexec/sampled</string></dict></plist>)");
-  const Lines rows = Ask(1006);
-  ASSERT_EQ(rows.size(), 2U);
-  EXPECT_EQ(rows[0], "Name|DisplayName|PathName|Status|StartMode|StartName|Description");
-  EXPECT_THAT(rows[1], testing::MatchesRegex("org.example.sample\\|org.example.sample\\|"
-                                             "/usr/libexec/sampled\\|[^|]*\\|[^|]*\\|"));
   AddRecordedTool("bin/launchctl", "echo refused; exit 1");
   Follow("services.txt");
 }
 
-TEST_F(RemoteServicesTest, ConnectionsAreThoseOfTheInternetSection) {
+TEST_F(RemoteAdministrationTest, ConnectionsAreThoseOfTheInternetSection) {
   AddTool("root/usr/sbin/netstat", "[ \"$*\" = -aW ] && cat \"$M/input\"");
   Follow("connections.txt");
   EXPECT_TRUE(host.log.Holds(5, "Error in netstat parser"));
@@ -155,35 +180,16 @@ TEST_F(RemoteServicesTest, ConnectionsAreThoseOfTheInternetSection) {
   EXPECT_EQ(ReadConnections(text + "\xFF").size(), 0U) << "not UTF-8";
 }
 
-TEST(ToolOutput, MayBeCutAnywhere) {
-  const LogCapture log;
-  const std::string connections =
-      "Active Internet connections (including servers)\n"
-      "Proto Recv-Q Send-Q  Local Address          Foreign Address        (state)\n"
-      "tcp4       0      0  192.168.1.2.52034      192.0.2.10.5223        ESTABLISHED\n"
-      "udp4       0      0  *.5353                 *.*                    \n"
-      "Registered kernel control modules\n";
+TEST(ShareText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
   const std::string shares = "name:\tbooks\npath:\t/b\nname:\tkept\npath:\t/k\n";
-  for (std::size_t end = 0; end <= connections.size(); ++end) {
-    const auto rows = ReadConnections(connections.substr(0, end));
-    ASSERT_LE(rows.size(), 2U);
-    for (const auto& row : rows) EXPECT_THAT(row.size(), testing::AnyOf(7U, 8U)) << end;
-  }
+  EXPECT_EQ(WithoutShare(shares, "books"), "name:\tkept\npath:\t/k\n");
   for (std::size_t end = 0; end <= shares.size(); ++end) {
     const std::string rest = WithoutShare(shares.substr(0, end), "books");
     EXPECT_EQ(rest.find("/b"), std::string::npos) << end;
   }
-  EXPECT_EQ(WithoutShare(shares, "books"), "name:\tkept\npath:\t/k\n");
-  const std::string share = "%CPU\n  1.5\n";
-  for (std::size_t end = 0; end <= share.size(); ++end) {
-    EXPECT_THAT(ReadProcessorShare(share.substr(0, end)),
-                testing::AnyOf("100", "", "1", "1.", "1.5"));
-  }
 }
 
-using ZebAgentUninstallerTest = AdministeredMachine;
-
-TEST_F(ZebAgentUninstallerTest, WhatGoesWrongIsLoggedOnly) {
+TEST_F(RemoteAdministrationTest, WhatGoesWrongWithTheSiblingAgentIsLoggedOnly) {
   ZebAgentUninstaller().UninstallZebAgent();
   EXPECT_TRUE(host.log.Holds(4, "The ZEB agent is not installed"));
   boost::filesystem::create_directories(folder / "root/opt/local");
@@ -191,6 +197,139 @@ TEST_F(ZebAgentUninstallerTest, WhatGoesWrongIsLoggedOnly) {
   ZebAgentUninstaller().UninstallZebAgent();
   EXPECT_THAT(host.log.Texts(2),
               testing::ElementsAre(testing::StartsWith("Failed to uninstall ZEB agent: ")));
+}
+
+TEST_F(RemoteAdministrationTest, FoldersAreListed) {
+  const tests::ScopedLocale locale("C.UTF-8");
+  AddFile("root/in/café", "1234");
+  AddFile("root/in/.hidden");
+  fs::create_directories(folder / "root/in/.sub");
+  fs::create_directories(folder / "root/in/a b");
+  fs::create_directories(folder / "root/empty");
+  fs::create_symlink("gone", folder / "root/in/dangling");
+  ASSERT_EQ(::mkfifo((folder / "root/in/pipe").c_str(), 0600), 0);
+  fs::create_directory_symlink("in", folder / "root/link");
+  fs::last_write_time(folder / "root/in/café", 1767225600);
+  fs::last_write_time(folder / "root/in/.hidden", -1);
+  Follow("listings.txt");
+}
+
+TEST_F(RemoteAdministrationTest, FilesAreDeletedAndOnlyAFailureTellsOfEach) {
+  for (const char* name : {"a", "b", "c|d", "quo\"te '\n"}) AddFile(std::string("root/x/") + name);
+  fs::create_directories(folder / "root/x/empty");
+  AddFile("root/full/a");
+  Follow("deletions.txt");
+  EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"full/a"});
+}
+
+TEST_F(RemoteAdministrationTest, AnExtensionGoesFromTheUsersFolders) {
+  for (const char* path : {"Users/ada/deep/a.tmp", "Users/Shared/b.tmp", "Users/ada/a.txt",
+                           "Users/c.tmp", "Library/d.tmp"}) {
+    AddFile(std::string("root/") + path);
+  }
+  const auto ends = [](const std::string& missing) {
+    return Lines{"status 7", "status 2",
+                 "warning Directory " + missing + " does not exist or is not accessible"};
+  };
+  EXPECT_EQ(RehearseAndAsk(1001, {{"ext", "tmp"}}), std::make_pair(ends("/home"), ends("/home")));
+  EXPECT_EQ(FilesBelow(folder / "root"),
+            (std::set<std::string>{"Users/ada/a.txt", "Users/c.tmp", "Library/d.tmp"}));
+  AddFile("root/home/e.txt");
+  fs::remove_all(folder / "root/Users");
+  EXPECT_EQ(Ask(1001, {{"ext", ".txt"}}), ends("/Users"));
+  EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"Library/d.tmp"});
+  EXPECT_TRUE(host.log.Holds(4, "Delete extension .txt finished"));
+}
+
+TEST(ProcessText, TheShareIsTheLineBehindTheHeading) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "100"},          {"%CPU", "100"},
+      {"%CPU\n", ""},       {"%CPU\n \t12 .5 \r\n99\n", "12.5"},
+      {"%CPU\n3,7", "3,7"}, {"%CPU\n1\xFF\n", "100"}};
+  for (const auto& [output, share] : cases) EXPECT_EQ(ReadProcessorShare(output), share) << output;
+  EXPECT_EQ(PercentText(1, 3), "33.33");
+  EXPECT_EQ(PercentText(1, 0), "0");
+}
+
+TEST_F(RemoteAdministrationTest, ProcessesAreListedAndWhatIsNotKnownOfThemIsNamed) {
+  AddFile("processes.json",
+          R"([{"pid": 1, "name": "init-like", "path": "/sbin/init-like", "footprint": 4096},
+              {"pid": 0, "name": "kernel"}, {"pid": 1077}])");
+  AddTool("root/bin/ps", "[ \"$*\" = '-o %cpu -p 1' ] && printf '%%CPU\\n  1.5\\n'");
+  const tests::CommaLocale comma;
+  Follow("processes.txt");
+  EXPECT_TRUE(host.log.Holds(5, "PID 1077: could not read memory via proc_pid_rusage"));
+}
+
+TEST_F(RemoteAdministrationTest, ARealProcessIsListedAndKilled) {
+  BackgroundProcess sleeper({"/bin/sleep", "60"}, folder / "output");
+  const std::string id = std::to_string(sleeper.Id());
+  TheWrappedCalls().killable = sleeper.Id();
+  EXPECT_THAT(
+      Ask(1011),
+      testing::Contains(testing::MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
+  EXPECT_EQ(Ask(1012, {{"id", id}}), Lines{"kill " + id + " 9"});
+  EXPECT_EQ(sleeper.Wait(), 128 + SIGKILL);
+}
+
+TEST_F(RemoteAdministrationTest, ProgramsRunByTheirTypeAndSoftwareIsRemovedByThem) {
+  AddRecordedTool("bin/setup", "exit $1");
+  Follow("programs.txt");
+  EXPECT_TRUE(host.log.Holds(5, "There are missing parameters"));
+  EXPECT_TRUE(host.log.Holds(4, "Execution Result:3"));
+}
+
+TEST_F(RemoteAdministrationTest, TwoRemovalsOfSoftwareRunOneAfterTheOther) {
+  AddTool("bin/slow",
+          "echo begin >> \"$M/log\"; until [ -e \"$M/go\" ]; do sleep 0.01; done\n"
+          "echo end >> \"$M/log\"; exit 1");
+  const auto communications = std::make_shared<CountingCommunications>();
+  host.dependencies->communications = communications;
+  ModuleUnderTest shared(host);
+  const auto remove = [&] { shared.Run(1062, WithText("cmd", "slow")); };
+  std::thread first(remove);
+  std::thread second(remove);
+  // One has told its start twice and runs; the other has told it once and waits.
+  while (communications->statuses < 3) std::this_thread::yield();
+  AddFile("go");
+  first.join();
+  second.join();
+  EXPECT_EQ(communications->statuses, 6);
+  EXPECT_EQ(ContentOf(folder / "log"), "begin\nend\nbegin\nend\n");
+}
+
+TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
+  const std::string fullLine = "pts" + std::string(29, 'x');
+  AddFile("utmp", Login(BOOT_TIME, 0, "~", "reboot", "") +
+                      Login(USER_PROCESS, 501, "console", "ada", "") +
+                      Login(DEAD_PROCESS, 77, "ttys001", "", "") +
+                      Login(USER_PROCESS, 9, fullLine, "bob", "192.0.2.7"));
+  ::utmpxname((folder / "utmp").c_str());
+  utsname machine{};
+  ASSERT_EQ(::uname(&machine), 0);
+  const std::string names = std::string("|") + machine.sysname + "|" + machine.nodename + "|";
+  const Lines expected = {"Id|Status|UserName|DomainName|ClientName|StationName|Type",
+                          "501|1|ada|" + names + "console", "77|1||" + names + "ttys001",
+                          "9|1|bob|192.0.2.7" + names + fullLine};
+  EXPECT_EQ(Ask(1024), expected);
+  std::future<Lines> second;
+  {
+    Platform::LoginRecords other;
+    second = std::async(std::launch::async, [&] { return Ask(1024); });
+    EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    for (int left = 4; left > 0; --left) EXPECT_NE(other.Next(), nullptr) << left;
+  }
+  EXPECT_EQ(second.get(), expected) << "behind another walk";
+  ::utmpxname(_PATH_UTMP);
+}
+
+TEST_F(RemoteAdministrationTest, PowerAndLogOutAreEventsToTheSystemAndTheClockIsSetInWholeSeconds) {
+  Follow("power-refused.txt");
+  Platform::SetAppleEventAnswer(0);
+  TheWrappedCalls().clockCanBeSet = true;
+  Follow("power.txt");
+  EXPECT_TRUE(host.log.Holds(5, "The time  to set is: tomorrow"));
+  EXPECT_TRUE(host.log.Holds(5, "Hora 1767225600"));
 }
 
 }  // namespace

@@ -30,7 +30,8 @@ uid_t __wrap_geteuid() { return Norvik::Tests::TheWrappedCalls().user.value_or(_
 
 int __wrap_settimeofday(const timeval* time, const void* zone) {
   auto& calls = Norvik::Tests::TheWrappedCalls();
-  const std::string parts = std::to_string(time->tv_usec) + (zone ? " zone" : "");
+  const std::string parts =
+      std::to_string(1000000 + time->tv_usec).substr(1) + (zone ? " zone" : "");
   calls.made.push_back("settimeofday " + std::to_string(time->tv_sec) + "." + parts);
   errno = EPERM;
   return calls.clockCanBeSet ? 0 : -1;

@@ -24,6 +24,7 @@ TEST_F(UnixPrintersTest, APrinterIsRemovedAndAnInventoryFollows) {
   AddTool("bin/lpstat", "[ \"$1\" = -v ] && cat \"$M/queues\"");
   AddRecordedTool("bin/lpadmin", "[ \"$2\" = stuck ] || sed -i \"/for $2:/d\" \"$M/queues\"");
   Follow("printers.txt");
+  EXPECT_TRUE(host.log.Holds(4, "Removing printer Laser_2."));
   EXPECT_TRUE(
       host.log.Holds(4, "Printer removed successfully, starting KOB incremental inventory"));
 }

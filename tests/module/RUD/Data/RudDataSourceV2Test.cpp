@@ -6,8 +6,8 @@
 
 #include "module/RUD/Data/RudSentences.h"
 #include "module/RUD/ScannedFiles.h"
-#include "support/FullDisk.h"
 #include "support/LogCapture.h"
+#include "support/Surroundings.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB::V2 {
@@ -64,14 +64,6 @@ TEST_F(RudDataSourceTest, HostileNamesComeBackWithBlanksForApostrophesOnly) {
   }
 }
 
-TEST_F(RudDataSourceTest, EachColumnComesFromItsField) {
-  const RudFileDetails details = {"product", "v", "fv", "Maker", "it's"};
-  EXPECT_TRUE(SaveScan({{"n", 0, 0, "/p", details, true}}, false));
-  EXPECT_EQ(
-      RudDataSource::GetLastInventory(),
-      DataBaseRows({{1, "/p", "n", "EXE", 0LL, 0LL, "product", "v", "it s", "Maker", 1, "fv"}}));
-}
-
 TEST_F(RudDataSourceTest, ASaveReplacesItsOwnTablesOnly) {
   EXPECT_TRUE(SaveScan({{"a", 1, 1}, {"b", 1, 1}}, true));
   EXPECT_TRUE(SaveScan({{"c", 1, 1}, {"c", 2, 2}}, false));
@@ -87,27 +79,15 @@ TEST_F(RudDataSourceTest, ASaveReplacesItsOwnTablesOnly) {
 }
 
 TEST_F(RudDataSourceTest, TheDifferencesGoByPathAndTime) {
-  EXPECT_TRUE(SaveScan({{"same", 1, 1},
-                        {"size", 1, 1},
-                        {"time", 1, 1},
-                        {"old", 1, 1},
-                        {"it's", 1, 1},
-                        {"unread", -1, 0},
-                        {"readOnce", -1, 0}},
-                       false));
-  EXPECT_TRUE(SaveScan({{"new", 1, 1},
-                        {"same", 1, 1},
-                        {"size", 1, 2},
-                        {"time", 2, 3},
-                        {"it's", 1, 1},
-                        {"unread", -1, 0},
-                        {"readOnce", 7, 0}},
-                       true));
+  EXPECT_TRUE(SaveScan(
+      {{"same"}, {"size"}, {"time"}, {"old"}, {"it's"}, {"unread", -1}, {"readOnce", -1}}, false));
+  const ScannedFile grown = {"size", 1000, 2}, later = {"time", 2000, 3}, read = {"readOnce", 7};
+  EXPECT_TRUE(SaveScan({{"new"}, {"same"}, grown, later, {"it's"}, {"unread", -1}, read}, true));
   EXPECT_THAT(NamesOf(RudDataSource::getNewFiles()), ElementsAre("new"));
   EXPECT_THAT(NamesOf(RudDataSource::getRemoveFiles()), ElementsAre("old"));
   const auto modified = RudDataSource::getModifiedFiles();
   EXPECT_THAT(NamesOf(modified), UnorderedElementsAre("time", "readOnce"));
-  for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow(1, 1LL).front());
+  for (const auto& row : modified) EXPECT_NE(row.at(5), DataBaseRow(1, 1000LL).front());
 }
 
 TEST_F(RudDataSourceTest, ADatabaseOfTheFirstSchemaKeepsItsFiles) {

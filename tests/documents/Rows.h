@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <set>
+#include <string>
+
+#include "documents/ApplyIncrement.h"
+#include "documents/Difference.h"
+#include "documents/DocumentError.h"
+#include "support/Cases.h"
+
+/// Rows of data files that tell what is put into documents, by place.
+namespace Norvik::Tests {
+
+/// A text of a row: as it stands, or a document with the values of the row at their places.
+inline std::string Altered(Json document, const Json& values) {
+  if (values.is_string()) return values;
+  for (const auto& [place, value] : values.items()) document[Json::json_pointer(place)] = value;
+  return document.dump();
+}
+
+/// Expects that documents are refused: what is put into the full one and into the changes, which
+/// are called so, and what the reason holds.
+inline void ExpectRefusals(const std::string& file, const Json& full, const Json& changes) {
+  for (const Json& row : DataOf(file)) {
+    const std::string reason = MessageOf<Documents::DocumentError>([&] {
+      Documents::ApplyIncrement({"full", Altered(full, row[0])},
+                                {"changes", Altered(changes, row[1])});
+    });
+    EXPECT_THAT(reason, testing::HasSubstr(row[2].get<std::string>())) << row;
+  }
+}
+
+/// First column of the table under "What an incremental document cannot tell" of a guide in docs/.
+inline std::set<std::string> DocumentedLosses(const std::string& guide) {
+  std::ifstream file(NORVIK_SOURCE_DIR "/docs/" + guide);
+  std::set<std::string> names;
+  bool inside = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line.rfind("## ", 0) == 0) inside = line == "## What an incremental document cannot tell";
+    if (inside && line.rfind("| ", 0) == 0) names.insert(line.substr(2, line.find(" |", 2) - 2));
+  }
+  for (const char* heading : {"what", "---"}) names.erase(heading);
+  return names;
+}
+
+/// Expects that a server misses just what a guide says: the name of the loss, what is put into the
+/// document before and into the one after, and what the server then has.
+inline void ExpectLosses(const std::string& file, const Json& full, const std::string& guide) {
+  std::set<std::string> losses;
+  for (const Json& row : DataOf(file)) {
+    losses.insert(row[0]);
+    const Documents::NamedText before{"before", Altered(full, row[1])};
+    const std::string changes = DifferenceOf(before, {"after", Altered(full, row[2])});
+    const Json merged = Json::parse(ApplyIncrement(before, {"changes", changes}));
+    const Json wanted = Json::parse(Altered(full, row[3]));
+    EXPECT_EQ(Shown(Chosen(merged, wanted)), Shown(wanted)) << row[0];
+  }
+  EXPECT_EQ(losses, DocumentedLosses(guide));
+}
+
+}  // namespace Norvik::Tests

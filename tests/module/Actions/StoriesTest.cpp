@@ -1,0 +1,350 @@
+#include <gmock/gmock.h>
+
+#include <boost/core/demangle.hpp>
+#include <thread>
+
+#include "common/database/DataBase.h"
+#include "common/text/Text.h"
+#include "module/CaseFolder.h"
+#include "module/DataAccess/KOBDataSourceV2.h"
+#include "module/ModuleUnderTest.h"
+#include "module/RUD/Data/RudDataSourceV2.h"
+#include "support/Files.h"
+#include "support/Surroundings.h"
+
+namespace Norvik::KOB {
+namespace {
+
+namespace fs = boost::filesystem;
+using namespace Tests;
+using Common::V2::DataBase;
+using std::chrono::system_clock;
+using TextList = std::vector<std::string>;
+
+/// Something that a step meets while it lives.
+using Fault = std::shared_ptr<void>;
+
+/// Another connection writes, and nobody waits for it as long as in earnest.
+Fault HeldDatabase(FakeHost&) {
+  auto other = std::make_shared<DataBase>();
+  TestDatabase::Run("PRAGMA busy_timeout=20");
+  other->ExecuteSentence("insert into DATA(name, value) values('held', '1')");
+  return other;
+}
+
+Fault DiskThatSavingFills(FakeHost& host) {
+  return std::make_shared<FullDisk>(fs::file_size(host.database.File().string() + "-wal") + 400000);
+}
+
+Fault DiskThatIsFullBehindTheDocument(FakeHost& host) {
+  auto full = std::make_shared<std::unique_ptr<FullDisk>>();
+  host.pipeline->beforeStep = [full](const std::string& step) {
+    if (step == "compress") *full = std::make_unique<FullDisk>(10);
+  };
+  return full;
+}
+
+Fault MissingTable(FakeHost&) {
+  TestDatabase::Run("alter table RUD2_FILE_PATH rename to MISSING");
+  return {nullptr,
+          [](void*) { TestDatabase::Run("alter table MISSING rename to RUD2_FILE_PATH"); }};
+}
+
+const std::map<std::string, Fault (*)(FakeHost&)> FAULTS = {
+    {"a database that another process holds", HeldDatabase},
+    {"a disk that saving fills", DiskThatSavingFills},
+    {"a disk that is full behind the document", DiskThatIsFullBehindTheDocument},
+    {"a table that is missing", MissingTable},
+};
+
+/// A wanted text may end with "*": whatever follows.
+bool Fits(const std::string& text, const std::string& wanted) {
+  return wanted.back() == '*' ? text.rfind(wanted.substr(0, wanted.size() - 1), 0) == 0
+                              : text == wanted;
+}
+
+std::string ValueText(const Common::ActionPropertyValue& value) {
+  const auto text = [](const auto& held) -> std::string {
+    using Value = std::decay_t<decltype(held)>;
+    if constexpr (std::is_arithmetic_v<Value>) return std::to_string(held);
+    if constexpr (std::is_same_v<Value, wxString>) return Common::ToUtf8(held);
+    return "...";
+  };
+  return boost::apply_visitor(text, value);
+}
+
+/// What was started, with its parameters.
+TextList StartedBy(const FakeActionSystem& actions) {
+  TextList texts = actions.Texts();
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    for (const auto& [name, value] : actions.All()[i].action.parameters.Values()) {
+      texts[i] += " " + name + "=" + ValueText(value);
+    }
+  }
+  return texts;
+}
+
+/// A module on a host of its own and a folder, which is all that an inventory of files finds.
+/// stories/README.md tells what can be set and what is told.
+class Story {
+ public:
+  explicit Story(const Json& entry) : host_(entry.value("processKind", 0)) {
+    host_.dependencies->configuration =
+        ConfigurationOf(entry.value("configuration", Json::object()));
+    module_.emplace(host_);
+    TestDatabase::Run("create table STATES(state INTEGER)");
+    for (const std::string event : {"insert", "update"}) {
+      TestDatabase::Run("create trigger on_" + event + " after " + event +
+                        " on RUD2_CURRENT_STATUS begin "
+                        "insert into STATES values(new.id_state_harverting); end");
+    }
+    Set(entry);
+  }
+
+  void Set(const Json& step) {
+    SetServices(step);
+    SetStores(step);
+  }
+
+  /// All that comes of a step, part by part.
+  Json Take(const Json& step) {
+    const std::size_t logged = host_.log.Lines().size();
+    Json told = Json::object();
+    try {
+      Run(step);
+    } catch (const std::exception& error) {
+      told["raises"] = boost::core::demangle(typeid(error).name());
+    }
+    fault_.reset();
+    host_.pipeline->beforeStep = nullptr;
+    told["steps"] = std::exchange(host_.pipeline->calls, {});
+    told["started"] = StartedBy(*host_.actions);
+    host_.actions->Forget();
+    if (host_.communications) TellOfCommunications(told);
+    told["recorded"] = Recorded();
+    told["states"] = TakeStates();
+    told["files"] = TestDatabase::Run("select 1 from RUD2_LAST_INVENTORY").size();
+    told["drives"] = TestDatabase::Run("select 1 from KOB_NETWORK_DRIVES").size();
+    told["delivered"] = TakeDelivered();
+    told["left"] = NamesIn(host_.Work()).size();
+    told["log"] = LogSince(logged, step.value("log", TextList()), step.value("wholeLog", 0));
+    return told;
+  }
+
+ private:
+  Common::AgentConfigurationInfo ConfigurationOf(const Json& wanted) const {
+    Common::AgentConfigurationInfo configuration;
+    if (wanted.is_null()) return configuration;
+    configuration.profileId = wanted.value("profileId", 0U);
+    configuration.kob.emplace();
+    auto& kob = *configuration.kob;
+    kob.excludedFiles = wanted.value("excludedFiles", TextList());
+    kob.excludedPaths = wanted.value("excludedPaths", AllBut(tree_.Path()));
+    kob.includedExtensions = wanted.value("includedExtensions", TextList{"norvikdoc"});
+    kob.additionalExtensions = wanted.value("additionalExtensions", TextList());
+    return configuration;
+  }
+
+  Common::ActionParameters ParametersOf(const Json& values) const {
+    Common::ActionParameters parameters;
+    for (const auto& [name, value] : values.items()) {
+      if (value.is_boolean()) parameters.Set(name, value.get<bool>());
+      if (value.is_number()) parameters.Set(name, value.get<unsigned long long>());
+      if (value.is_string()) parameters.Set(name, Common::WxStringFromStdString(value));
+      if (value.is_object()) parameters.Set(name, ConfigurationOf(value));
+    }
+    return parameters;
+  }
+
+  void Run(const Json& step) {
+    if (step["run"] == "what waits") return host_.actions->RunWaiting();
+    module_->Run(step["run"], ParametersOf(PartOf(step, "with")));
+  }
+
+  /// What the server says to a question about the survey.
+  void Answer(const std::string& message) {
+    host_.communications->answer = Json{{"result", 0}, {"message", message}}.dump();
+  }
+
+  void SetServices(const Json& step) {
+    const auto on = [&](const char* key, auto action) {
+      if (step.contains(key)) action(step[key]);
+    };
+    on("message", [&](const std::string& text) { Answer(text); });
+    on("nested", [&](std::size_t depth) { Answer(std::string(depth, '[')); });
+    on("answer", [&](const std::string& text) { host_.communications->answer = text; });
+    on("accepts", [&](bool accepts) { host_.communications->accepts = accepts; });
+    on("token", [&](const std::string& text) { host_.identification->token = text; });
+    on("identityFails", [&](const std::string& text) { host_.identification->failure = text; });
+    on("meanwhile", [&](const Json& other) { Meanwhile(other); });
+    on("torn", [&](const std::string& text) {
+      host_.pipeline->beforeStep = [=](const std::string&) { throw std::runtime_error(text); };
+    });
+    on("survey", [&](const Json& flags) {
+      auto& survey = host_.dependencies->configuration.survey;
+      survey.reset();
+      if (flags.is_array()) survey = Common::SurveyInfo{flags[0], flags[1], flags[2]};
+    });
+    for (const auto& [session, process] : PartOf(step, "sessions").items()) {
+      host_.communications->sessions[std::stoull(session)] = {process.get<std::string>()};
+    }
+    const std::string gone = step.value("gone", "");
+    if (gone == "dependencies") host_.dependencies.reset();
+    if (gone == "identification") host_.identification.reset();
+    if (gone == "communications") host_.communications.reset();
+  }
+
+  /// Lets another thread ask, once, at a moment of the step.
+  void Meanwhile(const Json& other) {
+    const auto ask = [=] {
+      const auto run = [&] {
+        for (const Json& code : other["run"]) Run({{"run", code}, {"with", PartOf(other, "with")}});
+      };
+      std::thread(run).join();
+    };
+    const std::string moment = other["at"];
+    if (moment == "start") host_.actions->onNextStart = ask;
+    if (moment == "send") host_.communications->onNextSend = ask;
+    host_.pipeline->beforeStep = [=, done = false](const std::string& step) mutable {
+      if (step == moment && !std::exchange(done, true)) ask();
+    };
+  }
+
+  void SetStores(const Json& step) {
+    const auto on = [&](const char* key, auto action) {
+      if (step.contains(key)) action(step[key]);
+    };
+    on("type", [&](const Json& type) {
+      Common::AgentData data(host_.database, "DATA");
+      data.Remove("OPERATING_SYSTEM_TYPE");
+      if (type.is_string()) data.SetString("OPERATING_SYSTEM_TYPE", type.get<std::string>());
+    });
+    on("lastInventory", [](int time) { DataBase::SetDataTable("KOB_INVENTORY", time); });
+    on("hoursSinceTotal", [](int hours) {
+      KOBDataSourceV2::updateRudCompletoLastInventory(system_clock::now() -
+                                                      std::chrono::hours(hours));
+    });
+    on("diedIn", [](int state) {
+      V2::RudDataSource::SetStatus(static_cast<V2::RudStatus>(state), 1, V2::DateBegin);
+    });
+    on("sql", [](const std::string& sentence) { TestDatabase::Run(sentence); });
+    for (const auto& name : step.value("make", TextList())) WriteFile(tree_ / name, "content");
+    for (int i = step.value("makeMany", 0); i > 0; --i) {
+      WriteFile(tree_ / (std::string(200, 'n') + std::to_string(i) + ".norvikdoc"), "content");
+    }
+    on("touch", [&](const std::string& name) {
+      fs::last_write_time(tree_ / name, fs::last_write_time(tree_ / name) + 10);
+    });
+    on("remove", [&](const std::string& name) { fs::remove(tree_ / name); });
+    on("fault", [&](const std::string& name) { fault_ = FAULTS.at(name)(host_); });
+  }
+
+  void TellOfCommunications(Json& told) {
+    FakeCommunications& communications = *host_.communications;
+    TextList sent;
+    for (const auto& [session, message] : std::exchange(communications.sent, {})) {
+      sent.push_back(std::to_string(session) + " " + std::to_string(message.kind) + " " +
+                     std::to_string(message.code) + " " + message.key + "=" + message.value);
+    }
+    told["sent"] = sent;
+    told["statuses"] = communications.TakeStatuses();
+    told["requests"] = std::exchange(communications.requests, {});
+    told["announced"] = std::exchange(communications.newFiles, 0);
+  }
+
+  /// Keys of the times that were written by now.
+  TextList Recorded() const {
+    TextList keys;
+    for (const char* key : {"KOB_INVENTORY", "RUD_INVENTORY", "RUD_INVENTORY_INCREMENTAL"}) {
+      if (DataBase::GetDataTable(key) < begun_) continue;
+      keys.push_back(key);
+      DataBase::SetDataTable(key, 1);
+    }
+    return keys;
+  }
+
+  static std::vector<int> TakeStates() {
+    std::vector<int> states;
+    for (const auto& row : TestDatabase::Run("select state from STATES order by rowid")) {
+      states.push_back(boost::get<int>(row.at(0)));
+    }
+    TestDatabase::Run("delete from STATES");
+    return states;
+  }
+
+  /// The files of the document in the outbox, as "status name", or how many there are of many.
+  Json TakeDelivered() const {
+    TextList files;
+    if (NamesIn(host_.Outbox()).empty()) return files;
+    const Json document = Json::parse(host_.DeliveredDocument());
+    fs::remove(host_.Outbox() / NamesIn(host_.Outbox()).front());
+    if (!document.contains("paths")) {
+      const std::string profile = document["agentConfiguration"]["profileId"].dump();
+      return TextList{"an inventory of the machine" +
+                      (profile == "0" ? "" : ", profile " + profile)};
+    }
+    for (const auto& path : document["paths"]) {
+      EXPECT_EQ(path["pathName"], tree_.Path().string());
+      for (const auto& file : path["files"]) {
+        files.push_back(file["fileStatus"].dump() + " " + file["filename"].get<std::string>());
+      }
+    }
+    if (files.size() > 100) return files.size();
+    std::sort(files.begin(), files.end());
+    return files;
+  }
+
+  /// The wanted lines, as far as there are such in their order, and all others of these levels.
+  TextList LogSince(std::size_t first, const TextList& wanted, int levels) const {
+    TextList told;
+    auto next = wanted.begin();
+    const auto lines = host_.log.Lines();
+    for (auto line = lines.begin() + static_cast<long>(first); line != lines.end(); ++line) {
+      const std::string text = std::to_string(line->level) + " " + line->text;
+      if (next != wanted.end() && Fits(text, *next)) {
+        told.push_back(*next++);
+      } else if (line->level <= levels) {
+        told.push_back(text);
+      }
+    }
+    return told;
+  }
+
+  const std::time_t begun_ = std::time(nullptr);
+  const TemporaryFolder tree_;
+  FakeHost host_;
+  std::optional<ModuleUnderTest> module_;
+  Fault fault_;
+};
+
+/// Parts by their names, without those that are empty.
+std::string Sorted(const Json& parts) {
+  nlohmann::json sorted = nlohmann::json::object();
+  for (const auto& [part, what] : parts.items()) {
+    if (what != Json(0) && what != Json::array()) sorted[part] = what;
+  }
+  return sorted.dump(1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+class Stories : public testing::TestWithParam<Case> {};
+
+TEST_P(Stories, GoAsTheyAreTold) {
+  const Json& entry = GetParam().entry;
+  Story story(entry);
+  for (const Json& row : Resolved(entry.value("steps", Json::parse("[{}]")), entry)) {
+    Json step = entry;
+    step.update(row);
+    story.Set(row);
+    Json wanted = Resolved(PartOf(step, "comes"), entry);
+    if (step.contains("log")) wanted["log"] = step["log"];
+    for (int left = step.value("times", 1); left > 0; --left) {
+      EXPECT_EQ(Sorted(story.Take(step)), Sorted(wanted)) << Shown(row) << left;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Stories, testing::ValuesIn(CasesIn("module/Actions/stories")),
+                         CaseName());
+
+}  // namespace
+}  // namespace Norvik::KOB
