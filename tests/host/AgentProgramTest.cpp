@@ -13,7 +13,7 @@ namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 namespace fs = boost::filesystem;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -34,14 +34,14 @@ class AgentProgram : public ProgramTest {
 };
 
 TEST_F(AgentProgram, TakesAnInventoryThatOpenReadsBack) {
-  const Json report = Ask({"inventory"});
+  const PlainJson report = Ask({"inventory"});
   const std::string file = report["file"];
   EXPECT_EQ(fs::path(file).parent_path(), Data() / "outbox");
   EXPECT_EQ(fs::path(file).extension(), ".jsonkob");
   EXPECT_EQ(report["bytes"], fs::file_size(file));
 
   const std::string text = RunWell({"open", file}).output;
-  const Json document = Json::parse(text);
+  const PlainJson document = PlainJson::parse(text);
   EXPECT_EQ(document.size(), 27u);
   EXPECT_FALSE(document["processorSlot"].empty());
   EXPECT_FALSE(document["software"].empty());
@@ -50,7 +50,7 @@ TEST_F(AgentProgram, TakesAnInventoryThatOpenReadsBack) {
   EXPECT_EQ(text, ContentOf(Data() / "previous" / fs::path(file).filename()));
 
   const std::string pretty = RunWell({"open", file, "--pretty"}).output;
-  EXPECT_EQ(Json::parse(pretty), document);
+  EXPECT_EQ(PlainJson::parse(pretty), document);
   EXPECT_GT(std::count(pretty.begin(), pretty.end(), '\n'), 100);
 }
 
@@ -68,7 +68,7 @@ TEST_F(AgentProgram, ShowsEachSectionOfTheInventoryWithTimeAndRecords) {
 TEST_F(AgentProgram, TheDocumentsOfThisMachineFollowTheirSchemas) {
   const auto take = [&](std::vector<std::string> words, const std::string& kind) {
     words.insert(words.begin(), "inventory");
-    const Json report = Ask(words);
+    const PlainJson report = Ask(words);
     EXPECT_EQ(report["kind"], kind) << report;
     EXPECT_EQ(report["success"], true);
     EXPECT_EQ(report["statuses"].back()["status"], 2);
@@ -81,16 +81,16 @@ TEST_F(AgentProgram, TheDocumentsOfThisMachineFollowTheirSchemas) {
 
 TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
   const std::string sealed = Ask({"inventory"})["file"];
-  const Json before = Json::parse(RunWell({"open", sealed}).output);
-  Json after = before;
+  const PlainJson before = PlainJson::parse(RunWell({"open", sealed}).output);
+  PlainJson after = before;
   after["agentConfiguration"]["profileId"] = 8;
   const std::string plain = Written("after.json", after.dump());
   EXPECT_EQ(RunWell({"diff", sealed, sealed}).output, "null\n");
 
   const std::string changes = (folder_ / "changes.json").string();
   EXPECT_THAT(RunWell({"diff", sealed, plain, "--output", changes}).output, IsEmpty());
-  EXPECT_EQ(Json::parse(ContentOf(changes))["update"].size(), 1u);
-  EXPECT_EQ(Json::parse(RunWell({"apply", sealed, changes}).output), after);
+  EXPECT_EQ(PlainJson::parse(ContentOf(changes))["update"].size(), 1u);
+  EXPECT_EQ(PlainJson::parse(RunWell({"apply", sealed, changes}).output), after);
 
   const std::string target = (folder_ / "merged.json").string();
   fs::create_symlink(sealed, folder_ / "link");
@@ -102,13 +102,13 @@ TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
 }
 
 TEST_F(AgentProgram, StatusTellsWhatIsThereAndMakesNothingAndOnlyTheUserMayReadIt) {
-  const Json before = Ask({"status"});
+  const PlainJson before = Ask({"status"});
   EXPECT_FALSE(fs::exists(Data()));
   EXPECT_TRUE(before["identifier"].is_null() && before["lastInventory"].is_null());
   EXPECT_EQ(before["configured"], false);
 
   RunWell({"inventory"});
-  const Json after = Ask({"status"});
+  const PlainJson after = Ask({"status"});
   EXPECT_EQ(after["outbox"].size(), 1u);
   EXPECT_EQ(after["previous"].size(), 1u);
   EXPECT_GT(after["lastInventory"]["seconds"], 1'700'000'000);
@@ -127,14 +127,14 @@ TEST_F(AgentProgram, ListsTheActionsOfEachInstance) {
 }
 
 TEST_F(AgentProgram, RunsAnActionAndPrintsItsResponse) {
-  const Json inventory = Ask({"action", "action_total_inventory"});
-  const Json statuses = {{{"status", 7}, {"message", ""}}, {{"status", 2}, {"message", ""}}};
-  EXPECT_EQ(inventory, (Json{{"code", 1071},
-                             {"text", ""},
-                             {"success", false},
-                             {"titles", Json::array()},
-                             {"rows", Json::array()},
-                             {"statuses", statuses}}));
+  const PlainJson inventory = Ask({"action", "action_total_inventory"});
+  const PlainJson statuses = {{{"status", 7}, {"message", ""}}, {{"status", 2}, {"message", ""}}};
+  EXPECT_EQ(inventory, (PlainJson{{"code", 1071},
+                                  {"text", ""},
+                                  {"success", false},
+                                  {"titles", PlainJson::array()},
+                                  {"rows", PlainJson::array()},
+                                  {"statuses", statuses}}));
   EXPECT_EQ(FilesIn(Data() / "outbox").size(), 1u);
 }
 
@@ -144,11 +144,11 @@ TEST_F(AgentProgram, StoresAConfigurationAndHandsItToTheModule) {
          "inventorySchedule": {"periodSeconds": 86400, "next": 1767225600}})");
   RunWell({"configure", file});
   EXPECT_EQ(ContentOf(Data() / Host::CONFIGURATION_FILE), ContentOf(file));
-  const Json status = Ask({"status"});
+  const PlainJson status = Ask({"status"});
   EXPECT_EQ(status["configured"], true);
   EXPECT_EQ(status["profileId"], 7);
   const auto entry = std::find_if(status["periodic"].begin(), status["periodic"].end(),
-                                  [](const Json& each) { return each["code"] == 1036; });
+                                  [](const PlainJson& each) { return each["code"] == 1036; });
   ASSERT_NE(entry, status["periodic"].end()) << status;
   EXPECT_EQ((*entry)["periodSeconds"], 86400);
   EXPECT_EQ((*entry)["name"], "ACTION_INCREMENTAL_INVENTORY");
@@ -179,13 +179,13 @@ TEST_F(AgentProgram, AnOutboxThatCannotBeWrittenFailsTheInventoryAndKeepsThePrev
 
   const Answer answer = Run({"inventory", "--json"});
   EXPECT_EQ(answer.code, 1);
-  const Json report = Json::parse(answer.output, nullptr, false);
+  const PlainJson report = PlainJson::parse(answer.output, nullptr, false);
   EXPECT_EQ(report["success"], false);
   EXPECT_EQ(report["file"], "");
   EXPECT_THAT(answer.errors, Not(IsEmpty()));
   EXPECT_THAT(ContentOf(Data() / "log/agent.log"), HasSubstr("[2]"));
   EXPECT_EQ(ContentOf(Data() / "outbox"), "in the way");
-  EXPECT_EQ(Json::parse(ContentOf(previous)).size(), Json::parse(before).size());
+  EXPECT_EQ(PlainJson::parse(ContentOf(previous)).size(), PlainJson::parse(before).size());
 }
 
 TEST_F(AgentProgram, ACorruptDatabaseIsPutAsideAndTold) {

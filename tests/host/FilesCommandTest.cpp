@@ -9,7 +9,7 @@ namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 namespace fs = boost::filesystem;
 using testing::HasSubstr;
 
@@ -19,9 +19,9 @@ class FilesCommand : public ProgramTest {
   FilesCommand() {
     fs::create_directories(Data());
     fs::create_directories(Tree());
-    const Json configuration = {{"excludedPaths", AllBut(Tree())},
-                                {"excludedFiles", {"left out.sample"}},
-                                {"includedExtensions", {"sample"}}};
+    const PlainJson configuration = {{"excludedPaths", AllBut(Tree())},
+                                     {"excludedFiles", {"left out.sample"}},
+                                     {"includedExtensions", {"sample"}}};
     WriteFile(folder_ / "configuration.json", configuration.dump());
     options_ = {"--config", (folder_ / "configuration.json").string()};
   }
@@ -42,14 +42,14 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   for (const char* name : {"a.sample", "b.sample", "\"fileStatus\":1.sample", "other.txt"}) {
     Write(name);
   }
-  const Json total = Ask({"files", "--incremental"});
+  const PlainJson total = Ask({"files", "--incremental"});
   EXPECT_EQ(total["kind"], "total");
   EXPECT_THAT(total["fallback"], HasSubstr("no file of a former"));
-  EXPECT_EQ(total["files"], Json({{"total", 3}}));
+  EXPECT_EQ(total["files"], PlainJson({{"total", 3}}));
   EXPECT_EQ(total["statuses"].back()["status"], 2);
   const std::string sealed = total["file"];
   EXPECT_EQ(fs::path(sealed).extension(), ".jsonrud");
-  const Json document = Ask({"open", sealed});
+  const PlainJson document = Ask({"open", sealed});
   EXPECT_EQ(document["typeInventory"], 0);
   EXPECT_EQ(document["paths"][0]["pathName"], Tree().string());
   EXPECT_EQ(document["paths"][0]["files"].size(), 3u);
@@ -57,9 +57,9 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   fs::remove(Tree() / "a.sample");
   fs::last_write_time(Tree() / "b.sample", 1'000'000'000);
   for (const char* name : {"c.sample", "d.sample"}) Write(name);
-  const Json changes = Ask({"files", "--incremental"});
+  const PlainJson changes = Ask({"files", "--incremental"});
   EXPECT_EQ(changes["kind"], "incremental");
-  EXPECT_EQ(changes["files"], Json({{"added", 2}, {"removed", 1}, {"modified", 1}}));
+  EXPECT_EQ(changes["files"], PlainJson({{"added", 2}, {"removed", 1}, {"modified", 1}}));
   EXPECT_EQ(changes["phases"].size(), 3u);
 
   const std::string shown = RunWell({"files", "--incremental"}).output;
@@ -68,11 +68,11 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
 }
 
 /// Each file of a document: its folder and what is told of it.
-std::set<Json> FilesOf(const Json& document) {
-  std::set<Json> files;
+std::set<PlainJson> FilesOf(const PlainJson& document) {
+  std::set<PlainJson> files;
   for (const auto& folder : document["paths"]) {
     for (const auto& file : folder["files"]) {
-      files.insert(Json::array({folder["pathName"], file}));
+      files.insert(PlainJson::array({folder["pathName"], file}));
     }
   }
   return files;
@@ -115,7 +115,7 @@ TEST_F(FilesCommand, RefusesScheduledOnesOnTheDayOfATotalOne) {
   ExpectRefusal({"files", "--scheduled"}, 1, "already ended on this day");
   ExpectRefusal({"files", "--scheduled", "--incremental"}, 1,
                 "blocked due RUD complet executed today");
-  const Json state = Ask({"status"})["fileInventory"];
+  const PlainJson state = Ask({"status"})["fileInventory"];
   EXPECT_EQ(state["stateName"], "finished");
   EXPECT_EQ(state["files"], 1);
   EXPECT_GE(state["end"]["seconds"], state["begin"]["seconds"]);
@@ -130,7 +130,7 @@ TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
   }
   std::set<fs::path> listed;
   for (const auto& row : DataOf("host/explained-paths.json")) {
-    const Json answer = Ask({"explain", (Tree() / row[0].get<std::string>()).string()});
+    const PlainJson answer = Ask({"explain", (Tree() / row[0].get<std::string>()).string()});
     EXPECT_EQ(answer["rule"], row[1].get<std::string>()) << answer;
     if (answer["listed"] == true) {
       listed.insert(fs::path(answer["path"].get<std::string>()).replace_extension());
@@ -145,7 +145,7 @@ TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
 }
 
 TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
-  const Json configuration = {
+  const PlainJson configuration = {
       {"excludedPaths", {Tree().string(), Tree().string() + "/", "/no such", "relative"}},
       {"excludedFiles", {"name.sample", "folder/name.sample"}},
       {"includedExtensions", {"Txt", ".TXT", "txt", "EXE"}},
@@ -154,7 +154,7 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
   WriteFile(folder_ / "surprising.json", configuration.dump());
   Words warned;
   const auto file = (folder_ / "surprising.json").string();
-  const Json answer = Ask({"configure", file, "--check"});
+  const PlainJson answer = Ask({"configure", file, "--check"});
   for (const auto& warning : answer["warnings"]) {
     if (warning["value"] != "") warned.push_back(warning["value"]);
   }

@@ -13,7 +13,7 @@ namespace Norvik::KOB {
 namespace {
 
 using namespace tests;
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 using Tests::SchemaCheck;
 using Lines = std::set<std::string>;
 
@@ -74,17 +74,17 @@ TEST_F(SchemaTest, AllowsEveryDocumentAndHasNoPropertyThatOccursInNone) {
   EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
 }
 
-Json DocumentOf(const std::string& schema) {
-  return Json::parse(schema == FULL ? JsonText(FilledInventory()) : JsonText(AllChanges()));
+PlainJson DocumentOf(const std::string& schema) {
+  return PlainJson::parse(schema == FULL ? JsonText(FilledInventory()) : JsonText(AllChanges()));
 }
 
 /// Spoils a value in a way and gives what is wrong then, as `FirstWords` does; nothing if the value
 /// cannot be spoiled so.
-Lines Spoil(Json& value, const std::string& way, const std::string& place) {
-  const Json old = value;
+Lines Spoil(PlainJson& value, const std::string& way, const std::string& place) {
+  const PlainJson old = value;
   Lines wrong;
   if (way == "kind") {
-    value = old.is_string() ? Json(1.5) : Json("x");
+    value = old.is_string() ? PlainJson(1.5) : PlainJson("x");
     wrong.insert(old.is_string() ? "1.5" : "'x'");
   } else if (way == "fraction" && old.is_number_integer()) {
     value = 0.5;
@@ -101,7 +101,7 @@ Lines Spoil(Json& value, const std::string& way, const std::string& place) {
 }
 
 /// Spoils all values that stand so deep in a document: one that is spoiled hides those in it.
-void SpoilAt(int depth, Json& value, const std::string& way, const std::string& place,
+void SpoilAt(int depth, PlainJson& value, const std::string& way, const std::string& place,
              Lines& problems) {
   if (depth == 0) {
     for (const auto& wrong : Spoil(value, way, place)) problems.insert(place + ": " + wrong);
@@ -126,7 +126,7 @@ TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
     for (const std::string way : {"kind", "fraction", "emptied"}) {
       for (int depth = 0; depth < 7; ++depth) {
         const std::string name = way + "-" + std::to_string(depth);
-        Json document = DocumentOf(schema);
+        PlainJson document = DocumentOf(schema);
         SpoilAt(depth, document, way, schema + "/" + name + "#", expected);
         check.Add(schema, name, document.dump());
       }
@@ -139,10 +139,10 @@ TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
 TEST_F(SchemaTest, RefusesWhatNoDocumentMaySay) {
   Lines expected;
   const Tests::Json rows = Tests::DataOf("module/schema-refusals.json");
-  for (const Json row : rows) {
+  for (const PlainJson row : rows) {
     const std::string schema = row[0], name = row[1];
-    Json document = DocumentOf(schema);
-    document[Json::json_pointer(row[2])] = row[3];
+    PlainJson document = DocumentOf(schema);
+    document[PlainJson::json_pointer(row[2])] = row[3];
     check.Add(schema, name, document.dump());
     expected.insert(schema + "/" + name + "#" + row[2].get<std::string>() + ": " +
                     row[4].get<std::string>());
@@ -151,7 +151,7 @@ TEST_F(SchemaTest, RefusesWhatNoDocumentMaySay) {
 }
 
 TEST_F(SchemaTest, RefusesAnIncrementalDocumentWithoutChangesAndWhatIsNoJson) {
-  Json document = DocumentOf(INCREMENTAL);
+  PlainJson document = DocumentOf(INCREMENTAL);
   for (const char* part : {"create", "delete", "update"}) document[part] = nullptr;
   check.Add(INCREMENTAL, "unchanged", document.dump());
   check.Add(FULL, "cut", JsonText(FilledInventory()).substr(0, 1000));

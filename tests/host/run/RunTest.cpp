@@ -17,7 +17,7 @@ namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 namespace fs = boost::filesystem;
 using std::chrono::system_clock;
 using testing::AllOf;
@@ -54,7 +54,7 @@ class Service : public ProgramTest {
     EXPECT_THAT(process->Output(), HasSubstr("runs as process"));
     return process;
   }
-  Json Status() const { return Ask({"status"}); }
+  PlainJson Status() const { return Ask({"status"}); }
   bool HasSessions(std::size_t count) const {
     return Eventually([&] { return Status()["agent"]["sessions"].size() == count; });
   }
@@ -146,7 +146,7 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   EXPECT_TRUE(Logs("KOB Inventory finished"));
   EXPECT_TRUE(Eventually([&] { return DocumentsInOutbox() == 1; }));
   const auto periodic = Status()["periodic"];
-  EXPECT_TRUE(std::any_of(periodic.begin(), periodic.end(), [](const Json& entry) {
+  EXPECT_TRUE(std::any_of(periodic.begin(), periodic.end(), [](const PlainJson& entry) {
     return entry["code"] == 1046 && entry["periodSeconds"] == 9999;
   })) << periodic;
 

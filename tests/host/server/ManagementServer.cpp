@@ -11,7 +11,7 @@ namespace Norvik::Tests {
 
 namespace {
 
-using Json = nlohmann::json;
+using PlainJson = nlohmann::json;
 using httplib::Request, httplib::Response;
 constexpr char AGENTS[] = "/norvik/v1/agents/";
 
@@ -38,7 +38,7 @@ struct ManagementServer::Inside {
       return;
     }
     const bool isConcerned = resource.find(state.fault.value("resource", "")) != std::string::npos;
-    const Json fault = isConcerned ? state.fault : Json::object();
+    const PlainJson fault = isConcerned ? state.fault : PlainJson::object();
     if (!fault.contains("status") || fault.contains("keeps")) Keep(resource, request, response);
     if (fault.contains("status")) Misbehave(fault, lock, response);
   }
@@ -50,18 +50,18 @@ struct ManagementServer::Inside {
       return;
     }
     state.agents[agent] = state.token.empty() ? given : "Bearer " + state.token;
-    Json body = {{"identifier", agent}};
+    PlainJson body = {{"identifier", agent}};
     if (!state.token.empty()) body["token"] = state.token;
     response.set_content(body.dump(), "application/json");
   }
 
   void Keep(const std::string& resource, const Request& request, Response& response) {
-    Json answer = Json::parse(state.answers[resource], nullptr, false);
+    PlainJson answer = PlainJson::parse(state.answers[resource], nullptr, false);
     std::string line = resource + " " + request.body;
     if (resource == "statuses") {
       line = resource;
-      const Json sent = Json::parse(request.body);
-      for (const Json& status : sent.at("statuses")) {
+      const PlainJson sent = PlainJson::parse(request.body);
+      for (const PlainJson& status : sent.at("statuses")) {
         line += " " + std::to_string(status.at("status").get<int>());
         answer = {{"acknowledged", status.at("id")}};
       }
@@ -75,7 +75,7 @@ struct ManagementServer::Inside {
     if (state.onKept) state.onKept();
   }
 
-  void Misbehave(const Json& fault, std::unique_lock<std::mutex>& lock, Response& response) {
+  void Misbehave(const PlainJson& fault, std::unique_lock<std::mutex>& lock, Response& response) {
     response = Response();
     response.status = fault["status"];
     const std::string sends = fault.value("sends", "");
