@@ -72,7 +72,7 @@ int SendSignal(int processId, int signal) {
 
 int SetClock(const timeval& time) {
   if (!Platform::IsRehearsed()) return ::settimeofday(&time, nullptr);
-  // Six digits, of which zeros in front are some.
+  // Microseconds have six digits: the zeros in front count.
   const std::string fraction = std::to_string(1'000'000 + time.tv_usec).substr(1);
   const std::string call = "settimeofday " + std::to_string(time.tv_sec) + "." + fraction;
   const bool allowed = ::geteuid() == 0;

@@ -27,8 +27,9 @@ struct Value {
 
 /// An update by a time, which is to be cut to seconds.
 std::function<bool(std::uint64_t)> Timed(bool (*update)(const Store::TimePoint&)) {
-  return [=](std::uint64_t held) {
-    return update(system_clock::from_time_t(static_cast<std::time_t>(held)) + milliseconds(999));
+  return [=](std::uint64_t sinceEpoch) {
+    return update(system_clock::from_time_t(static_cast<std::time_t>(sinceEpoch)) +
+                  milliseconds(999));
   };
 }
 
