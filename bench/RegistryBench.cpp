@@ -5,7 +5,7 @@
 #include <boost/property_tree/ptree.hpp>
 #include <string>
 
-#include "common/mac/MacXMLToJSONParser.h"
+#include "common/apple/MacXMLToJSONParser.h"
 #include "module/Inventory/ServicesSection.h"
 #include "platform/compat/Registry.h"
 #include "support/MacRecording.h"

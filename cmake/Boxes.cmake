@@ -15,13 +15,14 @@ function(norvik_box name)
   add_library(norvik_${name} OBJECT ${BOX_SOURCES})
   target_include_directories(norvik_${name} PUBLIC "${root}")
   target_link_libraries(norvik_${name} PUBLIC ${BOX_LINKS} PRIVATE norvik_warnings)
+  norvik_use_precompiled_header(norvik_${name} norvik_headers)
   foreach(used IN LISTS BOX_USES)
     target_include_directories(norvik_${name} PUBLIC "${CMAKE_BINARY_DIR}/boxes/${used}")
   endforeach()
 endfunction()
 
 # norvik_part(NAME BOX folder...): an include root that holds just these folders of a box. Its name can
-# stand behind USES.
+# follow USES.
 function(norvik_part name box)
   set(root "${CMAKE_BINARY_DIR}/boxes/${name}/${box}")
   file(MAKE_DIRECTORY "${root}")
@@ -30,8 +31,9 @@ function(norvik_part name box)
   endforeach()
 endfunction()
 
-# Sources of the current folder, below it: without the subfolders named behind EXCLUDE, and of
-# those behind ONLY if there are any.
+# Sources of the current folder and below it: without the subfolders named after EXCLUDE, and only
+# those named after ONLY, if there are any. A folder mac/ or linux/ holds what only one system compiles;
+# linux/ stands for all systems but macOS.
 function(norvik_sources result)
   cmake_parse_arguments(ARG "" "" "EXCLUDE;ONLY" ${ARGN})
   file(GLOB_RECURSE found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
@@ -41,6 +43,11 @@ function(norvik_sources result)
   if(ARG_ONLY)
     list(JOIN ARG_ONLY "|" wanted)
     list(FILTER found INCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/(${wanted})")
+  endif()
+  if(APPLE)
+    list(FILTER found EXCLUDE REGEX "/linux/[^/]*$")
+  else()
+    list(FILTER found EXCLUDE REGEX "/mac/[^/]*$")
   endif()
   set(${result} "${found}" PARENT_SCOPE)
 endfunction()

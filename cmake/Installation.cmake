@@ -15,7 +15,7 @@ install(TARGETS norvik-agent NorvikAgentCommon NorvikKOB
 # database library, how records are compiled, and what a collector needs of a Mac.
 set(headers include/norvik-agent)
 install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
-  PATTERN common/mac EXCLUDE
+  PATTERN common/apple EXCLUDE
   REGEX "/(Cells|Connection|ConnectionPool|DatabaseFile|DatabaseSchema|KeyValueTable)\\.h$" EXCLUDE
   REGEX "/(Sentence|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
 install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")

@@ -33,17 +33,16 @@ endif()
 
 find_program(NORVIK_CCACHE ccache)
 if(NORVIK_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${NORVIK_CCACHE}")
+  # A precompiled header is compared by its content, and paths are taken below the source tree, so that
+  # two checkouts share what they compiled.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros
+    "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" "${NORVIK_CCACHE}")
 endif()
 
 # Warnings of our own code are errors; headers of libraries come in as system headers.
 add_library(norvik_warnings INTERFACE)
 target_compile_options(norvik_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Werror)
-# Of several sources that are compiled as one, a local name shadows what only another one has.
-if(NOT CMAKE_UNITY_BUILD)
-  target_compile_options(norvik_warnings INTERFACE -Wshadow)
-endif()
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 # Boost 1.74's reader of JSON still uses what its own headers call deprecated.
 target_compile_definitions(norvik_warnings INTERFACE BOOST_BIND_GLOBAL_PLACEHOLDERS)
 # GCC 12 believes that boost::variant's assignment reads what it has not set.

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/ConfigurationFile.h"
+#include "host/configuration/ConfigurationFile.h"
 
 /// The text as a configuration.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

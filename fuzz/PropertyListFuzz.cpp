@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Quiet.h"
-#include "common/mac/MacXMLToJSONParser.h"
+#include "common/apple/MacXMLToJSONParser.h"
 
 /// A report of a tool. Whatever it holds, reading it does not raise, and what is found in the tree
 /// is in the tree.

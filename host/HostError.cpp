@@ -1,10 +1,11 @@
 #include "host/HostError.h"
 
 #include <boost/filesystem/exception.hpp>
-
-#include "host/TextFile.h"
+#include "common/text/Text.h"
 
 namespace Norvik::Host {
+
+using Common::OnOneLine;
 
 std::string ReasonOf(const std::exception& error) {
   const auto* const ofFile = dynamic_cast<const boost::filesystem::filesystem_error*>(&error);

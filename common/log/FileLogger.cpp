@@ -17,7 +17,7 @@ constexpr std::size_t MAX_FILE_SIZE = std::size_t{5} << 20;
 constexpr std::size_t OLD_FILES = 3;
 
 /// A text with line ends would look like several lines, perhaps of another origin.
-std::string OnOneLine(const std::string& text) {
+std::string WithEscapedLineEnds(const std::string& text) {
   std::string line;
   for (const char c : text) {
     if (c == '\n' || c == '\r') {
@@ -42,7 +42,7 @@ class FileLogger : public Logger {
            const char* function) override {
     if (level > maxLevel_) return;
     logger_.log(spdlog::level::info, "[{}] {}:{} {}: {}", static_cast<int>(level), file, line,
-                function, OnOneLine(text));
+                function, WithEscapedLineEnds(text));
   }
 
  private:

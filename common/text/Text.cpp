@@ -1,5 +1,6 @@
 #include "common/text/Text.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -77,6 +78,13 @@ std::string trim_copy(std::string text) {
   text.erase(text.find_last_not_of(BLANKS) + 1);
   text.erase(0, text.find_first_not_of(BLANKS));
   return text;
+}
+
+std::string OnOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+  return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 std::string EncodeUtf8Characters(const std::string& text) {

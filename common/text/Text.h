@@ -20,6 +20,9 @@ NORVIK_COMMON_API std::wstring StringToWstring_Deprecated(const std::string& tex
 NORVIK_COMMON_API std::string ToUpper(const std::string& text);
 /// Copy without the blanks (ASCII white space) at both ends.
 NORVIK_COMMON_API std::string trim_copy(std::string text);
+/// The text on one line, for messages: each control character (line ends among them) becomes a
+/// blank, and blanks at the end go.
+NORVIK_COMMON_API std::string OnOneLine(std::string text);
 /// The text in UTF-8: bytes that are valid stay, any other is taken as Latin-1.
 NORVIK_COMMON_API std::string EncodeUtf8Characters(const std::string& text);
 

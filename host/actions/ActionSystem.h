@@ -14,6 +14,7 @@
 #include "common/database/AgentData.h"
 #include "host/actions/ActionThreads.h"
 #include "host/actions/Clock.h"
+#include "host/actions/HostActions.h"
 #include "host/actions/PeriodicState.h"
 
 namespace Norvik::Host {
@@ -39,7 +40,7 @@ struct DueAction {
 /// runs once and then forgets the state but for the time of that run, which is not made again when
 /// `ReplacePeriodic` asks for it anew. When the time of day was set back, a periodic action that
 /// would wait longer than its period is moved to its next time.
-class ActionSystem : public Common::IActionSystem {
+class ActionSystem : public HostActions {
  public:
   static constexpr std::size_t THREADS = 4;
 
@@ -51,8 +52,7 @@ class ActionSystem : public Common::IActionSystem {
   ActionSystem& operator=(const ActionSystem&) = delete;
   ~ActionSystem() override;
 
-  /// Where the actions of schedules come from. Until it is set they are refused, and logged.
-  void SetActionFactory(Common::ActionFactory factory);
+  void SetActionFactory(Common::ActionFactory factory) override;
 
   /// A schedule of a known identifier, in this process or from before a restart, goes on if its
   /// period is the same and its time not later; otherwise it takes the known one's place.

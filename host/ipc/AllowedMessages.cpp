@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "common/action/ActionCodes.h"
-#include "host/ModuleActionCodes.h"
-#include "host/TextFile.h"
+#include "common/text/Text.h"
+#include "host/assembly/ModuleActionCodes.h"
 
 namespace Norvik::Host {
 

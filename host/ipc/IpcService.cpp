@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "common/log/Logger.h"
-#include "host/TextFile.h"
 #include "host/ipc/AllowedMessages.h"
 #include "host/ipc/SocketPath.h"
 

@@ -11,8 +11,8 @@
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
-#include "host/ModuleActionCodes.h"
-#include "host/commands/Rendering.h"
+#include "host/OutputText.h"
+#include "host/assembly/ModuleActionCodes.h"
 #include "host/run/ConfigurationChange.h"
 
 namespace Norvik::Host {

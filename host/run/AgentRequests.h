@@ -4,7 +4,7 @@
 #include <string>
 
 #include "common/ipc/ICommunicationIPC.h"
-#include "host/AgentHost.h"
+#include "host/assembly/AgentHost.h"
 
 namespace Norvik::Host {
 

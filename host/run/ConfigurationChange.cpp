@@ -3,9 +3,9 @@
 #include <tuple>
 
 #include "common/action/ActionCodes.h"
+#include "common/files/TextFile.h"
 #include "common/log/Logger.h"
-#include "host/ConfigurationFile.h"
-#include "host/TextFile.h"
+#include "host/configuration/ConfigurationFile.h"
 
 namespace Norvik::Host {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/AgentHost.h"
+#include "host/assembly/AgentHost.h"
 
 namespace Norvik::Host {
 

@@ -6,8 +6,8 @@
 
 #include "common/action/ActionCodes.h"
 #include "common/log/Logger.h"
-#include "host/ConfigurationFile.h"
-#include "host/ModuleActionCodes.h"
+#include "host/assembly/ModuleActionCodes.h"
+#include "host/configuration/ConfigurationFile.h"
 #include "host/ipc/MessageAction.h"
 #include "host/run/ConfigurationChange.h"
 #include "host/run/StopActions.h"

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "host/AgentHost.h"
 #include "host/actions/SerialActions.h"
+#include "host/assembly/AgentHost.h"
 #include "host/ipc/IpcService.h"
 #include "host/run/AgentRequests.h"
 

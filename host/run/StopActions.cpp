@@ -3,7 +3,7 @@
 #include <boost/format.hpp>
 
 #include "common/log/Logger.h"
-#include "host/commands/Rendering.h"
+#include "host/OutputText.h"
 
 namespace Norvik::Host {
 

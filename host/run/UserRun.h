@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "host/AgentHost.h"
 #include "host/actions/SerialActions.h"
+#include "host/assembly/AgentHost.h"
 #include "host/ipc/IpcUser.h"
 
 namespace Norvik::Host {

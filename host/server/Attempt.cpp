@@ -5,13 +5,14 @@
 #include <exception>
 #include <stdexcept>
 
-#include "host/TextFile.h"
+#include "common/text/Text.h"
 #include "host/server/AnswerBody.h"
 
 namespace Norvik::Host {
 
 namespace {
 
+using Common::OnOneLine;
 using Result = Attempt::Result;
 
 /// Of those in the four hundreds that speak of the agent or of the server's state and not of what

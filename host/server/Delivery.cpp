@@ -5,11 +5,13 @@
 #include <utility>
 
 #include "common/log/Logger.h"
-#include "host/TextFile.h"
+#include "common/text/Text.h"
 
 namespace Norvik::Host {
 
 namespace {
+
+using Common::OnOneLine;
 
 constexpr char STATUSES[] = "statuses";
 constexpr char STATUSES_TEXT[] = "the states of tasks";

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "common/files/FileSealer.h"
-#include "host/TextFile.h"
+#include "common/text/Text.h"
 #include "host/server/FileDigest.h"
 #include "platform/FileSystem.h"
 
@@ -17,6 +17,7 @@ namespace Norvik::Host {
 
 namespace {
 
+using Common::OnOneLine;
 namespace fs = boost::filesystem;
 
 constexpr char NOT_SEALED[] = "is not given the file: it is not sealed";

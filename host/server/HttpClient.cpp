@@ -9,13 +9,14 @@
 #include <exception>
 #include <stdexcept>
 
-#include "host/TextFile.h"
+#include "common/text/Text.h"
 #include "platform/FileSystem.h"
 
 namespace Norvik::Host {
 
 namespace {
 
+using Common::OnOneLine;
 using std::chrono::milliseconds;
 
 constexpr std::size_t LONGEST_HEADERS = 64 << 10;

@@ -9,8 +9,8 @@
 
 #include "common/log/Logger.h"
 #include "common/rest/PendingTasks.h"
-#include "host/DataFolder.h"
-#include "host/TextFile.h"
+#include "common/text/Text.h"
+#include "host/data/DataFolder.h"
 #include "host/server/AnswerBody.h"
 
 namespace Norvik::Host {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "common/configuration/CommunicationsInfo.h"
-#include "host/IdentityStore.h"
 #include "host/actions/Clock.h"
+#include "host/identity/AgentIdentity.h"
 
 namespace Norvik::Host {
 
@@ -38,7 +38,7 @@ struct ServerOptions {
   boost::filesystem::path dataFolder;
   boost::filesystem::path outbox;
   std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
-  std::shared_ptr<IdentityStore> identity;
+  std::shared_ptr<AgentIdentity> identity;
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 

@@ -57,7 +57,7 @@ std::unique_ptr<HttpClient> ServerSession::NewClient() const {
 
 HttpAnswer ServerSession::Send(HttpClient& client, const std::string& resource,
                                HttpRequest request) {
-  const AgentIdentity identity = options_.identity->Get();
+  const Identity identity = options_.identity->Get();
   request.path = AGENTS + identity.identifier + (resource.empty() ? "" : "/" + resource);
   request.headers.push_back("Authorization: Bearer " + identity.token);
   request.headers.push_back("Accept: application/json");
@@ -72,7 +72,7 @@ HttpAnswer ServerSession::Post(HttpClient& client, const std::string& resource,
   return Send(client, resource, JsonRequest("POST", body));
 }
 
-void ServerSession::TakeOn(const HttpAnswer& answer, const AgentIdentity& identity) {
+void ServerSession::TakeOn(const HttpAnswer& answer, const Identity& identity) {
   if (answer.status == NOT_YET) throw std::runtime_error("it has still to decide");
   if (!answer.IsSuccess()) throw std::runtime_error("it " + answer.Text());
   const auto body = ParseAnswerBody(answer.body);
@@ -88,7 +88,7 @@ void ServerSession::TakeOn(const HttpAnswer& answer, const AgentIdentity& identi
 
 bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::seconds>& retryAfter) {
   const std::lock_guard<std::mutex> lock(enrolMutex_);
-  const AgentIdentity identity = options_.identity->Get();
+  const Identity identity = options_.identity->Get();
   if (identity.server == Origin()) return true;
   const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody()));
   retryAfter = answer.retryAfter;

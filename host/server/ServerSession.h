@@ -35,7 +35,7 @@ class ServerSession {
   HttpAnswer Post(HttpClient& client, const std::string& resource, const std::string& body);
 
  private:
-  void TakeOn(const HttpAnswer& answer, const AgentIdentity& identity);
+  void TakeOn(const HttpAnswer& answer, const Identity& identity);
 
   const ServerOptions options_;
   const std::atomic<bool>& stopped_;

@@ -15,15 +15,17 @@
 #include <system_error>
 #include <utility>
 
+#include "common/files/TextFile.h"
 #include "common/log/Logger.h"
-#include "host/TextFile.h"
 #include "platform/FileSystem.h"
 
 namespace Norvik::Host {
 
 namespace {
 
+using Common::ReadTextFile;
 using Common::TaskResponseInfo;
+using Common::WriteTextFile;
 using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::size_t LONGEST_MESSAGE = 4096;

@@ -10,9 +10,9 @@
 #include <chrono>
 #include <string>
 
+#include "common/apple/MacXMLToJSONParser.h"
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "common/mac/MacXMLToJSONParser.h"
 #include "common/text/Base64Coder.h"
 #include "common/text/Dates.h"
 #include "common/text/Text.h"

@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "common/apple/AppleFundation.h"
+#include "common/apple/SataInfo.h"
 #include "common/log/Logger.h"
-#include "common/mac/AppleFundation.h"
-#include "common/mac/SataInfo.h"
 #include "common/text/Text.h"
 #include "module/Inventory/RegistryProperties.h"
 #include "module/Inventory/ToolOutput.h"

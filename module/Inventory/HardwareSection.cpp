@@ -3,8 +3,8 @@
 #include <wx/log.h>
 #include <wx/xml/xml.h>
 
+#include "common/apple/XmlReader.h"
 #include "common/log/Logger.h"
-#include "common/mac/XmlReader.h"
 #include "common/text/Text.h"
 #include "module/Inventory/ToolOutput.h"
 

@@ -1,7 +1,7 @@
 #include "module/Inventory/ProfilerReport.h"
 
+#include "common/apple/MacXMLToJSONParser.h"
 #include "common/commands/CommandRunner.h"
-#include "common/mac/MacXMLToJSONParser.h"
 
 namespace Norvik::KOB {
 

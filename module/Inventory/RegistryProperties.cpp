@@ -1,6 +1,6 @@
 #include "module/Inventory/RegistryProperties.h"
 
-#include "common/mac/AppleFundation.h"
+#include "common/apple/AppleFundation.h"
 
 namespace Norvik::KOB {
 

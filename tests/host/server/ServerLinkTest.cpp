@@ -52,7 +52,7 @@ struct Road {
     Restart();
   }
   void Restart() {
-    options.identity = std::make_shared<IdentityStore>(folder / "identity.json");
+    options.identity = std::make_shared<AgentIdentity>(folder / "identity.json");
     queue = std::make_shared<StatusQueue>(folder / "statuses.jsonl");
     const auto session = std::make_shared<ServerSession>(options, stopped);
     delivery = std::make_unique<Delivery>(options, session, queue, stopped);

@@ -1,0 +1,83 @@
+#include "cli/AgentProgram.h"
+
+#include <exception>
+#include <iostream>
+#include <map>
+#include <utility>
+
+#include "cli/RecordedMachineOption.h"
+#include "cli/commands/Commands.h"
+#include "common/database/AgentDatabase.h"
+#include "host/HostError.h"
+#include "host/assembly/StandardChannels.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using Command = int (*)(const CommandLine&, std::ostream&, std::ostream&);
+
+const std::map<std::string, Command>& AllCommands() {
+  static const std::map<std::string, Command> commands = {
+      {"inventory", RunInventory}, {"files", RunFiles},     {"explain", RunExplain},
+      {"open", RunOpen},           {"apply", RunApply},     {"diff", RunDiff},
+      {"action", RunAction},       {"actions", RunActions}, {"configure", RunConfigure},
+      {"status", RunStatus},       {"run", RunService},     {"user", RunUser},
+      {"notify", RunNotify},       {"message", RunMessage}};
+  return commands;
+}
+
+int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  if (line.command.empty()) {
+    output << line.help;
+    return EXIT_DONE;
+  }
+  const auto machine = UseRecordedMachine(line.machine);
+  return AllCommands().at(line.command)(line, output, errors);
+}
+
+/// Tells once of a wait for the database.
+class WaitNotice {
+ public:
+  explicit WaitNotice(std::ostream& errors) {
+    Common::AgentDatabase::SetWaitListener([&errors, told = false]() mutable {
+      if (std::exchange(told, true)) return;
+      errors << "norvik-agent: waiting for the database, which another program holds" << std::endl;
+    });
+  }
+  WaitNotice(const WaitNotice&) = delete;
+  WaitNotice& operator=(const WaitNotice&) = delete;
+  ~WaitNotice() { Common::AgentDatabase::SetWaitListener({}); }
+};
+
+int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
+  errors << "norvik-agent: " << ReasonOf(error) << std::endl;
+  return code;
+}
+
+}  // namespace
+
+int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
+                    std::ostream& errors) {
+  Common::AgentDatabase::LeaveOutConnectionLocks();
+  const WaitNotice notice(errors);
+  try {
+    const int code = Run(ParseCommandLine(arguments), output, errors);
+    if (output.flush()) return code;
+    throw std::runtime_error("cannot write the output");
+  } catch (const UsageError& error) {
+    return Fail(error, EXIT_WRONG_USE, errors);
+  } catch (const std::exception& error) {
+    return Fail(error, EXIT_FAILED, errors);
+  }
+}
+
+int RunAgentProgram(const std::vector<std::string>& arguments) {
+  FillStandardChannels();
+  OwnErrors errors;
+  return RunAgentProgram(arguments, std::cout, errors);
+}
+
+}  // namespace Norvik::Cli

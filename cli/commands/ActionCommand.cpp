@@ -1,0 +1,91 @@
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
+#include <ostream>
+
+#include "cli/commands/ActionArguments.h"
+#include "cli/commands/ActionOutcome.h"
+#include "cli/commands/Commands.h"
+#include "cli/commands/RunningAgent.h"
+#include "cli/commands/StatusRecorder.h"
+#include "cli/rehearsal/RehearsalHost.h"
+#include "cli/rehearsal/RehearsalReport.h"
+#include "common/log/Logger.h"
+#include "host/HostError.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using namespace Common;
+
+ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
+  ActionOutcome outcome;
+  const StatusRecorder recorder(host.GetCommunications());
+  try {
+    outcome.response = host.Run(code, parameters);
+  } catch (const std::exception& error) {
+    outcome.failure = *error.what() ? ReasonOf(error) : "the action raised an exception";
+  }
+  outcome.statuses = recorder.Statuses();
+  return outcome;
+}
+
+void RequireHandler(IModule& module, unsigned int code) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
+}
+
+int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& errors) {
+  if (!outcome.HasFailed()) return EXIT_DONE;
+  const std::string reason = outcome.Reason();
+  errors << "norvik-agent: action " << code << " failed" << (reason.empty() ? "" : ": ") << reason
+         << std::endl;
+  return EXIT_FAILED;
+}
+
+/// Users that are connected to the agent that works with the same data folder, if one runs.
+RehearsedCommunications::Sessions ConnectedSessions(const CommandLine& line) {
+  RehearsedCommunications::Sessions sessions;
+  try {
+    const auto status = AskAgentIfRunning(line.socket, {{"request", "status"}});
+    if (!status) return sessions;
+    boost::system::error_code differ;
+    const std::string folder = status->at("dataFolder");
+    if (!boost::filesystem::equivalent(folder, line.agent.dataFolder, differ)) return sessions;
+    for (const auto& session : status->at("sessions")) {
+      sessions[session.at("session")].processId = session.at("processId");
+    }
+  } catch (const std::exception& error) {
+    NORVIK_WARNING(boost::format("The running agent does not tell who is connected: %1%") %
+                   error.what());
+  }
+  return sessions;
+}
+
+int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  const unsigned int code = ParseActionCode(line.action);
+  const ActionParameters parameters = ParseActionParameters(line.parameters);
+  RehearsalHost host(line.agent, ConnectedSessions(line));
+  RequireHandler(host.Module(), code);
+  const RehearsalReport report(code, host.Run(code, parameters));
+  output << host.InOriginal(line.json ? JsonLine(report.ToJson()) : report.ToText());
+  return CodeFor(report.Outcome(), code, errors);
+}
+
+}  // namespace
+
+int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors) {
+  if (line.rehearse) return Rehearse(line, output, errors);
+  const unsigned int code = ParseActionCode(line.action);
+  const ActionParameters parameters = ParseActionParameters(line.parameters);
+  AgentHost host(line.agent);
+  RequireHandler(host.Module(), code);
+  const ActionOutcome outcome = RunOne(host, code, parameters);
+  output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
+  return CodeFor(outcome, code, errors);
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,58 @@
+#include <boost/filesystem/operations.hpp>
+#include <ostream>
+
+#include "cli/commands/Commands.h"
+#include "cli/commands/DocumentFile.h"
+#include "common/files/TextFile.h"
+#include "documents/ApplyIncrement.h"
+#include "documents/Difference.h"
+#include "host/HostError.h"
+#include "host/data/DataFolder.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using Common::WriteTextFile;
+namespace fs = boost::filesystem;
+using Documents::NamedText;
+using Combine = std::string (*)(const NamedText&, const NamedText&);
+
+/// Raises `UsageError` for a link, device or pipe: the document would take its place.
+void CheckOutput(const fs::path& file) {
+  const auto type = fs::symlink_status(file).type();
+  if (type == fs::regular_file || type == fs::file_not_found) return;
+  throw UsageError("--output wants a new or a plain file, not " + file.string());
+}
+
+/// Writes what comes of the two documents that the line names.
+int Combined(const CommandLine& line, std::ostream& output, Combine combine) {
+  if (!line.outputFile.empty()) CheckOutput(line.outputFile);
+  UseUtf8Characters();
+  // Only the answer is to be seen: nothing of the library's log.
+  const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
+  const auto read = [&](const fs::path& file) {
+    return NamedText{file.string(), ReadDocument(file, line.agent.dataFolder / KEY_FOLDER)};
+  };
+  const std::string document = combine(read(line.file), read(line.secondFile));
+  if (line.outputFile.empty()) {
+    output << document << std::endl;
+  } else {
+    WriteTextFile(line.outputFile, document);
+  }
+  return EXIT_DONE;
+}
+
+}  // namespace
+
+int RunApply(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  return Combined(line, output, Documents::ApplyIncrement);
+}
+
+int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  return Combined(line, output, Documents::DifferenceOf);
+}
+
+}  // namespace Norvik::Cli

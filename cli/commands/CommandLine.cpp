@@ -1,0 +1,202 @@
+#include "cli/commands/CommandLine.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <boost/algorithm/string/join.hpp>
+
+#include "cli/RecordedMachineOption.h"
+#include "common/configuration/AgentVersion.h"
+#include "host/HostError.h"
+#include "host/assembly/ModuleLoader.h"
+#include "host/data/DataFolder.h"
+#include "host/ipc/SocketPath.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+/// Options as CLI11 fills them.
+struct Texts {
+  std::string data;
+  std::string configuration;
+  std::string module;
+  std::string machine;
+  std::string socket;
+  std::string file;
+  std::string secondFile;
+  std::string outputFile;
+};
+
+std::string NotEmpty(const std::string& value) {
+  return value.empty() ? "wants a text that is not empty" : "";
+}
+
+void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
+  program.add_option("--data", texts.data, "the data folder")->check(NotEmpty)->type_name("DIR");
+  program.add_option("--config", texts.configuration, "use this configuration for one call")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  program.add_option("--log-level", line.agent.logLevel, "from 2 (errors) to 7 (everything)")
+      ->check(CLI::Range(2, 7))
+      ->type_name("N");
+  program.add_option("--module", texts.module, "the module to load")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  program.add_option("--socket", texts.socket, "the socket of the running agent")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  if (HasRecordedMachines()) {
+    program.add_option("--machine", texts.machine, "have a recorded Mac stand for this machine")
+        ->check(NotEmpty)
+        ->type_name("FOLDER");
+  }
+  program.add_flag("--user-process", line.agent.userProcess, "be the agent of a user");
+  program.add_flag("--json", line.json, "answer in JSON");
+}
+
+struct Argument {
+  const char* name;
+  const char* meaning;
+};
+
+void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
+                        const Argument& first, const Argument& second) {
+  const char* const meaning = name == "apply" ? "apply an incremental document to a full one"
+                                              : "tell what differs between two full documents";
+  auto* command = program.add_subcommand(name, meaning);
+  command->add_option(first.name, texts.file, first.meaning)->required()->check(NotEmpty);
+  command->add_option(second.name, texts.secondFile, second.meaning)->required()->check(NotEmpty);
+  command->add_option("--output", texts.outputFile, "write the document to this file")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+}
+
+void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
+  inventory->add_flag("--incremental", line.incremental, "tell only what has changed");
+
+  auto* files = program.add_subcommand("files", "take an inventory of the files of this machine");
+  files->add_flag("--incremental", line.incremental, "tell only what has changed");
+  files->add_flag("--scheduled", line.scheduled, "as a schedule would: at most once a day");
+
+  auto* explain = program.add_subcommand("explain", "tell whether a file inventory lists a path");
+  explain->add_option("PATH", texts.file, "the path to look at")->required()->check(NotEmpty);
+
+  auto* open = program.add_subcommand("open", "print the document in an outbox file");
+  open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
+  open->add_flag("--pretty", line.pretty, "indent the document");
+
+  AddDocumentCommand(program, texts, "apply", {"FULL", "the full document"},
+                     {"INCREMENTAL", "what has changed since"});
+  AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
+                     {"NEW", "the one to compare with it"});
+
+  auto* action = program.add_subcommand("action", "run one action and print its response");
+  action->add_option("ACTION", line.action, "code or name of the action")->required();
+  action->add_option("PARAMETERS", line.parameters,
+                     "key=value, key:bool=true or key:u64=123, any number");
+  action->add_flag("--rehearse", line.rehearse, "only tell what the action would do");
+
+  program.add_subcommand("actions", "list the actions of the module");
+
+  auto* configure = program.add_subcommand("configure", "check, store and apply a configuration");
+  configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
+  configure->add_flag("--check", line.check, "only tell what in it will surprise");
+
+  program.add_subcommand("status", "tell the state of the agent");
+}
+
+void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {
+  program.add_subcommand("run", "be the service of this machine until a signal ends it");
+  program.add_subcommand("user", "be the process of a logged-on user until a signal ends it");
+  auto* notify = program.add_subcommand("notify", "tell the running agent of a change");
+  notify->add_option("WHAT", line.what, "software or hardware")
+      ->required()
+      ->check(CLI::IsMember({"software", "hardware"}));
+  auto* message = program.add_subcommand("message", "show a text to the logged-on users");
+  message->add_option("TEXT", line.text, "the text")->required()->check(NotEmpty);
+}
+
+/// The machine's service has its socket where every user finds it; any other agent has it in its
+/// data folder.
+boost::filesystem::path DefaultSocket(const CommandLine& line) {
+  const bool ofSystem = line.command == "user" || (!line.dataFolderGiven && ::geteuid() == 0);
+  return ofSystem ? SYSTEM_SOCKET : line.agent.dataFolder / SOCKET_FILE;
+}
+
+/// A user may run a service as well, so the two keep apart.
+boost::filesystem::path DefaultFolderOf(const std::string& command) {
+  const boost::filesystem::path folder = DefaultDataFolder();
+  return command == "user" ? folder.string() + "-user" : folder;
+}
+
+void Take(const Texts& texts, CommandLine& line) {
+  line.dataFolderGiven = !texts.data.empty();
+  line.agent.dataFolder = line.dataFolderGiven ? texts.data : DefaultFolderOf(line.command);
+  line.socket = texts.socket.empty() ? DefaultSocket(line) : texts.socket;
+  if (line.command == "user") line.agent.userProcess = true;
+  if (line.command == "run" && line.agent.userProcess) {
+    throw UsageError("--user-process does not go with run; the command for it is user");
+  }
+  line.agent.configurationFile = texts.configuration;
+  line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
+  line.machine = texts.machine;
+  line.file = texts.file;
+  line.secondFile = texts.secondFile;
+  line.outputFile = texts.outputFile;
+}
+
+/// CLI11 turns the order of what it does not know, passes over it where something is missing as
+/// well, and its text for a missing or unknown command names none.
+std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
+  if (!program.get_subcommands().empty()) {
+    const std::string unexpected = boost::join(program.remaining(true), " ");
+    return unexpected.empty() ? error.what() : "unexpected: " + unexpected;
+  }
+  if (!dynamic_cast<const CLI::RequiredError*>(&error)) return error.what();
+  std::string names;
+  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  const auto unknown = program.remaining();
+  return (unknown.empty() ? "a command is wanted" : "unknown command " + unknown.front()) +
+         "; the commands are " + names;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
+  CommandLine line;
+  Texts texts;
+  CLI::App program("Inventory and remote administration of this machine", "norvik-agent");
+  program.set_version_flag("--version", Common::GetAgentVersion());
+  program.require_subcommand(1);
+  program.fallthrough();
+  AddGlobalOptions(program, line, texts);
+  AddCommands(program, line, texts);
+  AddCommandsOfRunningAgents(program, line);
+
+  // CLI11 takes them from the back.
+  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+  if (!reversed.empty()) reversed.pop_back();
+  try {
+    program.parse(reversed);
+  } catch (const CLI::CallForHelp&) {
+    line.help = program.help();
+    return line;
+  } catch (const CLI::CallForVersion&) {
+    line.help = program.version() + "\n";
+    return line;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(TextOf(error, program));
+  }
+  line.command = program.get_subcommands().front()->get_name();
+  Take(texts, line);
+  return line;
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,79 @@
+#include <ostream>
+
+#include "cli/commands/Commands.h"
+#include "cli/commands/Rendering.h"
+#include "cli/commands/RunningAgent.h"
+#include "cli/commands/StatusRecorder.h"
+#include "common/action/ActionCodes.h"
+#include "common/files/Paths.h"
+#include "common/files/TextFile.h"
+#include "host/configuration/ConfigurationFile.h"
+#include "host/configuration/ConfigurationWarnings.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+using namespace Common;
+
+namespace {
+
+int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& output) {
+  OrderedJson list = OrderedJson::array();
+  std::string text;
+  for (const auto& warning : WarningsOf(configuration)) {
+    list.push_back({{"key", warning.key}, {"value", warning.value}, {"text", warning.text}});
+    text += warning.key + ": " + warning.value + (warning.value.empty() ? "" : " ") + warning.text +
+            "\n";
+  }
+  if (text.empty()) text = "nothing in it will surprise\n";
+  output << (json ? JsonLine({{"warnings", list}}) : text);
+  return EXIT_DONE;
+}
+
+/// The states of what it starts go to the server of the running agent.
+int TellThatAgentTookIt(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
+                        bool json, std::ostream& output) {
+  const auto stored = answer.value("stored", "");
+  output << (json ? JsonLine({{"stored", stored}, {"profileId", configuration.profileId}})
+                  : "configuration of profile " + std::to_string(configuration.profileId) +
+                        " is stored in " + stored + "; the running agent applies it\n");
+  return EXIT_DONE;
+}
+
+}  // namespace
+
+int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  const ConfigurationFile given = ReadConfigurationFile(line.file);
+  const AgentConfigurationInfo& configuration = given.configuration;
+  if (line.check) return Check(configuration, line.json, output);
+
+  const auto answer =
+      AskAgentIfRunning(line.socket, {{"request", "configure"}, {"text", given.text}});
+  if (answer) return TellThatAgentTookIt(configuration, *answer, line.json, output);
+
+  AgentOptions options = line.agent;
+  // The module is made with the configuration so far, so that it sees the change; but it looks at
+  // the server only when it is made.
+  options.communications = configuration.communications;
+  AgentHost host(options);
+  const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
+  WriteTextFile(stored, given.text);
+
+  const StatusRecorder recorder(host.GetCommunications());
+  ActionParameters parameters;
+  parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
+  host.Run(COMMON_ACTION_NEW_CONFIGURATION, parameters);
+
+  const auto statuses = recorder.Statuses();
+  std::string text = "configuration of profile " + std::to_string(configuration.profileId) +
+                     " is stored in " + stored.string() + " and applied\n";
+  for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
+  const OrderedJson told = {{"stored", stored.string()},
+                            {"profileId", configuration.profileId},
+                            {"statuses", StatusesToJson(statuses)}};
+  output << (line.json ? JsonLine(told) : text);
+  return EXIT_DONE;
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,49 @@
+#include <boost/filesystem/operations.hpp>
+#include <ostream>
+
+#include "cli/commands/Commands.h"
+#include "cli/commands/Rendering.h"
+#include "cli/commands/ScanExplanation.h"
+#include "host/configuration/ConfigurationFile.h"
+#include "host/data/DataFolder.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+/// Links stay: whether one is on the way is what the answer may depend on.
+std::string FullPath(const fs::path& given) {
+  std::string path = fs::absolute(given).lexically_normal().string();
+  for (const std::string ending : {"/.", "/"}) {
+    if (path.size() > ending.size() && path.substr(path.size() - ending.size()) == ending) {
+      path.resize(path.size() - ending.size());
+    }
+  }
+  return path;
+}
+
+}  // namespace
+
+int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  const auto configuration =
+      ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
+  const Common::ScanRules rules(*configuration.kob);
+  const std::string path = FullPath(line.file);
+  const ScanExplanation answer = ExplainScan(rules, path);
+  if (line.json) {
+    output << JsonLine({{"path", path},
+                        {"listed", answer.listed},
+                        {"rule", answer.rule},
+                        {"reason", answer.reason}});
+  } else {
+    output << path << (answer.listed ? " would be listed: " : " would not be listed: ")
+           << answer.reason << std::endl;
+  }
+  return EXIT_DONE;
+}
+
+}  // namespace Norvik::Cli

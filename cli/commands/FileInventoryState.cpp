@@ -1,0 +1,67 @@
+#include "cli/commands/FileInventoryState.h"
+
+#include <iterator>
+#include <vector>
+
+#include "common/database/DataBase.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using Common::V2::DataBase;
+using std::chrono::system_clock;
+
+// By their numbers in the table.
+constexpr const char* STATES[] = {"unknown", "none", "finished", "scanning", "saving", "printing"};
+constexpr int FINISHED = 2;
+
+constexpr char STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
+
+const char* StateName(int state) {
+  const bool isKnown = state > 0 && static_cast<std::size_t>(state) < std::size(STATES);
+  return STATES[isKnown ? state : 0];
+}
+
+/// Null for a time that no run has written yet.
+OrderedJson TimeOf(int seconds) {
+  if (seconds == 0) return nullptr;
+  return {{"seconds", seconds}, {"time", TimeText(system_clock::from_time_t(seconds))}};
+}
+
+}  // namespace
+
+OrderedJson ReadFileInventoryState() {
+  if (!DataBase::ExistTable(STATUS_TABLE)) return nullptr;
+  DataBase dataBase;
+  const auto numbers = [&](const std::string& sentence) {
+    std::vector<int> answers;
+    for (const auto& row : dataBase.ExecuteSentence(sentence)) {
+      for (const auto& cell : row) answers.push_back(boost::get<int>(cell));
+    }
+    return answers;
+  };
+  const auto run =
+      numbers(std::string("select id_state_harverting, date_begin, date_modified, date_end from ") +
+              STATUS_TABLE);
+  if (run.empty()) return nullptr;
+  return {
+      {"state", run[0]},         {"stateName", StateName(run[0])},
+      {"begin", TimeOf(run[1])}, {"modified", TimeOf(run[2])},
+      {"end", TimeOf(run[3])},   {"files", numbers("select count(*) from RUD2_LAST_INVENTORY")[0]}};
+}
+
+std::string FileInventoryLine(const OrderedJson& state) {
+  if (state.is_null()) return "file inventory: never\n";
+  const auto timeOf = [&](const char* key) {
+    return state[key].is_null() ? std::string("never") : state[key]["time"].get<std::string>();
+  };
+  // The end of a run under way would be that of the run before it.
+  const bool hasEnded = state["state"] == FINISHED;
+  return "file inventory: " + state["stateName"].get<std::string>() + ", begun " + timeOf("begin") +
+         (hasEnded ? ", ended " + timeOf("end") : "") + ", " + state["files"].dump() + " files\n";
+}
+
+}  // namespace Norvik::Cli

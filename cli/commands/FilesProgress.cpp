@@ -1,0 +1,60 @@
+#include "cli/commands/FilesProgress.h"
+
+#include <ostream>
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::chrono::seconds BETWEEN_LINES(1);
+
+}  // namespace
+
+FilesProgress::FilesProgress(std::ostream& output) : output_(output), thread_([this] { Work(); }) {}
+
+FilesProgress::~FilesProgress() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopped_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+void FilesProgress::Enter(FilesPhase phase) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  phase_ = phase;
+  if (phase == FilesPhase::Scanning) {
+    scanSince_ = steady_clock::now();
+    before_ = Platform::DirectoryReader::Counts();
+  }
+  WriteLineIfDue();
+}
+
+void FilesProgress::Work() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  while (!changed_.wait_for(lock, BETWEEN_LINES, [this] { return stopped_; })) WriteLineIfDue();
+}
+
+/// With `mutex_` held.
+void FilesProgress::WriteLineIfDue() {
+  const auto time = steady_clock::now();
+  if (!phase_ || phase_ == FilesPhase::Ended || time - lastLine_ < BETWEEN_LINES) return;
+  lastLine_ = time;
+  const Platform::ReadCounts now = Platform::DirectoryReader::Counts();
+  const std::uint64_t files = now.questions - before_.questions;
+  output_ << NameOf(*phase_) << ": " << now.folders - before_.folders << " folders, " << files
+          << " files";
+  const std::chrono::duration<double> taken = time - scanSince_;
+  if (phase_ == FilesPhase::Scanning && files > 0) {
+    output_ << ", " << static_cast<std::uint64_t>(static_cast<double>(files) / taken.count())
+            << " files/s";
+  }
+  output_ << std::endl;
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,88 @@
+#include "cli/commands/FilesReport.h"
+
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+
+#include "cli/commands/Rendering.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+std::string CountsText(const FilesReport& report) {
+  const FilesCounts& counts = report.counts;
+  std::string text = "files: ";
+  if (report.kind == "incremental") {
+    text += std::to_string(counts.added) + " added, " + std::to_string(counts.removed) +
+            " removed, " + std::to_string(counts.modified) + " modified";
+  } else {
+    text += std::to_string(counts.total);
+  }
+  return text + "; " + std::to_string(report.folders) + " folders read\n";
+}
+
+OrderedJson CountsJson(const FilesReport& report) {
+  const FilesCounts& counts = report.counts;
+  if (report.kind.empty()) return nullptr;
+  if (report.kind == "total") return {{"total", counts.total}};
+  return {{"added", counts.added}, {"removed", counts.removed}, {"modified", counts.modified}};
+}
+
+}  // namespace
+
+boost::filesystem::path FilesReport::File() const {
+  for (const auto& step : steps) {
+    if (step.kind == PipelineStep::MOVE && step.done) return step.target;
+  }
+  return {};
+}
+
+std::uintmax_t FilesReport::Bytes() const {
+  boost::system::error_code absent;
+  const std::uintmax_t size = boost::filesystem::file_size(File(), absent);
+  return absent ? 0 : size;
+}
+
+bool FilesReport::Succeeded() const {
+  const bool allDone =
+      std::all_of(steps.begin(), steps.end(), [](const PipelineStep& step) { return step.done; });
+  return !kind.empty() && problems.empty() && allDone && (nothingToSend || Bytes() > 0);
+}
+
+std::string FilesReport::ToText() const {
+  std::vector<std::vector<OrderedJson>> rows = {{"phase", "time"}};
+  for (const auto& [phase, taken] : phases) rows.push_back({NameOf(phase), SecondsText(taken)});
+  std::string text = TableText(rows) + CountsText(*this);
+  for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
+  if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
+  if (nothingToSend) text += "document: none, there is nothing to tell\n";
+  if (!File().empty()) {
+    text +=
+        "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " + kind + "\n";
+  }
+  return text + "taken in " + SecondsText(seconds) + "\n";
+}
+
+std::string FilesReport::ToJsonText() const {
+  OrderedJson phaseList = OrderedJson::array();
+  for (const auto& [phase, taken] : phases) {
+    phaseList.push_back({{"name", NameOf(phase)}, {"seconds", taken}});
+  }
+  return JsonLine({{"success", Succeeded()},
+                   {"requested", requestedIncremental ? "incremental" : "total"},
+                   {"kind", kind},
+                   {"fallback", fallbackReason},
+                   {"file", File().string()},
+                   {"bytes", Bytes()},
+                   {"seconds", seconds},
+                   {"folders", folders},
+                   {"files", CountsJson(*this)},
+                   {"phases", phaseList},
+                   {"steps", StepsToJson(steps)},
+                   {"statuses", StatusesToJson(statuses)},
+                   {"problems", problems}});
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,111 @@
+#include "cli/commands/Rendering.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+
+#include "common/text/Text.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using namespace Common;
+
+struct CellVisitor : boost::static_visitor<OrderedJson> {
+  template <class Plain>
+  OrderedJson operator()(const Plain& value) const {
+    return value;
+  }
+  OrderedJson operator()(const wxString& value) const { return ToUtf8(value); }
+  OrderedJson operator()(const AgentConfigurationInfo& value) const {
+    return "configuration of profile " + std::to_string(value.profileId);
+  }
+  OrderedJson operator()(const ActionTimePoint& value) const {
+    return TimeText(std::chrono::time_point_cast<std::chrono::system_clock::duration>(value));
+  }
+};
+
+std::string PlainText(const OrderedJson& cell) {
+  if (cell.is_string()) return cell.get<std::string>();
+  return cell.is_null() ? "" : cell.dump();
+}
+
+/// Characters, not bytes.
+std::size_t WidthOf(const std::string& text) {
+  const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  });
+  return static_cast<std::size_t>(starts);
+}
+
+const char* NameOf(TaskResponseInfo::ResponseStatusTypes status) {
+  switch (status) {
+    case TaskResponseInfo::TASK_FINISHED:
+      return "finished";
+    case TaskResponseInfo::TASK_NOT_RUN:
+      return "not run";
+    case TaskResponseInfo::TASK_STARTED:
+      return "started";
+    case TaskResponseInfo::TASK_FAILED:
+      return "failed";
+  }
+  return "";
+}
+
+}  // namespace
+
+OrderedJson CellToJson(const ActionPropertyValue& value) {
+  return boost::apply_visitor(CellVisitor(), value);
+}
+
+OrderedJson StatusesToJson(const std::vector<TaskResponseInfo>& statuses) {
+  OrderedJson list = OrderedJson::array();
+  for (const auto& it : statuses) {
+    list.push_back({{"status", static_cast<unsigned int>(it.status)}, {"message", it.message}});
+  }
+  return list;
+}
+
+OrderedJson StepsToJson(const std::vector<PipelineStep>& steps) {
+  OrderedJson list = OrderedJson::array();
+  for (const auto& step : steps) list.push_back({{"step", step.Name()}, {"success", step.done}});
+  return list;
+}
+
+std::string StatusText(const TaskResponseInfo& status) {
+  std::string text = std::to_string(static_cast<unsigned int>(status.status));
+  text += std::string(" ") + NameOf(status.status);
+  return status.message.empty() ? text : text + ": " + status.message;
+}
+
+std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
+  std::vector<std::size_t> widths;
+  for (const auto& row : rows) {
+    if (row.size() > widths.size()) widths.resize(row.size());
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      widths[i] = std::max(widths[i], WidthOf(PlainText(row[i])));
+    }
+  }
+  std::string text;
+  for (const auto& row : rows) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const std::string cell = PlainText(row[i]);
+      const std::string padding(widths[i] - WidthOf(cell), ' ');
+      line += (i == 0 ? "" : "  ") + (row[i].is_number() ? padding + cell : cell + padding);
+    }
+    text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+  }
+  return text;
+}
+
+std::string SecondsText(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof(text), "%.3f s", seconds);
+  return text;
+}
+
+}  // namespace Norvik::Cli

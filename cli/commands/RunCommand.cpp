@@ -1,0 +1,79 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <boost/format.hpp>
+#include <cstdlib>
+#include <ostream>
+
+#include "cli/commands/Commands.h"
+#include "cli/commands/Rendering.h"
+#include "common/log/Logger.h"
+#include "common/text/Text.h"
+#include "host/run/ServiceRun.h"
+#include "host/run/StopSignals.h"
+#include "host/run/UserNotice.h"
+#include "host/run/UserRun.h"
+
+namespace Norvik::Cli {
+
+using namespace Host;
+
+namespace {
+
+using Common::OnOneLine;
+
+void TellThatItRuns(const CommandLine& line, const char* what,
+                    const boost::filesystem::path& dataFolder, std::ostream& output) {
+  const OrderedJson told = {{"running", what},
+                            {"processId", ::getpid()},
+                            {"dataFolder", dataFolder.string()},
+                            {"socket", line.socket.string()}};
+  const std::string text = std::string("the ") + what + " runs as process " +
+                           std::to_string(::getpid()) + " on " + dataFolder.string() + ", socket " +
+                           line.socket.string() + "\n";
+  output << (line.json ? JsonLine(told) : text) << std::flush;
+}
+
+/// Runs an agent until a signal ends it.
+template <class Agent>
+int RunUntilStopped(Agent& agent, StopSignals& signals) {
+  agent.Start();
+  const int signal = signals.Wait([&] { agent.Reload(); });
+  NORVIK_INFORMATION(boost::format("Signal %1% ends the process") % signal);
+  if (agent.Stop()) return EXIT_DONE;
+  // Threads still use what a return would destroy.
+  std::_Exit(EXIT_DONE);
+}
+
+/// A text for the user, line by line: what else it holds could steer a terminal.
+std::string Lines(const std::string& title, const std::string& text) {
+  std::string lines;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    lines += title + ": " + OnOneLine(text.substr(start, end - start)) + "\n";
+    start = end + 1;
+  }
+  return lines;
+}
+
+}  // namespace
+
+int RunService(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  StopSignals signals;
+  ServiceRun service(line.agent, line.socket);
+  TellThatItRuns(line, "service", service.DataFolder(), output);
+  return RunUntilStopped(service, signals);
+}
+
+int RunUser(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  StopSignals signals;
+  UserRun user(line.agent, line.socket, [&](const std::string& name, const std::string& text) {
+    const std::string title = name == "Url" ? "survey" : "message";
+    output << (line.json ? JsonLine({{title, text}}) : Lines(title, text)) << std::flush;
+    ShowNotice(text);
+  });
+  TellThatItRuns(line, "user's process", user.DataFolder(), output);
+  return RunUntilStopped(user, signals);
+}
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "common/files/ScanRules.h"
+
+namespace Norvik::Cli {
+
+/// Whether a scan of the disk as it is now would list a path, and why.
+struct ScanExplanation {
+  bool listed = false;
+  std::string rule;    ///< a word for programs: "excluded-folder"
+  std::string reason;  ///< a sentence for people, without the path and without a full stop
+};
+
+/// Goes the way to the path as the scan does, looking at nothing else.
+/// @param path absolute, without "." and ".." in it
+ScanExplanation ExplainScan(const Common::ScanRules& rules, const std::string& path);
+
+}  // namespace Norvik::Cli

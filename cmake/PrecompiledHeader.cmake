@@ -1,0 +1,38 @@
+# One precompiled header (PrecompiledHeader.h) for all boxes and one for the tests. A compiler loads it only where the macros
+# given on the command line are those that it was made with, so everything that uses it is compiled with
+# the definitions of all libraries in it.
+option(NORVIK_PRECOMPILED_HEADER "Compile the headers of libraries once" ON)
+
+add_library(norvik_library_headers INTERFACE)
+target_link_libraries(norvik_library_headers INTERFACE norvik_wx Boost::filesystem Boost::serialization
+  nlohmann_json::nlohmann_json Threads::Threads)
+
+# norvik_precompiled_header(NAME [HEADERS header...] [LINKS library...]): the target that compiles one,
+# with further headers and the libraries that they belong to.
+function(norvik_precompiled_header name)
+  cmake_parse_arguments(ARG "" "" "HEADERS;LINKS" ${ARGN})
+  file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/${name}.cpp" CONTENT "")
+  add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/${name}.cpp")
+  target_link_libraries(${name} PRIVATE norvik_library_headers norvik_warnings ${ARG_LINKS})
+  target_precompile_headers(${name} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/PrecompiledHeader.h"
+    ${ARG_HEADERS})
+endfunction()
+
+if(NORVIK_PRECOMPILED_HEADER)
+  norvik_precompiled_header(norvik_headers)
+endif()
+
+# norvik_use_precompiled_header(TARGET NAME)
+function(norvik_use_precompiled_header target name)
+  if(NOT NORVIK_PRECOMPILED_HEADER)
+    return()
+  endif()
+  target_link_libraries(${target} PRIVATE norvik_library_headers)
+  target_precompile_headers(${target} REUSE_FROM ${name})
+  # The code of a program must be as position-independent as that of the header.
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${target} PRIVATE -fPIC)
+  endif()
+endfunction()

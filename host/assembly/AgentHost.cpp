@@ -1,0 +1,139 @@
+#include "host/assembly/AgentHost.h"
+
+#include <langinfo.h>
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/format.hpp>
+#include <clocale>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "common/action/ActionCodes.h"
+#include "common/database/SQLiteNames.h"
+#include "common/files/Paths.h"
+#include "common/log/FileLogger.h"
+#include "common/log/Logger.h"
+#include "host/assembly/StandardChannels.h"
+#include "host/configuration/ConfigurationFile.h"
+#include "host/data/DataFolderCopy.h"
+#include "platform/ReplacementFile.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+using namespace Common;
+namespace fs = boost::filesystem;
+
+fs::path MakeDataFolder(const fs::path& folder) {
+  Paths::SetDataFolder(folder);
+  try {
+    return Paths(Paths::DATA, true).AppData();
+  } catch (const fs::filesystem_error& error) {
+    throw std::runtime_error("cannot make the data folder " + folder.string() + ": " +
+                             error.code().message());
+  }
+}
+
+std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOptions& options) {
+  auto log = MakeFileLogger(folder / LOG_FOLDER / LOG_FILE, options.logLevel);
+  return std::make_unique<const LoggerScope>(
+      std::make_shared<ListeningLogger>(std::move(log), options.logListener));
+}
+
+std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configuration,
+                                           const fs::path& folder,
+                                           const std::shared_ptr<AgentIdentity>& identity,
+                                           IModule& module) {
+  ServerOptions options = ServerOptionsOf(configuration);
+  if (options.address.empty()) return nullptr;
+  options.dataFolder = folder;
+  options.outbox = Paths(Paths::OUTBOX, true).AppData();
+  options.extensions = module.GetOutputExtensionFiles();
+  options.identity = identity;
+  return std::make_shared<ServerLink>(options);
+}
+
+/// Beside another agent nothing of a database that is there may change.
+std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusive) {
+  const bool toRead = !exclusive && fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME);
+  return std::make_shared<AgentDatabase>(
+      folder, toRead ? AgentDatabase::Access::ReadOnly : AgentDatabase::Access::ReadWrite);
+}
+
+}  // namespace
+
+AgentConfigurationInfo ConfigurationOf(const AgentOptions& options, const fs::path& dataFolder) {
+  AgentConfigurationInfo configuration =
+      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
+  if (options.communications) configuration.communications = *options.communications;
+  return configuration;
+}
+
+void UseUtf8Characters() {
+  for (const char* name : {"", "C.UTF-8", "en_US.UTF-8", "UTF-8"}) {
+    if (!std::setlocale(LC_CTYPE, name)) continue;
+    if (std::string(::nl_langinfo(CODESET)) == "UTF-8") return;
+  }
+}
+
+AgentHost::AgentHost(const AgentOptions& options) {
+  UseUtf8Characters();
+  const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
+  const AgentConfigurationInfo configuration = ConfigurationOf(options, folder);
+  if (options.exclusive) {
+    lock_ = std::make_unique<const DataFolderLock>(folder);
+    RemoveLeftCopies(folder);
+    Platform::RemoveLeftReplacements(folder.string());
+  }
+  logger_ = OpenLog(folder, options);
+  AgentParts parts;
+  parts.configuration = configuration;
+  parts.userProcess = options.userProcess;
+  parts.dataBase = OpenDataBase(folder, options.exclusive);
+  const auto identity = std::make_shared<AgentIdentity>(folder / IDENTITY_FILE);
+  parts.identity = identity;
+  parts.communications = communications_ = std::make_shared<Communications>();
+  parts.actions = actionSystem_ =
+      std::make_shared<ActionSystem>(AgentData(parts.dataBase, AGENT_DATA_TABLE));
+  assembled_ = AssembleModule(options.moduleFile, std::move(parts));
+  if (options.userProcess || !options.exclusive) return;
+  server_ = MakeServerLink(configuration.communications, folder, identity, Module());
+  communications_->SetServer(server_);
+}
+
+AgentHost::~AgentHost() {
+  if (actionSystem_) actionSystem_->Stop();
+}
+
+ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& parameters) {
+  const ToolErrors toolErrors;
+  ActionResponse response;
+  std::exception_ptr failure;
+  try {
+    response = actionSystem_->RunAction(Module().GetAction(code, parameters));
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % std::to_string(code) % error.what());
+    failure = std::current_exception();
+  }
+  actionSystem_->WaitIdle();
+  if (server_) server_->SendStatuses();
+  if (failure) std::rethrow_exception(failure);
+  return response;
+}
+
+void AgentHost::ResumePeriodicActions() {
+  AgentData data(assembled_->parts.dataBase, AGENT_DATA_TABLE);
+  for (const ActionName& known : ACTION_NAMES) {
+    ModuleAction action = Module().GetAction(known.code, {});
+    if (!action.name.empty()) actionSystem_->ResumePeriodic(known.code, std::move(action), data);
+  }
+}
+
+void AgentHost::Queue(unsigned int code, const ActionParameters& parameters) {
+  actionSystem_->RunOneShot(code, Module().GetAction(code, parameters), std::chrono::seconds(0));
+}
+
+}  // namespace Norvik::Host

@@ -1,0 +1,241 @@
+#include "host/configuration/ConfigurationFile.h"
+
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+#include "common/files/TextFile.h"
+#include "host/configuration/UsualExclusions.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+using namespace Common;
+using Json = nlohmann::json;
+
+/// One place of the configuration: a value and the key that leads to it.
+struct Place {
+  const Json& value;
+  std::string key;
+
+  [[noreturn]] void Refuse(const std::string& wanted) const {
+    throw ConfigurationError((key.empty() ? "the configuration" : key) + " wants " + wanted);
+  }
+  Place Child(const std::string& name, const Json& child) const {
+    return {child, key.empty() ? name : key + "." + name};
+  }
+};
+
+using Reader = std::function<void(const Place&)>;
+using Readers = std::map<std::string, Reader>;
+
+/// Reads an object of which each key has a reader; any other key is refused.
+void ReadObject(const Place& place, const Readers& readers) {
+  if (!place.value.is_object()) place.Refuse("an object");
+  for (const auto& item : place.value.items()) {
+    const Place child = place.Child(item.key(), item.value());
+    const auto found = readers.find(item.key());
+    if (found != readers.end()) {
+      found->second(child);
+      continue;
+    }
+    std::string known;
+    for (const auto& reader : readers) known += (known.empty() ? "" : ", ") + reader.first;
+    throw ConfigurationError("unknown key " + child.key + "; known here are " + known);
+  }
+}
+
+template <class Number>
+Reader WholeNumber(Number& target, std::int64_t lowest, std::int64_t highest) {
+  return [&target, lowest, highest](const Place& place) {
+    const std::string wanted =
+        "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+    if (!place.value.is_number_integer()) place.Refuse(wanted);
+    // What fits no signed word comes as an unsigned one, which is too large for every key.
+    const bool fits = !place.value.is_number_unsigned() ||
+                      place.value.get<std::uint64_t>() <= static_cast<std::uint64_t>(highest);
+    const std::int64_t number = fits ? place.value.get<std::int64_t>() : highest;
+    if (!fits || number < lowest || number > highest) place.Refuse(wanted);
+    target = static_cast<Number>(number);
+  };
+}
+
+Reader Flag(bool& target) {
+  return [&target](const Place& place) {
+    if (!place.value.is_boolean()) place.Refuse("true or false");
+    target = place.value.get<bool>();
+  };
+}
+
+Reader Text(std::string& target) {
+  return [&target](const Place& place) {
+    static constexpr char WANTED[] = "a text that is not empty";
+    if (!place.value.is_string()) place.Refuse(WANTED);
+    target = place.value.get<std::string>();
+    if (target.empty() || target.find('\0') != std::string::npos) place.Refuse(WANTED);
+  };
+}
+
+/// What goes into the place of the host in an address of the web, and nothing around it.
+Reader HostName(std::string& target) {
+  return [&target](const Place& place) {
+    Text(target)(place);
+    const bool isOdd = std::any_of(target.begin(), target.end(), [](unsigned char c) {
+      return c <= ' ' || c >= 0x7F || std::strchr("/\\@?#%\"<>", c);
+    });
+    if (isOdd) place.Refuse("a host name or address, without https:// and without a path");
+  };
+}
+
+Reader FullPath(std::string& target) {
+  return [&target](const Place& place) {
+    Text(target)(place);
+    if (target.front() != '/') place.Refuse("a full path");
+  };
+}
+
+Reader TextArray(std::vector<std::string>& target) {
+  return [&target](const Place& place) {
+    if (!place.value.is_array()) place.Refuse("a list of texts");
+    target.clear();
+    for (const Json& element : place.value) {
+      std::string text;
+      Text(text)({element, place.key + "[" + std::to_string(target.size()) + "]"});
+      target.push_back(std::move(text));
+    }
+  };
+}
+
+Reader ScheduleObject(boost::optional<ScheduleInfo>& target) {
+  return [&target](const Place& place) {
+    constexpr std::int64_t TEN_YEARS = 315'360'000;
+    constexpr std::int64_t LATEST = 4'000'000'000;
+    ScheduleInfo schedule;
+    ReadObject(place, {{"periodSeconds", WholeNumber(schedule.periodSeconds, 0, TEN_YEARS)},
+                       {"next", WholeNumber(schedule.next, 0, LATEST)}});
+    target = schedule;
+  };
+}
+
+Reader Server(CommunicationsInfo& target) {
+  return [&target](const Place& place) {
+    constexpr std::int64_t LONGEST_TIMEOUT = 3600;
+    ReadObject(
+        place,
+        {{"address", HostName(target.address)},
+         {"port", WholeNumber(target.port, 1, 65535)},
+         {"caFile", FullPath(target.certificateFile)},
+         {"connectTimeoutSeconds", WholeNumber(target.connectTimeoutSeconds, 1, LONGEST_TIMEOUT)},
+         {"requestTimeoutSeconds", WholeNumber(target.requestTimeoutSeconds, 1, LONGEST_TIMEOUT)}});
+  };
+}
+
+Reader Survey(boost::optional<SurveyInfo>& target) {
+  return [&target](const Place& place) {
+    SurveyInfo survey;
+    ReadObject(place, {{"macos", Flag(survey.onMacOs)},
+                       {"windows", Flag(survey.onWindows)},
+                       {"linux", Flag(survey.onLinux)}});
+    target = survey;
+  };
+}
+
+Readers ReadersOf(AgentConfigurationInfo& target) {
+  KobConfigurationInfo& kob = *target.kob;
+  return {
+      {"profileId", WholeNumber(target.profileId, 0, std::numeric_limits<std::uint32_t>::max())},
+      {"server", Server(target.communications)},
+      {"excludedFiles", TextArray(kob.excludedFiles)},
+      {"excludedPaths", TextArray(kob.excludedPaths)},
+      {"additionalExtensions", TextArray(kob.additionalExtensions)},
+      {"includedExtensions", TextArray(kob.includedExtensions)},
+      {"inventorySchedule", ScheduleObject(kob.inventorySchedule)},
+      {"fileInventoryIncrementalSchedule", ScheduleObject(kob.fileInventoryIncrementalSchedule)},
+      {"fileInventorySchedule", ScheduleObject(kob.fileInventorySchedule)},
+      {"pendingTasksSchedule", ScheduleObject(kob.pendingTasksSchedule)},
+      {"inventoryOnLogon", Flag(kob.inventoryOnLogon)},
+      {"survey", Survey(target.survey)}};
+}
+
+[[noreturn]] void RefuseFrom(std::size_t byte) {
+  throw ConfigurationError("the configuration is no JSON from byte " + std::to_string(byte));
+}
+
+/// Parses, and refuses a key that stands twice in one object: the parser alone would take the last.
+Json ParseConfigurationJson(const std::string& text) {
+  std::vector<std::set<std::string>> open;
+  const auto watch = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
+    if (event == Json::parse_event_t::object_start) open.emplace_back();
+    if (event == Json::parse_event_t::object_end) open.pop_back();
+    if (event == Json::parse_event_t::key &&
+        !open.back().insert(parsed.get<std::string>()).second) {
+      throw ConfigurationError("the key " + parsed.get<std::string>() + " stands twice");
+    }
+    return true;
+  };
+  // The parser takes it for the end and passes over what follows.
+  const std::size_t zero = text.find('\0');
+  if (zero != std::string::npos) RefuseFrom(zero + 1);
+  try {
+    return Json::parse(text, watch);
+  } catch (const Json::parse_error& error) {
+    RefuseFrom(error.byte);
+  } catch (const Json::out_of_range&) {
+    throw ConfigurationError("the configuration holds a number that is too large");
+  }
+}
+
+}  // namespace
+
+AgentConfigurationInfo DefaultConfiguration() {
+  AgentConfigurationInfo configuration;
+  configuration.kob.emplace();
+  for (const auto& [folder, reason] : UsualExclusions()) {
+    configuration.kob->excludedPaths.emplace_back(folder);
+  }
+  configuration.communications.port = 443;
+  return configuration;
+}
+
+AgentConfigurationInfo ParseConfiguration(const std::string& text) {
+  AgentConfigurationInfo configuration = DefaultConfiguration();
+  ReadObject({ParseConfigurationJson(text), ""}, ReadersOf(configuration));
+  return configuration;
+}
+
+ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file) {
+  ConfigurationFile result;
+  try {
+    result.text = ReadTextFile(file);
+  } catch (const std::runtime_error& error) {
+    throw UsageError(std::string("cannot read the configuration file ") + error.what());
+  }
+  try {
+    result.configuration = ParseConfiguration(result.text);
+  } catch (const ConfigurationError& error) {
+    throw ConfigurationError(file.string() + ": " + error.what());
+  }
+  return result;
+}
+
+AgentConfigurationInfo ReadConfiguration(const boost::filesystem::path& given,
+                                         const boost::filesystem::path& stored) {
+  if (!given.empty()) return ReadConfigurationFile(given).configuration;
+  if (!boost::filesystem::exists(stored)) return DefaultConfiguration();
+  try {
+    return ReadConfigurationFile(stored).configuration;
+  } catch (const UsageError& error) {
+    throw std::runtime_error(error.what());
+  }
+}
+
+}  // namespace Norvik::Host

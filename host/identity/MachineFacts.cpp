@@ -1,0 +1,34 @@
+#include "host/identity/MachineFacts.h"
+
+#include <utility>
+
+#include "common/log/Logger.h"
+#include "machine/FirstInventory.h"
+
+namespace Norvik::Host {
+
+using namespace Common;
+
+MachineFacts::MachineFacts(std::shared_ptr<const AgentIdentity> identity)
+    : identity_(std::move(identity)) {}
+
+MachineFacts::~MachineFacts() = default;
+
+void MachineFacts::Gather() {
+  NORVIK_SCOPE();
+  smBios_ = Machine::ReadSmBios();
+  firstInventory_ =
+      std::make_unique<const FirstInventoryInfo>(Machine::GatherFirstInventory(*smBios_));
+}
+
+FirstInventoryInfo MachineFacts::GetFirstInventoryInfo() {
+  std::call_once(gathered_, [this] { Gather(); });
+  return *firstInventory_;
+}
+
+std::weak_ptr<SmBios> MachineFacts::GetSmBios() {
+  std::call_once(gathered_, [this] { Gather(); });
+  return smBios_;
+}
+
+}  // namespace Norvik::Host

@@ -1,8 +1,0 @@
-#include <string>
-#include <vector>
-
-#include "host/AgentProgram.h"
-
-int main(int argc, char** argv) {
-  return Norvik::Host::RunAgentProgram(std::vector<std::string>(argv, argv + argc));
-}

@@ -1,0 +1,158 @@
+#include "machine/DiskutilText.h"
+
+#include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
+#include <map>
+
+#include "common/text/Text.h"
+#include "machine/MountText.h"
+#include "machine/SystemText.h"
+
+namespace Norvik::Machine {
+
+namespace {
+
+using namespace Common;
+
+/// A disk or a part of one, by its identifier.
+using Devices = std::map<std::string, Entries>;
+
+Devices ParseDevices(const std::string& text) {
+  Devices devices;
+  std::string block;
+  const auto close = [&] {
+    Entries entries = ParseEntries(block, ':');
+    const std::string identifier = ValueOf(entries, "Device Identifier");
+    if (!identifier.empty()) devices.emplace(identifier, std::move(entries));
+    block.clear();
+  };
+  for (const auto& line : LinesOf(text)) {
+    if (boost::starts_with(line, "*****")) {
+      close();
+    } else {
+      block += line + "\n";
+    }
+  }
+  close();
+  return devices;
+}
+
+/// A value, unless it says that there is none.
+std::string Told(const Entries& entries, std::initializer_list<const char*> keys) {
+  for (const char* key : keys) {
+    std::string value = ValueOf(entries, key);
+    if (!value.empty() && !boost::starts_with(value, "Not applicable")) return value;
+  }
+  return {};
+}
+
+bool IsYes(const Entries& entries, const char* key) {
+  return boost::starts_with(ValueOf(entries, key), "Yes");
+}
+
+/// From "500.3 GB (500277790720 Bytes) (exactly ...)".
+std::uint64_t BytesOf(const Entries& entries, std::initializer_list<const char*> keys) {
+  const std::string value = Told(entries, keys);
+  const auto bracket = value.find('(');
+  return bracket == std::string::npos ? 0 : LeadingNumber(value.substr(bracket + 1));
+}
+
+/// "disk0" of "disk0s2"; the "s" of the word itself is none.
+std::string WholeOf(const std::string& identifier) {
+  const auto slice = identifier.find('s', std::min<std::size_t>(identifier.size(), 4));
+  return identifier.substr(0, slice);
+}
+
+bool IsPhysical(const Entries& entries) {
+  return IsYes(entries, "Whole") && !IsYes(entries, "Virtual") &&
+         ValueOf(entries, "Protocol") != "Disk Image";
+}
+
+/// The physical disk that a device stands on; a container stands on a part of one.
+std::string PhysicalDiskOf(const Entries& entries,
+                           const std::map<std::string, std::string>& stores) {
+  const std::string store = ValueOf(entries, "APFS Physical Store");
+  if (!store.empty()) return WholeOf(store);
+  const std::string whole = ValueOf(entries, "Part of Whole");
+  const std::string below = ValueOf(stores, whole);
+  return below.empty() ? whole : WholeOf(below);
+}
+
+/// The stores of the containers, which not every volume of them tells.
+std::map<std::string, std::string> StoresOf(const Devices& devices) {
+  std::map<std::string, std::string> stores;
+  for (const auto& device : devices) {
+    const std::string store = ValueOf(device.second, "APFS Physical Store");
+    if (!store.empty()) stores.emplace(ValueOf(device.second, "Part of Whole"), store);
+  }
+  return stores;
+}
+
+PhysicalDiskInfo DiskOf(const std::string& identifier, const Entries& entries) {
+  PhysicalDiskInfo disk;
+  disk.pnpDeviceId = identifier;
+  disk.sizeBytes = BytesOf(entries, {"Disk Size", "Total Size"});
+  disk.busType = Told(entries, {"Protocol"});
+  disk.model = Told(entries, {"Device / Media Name"});
+  const std::string solid = ValueOf(entries, "Solid State");
+  if (solid == "Yes") disk.mediaType = "SSD";
+  if (solid == "No") disk.mediaType = "HDD";
+  return disk;
+}
+
+DiskPartitionInfo PartitionOf(const std::string& identifier, const Entries& entries) {
+  DiskPartitionInfo partition;
+  partition.device = Told(entries, {"Device Node"});
+  partition.index = LeadingNumber(identifier.substr(identifier.rfind('s') + 1));
+  partition.type = Told(entries, {"Partition Type", "Content (IOContent)"});
+  partition.offsetBytes = LeadingNumber(Told(entries, {"Partition Offset"}));
+  partition.sizeBytes = BytesOf(entries, {"Disk Size", "Total Size"});
+  partition.label = Told(entries, {"Volume Name"});
+  partition.bootable = ValueOf(entries, "Bootable") == "Is bootable";
+  partition.fileSystemType = Told(entries, {"Type (Bundle)"});
+  partition.readOnly = IsYes(entries, "Media Read-Only");
+  partition.uuid = Told(entries, {"Disk / Partition UUID"});
+  return partition;
+}
+
+LogicalDiskInfo VolumeOf(const Entries& entries) {
+  LogicalDiskInfo volume;
+  volume.sizeBytes =
+      BytesOf(entries, {"Container Total Space", "Volume Total Space", "Disk Size", "Total Size"});
+  volume.freeBytes = WholeGibibytes(
+      BytesOf(entries, {"Container Free Space", "Volume Free Space", "Volume Available Space"}));
+  volume.mountPoint = Told(entries, {"Mount Point"});
+  volume.volumeName = Told(entries, {"Volume Name"});
+  volume.fileSystemType = Told(entries, {"Type (Bundle)"});
+  volume.fileSystemName = Told(entries, {"File System Personality", "Name (User Visible)"});
+  volume.device = Told(entries, {"Device Node"});
+  return volume;
+}
+
+}  // namespace
+
+std::vector<PhysicalDiskInfo> ParseDiskutilInfo(const std::string& text) {
+  const Devices devices = ParseDevices(text);
+  const auto stores = StoresOf(devices);
+  std::vector<PhysicalDiskInfo> disks;
+  for (const auto& [identifier, entries] : devices) {
+    if (IsPhysical(entries)) disks.push_back(DiskOf(identifier, entries));
+  }
+  for (const auto& [identifier, entries] : devices) {
+    const std::string physical = PhysicalDiskOf(entries, stores);
+    const auto disk = std::find_if(disks.begin(), disks.end(), [&](const auto& candidate) {
+      return candidate.pnpDeviceId == physical;
+    });
+    if (disk == disks.end()) continue;
+    const bool part = !IsYes(entries, "Whole") && ValueOf(entries, "Part of Whole") == physical;
+    if (part) disk->partitions.push_back(PartitionOf(identifier, entries));
+    if (IsYes(entries, "Mounted")) disk->logicalDisks.push_back(VolumeOf(entries));
+  }
+  for (auto& disk : disks) {
+    disk.partitions.sort(
+        [](const auto& left, const auto& right) { return left.index < right.index; });
+  }
+  return disks;
+}
+
+}  // namespace Norvik::Machine

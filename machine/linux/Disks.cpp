@@ -1,0 +1,67 @@
+#include <algorithm>
+
+#include "machine/Gather.h"
+#include "machine/MountText.h"
+#include "machine/VolumeSpace.h"
+#include "machine/linux/BlockDevices.h"
+#include "machine/linux/GatherFrom.h"
+
+namespace Norvik::Machine {
+
+namespace {
+
+using namespace Common;
+
+/// The volume's name is that of its partition, if it stands on one.
+LogicalDiskInfo LogicalDiskOf(const Mount& mount, const BlockDisk& disk) {
+  LogicalDiskInfo volume;
+  volume.mountPoint = mount.mountPoint;
+  volume.device = mount.source;
+  volume.fileSystemType = mount.fileSystem;
+  volume.fileSystemName = mount.fileSystem;
+  const VolumeSpace space = SpaceOf(mount.mountPoint);
+  volume.sizeBytes = space.sizeBytes;
+  volume.freeBytes = WholeGibibytes(space.freeBytes);
+  for (const auto& partition : disk.info.partitions) {
+    if (partition.device == mount.source) volume.volumeName = partition.label;
+  }
+  return volume;
+}
+
+/// File systems over several devices have a number of their own; those are known by their source.
+bool StandsOn(const Mount& mount, const BlockDisk& disk) {
+  const auto& numbers = disk.deviceNumbers;
+  if (std::find(numbers.begin(), numbers.end(), mount.deviceNumber) != numbers.end()) return true;
+  if (mount.source == "/dev/" + disk.info.pnpDeviceId) return true;
+  const auto& partitions = disk.info.partitions;
+  return std::any_of(partitions.begin(), partitions.end(),
+                     [&](const auto& partition) { return partition.device == mount.source; });
+}
+
+void FillFileSystemType(const Mount& mount, PhysicalDiskInfo& info) {
+  for (auto& partition : info.partitions) {
+    if (partition.device == mount.source && partition.fileSystemType.empty()) {
+      partition.fileSystemType = mount.fileSystem;
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<PhysicalDiskInfo> GatherDisks(const SystemFiles& files) {
+  const auto volumes = VolumesOf(ParseMountInfo(files.Bytes("/proc/self/mountinfo")));
+  std::vector<PhysicalDiskInfo> disks;
+  for (auto& disk : ReadBlockDisks(files)) {
+    for (const auto& mount : volumes) {
+      if (!StandsOn(mount, disk)) continue;
+      disk.info.logicalDisks.push_back(LogicalDiskOf(mount, disk));
+      FillFileSystemType(mount, disk.info);
+    }
+    disks.push_back(std::move(disk.info));
+  }
+  return disks;
+}
+
+std::vector<PhysicalDiskInfo> GatherDisks() { return GatherDisks(SystemFiles()); }
+
+}  // namespace Norvik::Machine

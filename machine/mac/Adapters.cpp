@@ -1,0 +1,147 @@
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <net/if_dl.h>
+#include <netinet/in.h>
+#include <netinet6/in6_var.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "common/commands/CommandRunner.h"
+#include "common/text/Text.h"
+#include "machine/AdapterAddresses.h"
+#include "machine/Gather.h"
+#include "machine/NetworkText.h"
+#include "machine/SystemFiles.h"
+#include "platform/FileDescriptor.h"
+
+namespace Norvik::Machine {
+
+namespace {
+
+using namespace Common;
+
+using Adapters = std::map<std::string, NetworkAdapterInfo>;
+using InterfaceList = std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)>;
+
+InterfaceList Interfaces() {
+  ifaddrs* list = nullptr;
+  if (::getifaddrs(&list) != 0) list = nullptr;
+  return {list, ::freeifaddrs};
+}
+
+wxString MacAddressOf(const sockaddr_dl& link) {
+  if (link.sdl_alen != 6) return {};
+  std::string address;
+  for (int i = 0; i < 6; ++i) {
+    char digits[3];
+    std::snprintf(digits, sizeof(digits), "%02X",
+                  static_cast<unsigned int>(static_cast<unsigned char>(LLADDR(&link)[i])));
+    address += digits;
+  }
+  return WxStringFromStdString(address);
+}
+
+void ReadLink(const ifaddrs& item, NetworkAdapterInfo& adapter) {
+  constexpr std::uint64_t BITS_PER_MEGABIT = 1'000'000;
+  const auto& link = *reinterpret_cast<const sockaddr_dl*>(item.ifa_addr);
+  adapter.hardwareType = link.sdl_type;
+  adapter.macAddress = MacAddressOf(link);
+  if (!item.ifa_data) return;
+  const auto& data = *static_cast<const if_data*>(item.ifa_data);
+  adapter.mtu = data.ifi_mtu;
+  adapter.speedMbps = data.ifi_baudrate / BITS_PER_MEGABIT;
+}
+
+/// The system makes such addresses anew by itself.
+bool IsTemporary(const char* name, const sockaddr_in6& address) {
+  const Platform::FileDescriptor socket(::socket(AF_INET6, SOCK_DGRAM, 0));
+  in6_ifreq request{};
+  std::strncpy(request.ifr_name, name, sizeof(request.ifr_name) - 1);
+  request.ifr_ifru.ifru_addr = address;
+  if (!socket.IsOpen() || ::ioctl(socket.Get(), SIOCGIFAFLAG_IN6, &request) != 0) return false;
+  return (request.ifr_ifru.ifru_flags6 & IN6_IFF_TEMPORARY) != 0;
+}
+
+unsigned int PrefixLength(const sockaddr* mask) {
+  if (!mask) return 0;
+  unsigned int length = 0;
+  for (const std::uint8_t byte : reinterpret_cast<const sockaddr_in6*>(mask)->sin6_addr.s6_addr) {
+    for (unsigned int bits = byte; bits & 0x80; bits = (bits << 1) & 0xFF) ++length;
+  }
+  return length;
+}
+
+void ReadIpv6(const ifaddrs& item, NetworkAdapterInfo& adapter) {
+  sockaddr_in6 address{};
+  std::memcpy(&address, item.ifa_addr, sizeof(address));
+  if (IsTemporary(item.ifa_name, address)) return;
+  // The system keeps the number of the interface in the second word of a link-local address.
+  if (IN6_IS_ADDR_LINKLOCAL(&address.sin6_addr)) {
+    address.sin6_addr.s6_addr[2] = 0;
+    address.sin6_addr.s6_addr[3] = 0;
+  }
+  char text[INET6_ADDRSTRLEN];
+  if (!::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof(text))) return;
+  adapter.addresses.push_back({text, std::to_string(PrefixLength(item.ifa_netmask))});
+}
+
+/// The hardware's interfaces. Tunnels and the like come and go with what uses them.
+Adapters HardwareAdapters() {
+  const auto ports = ParseHardwarePorts(
+      CommandRunner::ExecCommand("/usr/sbin/networksetup -listallhardwareports"));
+  Adapters adapters;
+  const InterfaceList list = Interfaces();
+  for (const ifaddrs* item = list.get(); item; item = item->ifa_next) {
+    const std::string name = item->ifa_name;
+    const auto port = ports.find(name);
+    const bool hardware = ports.empty() ? boost::starts_with(name, "en") : port != ports.end();
+    if (!hardware || !item->ifa_addr) continue;
+    NetworkAdapterInfo& adapter = adapters[name];
+    adapter.name = name;
+    if (port != ports.end()) {
+      adapter.type = port->second;
+      adapter.description = port->second;
+    }
+    if (item->ifa_addr->sa_family == AF_LINK) ReadLink(*item, adapter);
+    if (item->ifa_addr->sa_family == AF_INET6) ReadIpv6(*item, adapter);
+  }
+  return adapters;
+}
+
+std::string DhcpServer(const std::string& name) {
+  return trim_copy(
+      CommandRunner::ExecCommand("/usr/sbin/ipconfig getoption " + name + " server_identifier"));
+}
+
+}  // namespace
+
+std::vector<NetworkAdapterInfo> GatherAdapters() {
+  Adapters adapters = HardwareAdapters();
+  auto ipv4 = Ipv4Addresses();
+  const auto gateways = ParseNetstatRoutes(CommandRunner::ExecCommand("/usr/sbin/netstat -rn"));
+  const auto resolver = ParseResolverFile(SystemFiles().Bytes("/etc/resolv.conf"));
+  std::vector<NetworkAdapterInfo> result;
+  for (auto& [name, adapter] : adapters) {
+    adapter.addresses.splice(adapter.addresses.begin(), ipv4[name]);
+    const auto found = gateways.find(name);
+    if (found != gateways.end()) {
+      adapter.gateways = Wide(found->second);
+      adapter.dnsServers = Wide(resolver.servers);
+    }
+    if (!adapter.addresses.empty()) {
+      const std::string server = DhcpServer(name);
+      if (!server.empty()) adapter.dhcpServers = Wide({server});
+    }
+    result.push_back(std::move(adapter));
+  }
+  return result;
+}
+
+}  // namespace Norvik::Machine

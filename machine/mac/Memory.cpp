@@ -1,0 +1,14 @@
+#include "machine/Gather.h"
+#include "machine/mac/Sysctl.h"
+
+namespace Norvik::Machine {
+
+Common::MemoryInfo GatherMemory() {
+  Common::MemoryInfo memory;
+  // No swap: the system makes and removes its swap files as it needs them.
+  memory.totalBytes = SysctlNumber("hw.memsize");
+  memory.pageBytes = SysctlNumber("hw.pagesize");
+  return memory;
+}
+
+}  // namespace Norvik::Machine

@@ -1,0 +1,93 @@
+#include "cli/commands/CommandLine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/commands/ActionArguments.h"
+#include "common/text/Text.h"
+#include "host/HostError.h"
+#include "support/Cases.h"
+
+namespace {
+
+using namespace Norvik::Common;
+using namespace Norvik::Cli;
+using namespace Norvik::Host;
+using namespace Norvik::Tests;
+using testing::HasSubstr;
+
+const Json& Rows(const char* name) { return DataOf("cli/command-lines.json")[name]; }
+
+CommandLine Parse(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "norvik-agent");
+  return ParseCommandLine(arguments);
+}
+
+Json ToldBy(const std::vector<std::string>& arguments) {
+  const CommandLine line = Parse(arguments);
+  return {{"command", line.command},
+          {"incremental", line.incremental},
+          {"data", line.agent.dataFolder.string()},
+          {"configuration", line.agent.configurationFile.string()},
+          {"level", line.agent.logLevel},
+          {"user", line.agent.userProcess},
+          {"socket", line.socket.string()},
+          {"json", line.json},
+          {"file", line.file.string()},
+          {"pretty", line.pretty},
+          {"action", line.action},
+          {"parameters", line.parameters},
+          {"helps", line.help.find("inventory") != std::string::npos}};
+}
+
+TEST(CommandLine, OptionsStandBeforeOrBehindTheCommandAndWhatIsNotToldHasADefault) {
+  for (const Json& row : Rows("command lines")) {
+    EXPECT_EQ(Shown(Chosen(ToldBy(row[0]), row[1])), Shown(row[1])) << row;
+  }
+  EXPECT_NE(Parse({"user"}).agent.dataFolder, Parse({"run"}).agent.dataFolder);
+}
+
+TEST(CommandLine, WrongUseIsToldOnOneLineWithTheOption) {
+  for (const Json& row : Rows("wrong command lines")) {
+    EXPECT_THAT(OnOneLine(MessageOf<UsageError>([&] { Parse(row[0]); })),
+                HasSubstr(row[1].get<std::string>()))
+        << row;
+  }
+}
+
+TEST(ActionArguments, ReadsTextsFlagsAndNumbers) {
+  ActionParameters parameters =
+      ParseActionParameters({"name=a=b", "empty=", "path=\xC3\xA9", "on:bool=true",
+                             "off:bool=false", "pid:u64=18446744073709551615"});
+  EXPECT_EQ(parameters.Get<wxString>("name"), "a=b");
+  EXPECT_EQ(parameters.Get<wxString>("empty"), "");
+  EXPECT_EQ(ToUtf8(parameters.Get<wxString>("path")), "\xC3\xA9");
+  EXPECT_TRUE(parameters.Get<bool>("on"));
+  EXPECT_FALSE(parameters.Get<bool>("off"));
+  EXPECT_EQ(parameters.Get<unsigned long long>("pid"), 18446744073709551615ull);
+  EXPECT_EQ(parameters.Values().size(), 6u);
+}
+
+TEST(ActionArguments, RefusesWhatIsNoParameterAndNamesIt) {
+  for (const Json& row : Rows("wrong parameters")) {
+    const auto arguments = row[0].get<std::vector<Bytes>>();
+    EXPECT_THAT(MessageOf<UsageError>([&] {
+                  ParseActionParameters({arguments.begin(), arguments.end()});
+                }),
+                HasSubstr(row[1].get<std::string>()))
+        << row;
+  }
+}
+
+/// Empty if it is none.
+std::string CodeIn(const std::string& action) {
+  try {
+    return std::to_string(ParseActionCode(action));
+  } catch (const UsageError&) {
+    return {};
+  }
+}
+
+TEST(ActionArguments, AnActionIsToldByNumberOrName) { ExpectRows(Rows("actions"), CodeIn); }
+
+}  // namespace

@@ -1,0 +1,122 @@
+// Recorded machines are in force on systems other than macOS only.
+#ifdef __linux__
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+#include <sstream>
+
+#include "cli/AgentProgram.h"
+#include "cli/RecordedCommands.h"
+#include "common/identification/HostInfoProvider.h"
+#include "platform/WaitClock.h"
+#include "platform/compat/LiveObjects.h"
+#include "support/Cases.h"
+#include "support/Surroundings.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using namespace Norvik;
+using namespace Norvik::Tests;
+namespace fs = boost::filesystem;
+using testing::HasSubstr;
+
+const fs::path MACHINES = fs::path(NORVIK_SOURCE_DIR) / "tests/machines";
+
+/// Those that say what is expected of them.
+std::vector<std::string> AllMachines() {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(MACHINES)) {
+    if (fs::exists(entry.path() / "expected.json"))
+      names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// The text of a command that an expectation names: "name" or ["name", "argument"].
+std::string CommandText(const Json& named, const Json& commands) {
+  const Json& command = commands.at(named.is_array() ? named[0] : named);
+  std::string text = command.at("text");
+  if (named.is_array()) text.replace(text.find("%s"), 2, named[1].get<std::string>());
+  return command.at("by").get<std::string>() + ": " + text;
+}
+
+/// Time goes by only where something waits.
+class LeapingClock final : public Platform::WaitClock {
+ public:
+  TimePoint Now() override { return now_; }
+  void SleepFor(std::chrono::milliseconds duration) override { now_ += duration; }
+
+ private:
+  TimePoint now_;
+};
+
+/// Runs the program in this process, on a data folder of its own, which is the working directory
+/// as well: one of the collectors leaves a file there.
+class Machines : public testing::TestWithParam<std::string> {
+ protected:
+  Machines() { fs::current_path(folder_.Path()); }
+
+  int TakeInventory() {
+    return Cli::RunAgentProgram(
+        {"norvik-agent", "--machine", (MACHINES / GetParam()).string(), "--module",
+         std::string(NORVIK_BINARY_DIR) + "/lib/libNorvikKOB.so", "--data",
+         (folder_ / "data").string(), "inventory"},
+        output_, output_);
+  }
+  Json Document() const {
+    const auto name = Common::HostInfoProvider::GetHostName() + ".jsonkob";
+    Json document = Json::parse(ContentOf(folder_ / "data/previous" / name), nullptr, false);
+    // A folder of services has no order.
+    if (document.is_object() && document["service"].is_array()) {
+      std::sort(document["service"].begin(), document["service"].end(),
+                [](const Json& left, const Json& right) { return left["name"] < right["name"]; });
+    }
+    return document;
+  }
+  std::string Output() const { return output_.str(); }
+
+ private:
+  const FixedFilesLock lock_;
+  const TimeZone zone_{"CET-1CEST,M3.5.0,M10.5.0/3"};
+  TemporaryFolder folder_;
+  const Scope workingDirectory_{[before = fs::current_path()] { fs::current_path(before); }};
+  std::ostringstream output_;
+  LeapingClock clock_;
+  Platform::WaitClockScope clockScope_{clock_};
+};
+
+TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
+  const Json& expected = DataOf("machines/" + GetParam() + "/expected.json");
+  const Json& commands = DataOf("machines/commands.json");
+  const RecordedCommands recorded;
+  const int code = TakeInventory();
+
+  const Json document = Document();
+  const std::string failure = expected.value("failure", "");
+  EXPECT_EQ(code, failure.empty() ? Host::EXIT_DONE : Host::EXIT_FAILED) << Output();
+  EXPECT_THAT(Output(), HasSubstr(failure));
+  EXPECT_EQ(document.is_object(), failure.empty());
+  for (const auto& [section, value] : PartOf(expected, "sections").items()) {
+    EXPECT_EQ(Shown(Chosen(PartOf(document, section.c_str()), value)), Shown(value)) << section;
+  }
+
+  std::vector<std::string> texts;
+  for (const Json& named : expected.at("commands")) texts.push_back(CommandText(named, commands));
+  EXPECT_EQ(recorded.Texts(), texts);
+  EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
+}
+
+INSTANTIATE_TEST_SUITE_P(Recorded, Machines, testing::ValuesIn(AllMachines()),
+                         [](const auto& machine) {
+                           std::string name = machine.param;
+                           std::replace(name.begin(), name.end(), '-', '_');
+                           return name;
+                         });
+
+}  // namespace
+
+#endif

@@ -1,0 +1,76 @@
+// libplist, which checks the property lists here, stands for the system's own reader off macOS.
+#ifdef __linux__
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+#include "cli/commands/CommandLine.h"
+#include "platform/compat/PropertyListReader.h"
+#include "support/Files.h"
+
+namespace {
+
+using namespace Norvik;
+using Words = std::vector<std::string>;
+
+const std::string PACKAGING = std::string(NORVIK_SOURCE_DIR) + "/packaging/";
+
+/// The command of a launchd description.
+Words CommandOfPropertyList(const std::string& file) {
+  Words words;
+  const auto list = Platform::ReadPropertyList(Tests::ContentOf(PACKAGING + file));
+  EXPECT_TRUE(list) << file;
+  Platform::ForEachKey(list.get(), [&](const char* key, plist_t value) {
+    if (key == std::string("Label")) {
+      EXPECT_EQ("macos/" + Platform::TextOf(value) + ".plist", file);
+    }
+    if (key != std::string("ProgramArguments")) return;
+    Platform::ForEachElement(value, [&](plist_t word) { words.push_back(Platform::TextOf(word)); });
+  });
+  return words;
+}
+
+/// The command of a systemd unit, each line of which is a section, a setting or a remark.
+Words CommandOfUnit(const std::string& file) {
+  Words words;
+  std::istringstream lines(Tests::ContentOf(PACKAGING + file));
+  std::string section;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    if (line.front() == '[') {
+      section = line;
+      continue;
+    }
+    EXPECT_THAT(line, testing::MatchesRegex("[A-Z][A-Za-z]+=.+")) << file;
+    EXPECT_THAT((std::vector<std::string>{"[Unit]", "[Service]", "[Install]"}),
+                testing::Contains(section));
+    if (line.rfind("ExecStart=", 0) != 0) continue;
+    std::istringstream command(line.substr(line.find('=') + 1));
+    for (std::string word; command >> word;) words.push_back(word);
+  }
+  return words;
+}
+
+TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
+  const struct {
+    const char* file;
+    Words (*read)(const std::string&);
+    const char* command;
+  } rows[] = {{"macos/com.norvik.agent.plist", CommandOfPropertyList, "run"},
+              {"macos/com.norvik.agent.user.plist", CommandOfPropertyList, "user"},
+              {"systemd/norvik-agent.service", CommandOfUnit, "run"},
+              {"systemd/norvik-agent-user.service", CommandOfUnit, "user"}};
+  for (const auto& row : rows) {
+    const Words words = row.read(row.file);
+    ASSERT_FALSE(words.empty()) << row.file;
+    EXPECT_EQ(words.front(), "/opt/local/norvik/bin/norvik-agent") << row.file;
+    EXPECT_EQ(Host::ParseCommandLine(words).command, row.command) << row.file;
+  }
+}
+
+}  // namespace
+
+#endif

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include "machine/DiskutilText.h"
+#include "machine/MountText.h"
+#include "machine/NetworkText.h"
+#include "machine/ProcessorText.h"
+#include "machine/SystemText.h"
+#include "support/RecordJson.h"
+
+namespace {
+
+using namespace Norvik::Machine;
+using namespace Norvik::Tests;
+
+Json ToldOf(const ProcessorPackage& package) {
+  Json told = JsonOf(package.info);
+  told["firstProcessor"] = package.firstProcessor;
+  return told;
+}
+Json ToldOf(const Mount& mount) {
+  return {{"deviceNumber", mount.deviceNumber},
+          {"mountPoint", mount.mountPoint},
+          {"fileSystem", mount.fileSystem},
+          {"source", mount.source}};
+}
+template <class Value>
+Json ToldOf(const std::vector<Value>& values) {
+  Json told = Json::array();
+  for (const Value& value : values) told.push_back(ToldOf(value));
+  return told;
+}
+
+Json AddressesIn(const std::string& text) {
+  Json told;
+  for (const auto& [name, addresses] : ParseIpv6Addresses(text)) told[name] = JsonOf(addresses);
+  return told;
+}
+Json ResolverIn(const std::string& text) {
+  const ResolverFile file = ParseResolverFile(text);
+  return {{"servers", file.servers}, {"domain", file.domain}};
+}
+
+const std::map<std::string, Json (*)(const std::string&)> READERS = {
+    {"cache size", [](const std::string& text) { return Json(ParseCacheSize(text)); }},
+    {"cpuinfo", [](const std::string& text) { return ToldOf(ParseCpuInfo(text)); }},
+    {"dhcp leases", [](const std::string& text) { return Json(ParseDhcpLeases(text)); }},
+    {"diskutil", [](const std::string& text) { return JsonOf(ParseDiskutilInfo(text)); }},
+    {"entries", [](const std::string& text) { return Json(ParseEntries(text, '=')); }},
+    {"gateways", [](const std::string& text) { return Json(ParseRoutes(text)); }},
+    {"gateways of netstat", [](const std::string& text) { return Json(ParseNetstatRoutes(text)); }},
+    {"gateways of version 6", [](const std::string& text) { return Json(ParseIpv6Routes(text)); }},
+    {"hardware ports", [](const std::string& text) { return Json(ParseHardwarePorts(text)); }},
+    {"addresses of version 6", AddressesIn},
+    {"leading number", [](const std::string& text) { return Json(LeadingNumber(text)); }},
+    {"mac address", [](const std::string& text) { return Json(PlainMacAddress(text)); }},
+    {"mounts", [](const std::string& text) { return ToldOf(ParseMountInfo(text)); }},
+    {"resolver file", ResolverIn},
+    {"vlans", [](const std::string& text) { return Json(ParseVlans(text)); }},
+    {"volumes", [](const std::string& text) { return ToldOf(VolumesOf(ParseMountInfo(text))); }},
+    {"without quotes", [](const std::string& text) { return Json(WithoutQuotes(text)); }},
+};
+
+/// A text in one piece or as its lines.
+std::string TextOf(const Json& text) {
+  if (text.is_string()) return text;
+  std::string lines;
+  for (const std::string line : text) lines += line + "\n";
+  return lines;
+}
+
+TEST(Texts, TellWhatTheirReadersFindInThem) {
+  const Json tables = DataOf("machine/texts.json");
+  EXPECT_EQ(tables.size(), READERS.size());
+  for (const auto& [reader, rows] : tables.items()) {
+    for (const Json& row : rows) {
+      const Json told = READERS.at(reader)(TextOf(row[0]));
+      EXPECT_EQ(Shown(Chosen(told, row[1])), Shown(row[1])) << reader << ": " << row[0];
+    }
+  }
+}
+
+TEST(MountText, FreeSpaceIsToldInWholeGibibytes) {
+  EXPECT_EQ(WholeGibibytes((5ull << 30) - 1), 4ull << 30);
+  EXPECT_EQ(WholeGibibytes(5ull << 30), 5ull << 30);
+}
+
+}  // namespace
