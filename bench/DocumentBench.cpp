@@ -7,7 +7,7 @@
 
 #include "module/Entities/InventoryKOBInfo.h"
 #include "module/Entities/InventoryReader.h"
-#include "module/IncrementalInventory/Entities/DeletedRecords.h"
+#include "module/IncrementalInventory/Entities/DeletedRecord.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 // One large inventory, as a workstation of a developer has it, rendered and read back. The rendered

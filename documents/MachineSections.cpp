@@ -8,15 +8,6 @@ namespace Norvik::Documents {
 
 namespace {
 
-template <class... Members>
-constexpr auto AsTuple(std::tuple<Members...> members) {
-  return members;
-}
-template <class Record, class Value>
-constexpr auto AsTuple(Value Record::*member) {
-  return std::make_tuple(member);
-}
-
 template <class Left, class Right>
 constexpr bool IsSame(Left left, Right right) {
   if constexpr (std::is_same_v<Left, Right>) {
@@ -32,22 +23,22 @@ std::vector<std::string> IdentityOf() {
   const auto addIfKey = [&](const auto& field) {
     const bool isKey =
         std::apply([&](const auto... member) { return (IsSame(field.member, member) || ...); },
-                   AsTuple(Record::Key()));
+                   Record::KeyMembers());
     if (isKey) keys.emplace_back(field.key);
   };
   std::apply([&](const auto&... field) { (addIfKey(field), ...); }, Record::Fields());
   return keys;
 }
 
-std::vector<MachineSection> Listed() {
+std::vector<MachineSection> AllSections() {
   std::vector<MachineSection> sections;
   KOB::ForEachSection([&](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
-    MachineSection& shape = sections.emplace_back();
-    shape.key = section.key;
-    shape.kind = Section::kind;
+    MachineSection& added = sections.emplace_back();
+    added.key = section.key;
+    added.kind = Section::kind;
     if constexpr (Section::isList) {
-      shape.identity = IdentityOf<typename Section::Value::value_type>();
+      added.identity = IdentityOf<typename Section::Value::value_type>();
     }
   });
   return sections;
@@ -56,7 +47,7 @@ std::vector<MachineSection> Listed() {
 }  // namespace
 
 const std::vector<MachineSection>& MachineSections() {
-  static const std::vector<MachineSection> sections = Listed();
+  static const std::vector<MachineSection> sections = AllSections();
   return sections;
 }
 

@@ -9,23 +9,33 @@
 
 #include "json/SerializerHelpers.h"
 
-/// Records declare their fields once, as a table of field kinds, and reader, writer and comparison
-/// walk that table. What departs from the plain field is a kind of its own.
+/// Field tables: a record lists its fields once, and its reader, its writer and its comparison walk
+/// that list.
 ///
-/// A kind has the key and the member, and
-///   Read(node, record)     fills the member from a tree node; what is absent or does not convert
-///                          gives the default
-///   Write(object, record)  sets the key of a JSON object
-///   Equal(left, right)     compares the member of two records
+///   struct Disk {
+///     std::string name;
+///     std::time_t date = 0;
+///     static constexpr auto Fields() {
+///       return FieldTable(Field("name", &Disk::name), Date("date", &Disk::date));
+///     }
+///   };
+///
+/// A field is a key, a member and a format. A format has
+///   Read(node, key, value)  sets a value from the child of a tree node
+///   Write(target, value)    sets a JSON value that is null before
+///   Equal(left, right)      compares two values
+/// A child that is absent or does not convert gives the default value and is no error, except in
+/// `RequiredRecords`. The tree is a `boost::property_tree::ptree`; it is a template parameter so
+/// that only the sources that read one need its definition.
 namespace json {
 
-/// How bytes that were read become a text of a wide type; byte strings stay as they are.
+/// How the bytes of a tree become a text of a wide type. Byte strings are taken as they are.
 enum class Conversion {
   Utf8,
   Locale,  ///< the multi-byte conversion of the process's locale
 };
 
-/// What a text type gives and takes as UTF-8 bytes. Wide types specialize it.
+/// Conversion between a text type and UTF-8 bytes. Each text type specializes it.
 template <class Text>
 struct TextCodec {
   static constexpr bool isText = false;
@@ -37,12 +47,7 @@ struct TextCodec<std::string> {
   static std::string Encode(const std::string& text) { return text; }
 };
 
-template <class T, class = void>
-struct HasFields : std::false_type {};
-template <class T>
-struct HasFields<T, std::void_t<decltype(T::Fields())>> : std::true_type {};
-
-/// Child of a node by its key; null if it is absent.
+/// The child of a node under a key; null if it is absent.
 template <class Tree>
 const Tree* ChildOf(const Tree& node, const char* key) {
   const auto found = node.find(key);
@@ -75,7 +80,7 @@ JSON ValueToJson(const Value& value) {
   return written;
 }
 
-/// Puts what `read` gives for each child of a node in the place of the elements; null has none.
+/// Replaces the elements by `read(child)` for each child of a node; by nothing if the node is null.
 template <class Tree, class Container, class Read>
 void ReadElements(const Tree* list, Container& elements, Read read) {
   elements.clear();
@@ -102,7 +107,8 @@ bool FieldsEqual(const T& left, const T& right) {
                     T::Fields());
 }
 
-// A record inside a record either has these operations of its own or just a table.
+// A record inside a record either is an `ISerializerJson` with operations of its own or has just a
+// table.
 
 template <class T, class Tree>
 T ReadRecord(const Tree& node) {
@@ -133,214 +139,222 @@ bool RecordsEqual(const T& left, const T& right) {
   }
 }
 
-/// Number, flag or text.
-template <class R, class Value>
-struct PlainField {
-  const char* key;
-  Value R::*member;
-  Conversion conversion;
-
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    record.*member = ReadValue(node, key, Value(), conversion);
+/// Comparison by `==`.
+struct ComparedByValue {
+  template <class Value>
+  bool Equal(const Value& left, const Value& right) const {
+    return left == right;
   }
-  void Write(JSON& object, const R& record) const { WriteValue(object[key], record.*member); }
-  bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
 };
 
-/// Number or flag whose absence in a tree means something else than zero.
-template <class R, class Value>
-struct DefaultedField : PlainField<R, Value> {
-  constexpr DefaultedField(const char* name, Value R::*field, Value missing)
-      : PlainField<R, Value>{name, field, Conversion::Utf8}, absent(missing) {}
+/// Number, flag or text; 0, false or empty by default.
+struct PlainFormat : ComparedByValue {
+  Conversion conversion;
+
+  template <class Tree, class Value>
+  void Read(const Tree& node, const char* key, Value& value) const {
+    value = ReadValue(node, key, Value(), conversion);
+  }
+  template <class Value>
+  void Write(JSON& target, const Value& value) const {
+    WriteValue(target, value);
+  }
+};
+
+/// Number or flag with a default of its own.
+template <class Value>
+struct DefaultedFormat : ComparedByValue {
   Value absent;
 
   template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    record.*this->member = ReadValue(node, this->key, absent, this->conversion);
+  void Read(const Tree& node, const char* key, Value& value) const {
+    value = ReadValue(node, key, absent, Conversion::Utf8);
+  }
+  void Write(JSON& target, const Value& value) const { WriteValue(target, value); }
+};
+
+/// Number that may be missing: null in JSON then.
+struct OptionalFormat : ComparedByValue {
+  template <class Tree, class Value>
+  void Read(const Tree& node, const char* key, boost::optional<Value>& value) const {
+    value = node.template get_optional<Value>(key);
+  }
+  template <class Value>
+  void Write(JSON& target, const boost::optional<Value>& value) const {
+    if (value) target = *value;
   }
 };
 
-/// Number that may be missing; null in JSON then.
-template <class R, class Value>
-struct OptionalField {
-  const char* key;
-  boost::optional<Value> R::*member;
-
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    record.*member = node.template get_optional<Value>(key);
+/// Time: seconds since the epoch in memory, milliseconds in JSON, cut to seconds when read.
+struct DateFormat : ComparedByValue {
+  template <class Tree, class Seconds>
+  void Read(const Tree& node, const char* key, Seconds& value) const {
+    value = static_cast<Seconds>(node.get(key, 0L) / 1000);
   }
-  void Write(JSON& object, const R& record) const {
-    JSON& target = object[key];
-    if (record.*member) target = *(record.*member);
+  template <class Seconds>
+  void Write(JSON& target, const Seconds& value) const {
+    target = static_cast<long long>(value) * 1000;
   }
-  bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
-};
-
-/// Time: seconds since the epoch in memory, milliseconds in JSON.
-template <class R, class Seconds>
-struct DateField {
-  const char* key;
-  Seconds R::*member;
-
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    record.*member = static_cast<Seconds>(node.get(key, 0L) / 1000);
-  }
-  void Write(JSON& object, const R& record) const {
-    object[key] = static_cast<long long>(record.*member) * 1000;
-  }
-  bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
 };
 
 /// Number that counts as unchanged while it moves by less than a tolerance. NaN equals nothing.
-template <class R>
-struct ToleranceField {
-  const char* key;
-  double R::*member;
+struct ToleranceFormat {
   double tolerance;
 
   template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    record.*member = ReadValue(node, key, 0.0, Conversion::Utf8);
+  void Read(const Tree& node, const char* key, double& value) const {
+    value = ReadValue(node, key, 0.0, Conversion::Utf8);
   }
-  void Write(JSON& object, const R& record) const { object[key] = record.*member; }
-  bool Equal(const R& left, const R& right) const {
-    return std::abs(left.*member - right.*member) < tolerance;
-  }
+  void Write(JSON& target, double value) const { target = value; }
+  bool Equal(double left, double right) const { return std::abs(left - right) < tolerance; }
 };
 
-/// Record inside a record; defaults if it is absent.
-template <class R, class Inner>
-struct RecordField {
-  const char* key;
-  Inner R::*member;
-
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
+/// Record inside a record; all its defaults if it is absent.
+struct RecordFormat {
+  template <class Tree, class Inner>
+  void Read(const Tree& node, const char* key, Inner& value) const {
     const Tree* child = ChildOf(node, key);
-    record.*member = child ? ReadRecord<Inner>(*child) : Inner();
+    value = child ? ReadRecord<Inner>(*child) : Inner();
   }
-  void Write(JSON& object, const R& record) const { object[key] = RecordToJson(record.*member); }
-  bool Equal(const R& left, const R& right) const {
-    return RecordsEqual(left.*member, right.*member);
+  template <class Inner>
+  void Write(JSON& target, const Inner& value) const {
+    target = RecordToJson(value);
+  }
+  template <class Inner>
+  bool Equal(const Inner& left, const Inner& right) const {
+    return RecordsEqual(left, right);
   }
 };
 
-/// List or vector of records, null in JSON if empty. A required one must be in the tree: reading
-/// raises `ptree_bad_path` without it.
-template <class R, class Container, bool required>
-struct RecordsField {
-  using Inner = typename Container::value_type;
-  const char* key;
-  Container R::*member;
-
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
+/// List or vector of records: null in JSON if empty, compared in order. Reading throws
+/// `ptree_bad_path` if a required one is absent; null is an empty one.
+template <bool required>
+struct RecordsFormat {
+  template <class Tree, class Container>
+  void Read(const Tree& node, const char* key, Container& value) const {
     const Tree* child = required ? &node.get_child(key) : ChildOf(node, key);
-    ReadElements(child, record.*member, ReadRecord<Inner, Tree>);
+    ReadElements(child, value, ReadRecord<typename Container::value_type, Tree>);
   }
-  void Write(JSON& object, const R& record) const {
-    object[key] = ArrayOf(record.*member, RecordToJson<Inner>);
+  template <class Container>
+  void Write(JSON& target, const Container& value) const {
+    target = ArrayOf(value, RecordToJson<typename Container::value_type>);
   }
-  bool Equal(const R& left, const R& right) const {
-    return std::equal((left.*member).begin(), (left.*member).end(), (right.*member).begin(),
-                      (right.*member).end(), RecordsEqual<Inner>);
+  template <class Container>
+  bool Equal(const Container& left, const Container& right) const {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      RecordsEqual<typename Container::value_type>);
   }
 };
 
 /// List, vector or set of texts: an array of strings, null if empty.
-template <class R, class Container>
-struct TextsField {
-  using Text = typename Container::value_type;
-  const char* key;
-  Container R::*member;
+struct TextsFormat : ComparedByValue {
   Conversion conversion;
 
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    ReadElements(ChildOf(node, key), record.*member, [this](const Tree& element) {
-      return TextCodec<Text>::Decode(element.data(), conversion);
+  template <class Tree, class Container>
+  void Read(const Tree& node, const char* key, Container& value) const {
+    ReadElements(ChildOf(node, key), value, [this](const Tree& element) {
+      return TextCodec<typename Container::value_type>::Decode(element.data(), conversion);
     });
   }
-  void Write(JSON& object, const R& record) const {
-    object[key] = ArrayOf(record.*member, ValueToJson<Text>);
+  template <class Container>
+  void Write(JSON& target, const Container& value) const {
+    target = ArrayOf(value, ValueToJson<typename Container::value_type>);
   }
-  bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
 };
 
 /// List of texts that JSON holds as objects with a name: `[{"name":"staff"}]`, null if empty.
-template <class R, class Container>
-struct NamesField {
-  using Text = typename Container::value_type;
-  const char* key;
-  Container R::*member;
+struct NamesFormat : ComparedByValue {
   Conversion conversion;
 
-  template <class Tree>
-  void Read(const Tree& node, R& record) const {
-    ReadElements(ChildOf(node, key), record.*member, [this](const Tree& element) {
-      return ReadValue(element, "name", Text(), conversion);
+  template <class Tree, class Container>
+  void Read(const Tree& node, const char* key, Container& value) const {
+    ReadElements(ChildOf(node, key), value, [this](const Tree& element) {
+      return ReadValue(element, "name", typename Container::value_type(), conversion);
     });
   }
-  void Write(JSON& object, const R& record) const {
-    object[key] = ArrayOf(record.*member, [](const Text& name) {
-      JSON value;
-      WriteValue(value["name"], name);
-      return value;
+  template <class Container>
+  void Write(JSON& target, const Container& value) const {
+    target = ArrayOf(value, [](const auto& name) {
+      JSON object;
+      WriteValue(object["name"], name);
+      return object;
     });
   }
-  bool Equal(const R& left, const R& right) const { return left.*member == right.*member; }
 };
 
-template <class... Fields>
-constexpr std::tuple<Fields...> FieldTable(Fields... fields) {
-  return {fields...};
+/// A line of a table.
+template <class Owner, class FieldValue, class FieldFormat>
+struct FieldEntry {
+  using Value = FieldValue;
+  const char* key;
+  Value Owner::*member;
+  FieldFormat format;
+
+  template <class Tree>
+  void Read(const Tree& node, Owner& record) const {
+    format.Read(node, key, record.*member);
+  }
+  /// Sets the key of a JSON object.
+  void Write(JSON& object, const Owner& record) const { format.Write(object[key], record.*member); }
+  bool Equal(const Owner& left, const Owner& right) const {
+    return format.Equal(left.*member, right.*member);
+  }
+};
+
+template <class... Entries>
+constexpr std::tuple<Entries...> FieldTable(Entries... entries) {
+  return {entries...};
 }
 
-template <class R, class Value>
-constexpr PlainField<R, Value> Field(const char* key, Value R::*member,
-                                     Conversion conversion = Conversion::Utf8) {
-  return {key, member, conversion};
+// The lines that a table is made of.
+
+template <class Owner, class Value, class Format>
+constexpr FieldEntry<Owner, Value, Format> Entry(const char* key, Value Owner::*member,
+                                                 Format format) {
+  return {key, member, format};
 }
-template <class R, class Value>
-constexpr OptionalField<R, Value> Field(const char* key, boost::optional<Value> R::*member) {
-  return {key, member};
+template <class Owner, class Value>
+constexpr auto Field(const char* key, Value Owner::*member,
+                     Conversion conversion = Conversion::Utf8) {
+  return Entry(key, member, PlainFormat{{}, conversion});
 }
-template <class R, class Value>
-constexpr DefaultedField<R, Value> FieldOrElse(const char* key, Value R::*member, Value absent) {
-  return {key, member, absent};
+template <class Owner, class Value>
+constexpr auto Field(const char* key, boost::optional<Value> Owner::*member) {
+  return Entry(key, member, OptionalFormat());
 }
-template <class R>
-constexpr ToleranceField<R> Approximate(const char* key, double R::*member, double tolerance) {
-  return {key, member, tolerance};
+template <class Owner, class Value>
+constexpr auto FieldOrElse(const char* key, Value Owner::*member, Value absent) {
+  return Entry(key, member, DefaultedFormat<Value>{{}, absent});
 }
-template <class R, class Seconds>
-constexpr DateField<R, Seconds> Date(const char* key, Seconds R::*member) {
-  return {key, member};
+template <class Owner>
+constexpr auto Approximate(const char* key, double Owner::*member, double tolerance) {
+  return Entry(key, member, ToleranceFormat{tolerance});
 }
-template <class R, class Inner>
-constexpr RecordField<R, Inner> Record(const char* key, Inner R::*member) {
-  return {key, member};
+template <class Owner, class Seconds>
+constexpr auto Date(const char* key, Seconds Owner::*member) {
+  return Entry(key, member, DateFormat());
 }
-template <class R, class Container>
-constexpr RecordsField<R, Container, false> Records(const char* key, Container R::*member) {
-  return {key, member};
+template <class Owner, class Inner>
+constexpr auto Record(const char* key, Inner Owner::*member) {
+  return Entry(key, member, RecordFormat());
 }
-template <class R, class Container>
-constexpr RecordsField<R, Container, true> RequiredRecords(const char* key, Container R::*member) {
-  return {key, member};
+template <class Owner, class Container>
+constexpr auto Records(const char* key, Container Owner::*member) {
+  return Entry(key, member, RecordsFormat<false>());
 }
-template <class R, class Container>
-constexpr TextsField<R, Container> Texts(const char* key, Container R::*member,
-                                         Conversion conversion = Conversion::Utf8) {
-  return {key, member, conversion};
+template <class Owner, class Container>
+constexpr auto RequiredRecords(const char* key, Container Owner::*member) {
+  return Entry(key, member, RecordsFormat<true>());
 }
-template <class R, class Container>
-constexpr NamesField<R, Container> Names(const char* key, Container R::*member,
-                                         Conversion conversion = Conversion::Utf8) {
-  return {key, member, conversion};
+template <class Owner, class Container>
+constexpr auto Texts(const char* key, Container Owner::*member,
+                     Conversion conversion = Conversion::Utf8) {
+  return Entry(key, member, TextsFormat{{}, conversion});
+}
+template <class Owner, class Container>
+constexpr auto Names(const char* key, Container Owner::*member,
+                     Conversion conversion = Conversion::Utf8) {
+  return Entry(key, member, NamesFormat{{}, conversion});
 }
 
 }  // namespace json

@@ -10,7 +10,8 @@
 
 namespace json {
 
-/// Array of what `convert` gives for each element, nulls left out; null if nothing is left.
+/// Array of `convert(element)` for each element in order, without the nulls. Null, not an empty
+/// array, if no value is left.
 template <class Container, class Convert>
 JSON ArrayOf(const Container& elements, Convert convert) {
   JSON array;
@@ -21,7 +22,7 @@ JSON ArrayOf(const Container& elements, Convert convert) {
   return array;
 }
 
-/// Array of records, each through its interface.
+/// Array of records, each converted through its interface.
 template <class Container>
 JSON ArrayOfRecords(const Container& records) {
   return ArrayOf(records,
@@ -42,22 +43,24 @@ json::JSON VectorToJsonChild(const std::vector<T>& records) {
   return json::ArrayOfRecords(records);
 }
 
-/// Leaves `target` as it is if the list is empty; otherwise the records stand under the key.
+/// Sets `target[key]` to the array of the records. An empty list leaves `target` unchanged: a null
+/// one stays null.
 template <class T>
 void AddListIfNotEmptyList(json::JSON& target, const std::string& key,
                            const std::list<T>& records) {
   if (!records.empty()) target[key] = StringListToJsonChild(records);
 }
 
-/// Leaves `target` as it is if the vector is empty; otherwise the records stand under the key.
+/// Sets `target[key]` to the array of the records. An empty vector leaves `target` unchanged: a
+/// null one stays null.
 template <class T>
 void AddListIfNotEmptyVector(json::JSON& target, const std::string& key,
                              const std::vector<T>& records) {
   if (!records.empty()) target[key] = VectorToJsonChild(records);
 }
 
-/// Leaves `target` as it is if there is no record; a record stands under the key even if all its
-/// fields are empty.
+/// Sets `target[key]` to the record, even if all its fields are empty. An empty optional leaves
+/// `target` unchanged.
 template <class T>
 void AddIfNotEmpty(json::JSON& target, const std::string& key, const boost::optional<T>& record) {
   if (!record) return;
@@ -65,8 +68,9 @@ void AddIfNotEmpty(json::JSON& target, const std::string& key, const boost::opti
   target[key] = static_cast<json::JSON>(serializer);
 }
 
-/// A list or vector with one record per child of a tree node; none for a node without children,
-/// such as a stored null.
+/// A list or vector with one record for each child of a tree node, in order. A node without
+/// children, such as a stored null, gives an empty one. Throws what the record's constructor
+/// throws.
 template <class Container, class Tree>
 Container LoadFromTree(const Tree& node) {
   Container records;

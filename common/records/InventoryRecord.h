@@ -11,7 +11,7 @@
 
 namespace Norvik {
 
-// The words of a record's table, for records of every namespace below this one.
+// What the tables of records are written with, for the records of every namespace below this one.
 using json::Approximate;
 using json::Conversion;
 using json::Date;
@@ -23,14 +23,17 @@ using json::Record;
 using json::Records;
 using json::RequiredRecords;
 using json::Texts;
+using json::WideText;
 
 namespace Common {
 
-/// Base of a record `T` that is read and written but never compared. `T` states its fields in
-/// `static constexpr auto Fields()`, and has `explicit T(const ptree& node) { Read(node); }`.
+/// Base of a record `T` that is written, and read back, but never compared. `T` has
+///   explicit T(const ptree& node) { Read(node); }
+///   static constexpr auto Fields()  the table of its fields (json/FieldTable.h)
 ///
-/// The members are defined in InventoryRecordDefinition.h, which only the source of a record
-/// includes: it instantiates them once, so that includers need not compile the table.
+/// A record is a plain value: members may be set directly, and copies are independent. The member
+/// functions are defined in InventoryRecordDefinition.h and instantiated once, in Records.cpp of
+/// the record's folder, so that other sources need not compile the table.
 template <class T>
 class NORVIK_COMMON_API WrittenRecord : public ISerializerJson {
  public:
@@ -40,37 +43,47 @@ class NORVIK_COMMON_API WrittenRecord : public ISerializerJson {
   operator json::JSON() const override;
 
  protected:
-  /// Fills every field of the table from a node; an absent key gives the field's default.
+  /// Sets every field of the table from a node. An absent key gives the field's default.
   void Read(const ptree& node);
 };
 
-/// Base of a record that a comparison of two inventories looks at. A record of a list states in
-/// `static constexpr auto Key()` the member, or the tuple of members, that identify it.
+/// Base of a record that is compared between two inventories. A record that a list section holds
+/// also has
+///   static constexpr auto Key()   the member, or the tuple of members, that identify it
+///   static constexpr auto Kept()  the table of what an incremental document says of a deleted one:
+///                                 at least the fields of the key
 template <class T>
 class NORVIK_COMMON_API InventoryRecord : public WrittenRecord<T> {
  public:
   using ptree = boost::property_tree::ptree;
 
-  /// Every field of the table.
+  /// Compares every field of the table.
   bool operator==(const T& other) const;
   bool operator!=(const T& other) const { return !(*this == other); }
 
-  /// Whether two records of two inventories are the same thing.
+  // Templates, so that a record without `Key()` can be instantiated.
+
+  /// Whether records of two inventories describe the same thing.
   template <class Other = T>
   bool HasSameKey(const Other& other) const {
     const T& self = static_cast<const T&>(*this);
     return std::apply(
         [&](const auto... member) { return ((self.*member == other.*member) && ...); },
-        KeyMembers(Other::Key()));
+        KeyMembers<Other>());
+  }
+  /// The members of `Key()` as a tuple.
+  template <class Other = T>
+  static constexpr auto KeyMembers() {
+    return AsTuple(Other::Key());
   }
 
  private:
   template <class... Members>
-  static constexpr auto KeyMembers(std::tuple<Members...> members) {
+  static constexpr auto AsTuple(std::tuple<Members...> members) {
     return members;
   }
   template <class Member>
-  static constexpr auto KeyMembers(Member T::*member) {
+  static constexpr auto AsTuple(Member T::*member) {
     return std::make_tuple(member);
   }
 };

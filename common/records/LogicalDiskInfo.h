@@ -11,11 +11,11 @@ namespace Norvik::Common {
 struct NORVIK_COMMON_API LogicalDiskInfo final : InventoryRecord<LogicalDiskInfo> {
   LogicalDiskInfo() = default;
   explicit LogicalDiskInfo(const ptree& node) { Read(node); }
-  /// The record as a tree that the constructor above takes.
+  /// A tree from which the constructor above makes an equal record.
   operator ptree() const;
 
   std::uint64_t sizeBytes = 0;
-  /// Cut to whole GiB: a few bytes more or less are no change of the machine.
+  /// Rounded down to whole GiB, so that a few bytes more or less are not a change of the machine.
   std::uint64_t freeBytes = 0;
   std::string mountPoint;
   std::string volumeName;

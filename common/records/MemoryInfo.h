@@ -16,7 +16,7 @@ struct NORVIK_COMMON_API MemoryInfo final : InventoryRecord<MemoryInfo> {
   std::uint16_t slotCount = 0;
   std::uint64_t totalBytes = 0;
   std::uint64_t swapBytes = 0;
-  std::uint64_t maximumBytes = 0;  ///< most that the board takes
+  std::uint64_t maximumBytes = 0;  ///< capacity of the board
   std::uint64_t pageBytes = 0;
   std::uint64_t hugePageBytes = 0;
   std::uint64_t location = 0;         ///< code of the SMBIOS memory array

@@ -22,7 +22,7 @@ struct IpAddressInfo {
   }
 };
 
-/// A network interface, the addresses that it has and what serves it.
+/// A network interface with its addresses and the servers that it uses.
 struct NORVIK_COMMON_API NetworkAdapterInfo final : InventoryRecord<NetworkAdapterInfo> {
   NetworkAdapterInfo() = default;
   explicit NetworkAdapterInfo(const ptree& node) { Read(node); }
@@ -56,6 +56,11 @@ struct NORVIK_COMMON_API NetworkAdapterInfo final : InventoryRecord<NetworkAdapt
         Field("manufacturer", &NetworkAdapterInfo::manufacturer));
   }
   static constexpr auto Key() { return &NetworkAdapterInfo::name; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("manufacturer", &NetworkAdapterInfo::manufacturer),
+                      Field("name", &NetworkAdapterInfo::name),
+                      Field("type", &NetworkAdapterInfo::type));
+  }
 };
 
 }  // namespace Norvik::Common

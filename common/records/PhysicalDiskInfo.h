@@ -37,6 +37,13 @@ struct NORVIK_COMMON_API PhysicalDiskInfo final : InventoryRecord<PhysicalDiskIn
                       Records("partition", &PhysicalDiskInfo::partitions));
   }
   static constexpr auto Key() { return &PhysicalDiskInfo::pnpDeviceId; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("manufacturer", &PhysicalDiskInfo::manufacturer),
+                      Field("mediaType", &PhysicalDiskInfo::mediaType),
+                      Field("model", &PhysicalDiskInfo::model),
+                      Field("pnpDeviceId", &PhysicalDiskInfo::pnpDeviceId),
+                      Field("serial", &PhysicalDiskInfo::serial));
+  }
 };
 
 }  // namespace Norvik::Common

@@ -60,6 +60,11 @@ struct NORVIK_COMMON_API ProcessorInfo final : InventoryRecord<ProcessorInfo> {
         Field("identifier", &ProcessorInfo::identifier));
   }
   static constexpr auto Key() { return &ProcessorInfo::index; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("index", &ProcessorInfo::index),
+                      WideText("manufacturer", &ProcessorInfo::manufacturer),
+                      WideText("model", &ProcessorInfo::model));
+  }
 };
 
 }  // namespace Norvik::Common

@@ -56,7 +56,7 @@ struct SmbChassisInfo {
   }
 };
 
-/// The machine as its maker sells it.
+/// Product and identity of the machine, as its manufacturer states them.
 struct SmbSystemInfo {
   std::string manufacturer;
   std::string product;
@@ -83,7 +83,7 @@ struct NORVIK_COMMON_API SetupInfo final : InventoryRecord<SetupInfo> {
   SmbBaseboardInfo baseboard;
   SmbChassisInfo chassis;
   SmbSystemInfo system;
-  wxString modelIdentifier;  ///< what the system itself calls the model, as in "Macmini9,1"
+  wxString modelIdentifier;  ///< the operating system's name of the model, as in "Macmini9,1"
   std::list<SmbPortConnectorInfo> portConnectors;
 
   static constexpr auto Fields() {

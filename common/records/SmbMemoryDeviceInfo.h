@@ -36,6 +36,12 @@ struct NORVIK_COMMON_API SmbMemoryDeviceInfo final : InventoryRecord<SmbMemoryDe
         Field("assetTag", &SmbMemoryDeviceInfo::assetTag));
   }
   static constexpr auto Key() { return &SmbMemoryDeviceInfo::name; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("manufacturer", &SmbMemoryDeviceInfo::manufacturer),
+                      Field("model", &SmbMemoryDeviceInfo::model),
+                      Field("name", &SmbMemoryDeviceInfo::name),
+                      Field("serial", &SmbMemoryDeviceInfo::serial));
+  }
 };
 
 }  // namespace Norvik::Common

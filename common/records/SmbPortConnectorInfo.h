@@ -14,7 +14,7 @@ struct NORVIK_COMMON_API SmbPortConnectorInfo final : InventoryRecord<SmbPortCon
   explicit SmbPortConnectorInfo(const ptree& node) { Read(node); }
 
   std::uint8_t typeCode = 0;  ///< port type of the SMBIOS standard
-  wxString erd;               ///< external reference designator: the label outside
+  wxString erd;               ///< external reference designator: the label on the case
   wxString externalConnector;
   wxString internalConnector;
   wxString name;  ///< internal reference designator
@@ -30,6 +30,11 @@ struct NORVIK_COMMON_API SmbPortConnectorInfo final : InventoryRecord<SmbPortCon
   }
   static constexpr auto Key() {
     return std::make_tuple(&SmbPortConnectorInfo::name, &SmbPortConnectorInfo::erd);
+  }
+  static constexpr auto Kept() {
+    return FieldTable(Field("erd", &SmbPortConnectorInfo::erd),
+                      Field("name", &SmbPortConnectorInfo::name),
+                      Field("type", &SmbPortConnectorInfo::type));
   }
 };
 

@@ -8,7 +8,7 @@
 
 namespace Norvik::Common {
 
-/// An installed software.
+/// An installed program or package.
 struct NORVIK_COMMON_API SoftwareRegisteredInfo final : InventoryRecord<SoftwareRegisteredInfo> {
   SoftwareRegisteredInfo() = default;
   explicit SoftwareRegisteredInfo(const ptree& node) { Read(node); }
@@ -56,10 +56,16 @@ struct NORVIK_COMMON_API SoftwareRegisteredInfo final : InventoryRecord<Software
                       Field("systemComponent", &SoftwareRegisteredInfo::systemComponent),
                       Field("signedBy", &SoftwareRegisteredInfo::signedBy));
   }
-  /// Not the version: an upgrade is a change of the software, no other software.
+  /// Without the version: an upgrade updates the record.
   static constexpr auto Key() {
     return std::make_tuple(&SoftwareRegisteredInfo::name, &SoftwareRegisteredInfo::productCode,
                            &SoftwareRegisteredInfo::softwareKey);
+  }
+  static constexpr auto Kept() {
+    return FieldTable(Field("name", &SoftwareRegisteredInfo::name),
+                      Field("productCode", &SoftwareRegisteredInfo::productCode),
+                      Field("softwareKey", &SoftwareRegisteredInfo::softwareKey),
+                      Field("version", &SoftwareRegisteredInfo::version));
   }
 };
 

@@ -12,12 +12,25 @@ namespace json {
 template <>
 struct TextCodec<wxString> {
   static constexpr bool isText = true;
-  /// Empty for bytes that the conversion does not take.
+  /// Empty if the bytes are not valid in the encoding of the conversion.
   static wxString Decode(const std::string& bytes, Conversion conversion) {
     return conversion == Conversion::Locale ? wxString(bytes)
                                             : Norvik::Common::WxStringFromStdString(bytes);
   }
   static std::string Encode(const wxString& text) { return Norvik::Common::ToUtf8(text); }
 };
+
+/// Byte string that is written by way of a wide text: bytes that are not UTF-8 make it empty, where
+/// a plain one has them escaped.
+struct WideTextFormat : PlainFormat {
+  void Write(JSON& target, const std::string& bytes) const {
+    WriteValue(target, Norvik::Common::WxStringFromStdString(bytes));
+  }
+};
+
+template <class Owner>
+constexpr auto WideText(const char* key, std::string Owner::*member) {
+  return Entry(key, member, WideTextFormat{{{}, Conversion::Utf8}});
+}
 
 }  // namespace json

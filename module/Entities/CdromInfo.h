@@ -35,6 +35,12 @@ struct CdromInfo final : Common::InventoryRecord<CdromInfo> {
                       Texts("features", &CdromInfo::features, Conversion::Locale));
   }
   static constexpr auto Key() { return &CdromInfo::pnpDeviceId; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("manufacturer", &CdromInfo::manufacturer),
+                      Field("mediaType", &CdromInfo::mediaType), Field("model", &CdromInfo::model),
+                      Field("pnpDeviceId", &CdromInfo::pnpDeviceId),
+                      Field("serial", &CdromInfo::serial));
+  }
 };
 
 }  // namespace Norvik::KOB

@@ -13,9 +13,9 @@ struct ConfigurationInfo final : Common::InventoryRecord<ConfigurationInfo> {
   ConfigurationInfo() = default;
   explicit ConfigurationInfo(const ptree& node) { Read(node); }
 
-  std::uint16_t communicationsNumber = 0;  ///< of `CommunicationsInfo`; in no document
+  std::uint16_t communicationsNumber = 0;  ///< of `CommunicationsInfo`; not in the document
   int profileId = 0;
-  wxString communicationsText;  ///< of `CommunicationsInfo`; in no document
+  wxString communicationsText;  ///< of `CommunicationsInfo`; not in the document
   wxString agentVersion;
 
   static constexpr auto Fields() {

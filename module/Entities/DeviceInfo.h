@@ -6,8 +6,7 @@
 
 namespace Norvik::KOB {
 
-/// Identity of the machine. It has no comparison: an incremental inventory always carries the
-/// present one.
+/// Identity of the machine. Never compared: an incremental document always holds the current one.
 struct DeviceInfo final : Common::WrittenRecord<DeviceInfo> {
   DeviceInfo() = default;
   explicit DeviceInfo(const ptree& node) { Read(node); }
@@ -19,10 +18,10 @@ struct DeviceInfo final : Common::WrittenRecord<DeviceInfo> {
   std::string description;
   std::string domain;
   std::string workGroup;
-  std::string reserved;  ///< always empty, in no document
+  std::string reserved;  ///< always empty; not in the document
   std::string userName;
   std::string server;
-  unsigned char type = 0;  ///< number of an `OperatingSystemType`
+  unsigned char type = 0;  ///< `OperatingSystemType::Types` as a number
 
   static constexpr auto Fields() {
     return FieldTable(

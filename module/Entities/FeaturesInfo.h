@@ -17,8 +17,9 @@ struct FeaturesInfo final : Common::InventoryRecord<FeaturesInfo> {
   static constexpr auto Fields() {
     return FieldTable(Field("version", &FeaturesInfo::version), Field("name", &FeaturesInfo::name));
   }
-  /// Deliberately not the name: the server knows a feature by its version.
+  /// Deliberately not the name: the server identifies a feature by its version.
   static constexpr auto Key() { return &FeaturesInfo::version; }
+  static constexpr auto Kept() { return FieldTable(WideText("version", &FeaturesInfo::version)); }
 };
 
 }  // namespace Norvik::KOB

@@ -4,16 +4,16 @@
 
 namespace Norvik::KOB {
 
-/// Where the machine is, in degrees and metres. Points closer than `tolerance` in every field are
-/// equal; since a document keeps six significant digits, a finer point differs from itself read
-/// back.
+/// Location of the machine, in degrees and metres. Two points are equal if every field differs by
+/// less than `tolerance`. A document keeps six significant digits, so a point with more digits
+/// differs from the one that is read back.
 struct GeoLocationPoint final : Common::InventoryRecord<GeoLocationPoint> {
   static constexpr double tolerance = 0.00001;
 
   GeoLocationPoint() = default;
   explicit GeoLocationPoint(const ptree& node) { Read(node); }
 
-  /// Whether every field is exactly zero, which stands for no location.
+  /// Whether every field is exactly zero, which means that the location is unknown.
   bool IsZero() const;
 
   double longitude = 0.0;

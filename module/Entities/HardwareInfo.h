@@ -25,6 +25,11 @@ struct HardwareInfo final : Common::InventoryRecord<HardwareInfo> {
         Field("state", &HardwareInfo::state), Field("driverError", &HardwareInfo::driverError));
   }
   static constexpr auto Key() { return &HardwareInfo::pnpDeviceId; }
+  static constexpr auto Kept() {
+    return FieldTable(
+        Field("manufacturer", &HardwareInfo::manufacturer), Field("name", &HardwareInfo::name),
+        Field("pnpDeviceId", &HardwareInfo::pnpDeviceId), Field("type", &HardwareInfo::type));
+  }
 };
 
 }  // namespace Norvik::KOB

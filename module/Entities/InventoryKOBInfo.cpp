@@ -73,7 +73,7 @@ InventoryKOBInfo::operator json::JSON() const {
 }
 
 void InventoryKOBInfo::WriteTo(std::ostream& stream) const {
-  std::map<std::string, std::function<void()>> writers;  // in the order of a JSON object
+  std::map<std::string, std::function<void()>> writers;  // sorted by key, as a JSON object is
   ForEachSection([&](const auto& section) {
     writers[section.key] = [&, section] { WriteSection(section, *this, stream); };
   });

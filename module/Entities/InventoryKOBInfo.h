@@ -35,24 +35,25 @@
 
 namespace Norvik::KOB {
 
-/// One complete inventory of the machine. What stands in its document, and how, is the list of
-/// InventorySections.h.
+/// One complete inventory of the machine. The list in InventorySections.h says which members are
+/// sections of the document, and how each is written, read and compared.
 class InventoryKOBInfo : public Common::ISerializerJson {
  public:
   InventoryKOBInfo() = default;
-  /// From the root of a stored document. Raises `ptree_bad_path` if a section is missing; what is
-  /// missing inside a section takes its default. The device is not read.
+  /// From the root of a stored document, without the device, which is not read. Throws
+  /// `ptree_bad_path` if another section is missing; a field that is missing inside a section takes
+  /// its default, and unknown keys are ignored.
   explicit InventoryKOBInfo(const boost::property_tree::ptree& document);
   InventoryKOBInfo(const InventoryKOBInfo&) = default;
   InventoryKOBInfo(InventoryKOBInfo&&) = default;
   InventoryKOBInfo& operator=(const InventoryKOBInfo&) = default;
   InventoryKOBInfo& operator=(InventoryKOBInfo&&) = default;
-  /// Virtual, since inventories of a derived kind are owned through this class.
+  /// Virtual: an `IncrementalInventoryKOBInfo` is owned through this class.
   virtual ~InventoryKOBInfo();
 
-  /// An object with a key for every section, null where there is nothing.
+  /// An object with the key of every section. An empty list and a location of zero are null.
   operator json::JSON() const override;
-  /// Writes the text of that object, a record at a time: as one tree, a large inventory would take
+  /// Writes the text of that object, one record at a time: the JSON of a large inventory takes
   /// several times the memory of its text.
   void WriteTo(std::ostream& stream) const;
 
@@ -73,7 +74,7 @@ class InventoryKOBInfo : public Common::ISerializerJson {
   std::list<ServiceInfo> services;
   std::list<SharedResourceInfo> sharedResources;
   SmBiosInfo firmware;
-  boost::optional<SmBiosInfo> secondFirmware;  ///< always empty, in no document
+  boost::optional<SmBiosInfo> secondFirmware;  ///< always empty; not in the document
   std::list<SmbSystemSlotInfo> systemSlots;
   std::list<VideoInfo> videoCards;
   std::vector<Common::SoftwareRegisteredInfo> software;

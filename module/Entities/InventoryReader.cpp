@@ -17,18 +17,19 @@ using boost::property_tree::json_parser_error;
 using boost::property_tree::ptree;
 using Json = nlohmann::json;
 
-/// No record nests deeper; hostile text must not exhaust the stack that its tree is freed on.
+/// No record nests deeper. A tree is freed by recursion, and hostile text must not exhaust the
+/// stack.
 constexpr std::size_t MAX_NESTING = 64;
 
-/// The parser quotes the token it failed at, however long that is.
+/// In bytes. The parser quotes the token at which it failed, whatever its length.
 constexpr std::size_t MAX_REASON = 200;
 
-/// A section, and what takes one record of it.
+/// A section, and the function that stores one of its records.
 struct SectionReader {
   std::string key;
   bool isList;
   bool isRequired;
-  void (*take)(InventoryKOBInfo& inventory, const ptree& record);
+  void (*store)(InventoryKOBInfo& inventory, const ptree& record);
   bool seen = false;
 };
 
@@ -52,14 +53,14 @@ std::vector<SectionReader> ReadersOf(std::index_sequence<indices...> /*all*/) {
   return {ReaderOf<indices>()...};
 }
 
-/// Takes the parser's events: level 1 is the document's object, level 2 a section, and a list's
-/// records stand on level 3.
+/// Receives the parser's events. Level 1 is the document's object, level 2 a section, and level 3 a
+/// record of a list.
 class Reader : public Json::json_sax_t {
  public:
   Reader(InventoryKOBInfo& inventory, const std::string& file)
       : inventory_(inventory), file_(file) {}
 
-  /// After the last event.
+  /// Call after the last event. Throws `ptree_bad_path` if a required section is missing.
   void CheckComplete() const {
     for (const SectionReader& section : sections_) {
       if (section.seen || !section.isRequired) continue;
@@ -108,7 +109,7 @@ class Reader : public Json::json_sax_t {
     if (!open_.empty()) {
       open_.back()->push_back({std::exchange(key_, {}), ptree(text)});
     } else if (level_ > 1 || text != "null") {
-      RaiseWrongKind();
+      ThrowWrongKind();
     }
     return true;
   }
@@ -119,9 +120,9 @@ class Reader : public Json::json_sax_t {
     if (!open_.empty()) {
       open_.push_back(&open_.back()->push_back({std::exchange(key_, {}), ptree()})->second);
     } else if (isArray) {
-      if (level_ != 2 || !section_->isList) RaiseWrongKind();
+      if (level_ != 2 || !section_->isList) ThrowWrongKind();
     } else {
-      if ((level_ == 2) == section_->isList) RaiseWrongKind();
+      if ((level_ == 2) == section_->isList) ThrowWrongKind();
       open_.push_back(&record_);
     }
     if (open_.size() > MAX_NESTING)
@@ -133,11 +134,11 @@ class Reader : public Json::json_sax_t {
     --level_;
     if (open_.empty()) return true;
     open_.pop_back();
-    if (open_.empty()) section_->take(inventory_, std::exchange(record_, {}));
+    if (open_.empty()) section_->store(inventory_, std::exchange(record_, {}));
     return true;
   }
 
-  [[noreturn]] void RaiseWrongKind() const {
+  [[noreturn]] void ThrowWrongKind() const {
     throw boost::property_tree::ptree_bad_data(
         section_->key + " is no " + (section_->isList ? "list of records" : "record"),
         std::string());
@@ -147,11 +148,11 @@ class Reader : public Json::json_sax_t {
   const std::string& file_;
   std::vector<SectionReader> sections_ =
       ReadersOf(std::make_index_sequence<std::tuple_size_v<decltype(Sections())>>());
-  SectionReader* section_ = nullptr;  ///< null: one that is not known
+  SectionReader* section_ = nullptr;  ///< null in an unknown section, which is skipped
   std::size_t level_ = 0;
   std::string key_;           ///< of the next value inside a record
-  ptree record_;              ///< while `open_` is not empty
-  std::vector<ptree*> open_;  ///< the way from the record to its innermost open node
+  ptree record_;              ///< the current one, while `open_` is not empty
+  std::vector<ptree*> open_;  ///< the path from the record to its innermost open node
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tuple>
+#include <type_traits>
 
 #include "module/Entities/InventoryKOBInfo.h"
 
@@ -8,56 +9,45 @@ namespace Norvik::KOB {
 
 /// How a section is written, read and compared.
 enum class SectionKind {
-  Single,         ///< one record without identity
-  Location,       ///< single, written as null when it is zero
-  Device,         ///< single, written but never read, copied instead of compared
-  List,           ///< records that are told apart by `HasSameKey`
-  ListOfUpdates,  ///< list whose created and deleted records no incremental document shows
+  Single,         ///< one record without a key
+  Location,       ///< a single record that is written as null if it is zero
+  Device,         ///< a single record that is written but never read, and copied, not compared
+  List,           ///< records that are matched by `HasSameKey`
+  ListOfUpdates,  ///< a list whose created and deleted records no incremental document holds
 };
 
-/// A section of the document: its key, and the way from an inventory to its value, which is a
-/// member or a member of a member.
-template <SectionKind sectionKind, class SectionValue, class... Path>
+/// A section of the document: its key and its value, a member of the inventory or, for the two
+/// lists of local accounts, of its `localUsers`.
+template <SectionKind sectionKind, class Owner, class SectionValue>
 struct InventorySection {
   using Value = SectionValue;
   static constexpr SectionKind kind = sectionKind;
   static constexpr bool isList = kind == SectionKind::List || kind == SectionKind::ListOfUpdates;
 
   const char* key;
-  std::tuple<Path...> path;
+  Value Owner::*member;
 
-  Value& In(InventoryKOBInfo& inventory) const { return Follow(inventory); }
-  const Value& In(const InventoryKOBInfo& inventory) const { return Follow(inventory); }
+  Value& In(InventoryKOBInfo& inventory) const { return OwnerIn(inventory).*member; }
+  const Value& In(const InventoryKOBInfo& inventory) const { return OwnerIn(inventory).*member; }
 
  private:
   template <class Inventory>
-  auto& Follow(Inventory& inventory) const {
-    return std::apply(
-        [&](auto... members) -> auto& { return Member(inventory, members...); }, path);
-  }
-  template <class Object, class First, class... Rest>
-  static auto& Member(Object& object, First first, Rest... rest) {
-    if constexpr (sizeof...(rest) == 0) {
-      return object.*first;
+  static auto& OwnerIn(Inventory& inventory) {
+    if constexpr (std::is_same_v<Owner, LocalUserInfo>) {
+      return inventory.localUsers;
     } else {
-      return Member(object.*first, rest...);
+      return inventory;
     }
   }
 };
 
-template <SectionKind kind, class Value>
-constexpr InventorySection<kind, Value, Value InventoryKOBInfo::*> SectionOf(
-    const char* key, Value InventoryKOBInfo::*member) {
-  return {key, {member}};
-}
-template <SectionKind kind, class Outer, class Value>
-constexpr InventorySection<kind, Value, Outer InventoryKOBInfo::*, Value Outer::*> SectionOf(
-    const char* key, Outer InventoryKOBInfo::*outer, Value Outer::*member) {
-  return {key, {outer, member}};
+template <SectionKind kind, class Owner, class Value>
+constexpr InventorySection<kind, Owner, Value> SectionOf(const char* key, Value Owner::*member) {
+  return {key, member};
 }
 
-/// Every section, once, in the order in which a document is read. Whatever goes through all
-/// sections walks this list.
+/// Every section, once, in the order in which a document is read. Reader, writer, comparison and
+/// the tools for documents all walk this list.
 constexpr auto Sections() {
   using Of = InventoryKOBInfo;
   using Kind = SectionKind;
@@ -86,8 +76,8 @@ constexpr auto Sections() {
                          SectionOf<Kind::List>("portConnectors", &Of::portConnectors),
                          SectionOf<Kind::List>("processorSlot", &Of::processors),
                          SectionOf<Kind::Single>("setup", &Of::setup),
-                         SectionOf<Kind::List>("group", &Of::localUsers, &LocalUserInfo::groups),
-                         SectionOf<Kind::List>("user", &Of::localUsers, &LocalUserInfo::users));
+                         SectionOf<Kind::List>("group", &LocalUserInfo::groups),
+                         SectionOf<Kind::List>("user", &LocalUserInfo::users));
 }
 
 /// Calls `action` with each section, in order.

@@ -27,6 +27,11 @@ struct KeyboardInfo final : Common::InventoryRecord<KeyboardInfo> {
         Field("manufacturer", &KeyboardInfo::manufacturer));
   }
   static constexpr auto Key() { return &KeyboardInfo::pnpDeviceId; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("description", &KeyboardInfo::description),
+                      Field("manufacturer", &KeyboardInfo::manufacturer),
+                      Field("pnpDeviceId", &KeyboardInfo::pnpDeviceId));
+  }
 };
 
 }  // namespace Norvik::KOB

@@ -8,7 +8,7 @@
 
 namespace Norvik::KOB {
 
-/// The local accounts. A document holds the two lists under keys of their own, so the container
+/// The local accounts. The document holds the two lists as sections of their own; the container
 /// itself is null in JSON.
 struct LocalUserInfo final : Common::ISerializerJson {
   struct GroupSettings final : Common::InventoryRecord<GroupSettings> {
@@ -26,6 +26,7 @@ struct LocalUserInfo final : Common::ISerializerJson {
           Names("user", &GroupSettings::users), Names("group", &GroupSettings::groups));
     }
     static constexpr auto Key() { return &GroupSettings::name; }
+    static constexpr auto Kept() { return FieldTable(Field("name", &GroupSettings::name)); }
   };
 
   struct UserSettings final : Common::InventoryRecord<UserSettings> {
@@ -42,18 +43,18 @@ struct LocalUserInfo final : Common::ISerializerJson {
     wxString fullUserName;
 
     static constexpr auto Fields() {
-      return FieldTable(
-          Field("userName", &UserSettings::userName),
-          Field("description", &UserSettings::description),
-          FieldOrElse("enabled", &UserSettings::enabled, true),
-          // Deliberately true as well: a document that does not tell counts as locked.
-          FieldOrElse("locked", &UserSettings::locked, true),
-          Field("passwordChange", &UserSettings::passwordChange),
-          Field("passwordExpire", &UserSettings::passwordExpire),
-          Field("passwordRequired", &UserSettings::passwordRequired),
-          Field("fullUserName", &UserSettings::fullUserName));
+      return FieldTable(Field("userName", &UserSettings::userName),
+                        Field("description", &UserSettings::description),
+                        FieldOrElse("enabled", &UserSettings::enabled, true),
+                        // Deliberately true as well: a user without this key counts as locked.
+                        FieldOrElse("locked", &UserSettings::locked, true),
+                        Field("passwordChange", &UserSettings::passwordChange),
+                        Field("passwordExpire", &UserSettings::passwordExpire),
+                        Field("passwordRequired", &UserSettings::passwordRequired),
+                        Field("fullUserName", &UserSettings::fullUserName));
     }
     static constexpr auto Key() { return &UserSettings::userName; }
+    static constexpr auto Kept() { return FieldTable(Field("userName", &UserSettings::userName)); }
   };
 
   operator json::JSON() const override { return {}; }

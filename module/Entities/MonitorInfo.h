@@ -26,8 +26,13 @@ struct MonitorInfo final : Common::InventoryRecord<MonitorInfo> {
                       Field("serial", &MonitorInfo::serial), Date("date", &MonitorInfo::date),
                       Field("revision", &MonitorInfo::revision));
   }
-  /// Deliberately not the serial: to the server, two monitors of one model are one.
+  /// Deliberately not the serial: the server counts two monitors of one model as one.
   static constexpr auto Key() { return &MonitorInfo::model; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("manufacturer", &MonitorInfo::manufacturer),
+                      Field("model", &MonitorInfo::model), Field("name", &MonitorInfo::name),
+                      Field("serial", &MonitorInfo::serial));
+  }
 };
 
 }  // namespace Norvik::KOB

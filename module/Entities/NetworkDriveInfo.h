@@ -6,7 +6,7 @@
 
 namespace Norvik::KOB {
 
-/// A mounted network share. Compared without its id, which documents do not hold.
+/// A mounted network share. Its id is neither in the document nor compared.
 struct NetworkDriveInfo final : Common::InventoryRecord<NetworkDriveInfo> {
   NetworkDriveInfo() = default;
   explicit NetworkDriveInfo(ptree node);
@@ -16,8 +16,8 @@ struct NetworkDriveInfo final : Common::InventoryRecord<NetworkDriveInfo> {
   std::string path;
   std::string server;
 
-  /// For Boost archives, which carry drives between the user's process and the service. Save a
-  /// const object.
+  /// For the Boost archives in which a user's process sends its drives to the service. To save,
+  /// pass a const object.
   template <class Archive>
   void serialize(Archive& archive, unsigned int /*version*/) {
     archive& id& unit& path& server;
@@ -29,6 +29,10 @@ struct NetworkDriveInfo final : Common::InventoryRecord<NetworkDriveInfo> {
                       Field("server", &NetworkDriveInfo::server));
   }
   static constexpr auto Key() { return &NetworkDriveInfo::unit; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("path", &NetworkDriveInfo::path),
+                      Field("unit", &NetworkDriveInfo::unit));
+  }
 };
 
 }  // namespace Norvik::KOB

@@ -6,7 +6,7 @@
 
 namespace Norvik::KOB {
 
-/// Who may do what with a shared resource.
+/// A permission on a shared resource.
 struct PermissionInfo {
   PermissionInfo() = default;
   explicit PermissionInfo(const boost::property_tree::ptree& node);

@@ -25,6 +25,11 @@ struct PrinterInfo final : Common::InventoryRecord<PrinterInfo> {
                       Field("manufacturer", &PrinterInfo::manufacturer, Conversion::Locale));
   }
   static constexpr auto Key() { return &PrinterInfo::name; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("driverName", &PrinterInfo::driverName),
+                      Field("manufacturer", &PrinterInfo::manufacturer),
+                      Field("name", &PrinterInfo::name));
+  }
 };
 
 }  // namespace Norvik::KOB

@@ -23,6 +23,10 @@ struct RunCommandInfo final : Common::InventoryRecord<RunCommandInfo> {
                       Field("path", &RunCommandInfo::path, Conversion::Locale));
   }
   static constexpr auto Key() { return &RunCommandInfo::name; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("command", &RunCommandInfo::command),
+                      Field("name", &RunCommandInfo::name), Field("path", &RunCommandInfo::path));
+  }
 };
 
 }  // namespace Norvik::KOB

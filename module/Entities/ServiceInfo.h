@@ -27,6 +27,10 @@ struct ServiceInfo final : Common::InventoryRecord<ServiceInfo> {
                       Field("description", &ServiceInfo::description, Conversion::Locale));
   }
   static constexpr auto Key() { return &ServiceInfo::name; }
+  static constexpr auto Kept() {
+    return FieldTable(Field("displayName", &ServiceInfo::displayName),
+                      Field("name", &ServiceInfo::name));
+  }
 };
 
 }  // namespace Norvik::KOB

@@ -12,7 +12,7 @@ namespace Norvik::KOB {
 /// A folder or printer that the machine shares.
 struct SharedResourceInfo final : Common::InventoryRecord<SharedResourceInfo> {
   SharedResourceInfo() = default;
-  /// Raises `ptree_bad_path` if the node has no permissions at all; null is an empty list.
+  /// Throws `ptree_bad_path` if the node has no key "permissions"; null is an empty list.
   explicit SharedResourceInfo(const ptree& node) { Read(node); }
 
   wxString name;
@@ -29,6 +29,7 @@ struct SharedResourceInfo final : Common::InventoryRecord<SharedResourceInfo> {
                       RequiredRecords("permissions", &SharedResourceInfo::permissions));
   }
   static constexpr auto Key() { return &SharedResourceInfo::name; }
+  static constexpr auto Kept() { return FieldTable(Field("name", &SharedResourceInfo::name)); }
 };
 
 }  // namespace Norvik::KOB

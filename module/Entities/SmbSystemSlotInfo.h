@@ -23,6 +23,7 @@ struct SmbSystemSlotInfo final : Common::InventoryRecord<SmbSystemSlotInfo> {
                       Field("description", &SmbSystemSlotInfo::description, Conversion::Locale));
   }
   static constexpr auto Key() { return &SmbSystemSlotInfo::slotId; }
+  static constexpr auto Kept() { return FieldTable(Field("slotId", &SmbSystemSlotInfo::slotId)); }
 };
 
 }  // namespace Norvik::KOB

@@ -4,17 +4,18 @@
 
 namespace Norvik::KOB {
 
-/// What the system tells of itself; the driver takes most of `DeviceInfo` from it. Never written.
+/// What the system reports about itself. Not part of the document: most of `DeviceInfo` is taken
+/// from it.
 struct SystemInfo {
   long long collectionTime = 0;  ///< seconds since the epoch
   wxString hostName;
   wxString description;
   wxString domain;
   wxString workGroup;
-  wxString other;  ///< not taken over into `DeviceInfo`
+  wxString other;  ///< not copied to `DeviceInfo`
   wxString userName;
   wxString server;
-  unsigned char type = 0;  ///< number of an `OperatingSystemType`
+  unsigned char type = 0;  ///< `OperatingSystemType::Types` as a number
   bool virtualizationAvailable = false;
   wxString virtualizationLabel;
   wxString virtualizationKeyword;

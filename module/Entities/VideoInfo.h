@@ -35,6 +35,12 @@ struct VideoInfo final : Common::InventoryRecord<VideoInfo> {
                       Field("manufacturer", &VideoInfo::manufacturer, Conversion::Locale));
   }
   static constexpr auto Key() { return &VideoInfo::name; }
+  /// Deliberately the version under "driverName": the server expects it there.
+  static constexpr auto Kept() {
+    return FieldTable(Field("driverName", &VideoInfo::version),
+                      Field("manufacturer", &VideoInfo::manufacturer),
+                      Field("name", &VideoInfo::name));
+  }
 };
 
 }  // namespace Norvik::KOB

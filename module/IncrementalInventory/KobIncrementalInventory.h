@@ -8,23 +8,23 @@
 
 namespace Norvik::KOB {
 
-/// The comparison of two inventories. An object serves one comparison.
+/// The comparison of two inventories. An object serves one comparison, on one thread.
 class KobIncrementalInventory {
  public:
   /// Neither may be null.
   KobIncrementalInventory(std::unique_ptr<InventoryKOBInfo> previous,
                           std::unique_ptr<InventoryKOBInfo> current);
 
-  /// What has changed: an `IncrementalInventoryKOBInfo`, which is null in JSON if nothing has.
+  /// The changes: an `IncrementalInventoryKOBInfo`, whose JSON is null if nothing has changed.
   std::unique_ptr<InventoryKOBInfo> GenerateIncrementalInventoryKOB() const;
 
-  /// Compares two lists or vectors of records and adds what it finds at the end of the first three:
-  /// present records without a previous one of their key, previous ones without a present one, and
-  /// present ones that differ from the first previous one of their key. Created and updated records
-  /// keep the present order, deleted ones the previous.
-  ///
-  /// Deliberately a plain scan: the server relies on that order, and on the first record of a key
-  /// standing for all of them, even where a later one is equal.
+  /// Compares two lists or vectors of records and appends to the first three arguments:
+  ///   created  current records whose key no previous record has, in the current order
+  ///   deleted  previous records whose key no current record has, in the previous order
+  ///   updated  current records that differ from the first previous record with their key, in the
+  ///            current order
+  /// Deliberately a quadratic scan: the server relies on that order, and on the first record of a
+  /// key standing for all records of that key, even where a later one is equal.
   template <class L, class D>
   static void GetItems(L& created, D& deleted, L& updated, const L& previous, const L& current) {
     for (const auto& record : previous) {
@@ -42,7 +42,7 @@ class KobIncrementalInventory {
     }
   }
 
-  /// The present record, if it differs.
+  /// The current record if it differs from the previous one, otherwise nothing.
   template <class T>
   static boost::optional<T> GetUpdatedItems(const T& previous, const T& current) {
     return boost::make_optional(previous != current, current);

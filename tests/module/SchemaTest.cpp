@@ -172,7 +172,7 @@ const std::map<SectionKind, const char*> KINDS = {
 template <class Record>
 std::string KeysOfDeletion() {
   std::string keys;
-  for (const auto& [key, value] : ParseJson(JsonText(DeletedRecordOf<Record>(Record())))) {
+  for (const auto& [key, value] : ParseJson(JsonText(DeletedRecord<Record>(Record())))) {
     keys += (keys.empty() ? "" : " ") + key;
   }
   return keys;

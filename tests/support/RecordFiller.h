@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -55,19 +57,29 @@ class Filler {
       texts.insert(text);
     }
   }
+  template <class Element>
+  void Fill(std::list<Element>& elements) {
+    FillElements(elements);
+  }
+  template <class Element>
+  void Fill(std::vector<Element>& elements) {
+    FillElements(elements);
+  }
   template <class Value>
   void Fill(Value& value) {
     if constexpr (std::is_integral_v<Value>) {
       value = static_cast<Value>(++next_);
-    } else if constexpr (json::HasFields<Value>::value) {
-      FillRecord(value);
     } else {
-      value.resize(2);
-      for (auto& element : value) Fill(element);
+      FillRecord(value);
     }
   }
 
  private:
+  template <class Elements>
+  void FillElements(Elements& elements) {
+    elements.resize(2);
+    for (auto& element : elements) Fill(element);
+  }
   std::string Text() {
     return "\"caf\xC3\xA9\" \\ \xF0\x9F\x98\x80 /\n\t" + std::to_string(++next_);
   }

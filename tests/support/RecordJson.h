@@ -1,20 +1,33 @@
 #pragma once
 
+#include <list>
+#include <vector>
+
 #include "json/FieldTable.h"
 #include "support/Cases.h"
 
 namespace Norvik::Tests {
 
-/// What a document tells of a record, or of each in a list.
-template <class Value>
-Json JsonOf(const Value& value) {
-  if constexpr (json::HasFields<Value>::value) {
-    return Json::parse(json::RecordToJson(value).strUgly());
-  } else {
-    Json list = Json::array();
-    for (const auto& record : value) list.push_back(JsonOf(record));
-    return list;
-  }
+/// A record as a document holds it.
+template <class Record>
+Json JsonOf(const Record& record) {
+  return Json::parse(json::RecordToJson(record).strUgly());
+}
+
+/// The records of a list or vector; an empty array if there are none.
+template <class Records>
+Json ArrayOf(const Records& records) {
+  Json list = Json::array();
+  for (const auto& record : records) list.push_back(JsonOf(record));
+  return list;
+}
+template <class Record>
+Json JsonOf(const std::list<Record>& records) {
+  return ArrayOf(records);
+}
+template <class Record>
+Json JsonOf(const std::vector<Record>& records) {
+  return ArrayOf(records);
 }
 
 }  // namespace Norvik::Tests

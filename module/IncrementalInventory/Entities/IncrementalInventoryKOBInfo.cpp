@@ -21,8 +21,8 @@ void AddIfAny(json::JSON& target, const char* key, const boost::optional<T>& rec
   AddIfNotEmpty(target, key, record);
 }
 
-/// Adds what `select` gives for each list whose created and deleted records are shown. Those of
-/// the memory slots deliberately are not: the server takes just their updates.
+/// An object with `select(section)` for each list whose created and deleted records are written.
+/// Those of the memory slots deliberately are not: the server takes their updates only.
 template <class Select>
 json::JSON ListsToJson(Select select) {
   json::JSON lists;

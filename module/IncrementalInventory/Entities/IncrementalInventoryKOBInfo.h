@@ -5,11 +5,12 @@
 #include <variant>
 
 #include "module/Entities/InventorySections.h"
-#include "module/IncrementalInventory/Entities/DeletedRecords.h"
+#include "module/IncrementalInventory/Entities/DeletedRecord.h"
 
 namespace Norvik::KOB {
 
-/// What can be deleted and updated in a section with such a value: here, in a single record.
+/// What an incremental document holds of the deletions and of the updates in a section, by the type
+/// of the section's value. Here: a single record, which is updated or not.
 template <class Value>
 struct SectionChanges {
   using Deleted = std::monostate;
@@ -17,7 +18,7 @@ struct SectionChanges {
 };
 template <template <class...> class Container, class Record, class Allocator>
 struct SectionChanges<Container<Record, Allocator>> {
-  using Deleted = Container<DeletedRecordOf<Record>>;
+  using Deleted = Container<DeletedRecord<Record>>;
   using Updated = Container<Record, Allocator>;
 };
 template <>
@@ -26,9 +27,9 @@ struct SectionChanges<DeviceInfo> {
   using Updated = std::monostate;
 };
 
-/// What has changed from one inventory to the next. The inherited lists hold the created records
-/// and the inherited device the present one; the inherited single records play no part. Deleted
-/// and updated records are found by the value of their section, as in
+/// The changes from one inventory to the next. The inherited lists hold the created records, and
+/// the inherited device is that of the current inventory; the inherited single records are not
+/// used. Deleted and updated records are found by the type of their section's value, as in
 /// `Deleted<std::list<PrinterInfo>>()`.
 class IncrementalInventoryKOBInfo final : public InventoryKOBInfo {
  public:
@@ -39,16 +40,16 @@ class IncrementalInventoryKOBInfo final : public InventoryKOBInfo {
   IncrementalInventoryKOBInfo& operator=(IncrementalInventoryKOBInfo&&) = default;
   ~IncrementalInventoryKOBInfo() override;
 
-  /// An object with "create", "delete", "device" and "update"; null if nothing has changed,
+  /// An object with "create", "delete", "device" and "update". Null if no section has changed,
   /// whatever the device holds.
   operator json::JSON() const override;
 
-  // Parts of the document: an object with the sections that have something to tell, or null.
+  // The parts of the document: an object with the sections that have changed, or null.
   json::JSON CreateInventorySection() const;
   json::JSON DeleteInventorySection() const;
   json::JSON UpdateInventorySection() const;
 
-  /// Deleted records of a section, which is a list or a vector.
+  /// The deleted records of a list section, in a container of the same kind.
   template <class Value>
   auto& Deleted() {
     return std::get<typename SectionChanges<Value>::Deleted>(deleted_);
@@ -58,8 +59,8 @@ class IncrementalInventoryKOBInfo final : public InventoryKOBInfo {
     return std::get<typename SectionChanges<Value>::Deleted>(deleted_);
   }
 
-  /// Present records that differ from the previous ones: a container, or an optional if the
-  /// section is a single record.
+  /// The current records that differ from the previous ones: a container for a list section, an
+  /// optional for a single record.
   template <class Value>
   auto& Updated() {
     return std::get<typename SectionChanges<Value>::Updated>(updated_);

@@ -1,4 +1,4 @@
-#include "module/IncrementalInventory/Entities/DeletedRecords.h"
+#include "module/IncrementalInventory/Entities/DeletedRecord.h"
 
 #include <boost/property_tree/ptree.hpp>
 #include <memory>
@@ -11,7 +11,7 @@ namespace {
 
 using namespace tests;
 
-TEST(DeletedRecordsTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceHasGone) {
+TEST(DeletedRecordTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceHasGone) {
   const ScopedLocale c("C");
   ForEachSection([](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
@@ -19,7 +19,7 @@ TEST(DeletedRecordsTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceH
       using Record = typename Section::Value::value_type;
       auto source = std::make_unique<Record>(Filled<Record>());
       const auto fields = ParseJson(JsonText(*source));
-      const DeletedRecordOf<Record> deleted(*source);
+      const DeletedRecord<Record> deleted(*source);
       source.reset();
       for (const auto& [key, kept] : ParseJson(JsonText(deleted))) {
         // A deleted video card tells its version as its driver's name.
@@ -31,12 +31,12 @@ TEST(DeletedRecordsTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceH
   });
 }
 
-TEST(DeletedRecordsTest, AMemoryModuleHasItsKeysThoughNoDocumentShowsThem) {
+TEST(DeletedRecordTest, AMemoryModuleHasItsKeysThoughNoDocumentShowsThem) {
   EXPECT_EQ(JsonText(SmbMemoryDeviceDeletedInfo(Common::SmbMemoryDeviceInfo())),
             R"({"manufacturer":"","model":"","name":"","serial":""})");
 }
 
-TEST(DeletedRecordsTest, BytesThatAreNoUtf8AreEmptyByWayOfAWideTextAndEscapedOtherwise) {
+TEST(DeletedRecordTest, BytesThatAreNoUtf8AreEmptyByWayOfAWideTextAndEscapedOtherwise) {
   FeaturesInfo feature;
   feature.version = "caf\xE9";
   EXPECT_EQ(JsonText(FeaturesDeletedInfo(feature)), R"({"version":""})");

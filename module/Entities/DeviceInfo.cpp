@@ -1,5 +1,0 @@
-#include "module/Entities/DeviceInfo.h"
-
-#include "common/records/InventoryRecordDefinition.h"
-
-template class Norvik::Common::WrittenRecord<Norvik::KOB::DeviceInfo>;
