@@ -17,12 +17,12 @@ namespace {
 
 using KOB::SectionKind;
 
-[[noreturn]] void RaiseMisfit(const char* what, const MachineSection& section,
+[[noreturn]] void ThrowMisfit(const char* what, const MachineSection& section,
                               const std::string& identity) {
   throw DocumentError("it " + std::string(what) + " in \"" + section.key + "\": " + identity);
 }
 
-/// The list of a section while changes are made to it.
+/// The records of a list section while changes are applied to them.
 class RecordList {
  public:
   RecordList(const MachineSection& section, const Json& records)
@@ -38,23 +38,23 @@ class RecordList {
     } else if (section_.kind == SectionKind::ListOfUpdates) {
       records_.push_back(record);
     } else {
-      RaiseMisfit("updates a record that is not there", section_, identity);
+      ThrowMisfit("updates a record that is not there", section_, identity);
     }
   }
   void Create(const Json& record) {
     const std::string identity = IdentityOf(record);
-    if (first_.count(identity)) RaiseMisfit("creates what is there", section_, identity);
+    if (first_.count(identity)) ThrowMisfit("creates what is there", section_, identity);
     created_.push_back(record);
   }
   void Delete(const Json& record) {
     const std::string identity = IdentityOf(record);
     if (!first_.count(identity)) {
-      RaiseMisfit("deletes a record that is not there", section_, identity);
+      ThrowMisfit("deletes a record that is not there", section_, identity);
     }
     deleted_.insert(identity);
   }
 
-  /// What is left, then what was created; null if there is nothing.
+  /// The records that are left, then the created ones; null if there are none.
   Json Result() && {
     Json result = Json::array();
     for (Json& record : records_) {
@@ -74,7 +74,8 @@ class RecordList {
   const MachineSection& section_;
   Json records_;
   std::vector<Json> created_;
-  std::unordered_map<std::string, std::size_t> first_;  ///< of the full document's records
+  /// Index in `records_` of the first record of an identity.
+  std::unordered_map<std::string, std::size_t> first_;
   std::unordered_set<std::string> deleted_;
 };
 
@@ -97,8 +98,8 @@ void ApplyToList(const MachineSection& section, const Json& incremental, Json& v
   value = std::move(records).Result();
 }
 
-/// A place that is lost is told as zeros and kept as null.
-bool IsNowhere(const Json& location) {
+/// A location that is no longer known is zero in an incremental document and null in a full one.
+bool IsZero(const Json& location) {
   for (const Json& coordinate : location) {
     if (coordinate != 0) return false;
   }
@@ -108,7 +109,7 @@ bool IsNowhere(const Json& location) {
 void ApplyToRecord(const MachineSection& section, const Json& incremental, Json& value) {
   const Json& updated = ChangesOf(incremental, "update", section.key);
   if (!updated.is_object()) return;
-  const bool lost = section.kind == SectionKind::Location && IsNowhere(updated);
+  const bool lost = section.kind == SectionKind::Location && IsZero(updated);
   value = lost ? Json() : updated;
 }
 

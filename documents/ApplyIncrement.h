@@ -6,17 +6,17 @@
 
 namespace Norvik::Documents {
 
-/// The full document that a server holds after it has taken an incremental one: deleted records
-/// are gone, updated ones stand in place of the first of their identity, created ones at the end,
-/// and "device" is the incremental document's. A null document changes nothing.
+/// The full document that results when a server applies an incremental one. All records of a
+/// deleted identity are removed, an updated record replaces the first one of its identity, created
+/// records are appended, and "device" is that of the incremental document. A null incremental
+/// document returns the full text unchanged.
 ///
-/// Raises `DocumentError` if a text is no such document, or if the two do not belong together: the
-/// incremental one is of another machine, creates what is there, or updates or deletes what is
-/// not. The one exception are memory slots, since no document tells that one was added or removed:
-/// an update of an unknown slot adds it.
+/// Throws `DocumentError` if a text is not a document of its kind, or if the two do not belong
+/// together: the incremental one is of another machine, creates a record that exists, or updates or
+/// deletes one that does not. Memory slots are the exception: no document says that one was added,
+/// so an update of an unknown slot adds it.
 ///
-/// Serves the documents of the file inventory as well, if both are such: there a file is told by
-/// its folder, its name and its extension, and the result is ordered by them.
+/// Two documents of the file inventory are taken as well: `ApplyToFiles` has their rules.
 std::string ApplyIncrement(const NamedText& full, const NamedText& incremental);
 
 }  // namespace Norvik::Documents

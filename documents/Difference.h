@@ -6,9 +6,10 @@
 
 namespace Norvik::Documents {
 
-/// The incremental document between two full ones, both of the machine inventory or both of the
-/// file inventory, in the form in which the module sends it: null if nothing differs, and "device"
-/// is the new one's. Raises `DocumentError` if one is no full document or of the other kind.
+/// The text of the incremental document between two full ones, both of the machine inventory or
+/// both of the file inventory, as the module writes it: "null" if nothing differs, otherwise with
+/// the "device" of the new one. Throws `DocumentError` if a text is not a full document or if the
+/// two are of different kinds.
 std::string DifferenceOf(const NamedText& oldDocument, const NamedText& newDocument);
 
 }  // namespace Norvik::Documents

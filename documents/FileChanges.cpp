@@ -10,14 +10,15 @@
 #include "documents/DocumentError.h"
 #include "documents/FileDocument.h"
 #include "documents/Matching.h"
+#include "module/Entities/FileStatus.h"
 
 namespace Norvik::Documents {
 
 namespace {
 
-/// What tells a file: its folder, its name and its extension.
+/// Folder, name and extension of a file.
 using FileKey = std::tuple<std::string, std::string, std::string>;
-/// Several files may share a key, since the extension is told in upper case.
+/// Several files may share a key, since documents hold extensions in upper case.
 using Files = std::multimap<FileKey, Json>;
 
 std::string TextOf(const FileKey& key) {
@@ -37,7 +38,7 @@ Files FilesOf(Json& document) {
   return files;
 }
 
-void AddFile(Json& folders, const FileKey& key, Json file, FileStatus status) {
+void AddFile(Json& folders, const FileKey& key, Json file, KOB::FileStatus status) {
   const std::string& path = std::get<0>(key);
   if (folders.empty() || folders.back()["pathName"] != path) {
     folders.push_back({{"files", Json::array()}, {"pathName", path}});
@@ -46,15 +47,15 @@ void AddFile(Json& folders, const FileKey& key, Json file, FileStatus status) {
   folders.back()["files"].push_back(std::move(file));
 }
 
-/// Files while changes are made to them.
+/// The files of a document while changes are applied to them.
 class ChangedFiles {
  public:
   explicit ChangedFiles(Files files) : files_(std::move(files)) {}
 
   void Remove(const FileKey& key, Json file) {
     const auto [first, last] = files_.equal_range(key);
-    if (first == last) RaiseMisfit("removes a file that is not there", key);
-    file["fileStatus"] = WHOLE_INVENTORY;
+    if (first == last) ThrowMisfit("removes a file that is not there", key);
+    file["fileStatus"] = KOB::WHOLE_INVENTORY;
     const auto isSame = [&](const auto& item) { return item.second == file; };
     const auto same = std::find_if(first, last, isSame);
     files_.erase(same == last ? first : same);
@@ -62,27 +63,27 @@ class ChangedFiles {
   void Modify(const FileKey& key, Json file) {
     const auto first = files_.lower_bound(key);
     if (first == files_.end() || first->first != key) {
-      RaiseMisfit("modifies a file that is not there", key);
+      ThrowMisfit("modifies a file that is not there", key);
     }
     first->second = std::move(file);
-    first->second["fileStatus"] = WHOLE_INVENTORY;
+    first->second["fileStatus"] = KOB::WHOLE_INVENTORY;
   }
-  /// Several of one key may come at once, but none to one that is there.
+  /// Several of one key may be created at once, but none whose key exists.
   void Create(Files created) {
     for (const auto& [key, file] : created) {
-      if (files_.count(key) != 0) RaiseMisfit("creates what is there", key);
+      if (files_.count(key) != 0) ThrowMisfit("creates what is there", key);
     }
     files_.merge(std::move(created));
   }
 
   Json Folders() && {
     Json folders = Json::array();
-    for (auto& [key, file] : files_) AddFile(folders, key, std::move(file), WHOLE_INVENTORY);
+    for (auto& [key, file] : files_) AddFile(folders, key, std::move(file), KOB::WHOLE_INVENTORY);
     return folders;
   }
 
  private:
-  [[noreturn]] static void RaiseMisfit(const char* what, const FileKey& key) {
+  [[noreturn]] static void ThrowMisfit(const char* what, const FileKey& key) {
     throw DocumentError("it " + std::string(what) + ": " + TextOf(key));
   }
 
@@ -91,7 +92,7 @@ class ChangedFiles {
 
 long long TimeOf(const Json& file) { return file.value("lastMod", 0LL); }
 
-/// Differences by their state, each in folders.
+/// The folders of a difference, by the state of their files.
 struct Differences {
   Json created = Json::array();
   Json removed = Json::array();
@@ -113,12 +114,13 @@ bool HaveSameTimes(const Versions& files) {
 void Compare(const FileKey& key, Versions& files, Differences& differences) {
   if (HaveSameTimes(files)) return;
   if (files.old.size() == 1 && files.now.size() == 1) {
-    AddFile(differences.modified, key, std::move(files.now.front()), MODIFIED_FILE);
+    AddFile(differences.modified, key, std::move(files.now.front()), KOB::MODIFIED_FILE);
     return;
   }
-  // Where several share a key, only a removal can tell by its values which one it means.
-  for (Json& file : files.old) AddFile(differences.removed, key, std::move(file), REMOVED_FILE);
-  for (Json& file : files.now) AddFile(differences.created, key, std::move(file), NEW_FILE);
+  // Where several share a key, only a removal identifies its file, by the values that it holds.
+  for (Json& file : files.old)
+    AddFile(differences.removed, key, std::move(file), KOB::REMOVED_FILE);
+  for (Json& file : files.now) AddFile(differences.created, key, std::move(file), KOB::NEW_FILE);
 }
 
 std::map<FileKey, Versions> VersionsOf(Files&& before, Files&& after) {
@@ -134,15 +136,16 @@ void ApplyToFiles(Json& document, Json changes) {
   CheckSameMachine(document, changes);
   ChangedFiles files(FilesOf(document));
   Files changed = FilesOf(changes);
-  // A file renamed in the case of its extension only is removed and created under one key.
+  // Removals first: a file that was renamed in the case of its extension only is removed and
+  // created under one key.
   for (auto& [key, file] : changed) {
-    if (file["fileStatus"] == REMOVED_FILE) files.Remove(key, std::move(file));
+    if (file["fileStatus"] == KOB::REMOVED_FILE) files.Remove(key, std::move(file));
   }
   Files created;
   for (auto& [key, file] : changed) {
-    if (file["fileStatus"] == MODIFIED_FILE)
+    if (file["fileStatus"] == KOB::MODIFIED_FILE)
       files.Modify(key, std::move(file));
-    else if (file["fileStatus"] == NEW_FILE)
+    else if (file["fileStatus"] == KOB::NEW_FILE)
       created.emplace(key, std::move(file));
   }
   files.Create(std::move(created));

@@ -4,13 +4,18 @@
 
 namespace Norvik::Documents {
 
-// Changes of the file inventory. The documents are checked ones. What comes out has its folders and
-// files in the order of their bytes, each folder once for each state of its files. Keys of folders
-// that are not known get lost there; those of files are kept.
+// Comparison and changes of documents of the file inventory. The arguments must have passed the
+// checks of FileDocument.h. A file is identified by its folder, name and extension; several may
+// share an identity, since documents hold extensions in upper case. Results list folders and files
+// in byte order, a folder once for each state of its files. Unknown keys of files are kept, those
+// of folders are lost.
 
-/// Turns a total document into the one after the changes, with their "device". Raises
-/// `DocumentError` if the changes are of another machine, create what is there, or modify or remove
-/// what is not.
+/// Replaces a total document by the one after the changes, whose "device" it takes.
+///
+/// A removal removes the file that equals it in every value but the state, or the first one of its
+/// identity if no file does. A modification replaces the first one of its identity. Throws
+/// `DocumentError` if the changes are of another machine, create a file that exists, or modify or
+/// remove one that does not.
 void ApplyToFiles(Json& document, Json changes);
 
 /// The incremental document between two total ones; null if nothing differs. A file has changed if

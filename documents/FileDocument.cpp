@@ -1,6 +1,7 @@
 #include "documents/FileDocument.h"
 
 #include "documents/DocumentError.h"
+#include "module/Entities/FileStatus.h"
 
 namespace Norvik::Documents {
 
@@ -8,7 +9,7 @@ namespace {
 
 constexpr char TYPE[] = "typeInventory";
 
-/// A value that an object must have, and what it must be.
+/// A key that an object must have, and the type of its value.
 struct Member {
   const char* key;
   bool (Json::*is)() const;
@@ -43,8 +44,8 @@ void CheckMembers(const std::string& what, const Json& value, const Member (&mem
 }
 
 bool IsStatus(const Json& status, bool incremental) {
-  if (!incremental) return status == WHOLE_INVENTORY;
-  return status == NEW_FILE || status == MODIFIED_FILE || status == REMOVED_FILE;
+  if (!incremental) return status == KOB::WHOLE_INVENTORY;
+  return status == KOB::NEW_FILE || status == KOB::MODIFIED_FILE || status == KOB::REMOVED_FILE;
 }
 
 void CheckFile(const std::string& folder, const Json& file, bool incremental) {

@@ -14,7 +14,7 @@ bool IsListOfRecords(const Json& value) {
                                          [](const Json& record) { return record.is_object(); });
 }
 
-/// A record names its identity, or nobody could say which one it is.
+/// Without its identity, a record cannot be found in another document.
 void CheckIdentities(const MachineSection& section, const Json& records) {
   for (const Json& record : records) {
     for (const std::string& key : section.identity) {

@@ -7,20 +7,21 @@
 
 namespace Norvik::Documents {
 
-/// What a reader of documents has to know of a section of the machine inventory.
+/// A section of the documents of the machine inventory.
 struct MachineSection {
   std::string key;
   KOB::SectionKind kind;
-  /// Of a list: keys of the fields that tell its records apart, in the order of the record.
+  /// For a list: the keys of the fields that identify a record, in the order of the record's table.
+  /// Empty for a single record.
   std::vector<std::string> identity;
 
   bool IsList() const { return !identity.empty(); }
 };
 
-/// Every section, as the module itself lists them.
+/// Every section, in the order of `KOB::Sections`.
 const std::vector<MachineSection>& MachineSections();
 
-/// Null if there is none of that key.
+/// The section of a key; null if there is no such section.
 const MachineSection* FindMachineSection(const std::string& key);
 
 }  // namespace Norvik::Documents

@@ -12,11 +12,11 @@ void CheckSameKind(const Document& first, const Document& second) {
                       first.name);
 }
 
-void CheckSameMachine(const Json& known, const Json& told) {
-  const Json knownGuid = known.at("device").value("guid", Json());
-  const Json toldGuid = told.at("device").value("guid", Json());
-  if (knownGuid == toldGuid) return;
-  throw DocumentError("it is of the machine " + toldGuid.dump() + ", not " + knownGuid.dump());
+void CheckSameMachine(const Json& full, const Json& incremental) {
+  const Json expected = full.at("device").value("guid", Json());
+  const Json actual = incremental.at("device").value("guid", Json());
+  if (actual == expected) return;
+  throw DocumentError("it is of the machine " + actual.dump() + ", not " + expected.dump());
 }
 
 }  // namespace Norvik::Documents

@@ -4,13 +4,14 @@
 
 namespace Norvik::Documents {
 
-// Whether two documents belong together. Each raises `DocumentError` if they do not.
+// Checks whether two documents belong together. Each throws `DocumentError` if they do not.
 
-/// Both of the machine inventory or both of the file inventory. What is no object is of no kind,
-/// and passes.
+/// Both must be of the machine inventory or both of the file inventory. A second document that is
+/// not an object passes: its kind cannot be determined, and a check of that kind reports it.
 void CheckSameKind(const Document& first, const Document& second);
 
-/// Both with the same "guid" in "device".
-void CheckSameMachine(const Json& known, const Json& told);
+/// Both must have the same "guid" in "device"; an absent one equals null. Both must have a
+/// "device".
+void CheckSameMachine(const Json& full, const Json& incremental);
 
 }  // namespace Norvik::Documents

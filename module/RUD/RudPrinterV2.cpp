@@ -15,6 +15,7 @@
 #include "json/Escape.h"
 #include "json/JSON.h"
 #include "module/ElapsedTime.h"
+#include "module/Entities/FileStatus.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "platform/WaitClock.h"
 
@@ -26,9 +27,6 @@ namespace fs = boost::filesystem;
 using Common::V2::DataBaseRow;
 using Source = RudDataSource;
 using std::chrono::seconds;
-
-/// State of a file in the document.
-enum FileStatus : int { WHOLE_INVENTORY = -1, NEW_FILE = 1, MODIFIED_FILE = 2, REMOVED_FILE = 3 };
 
 constexpr int MOST_ATTEMPTS = 50;
 constexpr seconds PAUSE_PER_ATTEMPT{500};

@@ -74,9 +74,9 @@ TEST(FileChangesTest, ADifferenceHasTheFormOfTheMachineAndATotalDocumentComesOfI
   }
 }
 
-TEST(FileChangesTest, DocumentsThatDoNotFitAreRefusedWithTheReason) {
-  Tests::ExpectRefusals("documents/file-changes-refused.json", DOCUMENTS["full"],
-                        DOCUMENTS["difference"]);
+TEST(FileChangesTest, ChangesGiveTheirResultOrAreRefusedWithTheReason) {
+  Tests::ExpectApplied("documents/applied-file-changes.json", DOCUMENTS["full"],
+                       DOCUMENTS["difference"]);
   EXPECT_THROW(DifferenceOf({"old", DOCUMENTS["full"].dump()}, {"new", "{}"}), DocumentError);
 }
 

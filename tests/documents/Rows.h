@@ -11,7 +11,7 @@
 #include "documents/DocumentError.h"
 #include "support/Cases.h"
 
-/// Rows of data files that tell what is put into documents, by place.
+/// Rows of data files with values that are put into documents, each at its place (a JSON pointer).
 namespace Norvik::Tests {
 
 /// A text of a row: as it stands, or a document with the values of the row at their places.
@@ -21,15 +21,24 @@ inline std::string Altered(Json document, const Json& values) {
   return document.dump();
 }
 
-/// Expects that documents are refused: what is put into the full one and into the changes, which
-/// are called so, and what the reason holds.
-inline void ExpectRefusals(const std::string& file, const Json& full, const Json& changes) {
+/// Applies changes to a full document. The cells of a row: what is put into the full one, what is
+/// put into the changes, and the values of the result at their places or, for documents that are
+/// refused, a part of the reason. The reason calls the two "full" and "changes".
+inline void ExpectApplied(const std::string& file, const Json& full, const Json& changes) {
   for (const Json& row : DataOf(file)) {
+    Json result;
     const std::string reason = MessageOf<Documents::DocumentError>([&] {
-      Documents::ApplyIncrement({"full", Altered(full, row[0])},
-                                {"changes", Altered(changes, row[1])});
+      result = Json::parse(Documents::ApplyIncrement({"full", Altered(full, row[0])},
+                                                     {"changes", Altered(changes, row[1])}));
     });
-    EXPECT_THAT(reason, testing::HasSubstr(row[2].get<std::string>())) << row;
+    if (row[2].is_string()) {
+      EXPECT_THAT(reason, testing::HasSubstr(row[2].get<std::string>())) << row;
+      continue;
+    }
+    EXPECT_EQ(reason, "") << row;
+    for (const auto& [place, value] : row[2].items()) {
+      EXPECT_EQ(Shown(result.value(Json::json_pointer(place), Json())), Shown(value)) << row;
+    }
   }
 }
 
