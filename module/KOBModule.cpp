@@ -14,7 +14,7 @@
 #include "module/Actions/NetworkDrivesActions.h"
 #include "module/Actions/SoftwareChangesChecker.h"
 #include "module/Actions/SurveyCompletionActions.h"
-#include "module/ConfigurationText.h"
+#include "module/HeldConfiguration.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 
 namespace Norvik::KOB {

@@ -33,8 +33,9 @@ RemoteTaskDownloader::RemoteTaskDownloader(std::shared_ptr<ICommunicationSystem>
       agentIdentifier_(std::move(agentIdentifier)),
       parameters_(parameters ? *parameters : ActionParameters()) {}
 
-bool RemoteTaskDownloader::IsKnown(const Schedule& task) const {
-  return !factory_ || !factory_(task.code, task.parameters).name.empty();
+bool RemoteTaskDownloader::IsKnown(unsigned int code) const {
+  // The contract offers no other question: only the action of an unknown code has no name.
+  return !factory_ || !factory_(code, ActionParameters()).name.empty();
 }
 
 void RemoteTaskDownloader::Refuse(const Schedule& task, const std::string& reason) {
@@ -71,7 +72,7 @@ std::vector<Schedule> RemoteTaskDownloader::GetSchedules() {
     }
     for (const RefusedTask& refused : response.refused) Refuse(refused.task, refused.reason);
     for (Schedule& task : response.schedules) {
-      if (IsKnown(task)) {
+      if (IsKnown(task.code)) {
         schedules.push_back(Completed(std::move(task)));
       } else {
         Refuse(task, "no action has the code " + std::to_string(task.code));

@@ -28,7 +28,7 @@ class NORVIK_COMMON_API RemoteTaskDownloader {
   std::vector<Schedule> GetSchedules();
 
  private:
-  bool IsKnown(const Schedule& task) const;
+  bool IsKnown(unsigned int code) const;
   void Refuse(const Schedule& task, const std::string& reason);
   Schedule Completed(Schedule task) const;
 

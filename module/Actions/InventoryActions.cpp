@@ -11,7 +11,6 @@
 #include "module/ActionCodes.h"
 #include "module/ActionPeriods.h"
 #include "module/Actions/NetworkDrivesActions.h"
-#include "module/ConfigurationText.h"
 #include "module/KobInventory.h"
 #include "module/RUD/RudInventoryV2.h"
 
@@ -31,16 +30,13 @@ constexpr char MACHINE_ALREADY_RUNNING[] = "KOB Inventory already running";
 InventoryActions::InventoryActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
                                    const Common::ActionFactory& factory,
                                    Common::HandlerMap& handlers)
-    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies) {
+    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies),
+      configuration_(std::shared_ptr<Common::ModuleDependencies>(dependencies)->configuration) {
   NORVIK_SCOPE();
-  const std::shared_ptr<Common::ModuleDependencies> locked(dependencies);
-  configuration_ = locked->configuration.kob;
-  communications_ = locked->configuration.communications;
-  profileId_ = locked->configuration.profileId;
   children_.push_back(std::make_unique<NetworkDrivesActions>(dependencies, factory, handlers));
   if (processKind == 0) {
-    agentIdentifier_ = std::shared_ptr<Common::IIdentificationSystem>(locked->identification)
-                           ->GetAgentIdentifier();
+    agentIdentifier_ =
+        std::shared_ptr<Common::IIdentificationSystem>(identification)->GetAgentIdentifier();
   }
   RegisterHandlers(handlers);
   Common::ActionParameters none;
@@ -69,22 +65,10 @@ Common::ActionResponse InventoryActions::OnUpdateConfiguration(
     Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
   if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) return {};
-  const std::lock_guard<std::mutex> lock(configurationLock_);
-  const auto agent =
-      parameters.Get<Common::AgentConfigurationInfo>(Common::COMMON_PARAMETER_CONFIGURATION);
-  profileId_ = agent.profileId;
-  if (!agent.kob) {
-    NORVIK_ERROR("missing configuration");
-    return {};
-  }
-  configuration_ = agent.kob;
-  KeepConfigurationText(dataBase, *agent.kob);
+  configuration_.Replace(
+      parameters.Get<Common::AgentConfigurationInfo>(Common::COMMON_PARAMETER_CONFIGURATION),
+      dataBase);
   return {};
-}
-
-boost::optional<Common::KobConfigurationInfo> InventoryActions::CurrentConfiguration() {
-  const std::lock_guard<std::mutex> lock(configurationLock_);
-  return configuration_;
 }
 
 Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParameters& parameters) {
@@ -102,8 +86,8 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
     RunOneShotAction(ACTION_TOTAL_INVENTORY, SECONDS_TO_RETRY_GET_INVENTORY, nullptr);
     return {};
   }
-  KobInventory inventory(dataBase, identification, CurrentConfiguration().value(),
-                         communications_.value(), profileId_);
+  KobInventory inventory(dataBase, identification, configuration_.Kob().value(),
+                         configuration_.Communications(), configuration_.ProfileId());
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
   const bool incremental =
       parameters.Exist(MACHINE_INCREMENTAL) && parameters.Get<bool>(MACHINE_INCREMENTAL);

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <atomic>
 #include <boost/filesystem/path.hpp>
-#include <boost/optional.hpp>
-#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "common/action/ActionPerformerBase.h"
+#include "module/HeldConfiguration.h"
 #include "module/RUD/ConfigScan.h"
 
 namespace Norvik::KOB {
@@ -45,9 +43,6 @@ class InventoryActions final : public Common::ActionPerformerBase {
   Common::ActionResponse DoRUDInventoryIncrementalV2(Common::ActionParameters& parameters);
   Common::ActionResponse RUDInventoryInitV2(Common::ActionParameters& parameters);
 
-  /// A copy: a new configuration may arrive during a run.
-  boost::optional<Common::KobConfigurationInfo> CurrentConfiguration();
-
   /// Not owned, and reported as refused, if another thread has the lock.
   std::unique_lock<std::mutex> TryRunLock(Common::ActionParameters& parameters);
   /// The run that was accepted and not carried out yet; null if there is none.
@@ -65,12 +60,9 @@ class InventoryActions final : public Common::ActionPerformerBase {
 
   void RegisterHandlers(Common::HandlerMap& handlers);
 
-  boost::optional<Common::KobConfigurationInfo> configuration_;
-  boost::optional<Common::CommunicationsInfo> communications_;
+  HeldConfiguration configuration_;
   std::mutex inventoryLock_;
   std::mutex runLock_;  ///< guards start and end of a file inventory, not its run
-  std::mutex configurationLock_;
-  std::atomic<std::uint32_t> profileId_{0};
   std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if there is none
   bool runWaits_ = false;                         ///< it is accepted and not carried out yet
   std::vector<std::unique_ptr<Common::ActionPerformerBase>> children_;

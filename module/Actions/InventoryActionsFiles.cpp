@@ -159,7 +159,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
     NORVIK_WARNING("RUD is running, kindly wait until it finishes");
     return false;
   }
-  const auto configuration = CurrentConfiguration();
+  const auto configuration = configuration_.Kob();
   if (!configuration) {
     NORVIK_WARNING("RUD doesn't have a valid configuration");
     return false;

@@ -12,7 +12,6 @@
 #include "module/ActionCodes.h"
 #include "module/ActionPeriods.h"
 #include "module/Actions/OtherProcesses.h"
-#include "module/ConfigurationText.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
 
 namespace Norvik::KOB {
@@ -33,12 +32,10 @@ constexpr char NO_USERS[] = "No users to send OnShowMessage";
 KOBActions::KOBActions(const std::weak_ptr<Common::ModuleDependencies>& dependencies,
                        const Common::ActionFactory& factory, Common::HandlerMap& handlers,
                        TimeSource now)
-    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies), now_(std::move(now)) {
+    : ActionPerformerBase(Common::PRODUCT_KOB, factory, dependencies),
+      now_(std::move(now)),
+      configuration_(std::shared_ptr<Common::ModuleDependencies>(dependencies)->configuration) {
   NORVIK_SCOPE();
-  const std::shared_ptr<Common::ModuleDependencies> locked(dependencies);
-  configuration_ = locked->configuration.kob;
-  communications_ = locked->configuration.communications;
-  profileId_ = locked->configuration.profileId;
   const auto serve = [&](unsigned int code, auto handler) {
     CreateActionRunner(handlers, code, handler, this);
   };
@@ -157,17 +154,10 @@ Common::ActionResponse KOBActions::KOBGetPendingTasks(Common::ActionParameters&)
 Common::ActionResponse KOBActions::OnUpdateConfiguration(Common::ActionParameters& parameters) {
   NORVIK_INFORMATION("!");
   if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) return {};
-  const std::lock_guard<std::mutex> lock(configurationLock_);
   const auto agent =
       parameters.Get<Common::AgentConfigurationInfo>(Common::COMMON_PARAMETER_CONFIGURATION);
   NORVIK_INFORMATION("Applying new configuration to module");
-  profileId_ = agent.profileId;
-  if (!agent.kob) {
-    NORVIK_ERROR("missing configuration");
-    return {};
-  }
-  configuration_ = agent.kob;
-  KeepConfigurationText(dataBase, *agent.kob);
+  configuration_.Replace(agent, dataBase);
   return {};
 }
 
@@ -185,7 +175,8 @@ Common::ActionResponse KOBActions::OnScheduleTotalInventory(Common::ActionParame
 
 Common::ActionResponse KOBActions::OnLogon(Common::ActionParameters&) {
   NORVIK_SCOPE();
-  if (configuration_ && configuration_->inventoryOnLogon) {
+  const auto configuration = configuration_.Kob();
+  if (configuration && configuration->inventoryOnLogon) {
     RunOneShotAction(ACTION_INCREMENTAL_INVENTORY, seconds(0), nullptr);
   }
   return {};

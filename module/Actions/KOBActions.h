@@ -1,6 +1,5 @@
 #pragma once
 
-#include <boost/optional.hpp>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -10,6 +9,7 @@
 
 #include "common/action/ActionPerformerBase.h"
 #include "common/ipc/ICommunicationIPC.h"
+#include "module/HeldConfiguration.h"
 
 namespace Norvik::KOB {
 
@@ -45,15 +45,12 @@ class KOBActions final : public Common::ActionPerformerBase {
                             const Common::IPCSessionData& data, const std::string& text);
 
   const TimeSource now_;
-  boost::optional<Common::KobConfigurationInfo> configuration_;
-  boost::optional<Common::CommunicationsInfo> communications_;
+  HeldConfiguration configuration_;
   std::mutex hardwareLock_;
   std::mutex messageLock_;
   std::mutex pendingTasksLock_;
   std::mutex softwareLock_;
-  std::mutex configurationLock_;
   std::mutex totalInventoryLock_;
-  std::uint32_t profileId_ = 0;
 };
 
 }  // namespace Norvik::KOB

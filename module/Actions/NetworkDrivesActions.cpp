@@ -77,7 +77,7 @@ Common::ActionResponse NetworkDrivesActions::OnValidateRegistryKey(Common::Actio
 
 Common::ActionResponse NetworkDrivesActions::OnCoreSaveData(Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
-  if (exchanges_ && parameters.Exist(DRIVE)) {
+  if (parameters.Exist(DRIVE)) {
     Guarded({"Can not deserialize NetworkDriveInfo: %s",
              "Unknown error in deserialize Network Drives."},
             [&] { SaveDrive(parameters); });
@@ -140,7 +140,6 @@ Common::ActionResponse NetworkDrivesActions::OnUserListRequest(
 
 Common::ActionResponse NetworkDrivesActions::OnUserGetNetworkList(Common::ActionParameters&) {
   NORVIK_SCOPE();
-  if (!exchanges_) return {};
   if (auto drives = mappedDrives_()) {
     OnUserRequestTruncateNetDrivesTable();
     SendInfoToCore(std::move(*drives));

@@ -55,7 +55,6 @@ class NetworkDrivesActions final : public Common::ActionPerformerBase {
   unsigned long long hashCodeFromString(const std::string& path);
 
   MappedDrives mappedDrives_;
-  bool exchanges_ = true;  ///< whether drives are exchanged at all
 };
 
 }  // namespace Norvik::KOB

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "common/action/ModuleDependencies.h"
-#include "module/Actions/IOSTypeSeeker.h"
+#include "module/Actions/OSTypeDBSeeker.h"
 
 namespace Norvik::KOB {
 

@@ -3,14 +3,17 @@
 #include <list>
 
 #include "common/inventory/ISection.h"
+#include "common/log/Logger.h"
 #include "module/Entities/RunCommandInfo.h"
 
 namespace Norvik::KOB {
 
-/// Commands that run at start or logon. This system has no such list: the result stays as it is.
+/// Commands that run at start or logon. This system has no such list: the result is left unchanged.
 class RunCommandsSection final : public Common::ISection<std::list<RunCommandInfo>> {
  public:
-  void GetInfo(std::list<RunCommandInfo>& result) override;
+  void GetInfo(std::list<RunCommandInfo>& /*result*/) override {
+    NORVIK_WARNING("Not implemented");
+  }
 };
 
 }  // namespace Norvik::KOB
