@@ -18,18 +18,19 @@ namespace {
 using namespace KOB;
 using namespace tests;
 
-/// Inventories of a machine that lives: records come, go, change, change places and share names.
-class Life {
+/// Random inventories of a machine over time: records are added, removed, changed and moved, and
+/// some share an identity.
+class History {
  public:
-  explicit Life(unsigned int seed) : random_(seed) {}
+  explicit History(unsigned int seed) : random_(seed) {}
 
-  InventoryKOBInfo Begin() {
+  InventoryKOBInfo First() {
     InventoryKOBInfo inventory;
     ForEachSection([&](const auto& section) { Fill(section, inventory); });
     inventory.device.guid = "guid";
     return inventory;
   }
-  InventoryKOBInfo GoOn(InventoryKOBInfo inventory) {
+  InventoryKOBInfo Next(InventoryKOBInfo inventory) {
     ForEachSection([&](const auto& section) {
       if (!Chance(4)) Change(section, inventory);
     });
@@ -92,11 +93,11 @@ class Life {
   std::mt19937 random_;
 };
 
-/// One way of an inventory to the server and what came of it there.
-struct Journey {
+/// Two inventories of a machine, and what a server has after the changes between them.
+struct Exchange {
   Json before;
-  Json after;   ///< what the machine has
-  Json merged;  ///< what the server has
+  Json after;   ///< on the machine
+  Json merged;  ///< on the server
   bool sent;
 };
 
@@ -122,10 +123,10 @@ std::set<std::string> Identities(const MachineSection& section, const Json& reco
   return identities;
 }
 
-/// Identities that several records of one inventory have.
-std::set<std::string> SharedIdentities(const MachineSection& section, const Journey& journey) {
+/// Identities that several records of one of the inventories share.
+std::set<std::string> SharedIdentities(const MachineSection& section, const Exchange& exchange) {
   std::set<std::string> shared;
-  for (const Json* document : {&journey.before, &journey.after}) {
+  for (const Json* document : {&exchange.before, &exchange.after}) {
     std::set<std::string> seen;
     for (const Json& record : (*document)[section.key]) {
       const std::string identity = IdentityOf(section, record);
@@ -148,14 +149,14 @@ bool IsNear(const Json& left, const Json& right) {
   return std::abs(left.get<double>() - right.get<double>()) < 2 * GeoLocationPoint::tolerance;
 }
 
-/// The name of what the format could not tell about a section; empty if all is told, "?" if the
-/// difference has no reason.
-std::string LossIn(const MachineSection& section, const Journey& journey) {
-  const Json& wanted = journey.after[section.key];
-  const Json& got = journey.merged[section.key];
+/// The documented loss by which the two sides differ in a section: empty if they are equal, "?" if
+/// no loss explains the difference.
+std::string LossIn(const MachineSection& section, const Exchange& exchange) {
+  const Json& wanted = exchange.after[section.key];
+  const Json& got = exchange.merged[section.key];
   if (wanted == got) return "";
   if (section.kind == SectionKind::Device)
-    return journey.sent ? "?" : "a device that changed alone";
+    return exchange.sent ? "?" : "a device that changed alone";
   if (section.kind == SectionKind::Location) {
     const bool near = !wanted.is_null() && !got.is_null() &&
                       IsNear(wanted["longitude"], got["longitude"]) &&
@@ -168,10 +169,10 @@ std::string LossIn(const MachineSection& section, const Journey& journey) {
     const bool sameSlots = Identities(section, wanted) == Identities(section, got);
     if (!sameSlots) return "a memory slot that was added or removed";
   }
-  const auto shared = SharedIdentities(section, journey);
-  const bool othersAreTold =
+  const auto shared = SharedIdentities(section, exchange);
+  const bool othersAreEqual =
       Sorted(Without(shared, section, wanted)) == Sorted(Without(shared, section, got));
-  if (shared.empty() || !othersAreTold) return "?";
+  if (shared.empty() || !othersAreEqual) return "?";
   return IsEmpty(*shared.begin()) ? "records without identity" : "records that share an identity";
 }
 
@@ -188,26 +189,26 @@ class ApplyIncrementTest : public testing::Test {
   const Tests::LogCapture log_;
 };
 
-TEST_F(ApplyIncrementTest, AServerComesToWhatTheMachineHasButForTheKnownLosses) {
+TEST_F(ApplyIncrementTest, AServerHasWhatTheMachineHasExceptForTheDocumentedLosses) {
   std::map<std::string, int> losses;
   for (unsigned int seed = 0; seed < 100; ++seed) {
-    Life life(seed);
-    const InventoryKOBInfo before = life.Begin();
-    const InventoryKOBInfo after = life.GoOn(before);
+    History history(seed);
+    const InventoryKOBInfo before = history.First();
+    const InventoryKOBInfo after = history.Next(before);
     const NamedText old{"old", JsonText(before)};
     const NamedText present{"new", JsonText(after)};
     const std::string changes = DifferenceOf(old, present);
     const std::string merged = ApplyIncrement(old, {"changes", changes});
-    const Journey journey{Json::parse(old.text), Json::parse(present.text), Json::parse(merged),
-                          changes != "null"};
+    const Exchange exchange{Json::parse(old.text), Json::parse(present.text), Json::parse(merged),
+                            changes != "null"};
     for (const MachineSection& section : MachineSections()) {
-      const std::string loss = LossIn(section, journey);
+      const std::string loss = LossIn(section, exchange);
       ASSERT_NE(loss, "?") << "seed " << seed << ": " << section.key << "\n"
-                           << journey.after[section.key] << "\n"
-                           << journey.merged[section.key];
+                           << exchange.after[section.key] << "\n"
+                           << exchange.merged[section.key];
       if (!loss.empty()) ++losses[loss];
     }
-    if (IdsAreLost(after, journey.merged)) ++losses["the id of a network drive"];
+    if (IdsAreLost(after, exchange.merged)) ++losses["the id of a network drive"];
   }
   // A device alone changes too rarely by chance.
   InventoryKOBInfo named;

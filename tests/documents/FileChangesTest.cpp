@@ -12,8 +12,8 @@ const Tests::Json DOCUMENTS = Tests::DataOf("documents/file-changes.json");
 constexpr int DISKS = 27;
 
 /// The total document of a disk with up to three files, two of which differ in the case of their
-/// extension alone, so that a document tells them by their times. Each digit of the number in base
-/// three is one: missing, or with one of two times.
+/// extension alone, so that only their times differ in a document. Each digit of the number in base
+/// three is one file: absent, or with one of two times.
 Json DocumentOf(int disk) {
   static const std::pair<const char*, const char*> files[] = {
       {"/a", "x"}, {"/\xC3\xA9\"c", "x"}, {"/a", "x"}};
@@ -42,25 +42,25 @@ std::multiset<std::string> FilesOf(const Json& document) {
   return files;
 }
 
-TEST(FileChangesTest, AServerComesToTheFilesOfTheMachine) {
+TEST(FileChangesTest, AServerHasTheFilesOfTheMachine) {
   for (int before = 0; before < DISKS; ++before) {
     for (int after = 0; after < DISKS; ++after) {
       const NamedText old{"old", DocumentOf(before).dump()};
       const NamedText changes{"changes", DifferenceOf(old, {"new", DocumentOf(after).dump()})};
       const Json merged = Json::parse(ApplyIncrement(old, changes));
       EXPECT_EQ(FilesOf(merged), FilesOf(DocumentOf(after))) << before << " to " << after;
-      // Where only the case of an extension differs, there is nothing to tell.
+      // Where only the case of an extension differs, there is no change.
       EXPECT_EQ(merged["device"]["assetDate"], changes.text == "null" ? before : after);
     }
   }
 }
 
-TEST(FileChangesTest, TheGuideNamesTheChangesThatCannotBeTold) {
+TEST(FileChangesTest, TheGuideNamesTheChangesThatAreLost) {
   Tests::ExpectLosses("documents/file-losses.json", DOCUMENTS["full"], "file-inventory.md");
 }
 
-TEST(FileChangesTest, ADifferenceHasTheFormOfTheMachineAndATotalDocumentComesOfIt) {
-  // A machine tells names as its disk has them, also such as no strict reader takes.
+TEST(FileChangesTest, ADifferenceIsWrittenAsTheMachineDoesAndAppliesToATotalDocument) {
+  // A machine writes names as they are on its disk, also those that a strict reader refuses.
   for (const std::string name : {"", "\xC0\xAF", "\xED\xA0\x80"}) {
     const auto textOf = [&](const char* document) {
       const std::string key = "\"filename\":\"";

@@ -14,7 +14,8 @@
 /// Rows of data files with values that are put into documents, each at its place (a JSON pointer).
 namespace Norvik::Tests {
 
-/// A text of a row: as it stands, or a document with the values of the row at their places.
+/// A cell as the text of a document: itself if it is a text, otherwise the given document with the
+/// values of the cell at their places.
 inline std::string Altered(Json document, const Json& values) {
   if (values.is_string()) return values;
   for (const auto& [place, value] : values.items()) document[Json::json_pointer(place)] = value;
@@ -55,8 +56,8 @@ inline std::set<std::string> DocumentedLosses(const std::string& guide) {
   return names;
 }
 
-/// Expects that a server misses just what a guide says: the name of the loss, what is put into the
-/// document before and into the one after, and what the server then has.
+/// Expects that a server loses what a guide says and no more. The cells of a row: the name of the
+/// loss, what is put into the document before and into the one after, and what the server then has.
 inline void ExpectLosses(const std::string& file, const Json& full, const std::string& guide) {
   std::set<std::string> losses;
   for (const Json& row : DataOf(file)) {

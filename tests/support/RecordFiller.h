@@ -12,7 +12,7 @@
 #include "support/Json.h"
 #include "support/Surroundings.h"
 
-/// Records and what is written of them: a record's table is walked to fill and to change it.
+/// Records with values in all fields: their tables are walked to fill and to change them.
 namespace tests {
 
 template <class T>
@@ -25,8 +25,8 @@ T ReadBack(const std::string& text) {
   return T(ParseJson(text));
 }
 
-/// Gives each field a value that no other has: texts hold what JSON must escape and what only
-/// Unicode can say.
+/// Gives each field a value of its own. Texts hold characters that JSON must escape and characters
+/// outside of ASCII.
 class Filler {
  public:
   explicit Filler(int start = 0) : next_(start) {}
@@ -105,7 +105,7 @@ void ForEachChange(Action action) {
   std::apply([&](const auto&... field) { (change(field), ...); }, T::Fields());
 }
 
-/// Keys of the fields that `HasSameKey` looks at, in the order of the table.
+/// Keys of the fields that `HasSameKey` compares, in the order of the table.
 template <class T>
 std::string IdentityOf() {
   std::string keys;

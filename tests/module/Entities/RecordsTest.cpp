@@ -20,8 +20,8 @@ using ComparedRecords =
                    SmbSystemSlotInfo, UserSettings, VideoInfo>;
 INSTANTIATE_TYPED_TEST_SUITE_P(ModuleRecords, RecordSuite, ComparedRecords, RecordName);
 
-// Which of the two conversions a record takes shows under locale "C" alone: what goes through the
-// locale comes back empty there.
+// Only locale "C" shows which of the two conversions a record uses: a text that goes through the
+// locale is read back empty there.
 
 template <class... T, class Action>
 void ForEachOf(const testing::Types<T...>& /*types*/, Action action) {
@@ -98,7 +98,7 @@ TEST(CdromInfoTest, TheOrderOfLogicalDisksCountsAndThatOfFeaturesDoesNot) {
   EXPECT_TRUE(other != drive);
 }
 
-TEST(LocalUserInfoTest, AUserOfWhomADocumentDoesNotTellIsEnabledAndLocked) {
+TEST(LocalUserInfoTest, AUserWithoutTheKeysIsEnabledAndLocked) {
   const UserSettings user{ptree()};
   EXPECT_TRUE(user.enabled);
   EXPECT_TRUE(user.locked);
@@ -131,7 +131,7 @@ TEST(NetworkDriveInfoTest, AnArchiveCarriesTheFourFieldsInOrder) {
   EXPECT_TRUE(ReadBack<NetworkDriveInfo>(JsonText(drive)) == drive);
 }
 
-TEST(SharedResourceInfoTest, PermissionsMustStandInTheDocumentThoughTheyMayBeNull) {
+TEST(SharedResourceInfoTest, PermissionsAreRequiredButMayBeNull) {
   EXPECT_THROW(ReadBack<SharedResourceInfo>("{\"name\":\"Public\"}"),
                boost::property_tree::ptree_bad_path);
   const auto empty = ReadBack<SharedResourceInfo>("{\"name\":\"Public\",\"permissions\":null}");

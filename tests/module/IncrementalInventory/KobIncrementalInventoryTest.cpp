@@ -36,7 +36,7 @@ std::string WordsOf(const Features& features) {
 }
 
 template <class Deleted>
-std::string KeysOfGone(const Deleted& deleted) {
+std::string VersionsOfDeleted(const Deleted& deleted) {
   std::string words;
   for (const auto& it : deleted) {
     words +=
@@ -45,7 +45,7 @@ std::string KeysOfGone(const Deleted& deleted) {
   return words;
 }
 
-/// What was created, updated and deleted between two lists, and that these are left alone.
+/// What was created, updated and deleted between two lists. Expects that these stay unchanged.
 template <template <class...> class Container>
 std::vector<std::string> Compared(const std::string& before, const std::string& now) {
   using Features = Container<FeaturesInfo>;
@@ -56,7 +56,7 @@ std::vector<std::string> Compared(const std::string& before, const std::string& 
   KobIncrementalInventory::GetItems(created, deleted, updated, previous, current);
   EXPECT_EQ(WordsOf(previous), before);
   EXPECT_EQ(WordsOf(current), now);
-  return {WordsOf(created), WordsOf(updated), KeysOfGone(deleted)};
+  return {WordsOf(created), WordsOf(updated), VersionsOfDeleted(deleted)};
 }
 
 TEST(GetItemsTest, ListsAndVectorsAreComparedByTheFirstRecordOfAKey) {
@@ -92,7 +92,7 @@ TEST_F(KobIncrementalInventoryTest,
   EXPECT_EQ(result->device.name, "mac-08");
 }
 
-TEST_F(KobIncrementalInventoryTest, AMemoryModuleThatWasAddedOrRemovedIsKeptButNotTold) {
+TEST_F(KobIncrementalInventoryTest, AMemoryModuleThatWasAddedOrRemovedIsKeptButNotWritten) {
   current.memorySlots.resize(1);
   EXPECT_EQ(Document(), "null");
   EXPECT_EQ(Changes().memorySlots.size(), 1u);

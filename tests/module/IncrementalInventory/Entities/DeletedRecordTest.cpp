@@ -11,7 +11,7 @@ namespace {
 
 using namespace tests;
 
-TEST(DeletedRecordTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceHasGone) {
+TEST(DeletedRecordTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndAfterItIsDestroyed) {
   const ScopedLocale c("C");
   ForEachSection([](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
@@ -22,7 +22,7 @@ TEST(DeletedRecordTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceHa
       const DeletedRecord<Record> deleted(*source);
       source.reset();
       for (const auto& [key, kept] : ParseJson(JsonText(deleted))) {
-        // A deleted video card tells its version as its driver's name.
+        // A deleted video card has its version under the key of its driver's name.
         const bool isVersion = std::is_same_v<Record, VideoInfo> && key == "driverName";
         EXPECT_EQ(kept.data(), fields.template get<std::string>(isVersion ? "version" : key))
             << section.key << " " << key;
@@ -31,12 +31,12 @@ TEST(DeletedRecordTest, EachKeepsTheTextOfItsSourceInAnyLocaleAndWhenTheSourceHa
   });
 }
 
-TEST(DeletedRecordTest, AMemoryModuleHasItsKeysThoughNoDocumentShowsThem) {
+TEST(DeletedRecordTest, AMemoryModuleHasItsKeysThoughNoDocumentHoldsIt) {
   EXPECT_EQ(JsonText(SmbMemoryDeviceDeletedInfo(Common::SmbMemoryDeviceInfo())),
             R"({"manufacturer":"","model":"","name":"","serial":""})");
 }
 
-TEST(DeletedRecordTest, BytesThatAreNoUtf8AreEmptyByWayOfAWideTextAndEscapedOtherwise) {
+TEST(DeletedRecordTest, InvalidUtf8IsEmptyByWayOfAWideTextAndEscapedOtherwise) {
   FeaturesInfo feature;
   feature.version = "caf\xE9";
   EXPECT_EQ(JsonText(FeaturesDeletedInfo(feature)), R"({"version":""})");

@@ -10,8 +10,8 @@ using Software = std::vector<Common::SoftwareRegisteredInfo>;
 
 TEST(IncrementalInventoryKOBInfoTest, ADocumentWithADeletionInEachListHasTheTextOfTheWireFormat) {
   IncrementalInventoryKOBInfo changes;
-  changes.configuration.profileId = 7;  // an inherited single record tells nothing
-  changes.device.name = "mac-07";       // nor does the device alone
+  changes.configuration.profileId = 7;  // an inherited single record is not used
+  changes.device.name = "mac-07";       // the device alone is no change
   EXPECT_TRUE(json::JSON(changes).IsNull());
   ForEachSection([&](const auto& section) {
     using Section = std::decay_t<decltype(section)>;
