@@ -3,8 +3,7 @@
 #include <string>
 
 #include "Quiet.h"
-#include "module/Actions/Mac/ConnectionText.h"
-#include "module/Actions/Mac/ProcessText.h"
+#include "module/Actions/Mac/ToolText.h"
 
 /// The text as what `netstat` prints, and as what `ps` does.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -4,17 +4,26 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <vector>
 
 #include "platform/LoginRecords.h"
 
 namespace Norvik::Platform {
 
+namespace {
+
+/// Bytes of one entry of the account database. An account server could send more without an end.
+constexpr std::size_t MAX_ENTRY = 1 << 20;
+
+}  // namespace
+
 std::optional<ChildAccount> AccountOf(const std::string& userName) {
   std::vector<char> buffer(1024);
   passwd entry{};
   passwd* found = nullptr;
   while (::getpwnam_r(userName.c_str(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+    if (buffer.size() >= MAX_ENTRY) return std::nullopt;
     buffer.resize(buffer.size() * 2);
   }
   if (!found) return std::nullopt;

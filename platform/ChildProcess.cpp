@@ -7,9 +7,8 @@
 #include <system_error>
 
 #include "platform/ChildStart.h"
-#include "platform/ChildStartLook.h"
 #include "platform/Pipe.h"
-#include "platform/Rehearsal.h"
+#include "platform/SystemChanges.h"
 
 namespace Norvik::Platform {
 
@@ -40,7 +39,7 @@ class ChildOwner {
   int exitCode_ = -1;
 };
 
-/// Hands on what can be read now; closes the channel at its end.
+/// Passes on what can be read now; closes the channel at its end.
 void ReadSome(FileDescriptor& channel, const ChildCommand::Sink& sink) {
   char buffer[65536];
   const ssize_t length = ::read(channel.Get(), buffer, sizeof(buffer));
@@ -51,10 +50,10 @@ void ReadSome(FileDescriptor& channel, const ChildCommand::Sink& sink) {
   }
 }
 
-/// Reads both channels as they fill, or the child would block on the one that nobody reads.
+/// Reads both channels as they fill, because the child would block on one that is full.
 void Drain(FileDescriptor& output, FileDescriptor& errors, const ChildCommand& command) {
   while (output.IsOpen() || errors.IsOpen()) {
-    // A closed channel has a negative descriptor, which poll passes over.
+    // A closed channel has a negative descriptor, which poll ignores.
     pollfd channels[] = {{output.Get(), POLLIN, 0}, {errors.Get(), POLLIN, 0}};
     if (::poll(channels, 2, -1) < 0) {
       if (errno == EINTR) continue;
@@ -65,42 +64,39 @@ void Drain(FileDescriptor& output, FileDescriptor& errors, const ChildCommand& c
   }
 }
 
-ChildResult NotStarted(int error) {
-  ChildResult result;
-  result.problem = std::generic_category().message(error);
-  return result;
-}
-
 bool AreUsable(const std::vector<std::string>& words) {
   if (words.empty() || words.front().empty()) return false;
   for (const auto& word : words) {
-    // A NUL would cut the word, and something else than was asked for would run.
+    // A NUL would cut the word, and another command would run.
     if (word.find('\0') != std::string::npos) return false;
   }
   return true;
 }
 
-ChildResult Rehearse(const ChildCommand& command) {
+}  // namespace
+
+ChildCommand ChildCommand::ShellLine(const std::string& line) {
+  ChildCommand command;
+  command.words = {"/bin/sh", "-c", line};
+  command.isShellLine = true;
+  return command;
+}
+
+ChildResult ChildResult::NotStarted(int error) {
   ChildResult result;
-  if (const int problem = StartProblem(command)) result = NotStarted(problem);
-  result.started = result.problem.empty();
-  if (result.started) result.exitCode = 0;
-  NoteStep({RehearsedStep::PROGRAM, ShellText(command),
-            command.account ? "as the user " + command.account->name : "", result.problem});
+  result.problem = std::generic_category().message(error);
   return result;
 }
 
-}  // namespace
-
 ChildResult RunChild(const ChildCommand& command) {
-  if (!AreUsable(command.words)) return NotStarted(EINVAL);
-  if (IsRehearsed()) {
-    if (!command.onlyAsks) return Rehearse(command);
-    NoteStep({RehearsedStep::ASKED, ShellText(command), "", ""});
-  }
+  if (!AreUsable(command.words)) return ChildResult::NotStarted(EINVAL);
+  return GetSystemChanges()->Run(command);
+}
+
+ChildResult RealSystemChanges::Run(const ChildCommand& command) {
   Pipe output;
   Pipe errors;
-  if (!output.Open() || (command.onErrors && !errors.Open())) return NotStarted(errno);
+  if (!output.Open() || (command.onErrors && !errors.Open())) return ChildResult::NotStarted(errno);
 
   const int outputEnd = output.write.Get();
   const ChildChannels channels{outputEnd, command.onErrors ? errors.write.Get() : outputEnd};
@@ -108,7 +104,7 @@ ChildResult RunChild(const ChildCommand& command) {
   const int error = command.account
                         ? StartChildAs(*command.account, command.words, channels, processId)
                         : StartChild(command.words, channels, processId);
-  if (error != 0) return NotStarted(error);
+  if (error != 0) return ChildResult::NotStarted(error);
 
   ChildOwner child(processId);
   output.write.Close();

@@ -18,35 +18,43 @@ struct ChildAccount {
   std::string shell;
 };
 
-/// A program to run, and what to do with what it prints.
+/// A program to run, and where its output goes.
 struct ChildCommand {
   using Sink = std::function<void(std::string_view)>;
 
-  /// The program, looked up in PATH if it has no "/", and its arguments.
+  /// A command that has the shell run a line.
+  static ChildCommand ShellLine(const std::string& line);
+
+  /// The program, searched for in PATH if its name has no "/", and its arguments.
   std::vector<std::string> words;
   /// Null: the account of this process. Otherwise the child gets that account's groups, a small
-  /// environment of its own, and the account's home as its folder.
+  /// environment of its own, and the account's home as its working folder.
   const ChildAccount* account = nullptr;
-  /// Take pieces of what the child prints, in order, on the calling thread. Without a sink for
-  /// errors they go the way of the output.
+  /// Receive the output piece by piece, in order, on the calling thread. Without `onErrors` the
+  /// standard error goes to the same place as the standard output; without `onOutput` it is lost.
   Sink onOutput;
   Sink onErrors;
-  /// It changes nothing on the machine, so that it runs under a rehearsal as well.
-  bool onlyAsks = false;
+  /// It changes nothing on the machine, so that a rehearsal runs it as well.
+  bool isQuery = false;
+  /// Made by `ShellLine`: a report shows the line in place of the words.
+  bool isShellLine = false;
 };
 
 struct ChildResult {
+  static ChildResult NotStarted(int error);
+
   bool started = false;
   std::string problem;  ///< why it could not be started
   int exitCode = -1;    ///< 128 plus the signal's number if a signal ended it
   pid_t processId = -1;
+  bool onlyNoted = false;  ///< by a rehearsal, which did not run it
 };
 
-/// Runs a program and waits until it has ended and nobody holds its output open any more. It has no
-/// standard input (/dev/null), none of this process's descriptors, and default signal handling.
-/// Raises only what a sink raises, after the child has ended. Under a rehearsal (see `Rehearsal`)
-/// one that does not only ask is noted, and answered as started and ended well unless a look tells
-/// that it could not be started.
+/// Runs a program through the `SystemChanges` in force and waits until it has ended and no process
+/// holds its output open any more. It has no standard input (/dev/null), none of this process's
+/// descriptors, and default signal handling. A rehearsal runs queries only and reports any other
+/// program as ended with 0, unless it shows that it could not be started. Throws only what a sink
+/// throws, after the child has ended.
 ChildResult RunChild(const ChildCommand& command);
 
 }  // namespace Norvik::Platform

@@ -18,7 +18,7 @@ namespace Norvik::Platform {
 
 namespace {
 
-/// Texts in the form that exec takes: pointers with a null behind them.
+/// Texts in the form that exec takes: pointers, and a null after the last.
 std::vector<char*> Pointers(const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (const auto& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
@@ -50,7 +50,7 @@ class SpawnAttributes {
   posix_spawnattr_t attributes_;
 };
 
-/// Has the child keep its three standard channels only; gives the flag that this takes.
+/// Lets the child keep its three standard channels only. Returns the flag that this needs.
 short CloseTheRest(posix_spawn_file_actions_t* actions) {
 #ifdef POSIX_SPAWN_CLOEXEC_DEFAULT
   (void)actions;
@@ -67,7 +67,7 @@ void CloseTheRestNow(int kept) {
   const long limit = ::sysconf(_SC_OPEN_MAX);
 #ifdef __linux__
   (void)limit;
-  // Two ranges around the one that is kept.
+  // The two ranges below and above the one that is kept.
   if (kept > 3) ::close_range(3, static_cast<unsigned>(kept - 1), 0);
   ::close_range(static_cast<unsigned>(kept + 1), ~0u, 0);
 #else
@@ -83,7 +83,7 @@ struct ForkedChild {
   const ChildChannels& channels;
   char* const* arguments;
   char** environment;
-  int report;  ///< takes the number of the error
+  int report;  ///< descriptor to which an errno is written
 };
 
 bool BecomeUser(const ForkedChild& child) {
@@ -97,7 +97,7 @@ bool BecomeUser(const ForkedChild& child) {
          ::setuid(child.account.user) == 0;
 }
 
-bool TakeChannels(const ForkedChild& child) {
+bool SetUpChannels(const ForkedChild& child) {
   const int input = ::open("/dev/null", O_RDONLY);
   if (input < 0 || ::dup2(input, 0) < 0) return false;
   if (::dup2(child.channels.output, 1) < 0 || ::dup2(child.channels.errors, 2) < 0) return false;
@@ -114,8 +114,8 @@ void ResetSignals() {
 
 [[noreturn]] void RunForked(const ForkedChild& child) {
   ResetSignals();
-  if (TakeChannels(child) && BecomeUser(child)) {
-    // A home that cannot be entered, or is not there yet, is no reason not to run.
+  if (SetUpChannels(child) && BecomeUser(child)) {
+    // A home that cannot be entered, or does not exist yet, is no reason not to run.
     if (::chdir(child.account.home.c_str()) != 0) (void)!::chdir("/");
     environ = child.environment;
     ::execvp(child.arguments[0], child.arguments);
@@ -152,7 +152,7 @@ std::vector<std::string> EnvironmentOf(const ChildAccount& account) {
   return environment;
 }
 
-/// The error that the child reports; 0 if its program runs, for the exec closes the channel.
+/// The errno that the child reports; 0 if its program runs, because the exec closes the channel.
 int ReportedError(int channel) {
   int error = 0;
   ssize_t length = 0;
@@ -194,7 +194,7 @@ int StartChildAs(const ChildAccount& account, const std::vector<std::string>& wo
   Pipe report;
   if (!report.Open()) return errno;
 
-  // All that allocates is done before the fork.
+  // Everything that allocates happens before the fork.
   const std::vector<gid_t> groups = GroupsOf(account);
   const std::vector<std::string> environment = EnvironmentOf(account);
   std::vector<char*> environmentPointers = Pointers(environment);

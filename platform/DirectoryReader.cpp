@@ -62,7 +62,7 @@ FileDescriptor OpenFolder(const std::string& folder) {
 
 #ifdef __linux__
 
-// The C library asks for the metadata of each folder that it opens, so the entries are read here.
+// The C library reads the metadata of each folder that it opens; this does not.
 struct DirectoryReader::Stream {
   void Open(const std::string& folder) {
     descriptor = OpenFolder(folder);
@@ -132,7 +132,7 @@ bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
   return false;
 }
 
-EntryFacts DirectoryReader::Ask(const char* name, std::error_code& error) const {
+EntryMetadata DirectoryReader::ReadMetadata(const char* name, std::error_code& error) const {
   CountOne(questionsAsked);
   struct stat status {};
   if (::fstatat(stream_->Descriptor(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {

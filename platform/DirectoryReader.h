@@ -10,14 +10,14 @@ namespace Norvik::Platform {
 
 enum class EntryKind { Unknown, File, Folder, Link, Other };
 
-/// One entry of a folder, as the folder itself tells it.
+/// One entry as its folder lists it.
 struct DirectoryEntry {
-  const char* name = nullptr;           ///< belongs to the reader, until its next call
-  EntryKind kind = EntryKind::Unknown;  ///< unknown where the file system does not tell
+  const char* name = nullptr;           ///< valid until the reader's next call
+  EntryKind kind = EntryKind::Unknown;  ///< unknown if the file system does not store it here
 };
 
-/// Metadata of one entry, got by one call. A link is not followed.
-struct EntryFacts {
+/// Metadata of one entry. A link is not followed.
+struct EntryMetadata {
   EntryKind kind = EntryKind::Unknown;
   long long size = 0;              ///< bytes
   long long lastModification = 0;  ///< whole seconds since the epoch, negative before it
@@ -26,12 +26,12 @@ struct EntryFacts {
 /// What all readers of this process have done so far.
 struct ReadCounts {
   std::uint64_t folders = 0;    ///< opened
-  std::uint64_t questions = 0;  ///< for the metadata of an entry
+  std::uint64_t questions = 0;  ///< calls of `ReadMetadata`
 };
 
-/// Reads one folder after the other, in the order that the file system gives, without "." and "..",
-/// and asks for nothing but the entries: on Linux no call goes to an entry, nor a metadata call to
-/// the folder. Use it on one thread.
+/// Reads one folder after the other, in the order of the file system, without "." and "..". It
+/// reads the entries and nothing else: on Linux it makes no call for an entry, and no metadata call
+/// for the folder. Use it on one thread.
 class DirectoryReader {
  public:
   DirectoryReader();
@@ -39,13 +39,13 @@ class DirectoryReader {
   DirectoryReader& operator=(const DirectoryReader&) = delete;
   ~DirectoryReader();
 
-  /// Leaves the former folder. Raises `boost::filesystem::filesystem_error`.
+  /// Leaves the former folder. Throws `boost::filesystem::filesystem_error`.
   void Open(const std::string& folder);
-  /// False at the end of the folder, and when reading on fails: then the error is set, and no
-  /// further entry comes.
+  /// False after the last entry, and after a read error: `error` tells the two apart, and no
+  /// further entry follows either.
   bool Next(DirectoryEntry& entry, std::error_code& error);
-  /// Metadata of an entry of the open folder.
-  EntryFacts Ask(const char* name, std::error_code& error) const;
+  /// Metadata of an entry of the open folder, read by one call.
+  EntryMetadata ReadMetadata(const char* name, std::error_code& error) const;
 
   /// From any thread.
   static ReadCounts Counts();

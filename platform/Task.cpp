@@ -12,7 +12,7 @@ std::string RunTask(const std::string& program, const std::vector<std::string>& 
   child.words.insert(child.words.end(), arguments.begin(), arguments.end());
   child.onOutput = [&](std::string_view piece) { output += piece; };
   child.onErrors = [](std::string_view) {};
-  child.onlyAsks = true;
+  child.isQuery = true;
   RunChild(child);
   return output;
 }

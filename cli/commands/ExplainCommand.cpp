@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-/// Links stay: whether one is on the way is what the answer may depend on.
+/// Absolute and without "." and "..". Links are not resolved, because the result depends on them.
 std::string FullPath(const fs::path& given) {
   std::string path = fs::absolute(given).lexically_normal().string();
   for (const std::string ending : {"/.", "/"}) {
@@ -33,15 +33,15 @@ int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*er
       ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
   const Common::ScanRules rules(*configuration.kob);
   const std::string path = FullPath(line.file);
-  const ScanExplanation answer = ExplainScan(rules, path);
+  const ScanExplanation explanation = ExplainScan(rules, path);
   if (line.json) {
     output << JsonLine({{"path", path},
-                        {"listed", answer.listed},
-                        {"rule", answer.rule},
-                        {"reason", answer.reason}});
+                        {"listed", explanation.listed},
+                        {"rule", explanation.rule},
+                        {"reason", explanation.reason}});
   } else {
-    output << path << (answer.listed ? " would be listed: " : " would not be listed: ")
-           << answer.reason << std::endl;
+    output << path << (explanation.listed ? " would be listed: " : " would not be listed: ")
+           << explanation.reason << std::endl;
   }
   return EXIT_DONE;
 }

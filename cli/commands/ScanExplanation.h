@@ -13,7 +13,7 @@ struct ScanExplanation {
   std::string reason;  ///< a sentence for people, without the path and without a full stop
 };
 
-/// Goes the way to the path as the scan does, looking at nothing else.
+/// Follows the path from the root as the scan does, and decides at each step by `rules`.
 /// @param path absolute, without "." and ".." in it
 ScanExplanation ExplainScan(const Common::ScanRules& rules, const std::string& path);
 

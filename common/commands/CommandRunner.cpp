@@ -11,13 +11,13 @@ namespace Norvik::Common {
 
 namespace {
 
-/// Logs what a tool prints on its error channel, line by line.
+/// Logs the standard error of a tool line by line.
 class ErrorLog {
  public:
   void Add(std::string_view piece) {
     for (const char c : piece) {
       if (c != '\n') line_ += c;
-      // Bounded, or a tool that ends no line would fill the memory.
+      // Bounded, because a tool that ends no line would fill the memory.
       if (c == '\n' || line_.size() == MAX_LINE) Flush();
     }
   }
@@ -31,22 +31,30 @@ class ErrorLog {
   std::string line_;
 };
 
+CommandRunner::ChangeResult RunLine(const std::string& line, bool isQuery) {
+  CommandRunner::ChangeResult result;
+  ErrorLog errors;
+  Platform::ChildCommand child = Platform::ChildCommand::ShellLine(line);
+  child.isQuery = isQuery;
+  child.onOutput = [&](std::string_view piece) { result.output += piece; };
+  child.onErrors = [&](std::string_view piece) { errors.Add(piece); };
+  const Platform::ChildResult run = Platform::RunChild(child);
+  errors.Flush();
+  if (!run.started) {
+    NORVIK_WARNING(boost::format("Unable to run the command %1%: %2%") % line % run.problem);
+  }
+  result.onlyNoted = run.onlyNoted;
+  return result;
+}
+
 }  // namespace
 
 std::string CommandRunner::ExecCommand(const std::string& command) {
-  std::string output;
-  ErrorLog errors;
-  Platform::ChildCommand child;
-  child.words = {"/bin/sh", "-c", command};
-  child.onOutput = [&](std::string_view piece) { output += piece; };
-  child.onErrors = [&](std::string_view piece) { errors.Add(piece); };
-  child.onlyAsks = true;
-  const Platform::ChildResult result = Platform::RunChild(child);
-  errors.Flush();
-  if (!result.started) {
-    NORVIK_WARNING(boost::format("Unable to run the command %1%: %2%") % command % result.problem);
-  }
-  return output;
+  return RunLine(command, true).output;
+}
+
+CommandRunner::ChangeResult CommandRunner::ExecChange(const std::string& command) {
+  return RunLine(command, false);
 }
 
 }  // namespace Norvik::Common

@@ -6,13 +6,20 @@
 
 namespace Norvik::Common {
 
+/// Runs lines through `sh -c` and waits for their end. The child has no standard input and none of
+/// this process's other descriptors. Its standard output is returned whole and unchanged, its
+/// standard error goes to the log at level 5. A tool that fails or is missing throws nothing: the
+/// output is what it printed before, mostly nothing.
 struct NORVIK_COMMON_API CommandRunner {
-  /// Runs a line through `sh -c`, waits for it, and returns its standard output whole and
-  /// unchanged; the error channel goes to the log at level 5. Never raises for a tool that fails
-  /// or is missing: what it printed is the answer, mostly nothing. The child has no standard input
-  /// and none of this process's other descriptors. Under a rehearsal the line is taken to only ask,
-  /// and runs; whoever has one that changes the machine looks at `Platform::IsRehearsed` first.
+  struct ChangeResult {
+    std::string output;
+    bool onlyNoted = false;  ///< by a rehearsal, which did not run the line
+  };
+
+  /// For a line that only queries the machine: a rehearsal runs it as well.
   static std::string ExecCommand(const std::string& command);
+  /// For a line that changes the machine.
+  static ChangeResult ExecChange(const std::string& command);
 };
 
 }  // namespace Norvik::Common

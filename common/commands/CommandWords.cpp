@@ -9,7 +9,8 @@ namespace {
 
 constexpr char WORD_BLANKS[] = " \t\n\r\v\f";
 
-/// Reads a line word by word; each operation takes what it reads and says whether it was whole.
+/// Reads a line word by word. Each operation moves past what it reads, and returns false if a quote
+/// or a backslash is left open.
 class WordReader {
  public:
   explicit WordReader(const std::string& line) : line_(line) {}
@@ -69,8 +70,8 @@ class WordReader {
     return false;
   }
 
-  /// The character behind a backslash. Before any but `special` (empty: all are) the backslash
-  /// stays; before a line end both go.
+  /// Reads the character after a backslash. The backslash stays unless the character is one of
+  /// `special`, where empty means all; of an escaped newline nothing stays.
   bool ReadEscaped(const std::string& special) {
     if (at_ == line_.size()) return false;
     const char c = line_[at_++];

@@ -8,10 +8,10 @@
 
 namespace Norvik::Common {
 
-/// Splits a command line into words as a shell does: at blanks; single quotes keep everything,
-/// double quotes keep all but a backslash before one of $ ` " \ or a line end, and elsewhere a
-/// backslash keeps the next character. Nothing is expanded. Empty if a quote or a backslash is left
-/// open.
+/// Splits a command line into words as a shell does, at blanks. Between single quotes every
+/// character stands for itself; between double quotes a backslash escapes only $ ` " \ and a
+/// newline; outside of quotes it escapes any character. Nothing is expanded. Empty if a quote or a
+/// backslash is left open.
 NORVIK_COMMON_API boost::optional<std::vector<std::string>> SplitCommandWords(
     const std::string& line);
 

@@ -31,7 +31,7 @@ int Execute::RunAs(int* processId, short session) {
 }
 
 int Execute::Refuse(const std::string& reason) {
-  Platform::NoteStep({Platform::RehearsedStep::PROGRAM, command_, "", reason});
+  Platform::GetSystemChanges()->Note({Platform::RehearsedStep::PROGRAM, command_, "", reason});
   output_ = reason;
   return -1;
 }

@@ -15,7 +15,7 @@
 
 #include "common/log/Logger.h"
 #include "platform/FileDescriptor.h"
-#include "platform/Rehearsal.h"
+#include "platform/SystemChanges.h"
 
 namespace Norvik::Common {
 
@@ -101,8 +101,7 @@ class ExtensionSweep {
   }
 
   static bool Delete(int folder, const std::string& name, const std::string& path) {
-    if (Platform::IsRehearsed()) return Platform::RehearseRemoval(path);
-    return ::unlinkat(folder, name.c_str(), 0) == 0;
+    return Platform::GetSystemChanges()->RemoveAt(folder, name, path) == 0;
   }
 
   /// A name that is nothing but the ending is a hidden file without extension.

@@ -17,10 +17,8 @@ std::string Mapped(std::string text, int (*convert)(int)) {
 }
 
 template <class Container>
-ScanRules::Texts Encoded(const Container& texts) {
-  ScanRules::Texts encoded;
-  for (const auto& text : texts) encoded.insert(EncodeUtf8Characters(text));
-  return encoded;
+ScanRules::Texts SetOf(const Container& texts) {
+  return {texts.begin(), texts.end()};
 }
 
 ScanRules::Texts WantedExtensions(const KobConfigurationInfo& configuration) {
@@ -32,16 +30,31 @@ ScanRules::Texts WantedExtensions(const KobConfigurationInfo& configuration) {
 
 }  // namespace
 
-ScanRules::ScanRules(const KobConfigurationInfo& configuration)
-    : excludedFolders_(Encoded(configuration.excludedPaths)),
-      excludedNames_(Encoded(configuration.excludedFiles)),
-      extensions_(Encoded(WantedExtensions(configuration))) {}
+ScanRules::ScanRules(const ScanConfiguration& configuration) {
+  for (const auto& [key, values] : configuration) {
+    auto& encoded = configuration_[key];
+    for (const auto& value : values) encoded.insert(EncodeUtf8Characters(value));
+  }
+  const auto wanted = configuration_.find(IncludeExtension);
+  if (wanted == configuration_.end()) return;
+  std::uint32_t place = 0;
+  for (const auto& extension : wanted->second) extensions_.emplace(extension, place++);
+}
 
-ScanRules::Verdict ScanRules::Judge(const std::string& name) const {
-  if (excludedNames_.count(name) > 0) return Verdict::ExcludedName;
+ScanRules::ScanRules(const KobConfigurationInfo& configuration)
+    : ScanRules(ScanConfiguration{{ExcludePath, SetOf(configuration.excludedPaths)},
+                                  {IncludePath, Roots()},
+                                  {ExcludeFile, SetOf(configuration.excludedFiles)},
+                                  {IncludeExtension, WantedExtensions(configuration)}}) {}
+
+ScanRules::Judgement ScanRules::Judge(Platform::EntryKind kind, const std::string& name) const {
+  if (kind == Platform::EntryKind::Link) return {Verdict::Link};
+  if (kind == Platform::EntryKind::Folder) return {Verdict::Folder};
+  if (IsExcludedName(name)) return {Verdict::ExcludedName};
   const std::string extension = ExtensionOf(name);
-  if (extensions_.count(extension) > 0) return Verdict::Listed;
-  return extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension;
+  const auto wanted = extensions_.find(extension);
+  if (wanted != extensions_.end()) return {Verdict::Listed, &*wanted};
+  return {extension.empty() ? Verdict::NoExtension : Verdict::UnwantedExtension};
 }
 
 ScanRules::Texts ScanRules::Roots() {
@@ -72,6 +85,10 @@ ScanRules::Texts ScanRules::CompleteExtensions(const Texts& extensions) {
 std::string ScanRules::ExtensionOf(const std::string& name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
+}
+
+std::string ScanRules::PrefixOf(const std::string& folder) {
+  return folder.empty() || folder.back() == '/' ? folder : folder + '/';
 }
 
 }  // namespace Norvik::Common

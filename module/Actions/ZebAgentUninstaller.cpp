@@ -3,9 +3,9 @@
 #include <boost/format.hpp>
 #include <exception>
 
+#include "common/commands/CommandRunner.h"
 #include "common/identification/VerifyAgent.h"
 #include "common/log/Logger.h"
-#include "module/Actions/SystemChanges.h"
 
 namespace Norvik::KOB {
 
@@ -17,7 +17,7 @@ void ZebAgentUninstaller::UninstallZebAgent() {
       return;
     }
     NORVIK_INFORMATION("Starting ZEB agent uninstall");
-    RunShell("sh /opt/local/norvik/UninstallZebAgent.sh &");
+    Common::CommandRunner::ExecChange("sh /opt/local/norvik/UninstallZebAgent.sh &");
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format("Failed to uninstall ZEB agent: %1%") % error.what());
   }

@@ -17,7 +17,7 @@ wxString OutputOf(const char* command) {
 
 void RunToFile(const std::string& command) {
   // It changes nothing but a file of the collector's own.
-  Platform::NoteStep({Platform::RehearsedStep::ASKED, command, "", ""});
+  Platform::GetSystemChanges()->Note({Platform::RehearsedStep::ASKED, command});
   [[maybe_unused]] const int status = ::system(command.c_str());
 }
 

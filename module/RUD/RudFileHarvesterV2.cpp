@@ -5,7 +5,6 @@
 #include <chrono>
 #include <utility>
 
-#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "module/ElapsedTime.h"
@@ -20,29 +19,23 @@ namespace {
 
 constexpr std::size_t INITIAL_CAPACITY = 5000;
 
-/// The folder as it is called in the paths of its entries, without a slash at its end.
+/// The folder as it stands in the paths of its entries, without a slash at its end.
 std::string ParentPathOf(const std::string& folder) {
   const std::size_t last = folder.find_last_not_of('/');
   return last == std::string::npos ? folder : folder.substr(0, last + 1);
 }
 
-std::string WithSlash(std::string folder) {
-  if (!folder.empty() && folder.back() != '/') folder += '/';
-  return folder;
-}
-
 }  // namespace
 
-/// The walk below one root. Texts are kept from entry to entry for their memory.
+/// The walk below one root. Texts are reused from entry to entry, which saves allocations.
 struct FileHarvester::Walk {
   Platform::DirectoryReader reader;
   std::vector<std::string> waiting;  ///< folders, the next one last
   RudFileInfo file;
   std::string prefix;        ///< the open folder, with a slash at its end
   std::string parent;        ///< the open folder, without
-  std::uint32_t pathId = 0;  ///< of the parent; 0 while none of its files was kept
-  std::string name;
-  std::string extension;
+  std::uint32_t pathId = 0;  ///< of the parent; 0 as long as none of its files is kept
+  std::string name;          ///< of the entry
 };
 
 FileHarvester::FileHarvester() : buffer_(INITIAL_CAPACITY) {
@@ -51,28 +44,25 @@ FileHarvester::FileHarvester() : buffer_(INITIAL_CAPACITY) {
 }
 
 void FileHarvester::SetConfigScan(const ScanConfiguration& config) {
-  config_.clear();
-  for (const auto& [key, values] : config) {
-    auto& encoded = config_[key];
-    for (const auto& value : values) encoded.insert(Common::EncodeUtf8Characters(value));
-  }
+  rules_ = ScanRules(config);
   ConfigureFoldersToScan();
 }
 
 void FileHarvester::ConfigureFoldersToScan() {
+  const ScanConfiguration& config = GetConfigScan();
   foldersToScan_.clear();
-  if (const auto roots = config_.find(IncludePath); roots != config_.end()) {
+  if (const auto roots = config.find(IncludePath); roots != config.end()) {
     foldersToScan_.assign(roots->second.begin(), roots->second.end());
   }
-  const auto extensions = config_.find(IncludeExtension);
-  if (extensions == config_.end()) return;
+  const auto extensions = config.find(IncludeExtension);
+  if (extensions == config.end()) return;
   for (const auto& extension : extensions->second) {
     buffer_.AddExtension(Common::ToUpper(extension.substr(1)));
   }
-  // Not before all are added: of two spellings the last one's id stands.
-  wanted_.clear();
+  // Read after all are added, because two spellings share the id of the last one.
+  extensionIds_.clear();
   for (const auto& extension : extensions->second) {
-    wanted_[extension] = buffer_.GetIdExtension(Common::ToUpper(extension.substr(1)));
+    extensionIds_.push_back(buffer_.GetIdExtension(Common::ToUpper(extension.substr(1))));
   }
 }
 
@@ -107,7 +97,7 @@ void FileHarvester::ScanRoot(const std::string& root) {
       NORVIK_DETAIL(boost::format("Cannot open directory %1%: %2%") % folder % error.what());
       continue;
     }
-    walk.prefix = WithSlash(folder);
+    walk.prefix = ScanRules::PrefixOf(folder);
     walk.parent = ParentPathOf(folder);
     walk.pathId = 0;
     ScanFolder(walk);
@@ -129,7 +119,7 @@ void FileHarvester::ScanFolder(Walk& walk) {
                     failure.what());
     }
   }
-  // The entries behind the fault are lost; those of other folders are not.
+  // The entries after the fault are lost; those of other folders are not.
   if (error) {
     NORVIK_DETAIL(boost::format("Skipping %1% due to error: %2%") % walk.parent % error.message());
   }
@@ -139,40 +129,44 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
   EntryKind kind = entry.kind;
   Metadata metadata;
   if (kind == EntryKind::Unknown) {
-    metadata.facts = walk.reader.Ask(entry.name, metadata.error);
+    metadata.values = walk.reader.ReadMetadata(entry.name, metadata.error);
     if (metadata.error) throw std::system_error(metadata.error);
-    kind = metadata.facts.kind;
-  }
-  if (kind == EntryKind::Link) return;
-  if (kind == EntryKind::Folder) {
-    walk.waiting.push_back(walk.prefix + entry.name);
-    return;
+    kind = metadata.values.kind;
   }
   walk.name = entry.name;
-  if (IsExcludedFile(walk.name)) {
-    messages_.emplace_back("IsExcludedFile", "Excluded file by setting", walk.name);
-    return;
+  const ScanRules::Judgement judgement = rules_.Judge(kind, walk.name);
+  switch (judgement.verdict) {
+    case ScanRules::Verdict::Folder:
+      walk.waiting.push_back(walk.prefix + walk.name);
+      return;
+    case ScanRules::Verdict::ExcludedName:
+      messages_.emplace_back("IsExcludedFile", "Excluded file by setting", walk.name);
+      return;
+    case ScanRules::Verdict::Link:
+    case ScanRules::Verdict::NoExtension:
+    case ScanRules::Verdict::UnwantedExtension:
+      return;
+    case ScanRules::Verdict::Listed:
+      break;
   }
-  walk.extension = ScanRules::ExtensionOf(walk.name);
-  const auto wanted = wanted_.find(walk.extension);
-  if (wanted == wanted_.end()) return;
   if (entry.kind != EntryKind::Unknown) {
-    metadata.facts = walk.reader.Ask(entry.name, metadata.error);
+    metadata.values = walk.reader.ReadMetadata(entry.name, metadata.error);
   }
-  TakeFile(walk, wanted->second, metadata);
+  KeepFile(walk, *judgement.extension, metadata);
 }
 
-void FileHarvester::TakeFile(Walk& walk, std::uint32_t extensionId, const Metadata& metadata) {
+void FileHarvester::KeepFile(Walk& walk, const ScanRules::Extension& extension,
+                             const Metadata& metadata) {
   RudFileInfo& file = walk.file;
   file.absolutePath.assign(walk.prefix).append(walk.name);
   file.fileName = GetFileName(walk.name);
   if (walk.pathId == 0) walk.pathId = buffer_.AddParentPath(walk.parent);
   file.pathId = walk.pathId;
-  file.extensionId = extensionId;
+  file.extensionId = extensionIds_.at(extension.second);
   file.lastModification = GetLastModifiedTime(metadata, file.absolutePath, messages_);
   file.size = GetFileSize(metadata, file.absolutePath, messages_);
-  file.isExecutable = IsExecutableList(walk.extension);
-  InsertFile(file, walk.extension);
+  file.isExecutable = IsExecutableList(extension.first);
+  InsertFile(file, extension.first);
 }
 
 void FileHarvester::InsertFile(RudFileInfo& file, const std::string& extension) {
@@ -190,18 +184,6 @@ void FileHarvester::InsertFile(RudFileInfo& file, const std::string& extension) 
   file.pathId = 0;
   file.extensionId = 0;
   file.isExecutable = false;
-}
-
-bool FileHarvester::IsExcludedFolder(const std::string& path) const {
-  return config_.at(ExcludePath).count(path) > 0;
-}
-
-bool FileHarvester::IsExcludedFile(const std::string& name) const {
-  return config_.at(ExcludeFile).count(name) > 0;
-}
-
-bool FileHarvester::IsIncludedExtension(const std::string& extension) const {
-  return config_.at(IncludeExtension).count(extension) > 0;
 }
 
 bool FileHarvester::IsExecutableList(const std::string& extension) const {

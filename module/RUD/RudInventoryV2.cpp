@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "module/RUD/RudPrinterV2.h"
@@ -33,13 +34,18 @@ std::set<std::string> RudInventory::GetConfig(const ConfigScan& key) const {
   return config_.at(key);
 }
 
-// Saving rewrites the texts of the buffer, to what the run's second save would make of them too: it
-// needs no copy.
+std::set<std::string> RudInventory::GetDevices(
+    const std::vector<Common::PhysicalDiskInfo>& /*disks*/) {
+  return Common::ScanRules::Roots();
+}
+
+// Saving rewrites the texts of the buffer. That needs no copy: the second save of the run would
+// rewrite them in the same way.
 bool RudInventory::SaveForComparison() {
   return RudDataSource::SaveBuffer(harvester_.GetBuffer(), true);
 }
 
-// Nobody reads the buffer after the run's last save: its memory is needed for the document.
+// The buffer is not read after the run's last save, and its memory is needed for the document.
 bool RudInventory::SaveLast() {
   RudBuffer last = std::move(harvester_.GetBuffer());
   return RudDataSource::SaveBuffer(last, false);
@@ -59,7 +65,7 @@ void RudInventory::StartHarvester(const bool& incremental) {
   Enter(RudStatusPrinting, DateModified);
   const Path result = RudPrinter::GenerateJSON(guid_, incremental);
   if (incremental) {
-    // Not before the document is made, which tells the differences from the main tables.
+    // After the document is made, because that compares the scan with the main tables.
     Enter(RudStatusSaving, DateModified);
     SaveLast();
   }
@@ -69,7 +75,7 @@ void RudInventory::StartHarvester(const bool& incremental) {
 }
 
 void RudInventory::onFinishInventory(const Path& result) {
-  // The call destroys this object: what it needs must live elsewhere, and nothing may follow it.
+  // The call destroys this object: what it uses must not be a member, and nothing may follow it.
   const OnFinish onFinish = onFinish_;
   const Path path = result;  // NOLINT(performance-unnecessary-copy-initialization)
   onFinish(path);

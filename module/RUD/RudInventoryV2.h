@@ -16,24 +16,24 @@ namespace Norvik::KOB::V2 {
 class RudInventory {
  public:
   using Path = boost::filesystem::path;
-  /// Told of the document at the end of the run, by an empty path if there is none. It may destroy
-  /// the run.
+  /// Called at the end of the run with the path of the document, empty if there is none. It may
+  /// destroy the run.
   using OnFinish = std::function<void(const Path&)>;
 
   RudInventory(OnFinish onFinish, std::string guid);
 
   void SetConfig(const ConfigScan& key, const std::set<std::string>& values);
   void AddConfig(const ConfigScan& key, const std::set<std::string>& values);
-  /// Raises `std::out_of_range` if the key was never set.
+  /// Throws `std::out_of_range` if the key was never set.
   std::set<std::string> GetConfig(const ConfigScan& key) const;
 
-  /// Carries out the run. When it returns, `OnFinish` has been called and the object may be gone.
-  /// Raises what `FileHarvester::SetConfigScan` and `RudPrinter::GenerateJSON` raise; then
+  /// Carries out the run. When it returns, `OnFinish` has been called and the object may no longer
+  /// exist. Throws what `FileHarvester::SetConfigScan` and `RudPrinter::GenerateJSON` throw; then
   /// `OnFinish` is not called.
   void StartHarvester(const bool& incremental);
   void onFinishInventory(const Path& result);
 
-  /// Whether the run came to its end after a good save.
+  /// Whether the run has ended and its first save succeeded.
   bool IsFinished() const { return finished_; }
 
   /// Roots of the walk.
@@ -41,7 +41,7 @@ class RudInventory {
 
  private:
   bool SaveForComparison();
-  /// Into the main tables; leaves the harvester without its buffer.
+  /// Saves into the main tables; leaves the harvester without its buffer.
   bool SaveLast();
 
   bool finished_ = false;

@@ -43,7 +43,7 @@ json::JSON DetailOf(const DataBaseRow& row) {
   };
   add("name", Source::ProductName);
   add("productVersion", Source::Version);
-  // Deliberately the product's version, and there whenever the file has one: servers read it so.
+  // Deliberately the product's version, if the file has a version of its own: servers expect it.
   if (!TextOf(row, Source::FileVersion).empty()) {
     detail["fileVersion"] = TextOf(row, Source::Version);
   }
@@ -72,15 +72,15 @@ void AppendFile(std::string& out, const DataBaseRow& row, FileStatus status) {
   AppendText(out, "\"extension\"", TextOf(row, Source::Extension));
   AppendNumber(out, "\"fileStatus\"", status);
   AppendText(out, "\"filename\"", TextOf(row, Source::FileName));
-  // A time that could not be read goes with its bits, which is -1.
+  // Deliberately also for a time that could not be read, which is -1.
   const long long time = boost::get<long long>(row[Source::LastModification]);
   if (time != 0) AppendNumber(out, "\"lastMod\"", time);
   AppendNumber(out, "\"size\"", boost::get<long long>(row[Source::Size]));
   out.back() = '}';
 }
 
-/// The text of the document, made row by row: the values of a whole disk are too much to be held.
-/// Each run of rows of one folder is one object.
+/// The text of the document, made row by row: JSON values of a whole disk would need too much
+/// memory. Successive rows of one folder form one object.
 class DocumentText {
  public:
   explicit DocumentText(const json::JSON& device)
@@ -104,8 +104,8 @@ class DocumentText {
     currentPath_.clear();
   }
 
-  /// The whole text; empty if it holds no file.
-  std::string Take(bool incremental) {
+  /// Moves the whole text out; empty if it holds no file.
+  std::string Finish(bool incremental) {
     if (!hasGroups_) return {};
     text_ += incremental ? "],\"typeInventory\":1}" : "],\"typeInventory\":0}";
     return std::move(text_);
@@ -136,7 +136,7 @@ void printFiles(const Source::Rows& rows, DocumentText& document, FileStatus sta
   document.EndState();
 }
 
-/// False if not every file was read: half an inventory would tell the server that the rest is gone.
+/// False if not every file was read: the server would take the missing files for deleted.
 bool CreateJSONCompleto(DocumentText& document) {
   const bool whole =
       Source::VisitLastInventory([&](DataBaseRow& row) { document.Add(row, WHOLE_INVENTORY); });
@@ -167,7 +167,7 @@ std::string MakeDocument(const std::string& guid, bool incremental, int attempt)
     whole = CreateJSONCompleto(document);
   }
   if (attempt >= 2) NORVIK_DETAIL(boost::format("Try [%1%]: Success") % std::to_string(attempt));
-  return whole ? document.Take(incremental) : std::string();
+  return whole ? document.Finish(incremental) : std::string();
 }
 
 /// The document's text; empty if it would hold no file, and after a failure.
@@ -181,7 +181,7 @@ std::string CreateJSON(const std::string& guid, bool incremental) {
     } catch (const soci::soci_error& error) {
       NORVIK_DETAIL(boost::format("Try [%1%]") % std::to_string(attempt));
       NORVIK_TRACE(failure(attempt, error));
-      // Deliberately in seconds, so that the last waits are hours: the database may be held long.
+      // Deliberately in seconds, not milliseconds: the database may be locked for hours.
       Platform::WaitClock::Current().SleepFor(PAUSE_PER_ATTEMPT * attempt);
       if (attempt < MOST_ATTEMPTS) continue;
       NORVIK_ERROR(failure(attempt, error));
@@ -197,7 +197,7 @@ fs::path GenerateFilename() {
   return Paths(Paths::WORK, true).AppData() / (Common::HostInfoProvider::GetHostName() + ".rud");
 }
 
-/// Leaves no half of a document: whoever reads it would take the rest for deleted.
+/// Leaves no partial document, whose missing files would be taken for deleted.
 void SaveFile(const std::string& text, const fs::path& file) {
   fs::ofstream stream(file, std::ios::binary | std::ios::trunc);
   stream << text;
@@ -218,7 +218,7 @@ void Encrypt(const fs::path& from, const fs::path& to) {
   NORVIK_ERROR(boost::format("Unable to encrypt %1% from %2%") % to.string() % from.string());
 }
 
-/// Deliberately without a limit: no readable copy of a document may stay behind.
+/// Deliberately without a limit: no readable copy of a document may remain.
 void RemoveTempFile(const fs::path& file) {
   for (int attempt = 1;; ++attempt) {
     boost::system::error_code error;

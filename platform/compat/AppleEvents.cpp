@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/FourCharacters.h"
-#include "platform/Rehearsal.h"
+#include "platform/SystemChanges.h"
 #include "platform/compat/SentAppleEvents.h"
 
 namespace {
@@ -90,11 +90,9 @@ void SetAppleEventAnswer(std::int32_t status) {
   outgoing.answer = status;
 }
 
-int RehearseAppleEvent(const std::string& text) {
+int RealSystemChanges::AppleEventError() {
   Outgoing& outgoing = TheOutgoing();
   const std::lock_guard<std::mutex> lock(outgoing.mutex);
-  const bool refused = outgoing.answer != noErr;
-  NoteStep({RehearsedStep::APPLE_EVENT, text, "", refused ? "nothing here takes it" : ""});
   return outgoing.answer;
 }
 

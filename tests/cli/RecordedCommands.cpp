@@ -1,49 +1,48 @@
 #include "cli/RecordedCommands.h"
 
-// The functions here stand before the libraries' own of the same names, which they then call. Only
-// this system's loader has a program's functions replace those that its libraries call.
+// `system` here is called in place of the library's own, which it then calls. Only this system's
+// loader lets a program's functions replace those that its libraries call.
 #ifdef __linux__
 
 #include <dlfcn.h>
 
 #include <stdexcept>
 
-#include "common/commands/CommandRunner.h"
+#include "platform/SystemChanges.h"
 
 namespace {
 
 std::vector<std::string>* record = nullptr;
 
-void Note(const std::string& text) {
-  if (record) record->push_back(text);
-}
-
-template <class Function>
-Function* Replaced(const char* name) {
-  auto* const function = reinterpret_cast<Function*>(name ? ::dlsym(RTLD_NEXT, name) : nullptr);
-  if (!function) throw std::logic_error("a function that is recorded cannot be found");
-  return function;
-}
+/// Records lines for the shell, and runs them.
+struct ShellLines final : Norvik::Platform::RealSystemChanges {
+  Norvik::Platform::ChildResult Run(const Norvik::Platform::ChildCommand& command) override {
+    if (command.isShellLine) record->push_back("ExecCommand: " + command.words.back());
+    return RealSystemChanges::Run(command);
+  }
+};
 
 }  // namespace
 
 extern "C" int system(const char* command) {
-  Note(std::string("system: ") + (command ? command : ""));
-  return Replaced<int(const char*)>("system")(command);
-}
-
-std::string Norvik::Common::CommandRunner::ExecCommand(const std::string& command) {
-  Note("ExecCommand: " + command);
-  Dl_info self{};
-  ::dladdr(reinterpret_cast<void*>(&CommandRunner::ExecCommand), &self);
-  return Replaced<std::string(const std::string&)>(self.dli_sname)(command);
+  using System = int(const char*);
+  if (record && command) record->push_back(std::string("system: ") + command);
+  auto* const real = reinterpret_cast<System*>(::dlsym(RTLD_NEXT, "system"));
+  if (!real) throw std::logic_error("the library's own system() cannot be found");
+  return real(command);
 }
 
 namespace Norvik::Tests {
 
-RecordedCommands::RecordedCommands() { record = &texts_; }
+RecordedCommands::RecordedCommands() {
+  record = &texts_;
+  Platform::SetSystemChanges(std::make_shared<ShellLines>());
+}
 
-RecordedCommands::~RecordedCommands() { record = nullptr; }
+RecordedCommands::~RecordedCommands() {
+  Platform::SetSystemChanges(nullptr);
+  record = nullptr;
+}
 
 }  // namespace Norvik::Tests
 

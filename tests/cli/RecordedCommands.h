@@ -5,9 +5,9 @@
 
 namespace Norvik::Tests {
 
-/// Keeps the text of each command that anything in this process runs by `CommandRunner` or
-/// `system`, in order, for as long as it lives: "ExecCommand: ..." or "system: ...". The commands
-/// run all the same. One at a time; look at the texts when no command runs.
+/// As long as it lives, records each line that this process runs through a shell, in order:
+/// "ExecCommand: ..." for those of `CommandRunner`, "system: ..." for those of `system`. The lines
+/// do run. One at a time; read the texts when no command runs.
 class RecordedCommands {
  public:
   RecordedCommands();

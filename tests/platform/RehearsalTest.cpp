@@ -4,7 +4,6 @@
 
 #include <boost/algorithm/string/replace.hpp>
 #include <cerrno>
-#include <cstdio>
 
 #include "platform/ChildProcess.h"
 #include "support/Cases.h"
@@ -16,7 +15,7 @@ namespace {
 namespace fs = boost::filesystem;
 using testing::ElementsAre;
 
-TEST(Rehearsal, TellsOfEachRemovalHowItWouldEnd) {
+TEST(Rehearsal, ReportsHowEachRemovalWouldEnd) {
   const Tests::TemporaryFolder folder;
   for (const char* name : {"full", "empty", "shut/inner", "real"}) {
     fs::create_directories(folder / name);
@@ -26,22 +25,23 @@ TEST(Rehearsal, TellsOfEachRemovalHowItWouldEnd) {
   fs::create_symlink("gone", folder / "loose");
   fs::permissions(folder / "shut", fs::owner_read | fs::owner_exe);
   const auto names = Tests::DataOf("platform/rehearsed.json")["removed in this order"];
-  std::vector<int> told;
+  std::vector<int> rehearsed;
   {
     const Rehearsal rehearsal;
     for (const std::string name : names) {
-      told.push_back(RehearseRemoval((folder / name).string()) ? 0 : errno);
+      const int result = GetSystemChanges()->Remove((folder / name).string());
+      rehearsed.push_back(result == 0 ? 0 : errno);
     }
     EXPECT_EQ(rehearsal.Steps().size(), names.size());
   }
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const int result = std::remove((folder / names[i].get<std::string>()).c_str());
-    EXPECT_EQ(told[i], result == 0 ? 0 : errno) << i << " " << names[i];
+    const int result = GetSystemChanges()->Remove((folder / names[i].get<std::string>()).string());
+    EXPECT_EQ(rehearsed[i], result == 0 ? 0 : errno) << i << " " << names[i];
   }
   fs::permissions(folder / "shut", fs::owner_all);
 }
 
-TEST(Rehearsal, TellsOfEachProgramWhetherItWouldStart) {
+TEST(Rehearsal, ReportsWhetherEachProgramWouldStart) {
   const Tests::TemporaryFolder folder;
   Tests::WriteFile(folder / "text", "#!/bin/sh\n");
   Tests::WriteFile(folder / "tool", "#!/bin/sh\necho > \"$0.ran\"\n");
@@ -50,21 +50,21 @@ TEST(Rehearsal, TellsOfEachProgramWhetherItWouldStart) {
     ChildCommand command;
     words.get_to(command.words);
     for (auto& word : command.words) boost::replace_all(word, "$", folder.Path().string());
-    ChildResult told;
+    ChildResult rehearsed;
     {
       const Rehearsal rehearsal;
-      told = RunChild(command);
+      rehearsed = RunChild(command);
       EXPECT_FALSE(fs::exists(folder / "tool.ran"));
     }
     const ChildResult done = RunChild(command);
     fs::remove(folder / "tool.ran");
-    EXPECT_EQ(told.started, done.started) << words;
-    EXPECT_EQ(told.problem, done.problem) << words;
-    EXPECT_EQ(told.exitCode, done.exitCode) << words;
+    EXPECT_EQ(rehearsed.started, done.started) << words;
+    EXPECT_EQ(rehearsed.problem, done.problem) << words;
+    EXPECT_EQ(rehearsed.exitCode, done.exitCode) << words;
   }
 }
 
-TEST(Rehearsal, RunsWhatOnlyAsksAndWritesDownItsWords) {
+TEST(Rehearsal, RunsQueriesAndNotesTheirWords) {
   const Rehearsal rehearsal;
   EXPECT_THROW(Rehearsal(), std::logic_error);
   std::string output;
@@ -72,7 +72,7 @@ TEST(Rehearsal, RunsWhatOnlyAsksAndWritesDownItsWords) {
   command.words = {"echo", "it's", ""};
   command.onOutput = [&](std::string_view piece) { output += piece; };
   RunChild(command);
-  command.onlyAsks = true;
+  command.isQuery = true;
   RunChild(command);
   EXPECT_EQ(output, "it's \n");
   const auto steps = rehearsal.Steps();

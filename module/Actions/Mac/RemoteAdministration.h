@@ -8,12 +8,12 @@
 
 namespace Norvik::KOB {
 
-/// Answer to an operation that this system does not have.
+/// Response text of an operation that this system does not have.
 extern const std::string NOT_SUPPORTED_OPERATION;
 
-/// Answers an operator's requests to this machine. A handler reads named parameters, does one job,
+/// Serves an operator's requests to this machine. A handler reads named parameters, does one job,
 /// and says in the response's text why it failed; those that serve programmed tasks report the
-/// task's state as well. A parameter that is no text lets `boost::bad_get` out.
+/// task's state as well. They throw `boost::bad_get` for a parameter that is no text.
 class RemoteAdministration final : public Common::ActionPerformerBase {
  public:
   using Response = Common::ActionResponse;
@@ -22,7 +22,7 @@ class RemoteAdministration final : public Common::ActionPerformerBase {
   RemoteAdministration(std::weak_ptr<Common::ModuleDependencies> dependencies,
                        const Common::ActionFactory& factory, Common::HandlerMap& handlers);
 
-  /// Refused like the other registry operations. Deliberately without an action code.
+  /// Refuses like the other registry operations. Deliberately without an action code.
   Response CreateRegistryValue(Parameters& parameters);
 
  private:
@@ -63,12 +63,12 @@ class RemoteAdministration final : public Common::ActionPerformerBase {
 
   void ReportStarted(Parameters& parameters);
   void ReportFinished(Parameters& parameters);
-  /// Reports the task as failed for a reason, which becomes the response's text.
+  /// Reports the task as failed. The reason becomes the response's text.
   void Fail(Parameters& parameters, Response& response, const std::string& reason);
   /// What shutting down and restarting have in common.
   Response ChangePower(Parameters& parameters, unsigned int event, const char* failure);
 
-  std::mutex uninstallLock_;  ///< held through `UninstallSoftware`
+  std::mutex uninstallLock_;  ///< held during the whole of `UninstallSoftware`
 };
 
 }  // namespace Norvik::KOB

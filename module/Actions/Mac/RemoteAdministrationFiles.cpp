@@ -9,13 +9,14 @@
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
 
+#include "common/files/DeleteExtension.h"
 #include "common/log/Logger.h"
 #include "common/text/Dates.h"
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/SystemChanges.h"
 #include "platform/MachinePath.h"
+#include "platform/SystemChanges.h"
 
 namespace Norvik::KOB {
 
@@ -32,7 +33,7 @@ wxString OnMachine(const wxString& path) {
   return Common::WxStringFromStdString(Platform::MachinePath(Common::ToUtf8(path)));
 }
 
-/// Opens a folder that is to be listed. The response says why it could not.
+/// Opens a folder to be listed. If it cannot be opened, the response says why.
 bool OpenFolder(const wxFileName& requested, const wxString& path, wxDir& folder,
                 Common::ActionResponse& response) {
   if (!requested.Exists(wxFILE_EXISTS_ANY)) {
@@ -40,14 +41,14 @@ bool OpenFolder(const wxFileName& requested, const wxString& path, wxDir& folder
     return false;
   }
   if (folder.Open(path)) return true;
-  // The sign is U+00B4, an acute accent: servers know the text with it.
+  // Deliberately U+00B4, an acute accent: servers expect the text with it.
   response.text = "File couldn\u00B4t be opened";
   return false;
 }
 
-/// A file that has gone meanwhile gets no row, one without a time a shorter one.
+/// A file that no longer exists gets no row, one without a time a shorter row.
 void AddFileRow(const wxString& folder, const wxString& name, Common::ActionResponseTable& table) {
-  // One look for all, because folders may be large.
+  // One call for all columns, because folders may be large.
   wxStructStat status;
   if (wxStat(wxFileName(folder, name).GetFullPath(), &status) != 0) return;
   if (!S_ISREG(status.st_mode)) return;
@@ -59,7 +60,11 @@ void AddFileRow(const wxString& folder, const wxString& name, Common::ActionResp
 
 bool DeleteOne(const wxString& path) {
   const wxFileName file(OnMachine(path));
-  return file.IsOk() && RemoveFile(file.GetFullPath());
+  if (!file.IsOk()) return false;
+  const wxString fullPath = file.GetFullPath();
+  const auto name = fullPath.fn_str();
+  // Null if the file system's encoding cannot hold the path.
+  return name.data() && Platform::GetSystemChanges()->Remove(name.data()) == 0;
 }
 
 bool IsFolder(const fs::path& path) {
@@ -71,7 +76,7 @@ void WarnOfMissing(const char* folder) {
   NORVIK_WARNING(boost::format("Directory %1% does not exist or is not accessible") % folder);
 }
 
-/// The folders of the users, up to where they can be read.
+/// Adds the folders of the users, up to a read error.
 void AddUserFolders(std::vector<fs::path>& folders) {
   const fs::path users = Platform::MachinePath(USERS);
   if (!IsFolder(users)) {
@@ -133,8 +138,8 @@ Common::ActionResponse RemoteAdministration::ListFolders(Parameters& parameters)
   wxString name;
   bool found = folder.GetFirst(&name, "*", wxDIR_DIRS | wxDIR_HIDDEN);
   for (; found; found = folder.GetNext(&name)) {
-    // Deliberately of the requested path, and so the same for all entries; of a path that does not
-    // end in "/" it is the folder above that is looked at.
+    // Deliberately a check of the requested path, with one result for all entries. For a path that
+    // does not end in "/" it checks the parent folder.
     requested.DontFollowLink();
     if (requested.DirExists()) {
       AddTextRow(response.table, {Common::ToUtf8(name)});
@@ -154,7 +159,7 @@ Common::ActionResponse RemoteAdministration::DeleteFile(Parameters& parameters) 
   const wxLogNull quiet;
   std::string results;
   bool allGood = true;
-  // Deliberately an index of 16 bits: a request of more files than it counts never ends.
+  // Deliberately a 16-bit index: a request with more files than it can count never ends.
   // NOLINTNEXTLINE(bugprone-too-small-loop-variable)
   for (unsigned short i = 0; i < files.size(); ++i) {
     if (files[i].empty()) continue;
@@ -181,7 +186,9 @@ Common::ActionResponse RemoteAdministration::DeleteExtension(Parameters& paramet
   }
   const std::vector<fs::path> folders = FoldersToSweep();
   NORVIK_INFORMATION(boost::format("Delete extension %s started") % extension);
-  for (const auto& folder : folders) RemoveExtension(extension, folder, protectedFolders);
+  for (const auto& folder : folders) {
+    Common::DeleteExtensionInPath(extension, folder, protectedFolders);
+  }
   NORVIK_INFORMATION(boost::format("Delete extension %s finished") % extension);
   ReportFinished(parameters);
   return response;

@@ -10,13 +10,14 @@
 #include <exception>
 #include <utility>
 
+#include "common/commands/Execute.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
-#include "module/Actions/Mac/ProcessText.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/SystemChanges.h"
+#include "module/Actions/Mac/ToolText.h"
 #include "module/ProcessIds.h"
+#include "platform/SystemChanges.h"
 #include "platform/Task.h"
 
 namespace Norvik::KOB {
@@ -29,7 +30,7 @@ namespace {
 
 using TextCall = int (*)(int processId, void* buffer, std::uint32_t size);
 
-std::string AskForText(TextCall call, int processId, const char* what) {
+std::string TextOf(TextCall call, int processId, const char* what) {
   char buffer[PROC_PIDPATHINFO_MAXSIZE] = {};
   if (call(processId, buffer, sizeof(buffer)) <= 0) {
     NORVIK_ERROR(boost::format("PID %1%: process %2% unknown") % std::to_string(processId) % what);
@@ -38,7 +39,7 @@ std::string AskForText(TextCall call, int processId, const char* what) {
   return Common::EncodeUtf8Characters(std::string(buffer, ::strnlen(buffer, sizeof(buffer))));
 }
 
-/// Bytes; below 1 if it cannot be told.
+/// Bytes of memory; below 1 if the size cannot be read.
 std::int64_t MachineMemory() {
   int name[] = {CTL_HW, HW_MEMSIZE};
   std::int64_t size = 0;
@@ -58,6 +59,16 @@ std::pair<std::string, std::string> MemoryOf(int processId) {
           PercentText(usage.ri_phys_footprint, MachineMemory())};
 }
 
+/// A program to start, as a request describes it.
+struct ProcessRequest {
+  wxString command;
+  wxString type;  ///< "0" as the agent, "1" as a user, "2" in the user's session, "3" in a session
+  wxString name;
+  wxString password;
+  wxString domain;
+  wxString id;  ///< of a session
+};
+
 /// Reads in the order of the table, up to the first parameter that is missing or no text.
 ProcessRequest ReadProcessRequest(Common::ActionParameters& parameters) {
   ProcessRequest request;
@@ -72,7 +83,30 @@ ProcessRequest ReadProcessRequest(Common::ActionParameters& parameters) {
   return request;
 }
 
-/// 0 also if the start raised: deliberately no failure, as the server counts it.
+/// Runs the program and waits for its end. 0 also for an unknown type and for a session that is no
+/// number: nothing runs then. Throws what the start throws.
+int StartProcess(const ProcessRequest& request) {
+  long type = 0;
+  long session = 0;
+  if (!request.type.ToLong(&type, 10)) return 0;
+  Common::Execute program(request.command);
+  switch (type) {
+    case 0:
+      return program.Run("");
+    case 1:
+      return program.RunAs(request.name, request.domain, request.password, "");
+    case 2:
+      return program.RunAs(nullptr, 0);
+    case 3:
+      // Deliberately cut to 16 bits: sessions have such numbers at the host's interface.
+      return request.id.ToLong(&session, 10) ? program.RunAs(nullptr, static_cast<short>(session))
+                                             : 0;
+    default:
+      return 0;
+  }
+}
+
+/// 0 also if the start throws: deliberately no failure for the server.
 int TryStart(const ProcessRequest& request) {
   int result = 0;
   try {
@@ -94,8 +128,8 @@ Common::ActionResponse RemoteAdministration::ListProcesses(Parameters&) {
   for (const std::int32_t id : ProcessIds()) {
     if (id == 0) continue;
     const std::string number = std::to_string(id);
-    const std::string name = AskForText(::proc_name, id, "name");
-    const std::string path = AskForText(::proc_pidpath, id, "path");
+    const std::string name = TextOf(::proc_name, id, "name");
+    const std::string path = TextOf(::proc_pidpath, id, "path");
     const std::string share =
         ReadProcessorShare(Platform::RunTask("/bin/ps", {"-o", "%cpu", "-p", number}));
     const auto [memory, percent] = MemoryOf(id);
@@ -130,9 +164,11 @@ Common::ActionResponse RemoteAdministration::KillProcess(Parameters& parameters)
   NORVIK_SCOPE();
   Response response;
   if (!Requires(parameters, "id", response)) return response;
-  // Deliberately without a look at the number: what is none is 0, the agent's own process group.
+  // Deliberately no check of the number: a text that is none gives 0, the agent's process group.
   const int processId = std::atoi(ReadText(parameters, "id").c_str());
-  if (SendSignal(processId, SIGKILL) != 0) response.text = ::strerror(errno);
+  if (Platform::GetSystemChanges()->Kill(processId, SIGKILL) != 0) {
+    response.text = ::strerror(errno);
+  }
   return response;
 }
 

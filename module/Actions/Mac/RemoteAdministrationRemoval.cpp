@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "common/commands/CommandRunner.h"
+#include "common/files/DeleteExtension.h"
 #include "common/files/Paths.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
@@ -11,16 +12,16 @@
 #include "module/ActionPeriods.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/Mac/ShareText.h"
-#include "module/Actions/SystemChanges.h"
+#include "module/Actions/Mac/ToolText.h"
+#include "module/Actions/ShellLine.h"
 #include "module/Actions/Unix/UnixPrinters.h"
 #include "module/Actions/ZebAgentUninstaller.h"
-#include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
 
 namespace {
 
+using Common::CommandRunner;
 using Common::Paths;
 using Common::TaskResponseInfo;
 using std::chrono::seconds;
@@ -29,16 +30,9 @@ std::string Filled(const char* format, const std::string& argument) {
   return (boost::format(format) % argument).str();
 }
 
-/// What is listed behind the removal of a share.
-std::string ListShares(const std::string& removed) {
-  const std::string listing = Common::CommandRunner::ExecCommand("sharing -l");
-  // A rehearsal has removed nothing, and takes it that the tool would.
-  return Platform::IsRehearsed() ? WithoutShare(listing, removed) : listing;
-}
-
 void RemoveDocuments(const Paths::Type& type) {
   const boost::filesystem::path folder = Paths(type, true).AppData();
-  RemoveExtension(".jsonkob", folder, {folder / ".", folder / ".."});
+  Common::DeleteExtensionInPath(".jsonkob", folder, {folder / ".", folder / ".."});
 }
 
 }  // namespace
@@ -61,7 +55,7 @@ Common::ActionResponse RemoteAdministration::RemovePrinter(Parameters& parameter
     ReportFinished(parameters);
     RunOneShotAction(ACTION_INCREMENTAL_INVENTORY, SECONDS_GET_INVENTORY, nullptr);
   } else {
-    // Deliberately not in the response: only the task's state tells of it.
+    // Deliberately not in the response: only the task's state reports it.
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED,
                                 Filled("Failed to remove printer: %1%", name).c_str());
   }
@@ -74,14 +68,17 @@ Common::ActionResponse RemoteAdministration::RemoveSharedResources(Parameters& p
   ReportStarted(parameters);
   if (!Requires(parameters, "name", response)) return response;
   const std::string name = ReadText(parameters, "name");
-  const std::string output = RunShell(ShellLine("sharing -r  \"%1%\" ", name));
+  const auto removal = CommandRunner::ExecChange(ShellLine("sharing -r  \"%1%\" ", name));
   NORVIK_INFORMATION(Filled("Removing the shared resource: %1%", name));
-  if (output.find("unable") != std::string::npos) {
-    Fail(parameters, response, Filled("Command execution failed: %1%", output));
+  if (removal.output.find("unable") != std::string::npos) {
+    Fail(parameters, response, Filled("Command execution failed: %1%", removal.output));
     return response;
   }
-  // Deliberately anywhere in the listing: a name that is part of another word counts as there.
-  if (ListShares(name).find(name) != std::string::npos) {
+  std::string listing = CommandRunner::ExecCommand("sharing -l");
+  // A removal that was only noted counts as done.
+  if (removal.onlyNoted) listing = WithoutShare(listing, name);
+  // Deliberately anywhere in the listing: a name that is part of another word counts as listed.
+  if (listing.find(name) != std::string::npos) {
     Fail(parameters, response, Filled("It was not possible to remove the resource: %1%", name));
     NORVIK_WARNING(
         "It was not possible to remove the resource; therefore, no inventory was taken.");
@@ -100,7 +97,7 @@ Common::ActionResponse RemoteAdministration::UninstallSoftware(Parameters& param
   if (!parameters.Exist("type")) parameters.Set("type", wxString("0"));
   Response response = RunProcess(parameters);
   if (response.success) {
-    // Deliberately a second time: running the process has told it already.
+    // Deliberately a second time: running the process has reported it already.
     ReportFinished(parameters);
     RunOneShotAction(Common::COMMON_ACTION_SOFTWARE_CHANGES, seconds(0), nullptr);
   }
@@ -122,22 +119,22 @@ Common::ActionResponse RemoteAdministration::UninstallAgentWithCheck(Parameters&
   if (const auto system = identification.lock()) local = system->GetAgentIdentifier();
   if (!local) return abortWithError("Uninstall aborted: parameters not available");
 
-  const std::string meant = ReadText(parameters, "Guid");
-  if (meant != *local) {
+  const std::string requested = ReadText(parameters, "Guid");
+  if (requested != *local) {
     NORVIK_WARNING(boost::format("Uninstall aborted: Untrusted action. parameters validation "
                                  "failed. Param=%1% Local=%2%") %
-                   meant % *local);
+                   requested % *local);
     return abort("Untrusted action: parameters validation failed");
   }
   ZebAgentUninstaller().UninstallZebAgent();
   NORVIK_INFORMATION("Starting agent uninstall");
-  RunShell("sh /opt/local/norvik/UninstallAgent.sh &");
+  CommandRunner::ExecChange("sh /opt/local/norvik/UninstallAgent.sh &");
   return {};
 }
 
 Common::ActionResponse RemoteAdministration::UninstallAgentWithoutCheck(Parameters&) {
   NORVIK_SCOPE();
-  // In spite of the action's name the agent deliberately stays: only documents go.
+  // In spite of the action's name the agent deliberately stays: only documents are removed.
   RemoveDocuments(Paths::OUTBOX);
   RemoveDocuments(Paths::PREVIOUS_INVENTORY);
   return {};

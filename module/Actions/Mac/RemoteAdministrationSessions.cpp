@@ -12,10 +12,9 @@
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/SystemChanges.h"
 #include "platform/FourCharacters.h"
 #include "platform/LoginRecords.h"
-#include "platform/Rehearsal.h"
+#include "platform/SystemChanges.h"
 
 namespace Norvik::KOB {
 
@@ -29,7 +28,7 @@ constexpr std::uint32_t LOG_OUT = FourCharacters("rlgo");
 constexpr std::uint32_t SHUT_DOWN = FourCharacters("shut");
 constexpr std::uint32_t RESTART = FourCharacters("rest");
 constexpr std::uint32_t PROCESS_NUMBER_TYPE = FourCharacters("psn ");
-/// High and low word of the number under which the system itself takes events.
+/// High and low word of the process number at which the system itself receives events.
 constexpr std::uint32_t SYSTEM_PROCESS[] = {0, 1};
 
 struct EventDescriptor {
@@ -41,7 +40,7 @@ struct EventDescriptor {
   AEDesc value{FourCharacters("null"), nullptr};
 };
 
-/// 0, or the status of the step that failed. Under a rehearsal the event is made but not sent.
+/// 0, or the status of the step that failed.
 OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
   EventDescriptor event;
   {
@@ -53,11 +52,8 @@ OSStatus SendAppleEventToSystemProcess(unsigned int eventId) {
                                   kAnyTransactionID, &event.value);
     if (status != noErr) return status;
   }
-  if (Platform::IsRehearsed()) {
-    return Platform::RehearseAppleEvent(CharactersOf(EVENT_CLASS) + " " + CharactersOf(eventId));
-  }
-  EventDescriptor reply;
-  return ::AESendMessage(&event.value, &reply.value, kAENoReply, kAEDefaultTimeout);
+  return Platform::GetSystemChanges()->SendAppleEvent(
+      event.value, CharactersOf(EVENT_CLASS) + " " + CharactersOf(eventId));
 }
 
 template <std::size_t size>
@@ -115,7 +111,7 @@ Common::ActionResponse RemoteAdministration::Restart(Parameters& parameters) {
 Common::ActionResponse RemoteAdministration::ChangePower(Parameters& parameters, unsigned int event,
                                                          const char* failure) {
   Response response;
-  // Told first, because there may be no time left behind the event; and once more deliberately.
+  // Reported first, because there may be no time left after the event; deliberately again below.
   ReportFinished(parameters);
   if (SendAppleEventToSystemProcess(event) != 0) {
     Fail(parameters, response, failure);
@@ -130,7 +126,7 @@ Common::ActionResponse RemoteAdministration::SynchronizeTime(Parameters& paramet
   Response response;
   ReportStarted(parameters);
   if (!Requires(parameters, "date", response)) {
-    // Deliberately finished, not failed: the server does not repeat what it formed wrongly.
+    // Deliberately finished, not failed: the server does not repeat a malformed request.
     ReportFinished(parameters);
     return response;
   }
@@ -140,7 +136,7 @@ Common::ActionResponse RemoteAdministration::SynchronizeTime(Parameters& paramet
   time.tv_sec =
       std::chrono::system_clock::to_time_t(Common::UTCStringToTimePoint(date, "%Y%m%d%H%M%S"));
   NORVIK_DETAIL(boost::format("Hora %1%") % std::to_string(time.tv_sec));
-  const int result = SetClock(time);
+  const int result = Platform::GetSystemChanges()->SetClock(time);
   if (result == 0) {
     ReportFinished(parameters);
     return response;

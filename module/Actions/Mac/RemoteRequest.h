@@ -12,10 +12,10 @@ namespace Norvik::KOB {
 bool Requires(const Common::ActionParameters& parameters, const char* name,
               Common::ActionResponse& response);
 
-/// A parameter in UTF-8. Raises `boost::bad_get` if it is no text.
+/// A parameter in UTF-8. Throws `boost::bad_get` if it is no text.
 std::string ReadText(Common::ActionParameters& parameters, const char* name);
 
-/// Puts the titles in the table's first row.
+/// Makes the titles the table's first row.
 void AddTitles(Common::ActionResponseTable& table, const std::vector<std::string>& titles);
 void AddTextRow(Common::ActionResponseTable& table, const std::vector<std::string>& cells);
 

@@ -5,8 +5,7 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "module/Actions/SystemChanges.h"
-#include "platform/Rehearsal.h"
+#include "module/Actions/ShellLine.h"
 
 namespace Norvik::KOB {
 
@@ -26,10 +25,10 @@ bool UnixPrinters::RemovePrinter(std::string& name) {
     return false;
   }
   NORVIK_INFORMATION(boost::format("Removing printer %1%.") % name);
-  RunShell(ShellLine("lpadmin -x %1%", name));
+  const auto removal = Common::CommandRunner::ExecChange(ShellLine("lpadmin -x %1%", name));
   const bool isLeft = CheckPrinter(ListQueues(), name);
-  // A rehearsal has removed nothing, and takes it that the tool would.
-  if (isLeft && !Platform::IsRehearsed()) {
+  // A removal that was only noted counts as done.
+  if (isLeft && !removal.onlyNoted) {
     NORVIK_ERROR(boost::format("The %1% printer could not be removed.") % name);
     return false;
   }

@@ -4,8 +4,8 @@
 
 namespace Norvik::KOB::V2 {
 
-/// A part of a record that hardly any record has: takes the room of a pointer while it is not made.
-/// Copies are deep, moves leave none.
+/// A part that few records have: as long as it is not made it needs the space of a pointer only.
+/// Copies are deep; a move leaves the source without a value.
 template <class T>
 class Rare {
  public:
@@ -16,17 +16,17 @@ class Rare {
   Rare& operator=(Rare&&) noexcept = default;
   ~Rare() = default;
 
-  /// The value, an empty one if there is none.
+  /// The value; an empty one if it was not made.
   const T& Get() const {
     static const T none;
     return value_ ? *value_ : none;
   }
-  /// The value, made if there is none.
+  /// The value, which is made if necessary.
   T& Make() {
     if (!value_) value_ = std::make_unique<T>();
     return *value_;
   }
-  /// Null if there is none.
+  /// The value; null if it was not made.
   T* Find() { return value_.get(); }
   void Clear() { value_.reset(); }
 

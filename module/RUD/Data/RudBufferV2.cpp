@@ -18,7 +18,7 @@ RudBuffer::RudBuffer(unsigned long capacity) {
 }
 
 std::uint32_t RudBuffer::AddExtension(const std::string& extension) {
-  // Deliberately without a look for the key: of two configured spellings the last one's id stands.
+  // Deliberately without a search for the key: two configured spellings share the last one's id.
   return extensions_[extension] = nextExtensionId_++;
 }
 

@@ -9,13 +9,13 @@
 
 namespace Norvik::KOB::V2 {
 
-/// One scan of the disk, on its way from the walk to the store. Paths, extensions and companies are
-/// kept once each, under ids of this buffer. A copy is deep. Use it on one thread.
+/// The result of one scan of the disk, until it is stored. Paths, extensions and companies are kept
+/// once each, under ids of this buffer. A copy is deep. Use it on one thread.
 class RudBuffer {
  public:
   using Ids = std::unordered_map<std::string, std::uint32_t>;
 
-  /// @param capacity files and paths to make room for; not a limit
+  /// @param capacity number of files and of paths to reserve memory for; not a limit
   explicit RudBuffer(unsigned long capacity);
 
   void Insert(const RudFileInfo& file) { files_.push_back(file); }
@@ -23,14 +23,14 @@ class RudBuffer {
   std::vector<RudFileInfo>& GetBufferFile() { return files_; }
   Ids& GetBufferExtension() { return extensions_; }
   Ids& GetBufferPath() { return paths_; }
-  /// Always holds the empty company, with the id 0.
+  /// Always holds the empty company, under the id 0.
   Ids& GetBufferCompany() { return companies_; }
 
-  /// Gives the key a new id, also if it has one already.
+  /// Adds the key under a new id, which also replaces the id of a key that is there already.
   std::uint32_t AddExtension(const std::string& extension);
-  /// Raises `std::out_of_range` for a key that was never added.
+  /// Throws `std::out_of_range` for a key that was never added.
   std::uint32_t GetIdExtension(const std::string& extension) const;
-  /// The id of the key, a new one at first sight.
+  // The id of the key, which is added if it is not there yet.
   std::uint32_t AddParentPath(const std::string& path);
   std::uint32_t AddCompanyName(const std::string& company);
 

@@ -17,7 +17,7 @@ using Common::V2::DataBase;
 using Common::V2::DataBaseValue;
 using std::chrono::steady_clock;
 
-/// State of each file in its table. Readers take the state from the query that found the file.
+/// State of each file in its table. It has no meaning: the query that finds a file gives its state.
 constexpr int FILE_STATE = 1;
 
 std::string TimePointToString(TimePointStatus point) {
@@ -32,7 +32,7 @@ std::string TimePointToString(TimePointStatus point) {
   return "unknown";
 }
 
-/// Runs a step; what it raises is logged and answered by the fallback.
+/// Runs a step. If it throws, the error is logged and the result is the fallback.
 template <class Result, class Step>
 Result Try(const char* failure, Result fallback, Step step) {
   try {
@@ -47,13 +47,13 @@ RudDataSource::Rows Read(const char* sentence, const char* failure) {
   return Try(failure, RudDataSource::Rows(), [&] { return DataBase().ExecuteSentence(sentence); });
 }
 
-/// The only escaping of texts: a server of this system expects blanks.
+/// The only escaping of texts. Deliberately blanks: servers expect them.
 std::string& WithoutApostrophes(std::string& text) {
   for (auto at = text.find('\''); at != std::string::npos; at = text.find('\'', at)) text[at] = ' ';
   return text;
 }
 
-/// Runs the inserts of one table in one transaction, which a failure takes back.
+/// Runs the inserts of one table in one transaction, which a failure rolls back.
 template <class Inserts>
 void InsertAll(const Sentences::Insert& insert, Inserts inserts) {
   Try(insert.failure, false, [&] {
@@ -104,7 +104,7 @@ void Fill(std::vector<DataBaseValue>& values, RudFileInfo& file) {
 
 void InsertFiles(const Sentences::Insert& insert, std::vector<RudFileInfo>& files) {
   InsertAll(insert, [&](DataBase& dataBase, const std::string& sentence) {
-    // Kept from row to row: a text is assigned into the memory of the one before it.
+    // Reused from row to row, which saves allocations of texts.
     std::vector<DataBaseValue> values(13);
     for (auto& file : files) {
       Fill(values, file);

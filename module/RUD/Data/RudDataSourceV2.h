@@ -5,28 +5,28 @@
 
 namespace Norvik::KOB::V2 {
 
-/// How far a file inventory has come.
+/// State of a file inventory.
 enum RudStatus : int {
   RudStatusNone = 1,      ///< no run has been recorded
-  RudStatusFinished = 2,  ///< the last run ended, well or badly
-  RudStatusScanning = 3,  ///< the folders are walked
-  RudStatusSaving = 4,    ///< results are written to the store
-  RudStatusPrinting = 5,  ///< the document is made
+  RudStatusFinished = 2,  ///< the last run has ended, with or without success
+  RudStatusScanning = 3,  ///< the folders are being walked
+  RudStatusSaving = 4,    ///< results are being written to the store
+  RudStatusPrinting = 5,  ///< the document is being made
 };
 
 /// Which of a run's times a transition records.
 enum TimePointStatus : int { DateBegin = 0, DateModified = 1, DateEnd = 2 };
 
-/// Store of the file inventory in the agent database: the state of the run, the last full picture
-/// of the disk (main tables) and the one of a running incremental inventory ("_TEMP" tables).
-/// No failure of the store raises: it is logged as an error and answered by `RudStatusNone`, false
-/// or no rows.
+/// Store of the file inventory in the agent database: the state of the run, the files of the last
+/// inventory (main tables) and those of a running incremental one ("_TEMP" tables). A failure of
+/// the store throws nothing: it is logged as an error, and the result is `RudStatusNone`, false or
+/// no rows.
 class RudDataSource {
  public:
   using Rows = Common::V2::DataBaseRows;
 
-  /// Columns of the rows that the readers answer; each comes from one generation of tables, in no
-  /// promised order.
+  /// Columns of the rows that the readers return. A row comes from one set of tables; the order of
+  /// the rows is not defined.
   enum Column : unsigned int {
     FileState,         ///< int
     Path,              ///< string
@@ -44,22 +44,22 @@ class RudDataSource {
 
   /// State of the current or last run.
   static RudStatus GetStatus();
-  /// Records a transition and the one time that it names (seconds since the epoch); the other times
-  /// keep their values.
+  /// Records a new state and one time, in seconds since the epoch; the other two times keep their
+  /// values.
   static bool SetStatus(RudStatus status, long time, TimePointStatus point);
 
-  /// Replaces the content of the main tables, or of the "_TEMP" ones. Apostrophes in the buffer's
-  /// texts become blanks. True also if an insert failed: its table is then empty. An interruption
-  /// leaves tables empty as well.
+  /// Replaces the content of the main tables, or of the "_TEMP" ones if `incremental`. Apostrophes
+  /// in the buffer's texts become blanks. True also if an insert failed: its table is then empty,
+  /// as tables are after an interruption.
   static bool SaveBuffer(RudBuffer& buffer, const bool& incremental);
 
   /// Every file of the main tables.
   static Rows GetLastInventory();
-  /// The same one by one, without holding them all. False after a failure, which may come when some
-  /// were visited. Raises what the visitor raises.
+  /// The same one by one, without keeping all in memory. False after a failure, which may occur
+  /// after some rows were visited. Throws what the visitor throws.
   static bool VisitLastInventory(const Common::V2::RowVisitor& visit);
-  // Differences of the "_TEMP" tables from the main ones: files by their path, changed ones by
-  // their time. Removed files come with their old values.
+  // Differences of the "_TEMP" tables from the main ones: files are compared by their paths, and
+  // have changed if their times differ. Removed files have the values of the main tables.
   static Rows getNewFiles();
   static Rows getRemoveFiles();
   static Rows getModifiedFiles();

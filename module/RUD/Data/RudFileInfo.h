@@ -6,7 +6,7 @@
 
 #include "module/RUD/Data/Rare.h"
 
-/// What a file tells about itself, where the system's files do.
+/// Version details that a file holds, on systems whose files have them.
 struct RudFileDetails {
   std::string productName;
   std::string version;  ///< of the product
@@ -15,11 +15,11 @@ struct RudFileDetails {
   std::string fileDescription;
 };
 
-/// One file of a scan. Ids mean something only within the `RudBuffer` that gave them.
+/// One file of a scan. Ids are valid within one `RudBuffer` only.
 struct RudFileInfo {
   std::uint32_t pathId = 0;
   std::uint32_t extensionId = 0;
-  std::uint32_t companyId = 0;        ///< 0: none
+  std::uint32_t companyId = 0;        ///< 0: no company
   std::int64_t lastModification = 0;  ///< milliseconds since the epoch; -1: could not be read
   std::int64_t size = 0;              ///< bytes; 0 also if it could not be read
   bool isExecutable = false;
@@ -28,5 +28,5 @@ struct RudFileInfo {
   Norvik::KOB::V2::Rare<RudFileDetails> details;
 };
 
-// Else a growing vector would copy every file.
+// Otherwise a growing vector would copy every file.
 static_assert(std::is_nothrow_move_constructible_v<RudFileInfo>);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The statements of the file inventory's store.
+/// The SQL of the file inventory's store.
 namespace Norvik::KOB::V2::Sentences {
 
 struct Insert {
@@ -48,7 +48,8 @@ constexpr Generation TEMP = {
      "Unable insert Files Incremental - %1%"},
 };
 
-// Each reads the same twelve columns; a file joins the lookup tables of its own generation.
+// Each selects the same twelve columns, and joins a file with the lookup tables of its own
+// generation.
 
 constexpr char ALL_FILES[] =
     "select LI.id_file_state, FP.path, LI.file_name, FE.extension, LI.size, "

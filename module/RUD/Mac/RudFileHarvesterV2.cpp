@@ -1,6 +1,5 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 
-#include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
 
 namespace Norvik::KOB::V2 {
@@ -16,7 +15,7 @@ void FileHarvester::ConfigureExecutableList() { NORVIK_INFORMATION("NOT IMPLEMEN
 
 long long FileHarvester::GetLastModifiedTime(const Metadata& metadata, const std::string& path,
                                              Messages& messages) {
-  if (!metadata.error) return metadata.facts.lastModification * 1000;
+  if (!metadata.error) return metadata.values.lastModification * 1000;
   messages.emplace_back("last_write_time error", metadata.error.message(), path);
   return -1;
 }
@@ -25,10 +24,10 @@ long long FileHarvester::GetFileSize(const Metadata& metadata, const std::string
                                      Messages& messages) {
   std::error_code error = metadata.error;
   // A pipe or a socket has no size.
-  if (!error && metadata.facts.kind != EntryKind::File) {
+  if (!error && metadata.values.kind != EntryKind::File) {
     error = std::make_error_code(std::errc::operation_not_permitted);
   }
-  if (!error) return metadata.facts.size;
+  if (!error) return metadata.values.size;
   messages.emplace_back("file_size error", error.message(), path);
   return 0;
 }

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <pwd.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include "common/commands/CommandRunner.h"
@@ -56,12 +57,16 @@ TEST(Execute, SaysWhyNothingWasStarted) {
   }
 }
 
-TEST(Execute, RunsAsAUserOrInASessionThatThereIs) {
-  const passwd* const self = ::getpwuid(::geteuid());
-  ASSERT_NE(self, nullptr);
-  Execute execute("id -un");
-  EXPECT_EQ(execute.RunAs(WxStringFromStdString(self->pw_name), "", "", ""), 0);
-  EXPECT_EQ(execute.Output(), std::string(self->pw_name) + "\n");
+TEST(Execute, RunsAsAnExistingUserOrSession) {
+  // Whoever runs the test: only a program of an account gets none of this environment.
+  const passwd* const account = ::geteuid() == 0 ? ::getpwnam("nobody") : ::getpwuid(::geteuid());
+  ASSERT_NE(account, nullptr);
+  const std::string user = account->pw_name;
+  ::setenv("NORVIK_TEST_SECRET", "secret", 1);
+  Execute execute("sh -c 'id -un; echo [$NORVIK_TEST_SECRET]'");
+  EXPECT_EQ(execute.RunAs(WxStringFromStdString(user), "", "", ""), 0);
+  EXPECT_EQ(execute.Output(), user + "\n[]\n");
+  ::unsetenv("NORVIK_TEST_SECRET");
   EXPECT_EQ(execute.RunAs("no-such-user-of-norvik", "", "", ""), -1);
 
   int processId = 17;

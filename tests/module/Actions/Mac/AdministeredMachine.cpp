@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <utility>
@@ -33,12 +34,31 @@ std::vector<std::string> RowsOf(const Common::ActionResponseTable& table) {
 
 }  // namespace
 
+int RecordedChanges::Kill(pid_t processId, int signal) {
+  made.push_back("kill " + std::to_string(processId) + " " + std::to_string(signal));
+  if (processId > 0 && processId == killable) return RealSystemChanges::Kill(processId, signal);
+  errno = ESRCH;
+  return -1;
+}
+
+int RecordedChanges::SetClock(const timeval& time) {
+  const std::string fraction = std::to_string(1000000 + time.tv_usec).substr(1);
+  made.push_back("settimeofday " + std::to_string(time.tv_sec) + "." + fraction);
+  errno = EPERM;
+  return clockCanBeSet ? 0 : -1;
+}
+
+int RecordedChanges::ClockError() { return clockCanBeSet ? 0 : EPERM; }
+
 AdministeredMachine::AdministeredMachine() {
-  TheWrappedCalls() = {};
+  Platform::SetSystemChanges(changes);
   Platform::TakeSentAppleEvents();
 }
 
-AdministeredMachine::~AdministeredMachine() { Platform::SetAppleEventAnswer(-600); }
+AdministeredMachine::~AdministeredMachine() {
+  Platform::SetSystemChanges(nullptr);
+  Platform::SetAppleEventAnswer(-600);
+}
 
 void AdministeredMachine::AddFile(const std::string& path, const std::string& content) {
   fs::create_directories((folder / path).parent_path());
@@ -95,7 +115,7 @@ AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const T
   for (const auto& status : host.communications->TakeStatuses())
     answer.push_back("status " + status);
   outcome.ran = TakeRan();
-  outcome.calls = std::exchange(TheWrappedCalls().made, {});
+  outcome.calls = std::exchange(changes->made, {});
   for (const auto& event : Platform::TakeSentAppleEvents()) {
     outcome.calls.push_back("event " + event.eventClass + " " + event.eventId);
     EXPECT_EQ(event.addressType + std::to_string(event.address.size()), "psn 8");
@@ -117,27 +137,25 @@ AdministeredMachine::Lines AdministeredMachine::Ask(unsigned int code, const Tex
 AdministeredMachine::Outcome AdministeredMachine::Rehearse(unsigned int code, const Texts& texts,
                                                            std::vector<RehearsedStep>& steps) {
   const auto files = FilesBelow(folder.Path());
-  TheWrappedCalls().user = TheWrappedCalls().clockCanBeSet ? 0 : 1000;
   const Platform::Rehearsal rehearsal;
-  Outcome told = Run(code, texts);
-  TheWrappedCalls().user.reset();
+  Outcome rehearsed = Run(code, texts);
   steps = rehearsal.Steps();
   EXPECT_EQ(FilesBelow(folder.Path()), files) << code;
-  EXPECT_THAT(told.calls, testing::Each(testing::EndsWith(" 0"))) << code << " only asks for it";
+  EXPECT_THAT(rehearsed.calls, testing::Each(testing::EndsWith(" 0"))) << code << " queries only";
   const auto asked = [](const RehearsedStep& step) { return step.kind == RehearsedStep::ASKED; };
-  EXPECT_LE(told.ran.size(), std::count_if(steps.begin(), steps.end(), asked)) << code;
-  told.calls.clear();
+  EXPECT_LE(rehearsed.ran.size(), std::count_if(steps.begin(), steps.end(), asked)) << code;
+  rehearsed.calls.clear();
   for (const auto& step : steps) {
-    if (step.kind == RehearsedStep::SYSTEM_CALL) told.calls.push_back(step.text);
-    if (step.kind == RehearsedStep::APPLE_EVENT) told.calls.push_back("event " + step.text);
+    if (step.kind == RehearsedStep::SYSTEM_CALL) rehearsed.calls.push_back(step.text);
+    if (step.kind == RehearsedStep::APPLE_EVENT) rehearsed.calls.push_back("event " + step.text);
   }
-  return told;
+  return rehearsed;
 }
 
 std::pair<AdministeredMachine::Lines, AdministeredMachine::Lines>
 AdministeredMachine::RehearseAndAsk(unsigned int code, const Texts& texts) {
   std::vector<RehearsedStep> steps;
-  Outcome told = Rehearse(code, texts, steps);
+  Outcome rehearsed = Rehearse(code, texts, steps);
   auto files = FilesBelow(folder.Path());
   const Lines done = Ask(code, texts);
   for (const auto& step : steps) {
@@ -148,10 +166,10 @@ AdministeredMachine::RehearseAndAsk(unsigned int code, const Texts& texts) {
       Common::CommandRunner::ExecCommand(step.text);
     }
   }
-  told.ran = TakeRan();
+  rehearsed.ran = TakeRan();
   const auto left = FilesBelow(folder.Path());
   EXPECT_TRUE(std::includes(left.begin(), left.end(), files.begin(), files.end())) << code;
-  return {told.All(), done};
+  return {rehearsed.All(), done};
 }
 
 void AdministeredMachine::Follow(const std::string& file) {
@@ -184,9 +202,9 @@ void AdministeredMachine::FollowOne(const Lines& lines) {
         replace_all_copy(parameter.substr(equals + 1), "\\n", "\n");
   }
   const auto code = static_cast<unsigned int>(std::stoul(marked['>'].at(0)));
-  const auto [told, done] = RehearseAndAsk(code, texts);
-  const Lines& rehearsed = marked[marked['~'].empty() ? ' ' : '~'];
-  EXPECT_EQ(boost::join(told, "\n"), boost::join(rehearsed, "\n")) << name << ", rehearsed";
+  const auto [rehearsed, done] = RehearseAndAsk(code, texts);
+  const Lines& expected = marked[marked['~'].empty() ? ' ' : '~'];
+  EXPECT_EQ(boost::join(rehearsed, "\n"), boost::join(expected, "\n")) << name << ", rehearsed";
   EXPECT_EQ(boost::join(done, "\n"), boost::join(marked[' '], "\n")) << name;
 }
 

@@ -15,9 +15,7 @@
 #include <thread>
 
 #include "module/Actions/Mac/AdministeredMachine.h"
-#include "module/Actions/Mac/ConnectionText.h"
-#include "module/Actions/Mac/ProcessText.h"
-#include "module/Actions/Mac/ShareText.h"
+#include "module/Actions/Mac/ToolText.h"
 #include "module/Actions/ZebAgentUninstaller.h"
 #include "platform/LoginRecords.h"
 #include "platform/compat/SentAppleEvents.h"
@@ -117,11 +115,11 @@ TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
   }
   EXPECT_EQ(FilesBelow(folder.Path()), files);
   EXPECT_EQ(FilesBelow(host.Folder()), documents);
-  EXPECT_THAT(TheWrappedCalls().made, testing::Each(testing::EndsWith(" 0")));
+  EXPECT_THAT(changes->made, testing::Each(testing::EndsWith(" 0")));
   EXPECT_TRUE(Platform::TakeSentAppleEvents().empty());
   std::set<int> kinds;
   for (const auto& step : rehearsal.Steps()) kinds.insert(step.kind);
-  EXPECT_EQ(kinds.size(), 6U) << "there was something of each kind that it could have done";
+  EXPECT_EQ(kinds.size(), 6U) << "a change of each kind was asked for";
 }
 
 TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
@@ -180,7 +178,7 @@ TEST_F(RemoteAdministrationTest, ConnectionsAreThoseOfTheInternetSection) {
   EXPECT_EQ(ReadConnections(text + "\xFF").size(), 0U) << "not UTF-8";
 }
 
-TEST(ShareText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
+TEST(ToolText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
   const std::string shares = "name:\tbooks\npath:\t/b\nname:\tkept\npath:\t/k\n";
   EXPECT_EQ(WithoutShare(shares, "books"), "name:\tkept\npath:\t/k\n");
   for (std::size_t end = 0; end <= shares.size(); ++end) {
@@ -241,7 +239,7 @@ TEST_F(RemoteAdministrationTest, AnExtensionGoesFromTheUsersFolders) {
   EXPECT_TRUE(host.log.Holds(4, "Delete extension .txt finished"));
 }
 
-TEST(ProcessText, TheShareIsTheLineBehindTheHeading) {
+TEST(ToolText, TheProcessorShareIsTheLineAfterTheHeading) {
   const std::pair<const char*, const char*> cases[] = {
       {"", "100"},          {"%CPU", "100"},
       {"%CPU\n", ""},       {"%CPU\n \t12 .5 \r\n99\n", "12.5"},
@@ -264,7 +262,7 @@ TEST_F(RemoteAdministrationTest, ProcessesAreListedAndWhatIsNotKnownOfThemIsName
 TEST_F(RemoteAdministrationTest, ARealProcessIsListedAndKilled) {
   BackgroundProcess sleeper({"/bin/sleep", "60"}, folder / "output");
   const std::string id = std::to_string(sleeper.Id());
-  TheWrappedCalls().killable = sleeper.Id();
+  changes->killable = sleeper.Id();
   EXPECT_THAT(
       Ask(1011),
       testing::Contains(testing::MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
@@ -289,7 +287,7 @@ TEST_F(RemoteAdministrationTest, TwoRemovalsOfSoftwareRunOneAfterTheOther) {
   const auto remove = [&] { shared.Run(1062, WithText("cmd", "slow")); };
   std::thread first(remove);
   std::thread second(remove);
-  // One has told its start twice and runs; the other has told it once and waits.
+  // One has reported its start twice and runs; the other has reported it once and waits.
   while (communications->statuses < 3) std::this_thread::yield();
   AddFile("go");
   first.join();
@@ -319,14 +317,14 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
     EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
     for (int left = 4; left > 0; --left) EXPECT_NE(other.Next(), nullptr) << left;
   }
-  EXPECT_EQ(second.get(), expected) << "behind another walk";
+  EXPECT_EQ(second.get(), expected) << "after another walk";
   ::utmpxname(_PATH_UTMP);
 }
 
 TEST_F(RemoteAdministrationTest, PowerAndLogOutAreEventsToTheSystemAndTheClockIsSetInWholeSeconds) {
   Follow("power-refused.txt");
   Platform::SetAppleEventAnswer(0);
-  TheWrappedCalls().clockCanBeSet = true;
+  changes->clockCanBeSet = true;
   Follow("power.txt");
   EXPECT_TRUE(host.log.Holds(5, "The time  to set is: tomorrow"));
   EXPECT_TRUE(host.log.Holds(5, "Hora 1767225600"));

@@ -1,12 +1,15 @@
 #include <boost/format.hpp>
 #include <list>
 
+#include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "module/Actions/Mac/RemoteAdministration.h"
 #include "module/Actions/Mac/RemoteRequest.h"
-#include "module/Actions/SystemChanges.h"
+#include "module/Actions/Mac/ToolText.h"
+#include "module/Actions/ShellLine.h"
 #include "module/Inventory/ServicesSection.h"
+#include "platform/Task.h"
 
 namespace Norvik::KOB {
 
@@ -15,16 +18,16 @@ namespace {
 using Common::ActionParameters;
 using Common::ActionResponse;
 
-/// What `launchctl` prints is not looked at, so that only a missing name is a failure.
+/// The output of `launchctl` is not checked: only a missing name is a failure.
 ActionResponse ControlService(ActionParameters& parameters, const char* line) {
   ActionResponse response;
   if (Requires(parameters, "name", response)) {
-    RunShell(ShellLine(line, ReadText(parameters, "name")));
+    Common::CommandRunner::ExecChange(ShellLine(line, ReadText(parameters, "name")));
   }
   return response;
 }
 
-/// Answers an operation on a service that this system's service manager does not know.
+/// Refuses an operation that the service manager of this system does not have.
 ActionResponse RefuseForService(ActionParameters& parameters, const char* refusal) {
   ActionResponse response;
   if (Requires(parameters, "name", response)) {
@@ -44,7 +47,7 @@ Common::ActionResponse RemoteAdministration::ListServices(Parameters&) {
   ServicesSection().GetInfo(services);
   for (const ServiceInfo& service : services) {
     const std::string name = Common::ToUtf8(service.name);
-    // Deliberately the name twice and no description: servers know the rows so.
+    // Deliberately the name twice and no description: servers expect such rows.
     AddTextRow(response.table,
                {name, name, Common::ToUtf8(service.command), Common::ToUtf8(service.state),
                 Common::ToUtf8(service.startupMode), ""});
@@ -76,6 +79,17 @@ Common::ActionResponse RemoteAdministration::PauseService(Parameters& parameters
 Common::ActionResponse RemoteAdministration::ContinueService(Parameters& parameters) {
   NORVIK_SCOPE();
   return RefuseForService(parameters, "Continue service %1% is an operation unsupported on macOS");
+}
+
+Common::ActionResponse RemoteAdministration::ListNetworkConnections(Parameters&) {
+  NORVIK_SCOPE();
+  Response response;
+  AddTitles(response.table, {"Protocol", "Local_address", "Local_port", "Remote_address",
+                             "Remote_port", "State", "Local_Port_Name", "Remote_Port_Name"});
+  for (const auto& cells : ReadConnections(Platform::RunTask("/usr/sbin/netstat", {"-aW"}))) {
+    AddTextRow(response.table, cells);
+  }
+  return response;
 }
 
 }  // namespace Norvik::KOB

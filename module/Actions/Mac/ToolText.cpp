@@ -1,6 +1,9 @@
-#include "module/Actions/Mac/ConnectionText.h"
+#include "module/Actions/Mac/ToolText.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <cstdio>
 #include <sstream>
 
 #include "common/log/Logger.h"
@@ -25,7 +28,7 @@ bool EndsSection(const std::string& line) {
                      [&](const char* heading) { return Contains(line, heading); });
 }
 
-/// The line with single blanks. Only these part words, no other white space.
+/// The line with single blanks. Only blanks separate words, no other white space.
 std::string WithSingleBlanks(std::string line) {
   const auto areBlank = [](char left, char right) { return left == ' ' && right == ' '; };
   line.erase(std::unique(line.begin(), line.end(), areBlank), line.end());
@@ -41,7 +44,7 @@ std::vector<std::string> WordsOf(const std::string& line) {
   return words;
 }
 
-/// Appends address and port. A word without a dot is all port.
+/// Appends address and port. A word without a dot is a port alone.
 void AddEndpoint(const std::string& word, std::vector<std::string>& cells) {
   const auto dot = word.rfind('.');
   cells.push_back(dot == std::string::npos ? "" : word.substr(0, dot));
@@ -53,7 +56,7 @@ std::vector<std::string> ConnectionOf(const std::vector<std::string>& words) {
   AddEndpoint(words[3], cells);
   AddEndpoint(words[4], cells);
   if (words.size() > FEWEST_WORDS) cells.push_back(words[5]);
-  // Deliberately the protocol in place of the names of the ports: servers know it so.
+  // Deliberately the protocol in place of the names of the ports: servers expect it.
   cells.insert(cells.end(), 2, words[0]);
   return cells;
 }
@@ -63,7 +66,7 @@ std::vector<std::string> ConnectionOf(const std::vector<std::string>& words) {
 std::vector<std::vector<std::string>> ReadConnections(const std::string& output) {
   std::vector<std::vector<std::string>> connections;
   if (Common::EncodeUtf8Characters(output) != output) return connections;
-  // A line end parts lines, so an empty one stands behind the last.
+  // A trailing newline yields one empty last line.
   std::istringstream lines(output + "\n");
   bool inSection = false;
   for (std::string line; std::getline(lines, line);) {
@@ -83,6 +86,37 @@ std::vector<std::vector<std::string>> ReadConnections(const std::string& output)
     NORVIK_DETAIL(line);
   }
   return connections;
+}
+
+std::string ReadProcessorShare(const std::string& output) {
+  const auto heading = output.find('\n');
+  if (heading == std::string::npos || Common::EncodeUtf8Characters(output) != output) return "100";
+  std::string share = output.substr(heading + 1, output.find('\n', heading + 1) - heading - 1);
+  const auto isBlank = [](char c) { return std::string(" \t\v\f\r").find(c) != std::string::npos; };
+  share.erase(std::remove_if(share.begin(), share.end(), isBlank), share.end());
+  return share;
+}
+
+std::string PercentText(unsigned long long part, long long whole) {
+  if (whole < 1) return "0";
+  char text[64];
+  const double percent = static_cast<double>(part) / static_cast<double>(whole) * 100;
+  std::snprintf(text, sizeof(text), "%0.2f", percent);
+  return text;
+}
+
+std::string WithoutShare(const std::string& listing, const std::string& name) {
+  constexpr char START[] = "name:";
+  std::istringstream lines(listing);
+  std::string rest;
+  bool isShare = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (boost::starts_with(line, START)) {
+      isShare = boost::trim_copy(line.substr(sizeof(START) - 1)) == name;
+    }
+    if (!isShare) rest += line + "\n";
+  }
+  return rest;
 }
 
 }  // namespace Norvik::KOB
