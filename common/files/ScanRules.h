@@ -33,7 +33,7 @@ class NORVIK_COMMON_API ScanRules {
   /// What becomes of an entry, by the first rule that applies.
   enum class Verdict {
     Link,    ///< neither followed nor listed
-    Folder,  ///< to be walked, unless it is excluded when its turn comes
+    Folder,  ///< walked, unless `IsExcludedFolder`
     ExcludedName,
     NoExtension,
     UnwantedExtension,

@@ -1,8 +1,10 @@
 #include <set>
 
 #include "cli/ProgramTest.h"
+#include "cli/commands/ScanExplanation.h"
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
+#include "common/text/Text.h"
 #include "support/Files.h"
 
 namespace {
@@ -124,24 +126,63 @@ TEST_F(FilesCommand, RefusesScheduledOnesOnTheDayOfATotalOne) {
 TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
   fs::create_directories(Tree() / "folder.sample");
   fs::create_symlink(Tree(), Tree() / "link.sample");
-  for (const char* name : {"a.sample", "B.SAMPLE", "c.Sample", "left out.sample", ".sample",
-                           "tiny.txt", "folder.sample/d.sample"}) {
+  for (const char* name :
+       {"a.sample", "c.Sample", "left out.sample", ".sample", "folder.sample/d.sample"}) {
     Write(name);
   }
-  std::set<fs::path> listed;
   for (const auto& row : DataOf("cli/explained-paths.json")) {
     const PlainJson answer = Ask({"explain", (Tree() / row[0].get<std::string>()).string()});
     EXPECT_EQ(answer["rule"], row[1].get<std::string>()) << answer;
-    if (answer["listed"] == true) {
-      listed.insert(fs::path(answer["path"].get<std::string>()).replace_extension());
+  }
+}
+
+/// Files and links in a folder, of names that the rules may take for others.
+void WriteOddNames(const fs::path& folder) {
+  fs::create_directories(folder);
+  for (const std::string end :
+       {"", ".", ".sample", ".SAMPLE", ".Sample", ".sample.", "sample", ".more", ".exe", ".EXE"}) {
+    for (const char* stem : {"a", "", ".a", "a.b", "left out", "ü", "two\nlines", " "}) {
+      if (const std::string name = stem + end; name.size() > 1) WriteFile(folder / name, "x");
+    }
+    fs::create_symlink("a.sample", folder / ("link" + end));
+  }
+}
+
+TEST_F(FilesCommand, ExplainsEveryPathAsTheInventoryListsIt) {
+  for (const char* name : {"", "f.sample", ".hidden", "excluded", "excluded/f", "slash"}) {
+    WriteOddNames(Tree() / name);
+  }
+  Common::KobConfigurationInfo configuration;
+  configuration.excludedPaths = AllBut(Tree());
+  for (const char* name : {"excluded", "slash/"}) {
+    configuration.excludedPaths.push_back((Tree() / name).string());
+  }
+  configuration.excludedFiles = {"left out.sample"};
+  configuration.additionalExtensions = {"EXE", "more"};
+  configuration.includedExtensions = {"sample"};
+  const PlainJson texts = {{"excludedPaths", configuration.excludedPaths},
+                           {"excludedFiles", configuration.excludedFiles},
+                           {"additionalExtensions", configuration.additionalExtensions},
+                           {"includedExtensions", configuration.includedExtensions}};
+  WriteFile(folder_ / "configuration.json", texts.dump());
+
+  using Files = std::multiset<std::vector<std::string>>;  // extensions lose their case
+  Files listed;
+  const PlainJson document = Ask({"open", Ask({"files"})["file"]});
+  for (const auto& folder : document["paths"]) {
+    for (const auto& file : folder["files"]) {
+      listed.insert({folder["pathName"], file["filename"], file["extension"]});
     }
   }
-  // The inventory itself agrees.
-  std::set<fs::path> found;
-  for (const auto& file : FilesOf(Ask({"open", Ask({"files"})["file"]}))) {
-    found.insert(fs::path(file[0].get<std::string>()) / file[1]["filename"].get<std::string>());
+  Files explained;
+  for (const auto& entry : fs::recursive_directory_iterator(Tree())) {
+    const fs::path& path = entry.path();
+    if (!Cli::ExplainScan(Common::ScanRules(configuration), path.string()).listed) continue;
+    explained.insert({path.parent_path().string(), path.stem().string(),
+                      Common::ToUpper(path.extension().string().substr(1))});
   }
-  EXPECT_EQ(found, listed);
+  EXPECT_EQ(listed, explained);
+  EXPECT_FALSE(listed.empty());
 }
 
 TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {

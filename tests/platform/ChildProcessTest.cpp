@@ -36,7 +36,7 @@ Printed RunShell(const std::string& script, const ChildAccount* account = nullpt
 
 ChildAccount OwnAccount() { return {::geteuid(), ::getegid(), "nobody-special", "/", "/bin/sh"}; }
 
-/// Both ways to start a child, with which all of this has to hold.
+/// For both ways to start a child.
 class ChildProcess : public testing::TestWithParam<bool> {
  protected:
   Printed Run(const std::string& script) const { return RunShell(script, account_); }
@@ -45,7 +45,7 @@ class ChildProcess : public testing::TestWithParam<bool> {
   const ChildAccount* const account_ = GetParam() ? &own_ : nullptr;
 };
 
-TEST_P(ChildProcess, KeepsTheChannelsApartAndTellsHowItEnds) {
+TEST_P(ChildProcess, KeepsTheChannelsApartAndReportsHowItEnds) {
   const std::string mebibyte(1048576, '\0');
   const struct {
     const char* script;
@@ -75,7 +75,7 @@ TEST_P(ChildProcess, GivesTheChildNoneOfTheOtherDescriptors) {
   EXPECT_EQ(Run("for n in 3 4 5 6 7 200; do [ -e /dev/fd/$n ] && echo $n; done; true").output, "");
 }
 
-TEST_P(ChildProcess, LeavesNoZombieWhenASinkRaises) {
+TEST_P(ChildProcess, LeavesNoZombieWhenASinkThrows) {
   ChildCommand command;
   command.words = {"/bin/echo", "text"};
   command.account = account_;
@@ -85,7 +85,7 @@ TEST_P(ChildProcess, LeavesNoZombieWhenASinkRaises) {
   EXPECT_EQ(errno, ECHILD);
 }
 
-TEST_P(ChildProcess, TellsWhyAProgramDoesNotStart) {
+TEST_P(ChildProcess, SaysWhyAProgramDoesNotStart) {
   const std::pair<std::vector<std::string>, int> cases[] = {
       {{"/no/such/program"}, ENOENT},
       {{"no-such-program-in-the-path"}, ENOENT},

@@ -45,7 +45,7 @@ TEST_F(FileSchemaTest, AllowsWhatThePrinterMakesAndHasNoPropertyThatOccursInNone
   EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
 }
 
-TEST_F(FileSchemaTest, AServerComesToWhatTheMachineHasByWhatItSends) {
+TEST_F(FileSchemaTest, AServerCanApplyTheChangesToTheTotalDocument) {
   ScannedFile renamed = {"in-case"};
   SaveScan({{"changed", -1}, {"gone", 0}, renamed, Detailed("kept", "text")}, false);
   const std::string total = Print(false);
@@ -61,7 +61,7 @@ TEST_F(FileSchemaTest, AServerComesToWhatTheMachineHasByWhatItSends) {
   EXPECT_EQ(merged["device"], PlainJson::parse(changes)["device"]);
 }
 
-TEST_F(FileSchemaTest, RefusesWhatNoDocumentMaySay) {
+TEST_F(FileSchemaTest, RefusesWhatNoDocumentMayHold) {
   const PlainJson total = PlainJson::parse(Total());
   const PlainJson rows = DataOf("module/RUD/refusals.json");
   for (const auto& row : rows) {

@@ -71,7 +71,7 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(4), Each("RUD incremental empty. Without changes.")));
 }
 
-/// Sleeps in no time; does something meanwhile.
+/// Records each wait in place of sleeping, and calls a function.
 struct Sleeper final : Platform::WaitClock {
   void SleepFor(std::chrono::milliseconds duration) override {
     seconds.push_back(duration / std::chrono::seconds(1));
@@ -81,7 +81,7 @@ struct Sleeper final : Platform::WaitClock {
   std::function<void(std::size_t wait)> meanwhile = [](std::size_t) {};
 };
 
-/// Lets an error out of the store, where its failure is logged.
+/// Throws an error out of the store where the store logs it.
 struct Leak final : Common::Logger {
   void Log(Level level, const std::string& text, const char*, int, const char*) override {
     if (text.rfind("Error GetLastInventory", 0) == 0) throw soci::soci_error("held");
@@ -117,7 +117,7 @@ TEST_F(RudPrinterTest, WaitsForTheDatabaseEverLongerAndForAFileWithoutEnd) {
   EXPECT_THAT(leak->errors, ElementsAre("Creating JSOn of RUD - held"));
 }
 
-TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsNotAnswered) {
+TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsLoggedOnly) {
   SaveScan({{"one"}}, false);
   for (const char* step : {"compress", "encrypt"}) {
     host.pipeline->failingStep = step;

@@ -212,7 +212,7 @@ TEST_F(RemoteAdministrationTest, FoldersAreListed) {
   Follow("listings.txt");
 }
 
-TEST_F(RemoteAdministrationTest, FilesAreDeletedAndOnlyAFailureTellsOfEach) {
+TEST_F(RemoteAdministrationTest, FilesAreDeletedAndAFailureReportsEachOfThem) {
   for (const char* name : {"a", "b", "c|d", "quo\"te '\n"}) AddFile(std::string("root/x/") + name);
   fs::create_directories(folder / "root/x/empty");
   AddFile("root/full/a");
@@ -249,7 +249,7 @@ TEST(ToolText, TheProcessorShareIsTheLineAfterTheHeading) {
   EXPECT_EQ(PercentText(1, 0), "0");
 }
 
-TEST_F(RemoteAdministrationTest, ProcessesAreListedAndWhatIsNotKnownOfThemIsNamed) {
+TEST_F(RemoteAdministrationTest, ProcessesAreListedAndUnknownFactsAreMarked) {
   AddFile("processes.json",
           R"([{"pid": 1, "name": "init-like", "path": "/sbin/init-like", "footprint": 4096},
               {"pid": 0, "name": "kernel"}, {"pid": 1077}])");
