@@ -2,8 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "platform/FileSystem.h"
 #include "support/Files.h"
@@ -14,8 +18,34 @@ namespace {
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
 using testing::ElementsAre;
+using testing::Pair;
 using testing::UnorderedElementsAre;
 namespace fs = boost::filesystem;
+
+/// What is synced in this process, while a test watches it.
+struct SyncWatch {
+  std::string target;
+  std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
+};
+SyncWatch* syncWatch = nullptr;
+
+ino_t InodeOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
+}  // namespace
+
+/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
+extern "C" int fsync(int file) {
+  struct stat status {};
+  if (syncWatch && ::fstat(file, &status) == 0) {
+    syncWatch->syncs.emplace_back(status.st_ino, InodeOf(syncWatch->target) != 0);
+  }
+  return static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+namespace {
 
 TEST(ReplacementFile, TakesTheTargetsPlaceOnlyWhenItIsCommitted) {
   const TemporaryFolder folder;
@@ -48,6 +78,25 @@ TEST(ReplacementFile, LeavesWhatIsThereIfItMayOnlyFillAGap) {
   }
   EXPECT_EQ(ContentOf(target), "one");
   EXPECT_THAT(FilesBelow(folder.Path()), ElementsAre("./agent.key"));
+}
+
+TEST(ReplacementFile, HasItsContentOnTheDiskBeforeItTakesTheTargetsPlace) {
+  const TemporaryFolder folder;
+  const std::string place = folder.Path().string();
+  for (const bool ifAbsent : {false, true}) {
+    SyncWatch watch{place + (ifAbsent ? "/agent.key" : "/host.jsonkob"), {}};
+    syncWatch = &watch;
+    ReplacementFile file(watch.target);
+    if (ifAbsent) {
+      file.CommitIfAbsent();
+    } else {
+      file.Commit();
+    }
+    syncWatch = nullptr;
+    EXPECT_THAT(watch.syncs,
+                ElementsAre(Pair(InodeOf(watch.target), false), Pair(InodeOf(place), true)))
+        << watch.target;
+  }
 }
 
 TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
