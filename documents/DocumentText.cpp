@@ -1,35 +1,19 @@
 #include "documents/DocumentText.h"
 
+#include <cstddef>
 #include <iterator>
 #include <sstream>
 
 #include "common/text/MaskedDocument.h"
 #include "documents/DocumentError.h"
+#include "json/BoundedReader.h"
 
 namespace Norvik::Documents {
 
 namespace {
 
-/// Values are written and freed by recursion: hostile text must not exhaust the stack.
-constexpr int MAX_NESTING = 64;
-
-/// Looks no further than at brackets outside of texts: the parser's own hook for this goes through
-/// the whole list at the end of each of its elements.
-void CheckNesting(const std::string& text) {
-  int depth = 0;
-  bool inText = false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char character = text[i];
-    if (character == '"') inText = !inText;
-    if (inText) {
-      if (character == '\\') ++i;
-    } else if (character == '[' || character == '{') {
-      if (++depth > MAX_NESTING) throw DocumentError("nests deeper than any inventory");
-    } else if (character == ']' || character == '}') {
-      --depth;
-    }
-  }
-}
+/// Values are written by recursion: hostile text must not exhaust the stack.
+constexpr std::size_t MAX_NESTING = 64;
 
 std::string Masked(const std::string& text) {
   std::istringstream stream(text);
@@ -37,25 +21,22 @@ std::string Masked(const std::string& text) {
   return {std::istreambuf_iterator<char>(&masked), {}};
 }
 
-/// @param good the masked text before the wrong byte
-[[noreturn]] void RefuseBehind(const std::string& good) {
-  throw DocumentError("no JSON from byte " +
-                      std::to_string(Common::MaskedDocument::Unmask(good).size() + 1));
+std::string MessageOf(const json::ReadError& error, const std::string& masked) {
+  using Reason = json::ReadError::Reason;
+  if (error.reason == Reason::NestsTooDeep) return "nests deeper than any inventory";
+  if (error.reason == Reason::NumberTooLarge) return "holds a number that is too large";
+  // Counted in the document, which the masked text is longer than.
+  const std::string good = Common::MaskedDocument::Unmask(masked.substr(0, error.byte - 1));
+  return "no JSON from byte " + std::to_string(good.size() + 1);
 }
 
 template <class Value>
 Value Parse(const std::string& text) {
-  CheckNesting(text);
   const std::string masked = Masked(text);
-  // The parser takes it for the end and passes over what follows.
-  const std::size_t zero = masked.find('\0');
-  if (zero != std::string::npos) RefuseBehind(masked.substr(0, zero));
   try {
-    return Value::parse(masked);
-  } catch (const Json::parse_error& error) {
-    RefuseBehind(masked.substr(0, error.byte - 1));
-  } catch (const Json::out_of_range&) {
-    throw DocumentError("holds a number that is too large");
+    return json::ReadBounded<Value>(masked, MAX_NESTING);
+  } catch (const json::ReadError& error) {
+    throw DocumentError(MessageOf(error, masked));
   }
 }
 
@@ -64,6 +45,7 @@ std::string Written(const Value& value, int indent) {
   return Common::MaskedDocument::Unmask(value.dump(indent));
 }
 
+/// Runs an action; the text of a `DocumentError` from it then begins with the document's name.
 template <class Action>
 auto Naming(const std::string& name, Action action) {
   try {

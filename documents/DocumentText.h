@@ -7,33 +7,34 @@ namespace Norvik::Documents {
 
 using Json = nlohmann::json;
 
-/// The text of a document, and what to call it when something is wrong with it.
+/// The text of a document, and the name that error messages give it.
 struct NamedText {
   std::string name;
   std::string text;
 };
 
-/// What is in the text. Bytes that no strict reader takes are masked in its texts, see
+/// A parsed document. In its texts, bytes that a strict parser refuses are masked, see
 /// `Common::MaskedDocument`.
 struct Document {
   std::string name;
   Json value;
 };
 
-/// Raises `DocumentError` for what is no JSON, or is nested deeper than any inventory.
+/// Throws `DocumentError` if the text is no JSON, holds a number beyond a double, or nests deeper
+/// than any inventory does.
 Document ParseDocument(const NamedText& document);
 
-/// A value of a document as text, with the bytes that it came with.
+/// A value of a parsed document as JSON on one line, with its original bytes.
 std::string TextOf(const Json& value);
 
-/// The document with a line for each value, each object's keys in their order. Raises as
-/// `ParseDocument` does.
+/// The document indented, one line per value, with the keys of each object in their original order.
+/// Throws what `ParseDocument` throws.
 std::string Indented(const NamedText& document);
 
-/// Runs a check that raises `DocumentError`; its text then begins with the document's name.
+/// Runs a check that throws `DocumentError`; the error's text then begins with the document's name.
 void CheckDocument(const Document& document, void (*check)(const Json&));
 
-/// A key or a value as the texts of errors show it.
+/// A key or a value as error messages show it: in double quotes.
 std::string Quoted(const std::string& key);
 
 }  // namespace Norvik::Documents

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "json/Utf8.h"
+
 namespace json {
 namespace {
 
@@ -16,7 +18,7 @@ constexpr std::array<bool, 256> PlainBytes() {
 }
 constexpr std::array<bool, 256> plainBytes = PlainBytes();
 
-/// First byte from `start` on that does not stand for itself; the size if there is none.
+/// Position of the first byte, from `start` on, that does not stand for itself; the size if all do.
 std::size_t EndOfPlain(const std::string& text, std::size_t start) {
   constexpr std::uint64_t ones = 0x0101010101010101;
   constexpr std::uint64_t high = 0x80 * ones;
@@ -34,19 +36,11 @@ std::size_t EndOfPlain(const std::string& text, std::size_t start) {
   return i;
 }
 
-/// Length of the UTF-8 sequence at a byte at or above 0x80; 0 if there is no valid one. Overlong
-/// forms and surrogates count as valid.
+/// Length of the sequence at a byte at or above 0x80; 0 for a stray byte. Deliberately lets
+/// irregular sequences through: that is the form of the documents.
 std::size_t SequenceLength(const std::string& text, std::size_t start) {
-  const auto lead = static_cast<unsigned char>(text[start]);
-  std::size_t length = 0;
-  if ((lead & 0xE0) == 0xC0) length = 2;
-  if ((lead & 0xF0) == 0xE0) length = 3;
-  if ((lead & 0xF8) == 0xF0) length = 4;
-  if (length == 0 || start + length > text.size()) return 0;
-  for (std::size_t i = start + 1; i < start + length; ++i) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
-  }
-  return length;
+  const Utf8Step step = Utf8StepAt(text, start);
+  return step.kind == Utf8Step::Kind::Stray ? 0 : step.length;
 }
 
 void AppendNumbered(std::string& out, unsigned char byte) {

@@ -3,7 +3,6 @@
 #include <initializer_list>
 
 #include "common/log/Logger.h"
-#include "common/text/CharacterConverter.h"
 #include "common/text/Text.h"
 
 namespace Norvik::KOB {

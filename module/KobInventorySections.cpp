@@ -3,7 +3,6 @@
 
 #include "common/configuration/AgentVersion.h"
 #include "common/log/Logger.h"
-#include "common/text/CharacterConverter.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
 #include "module/DataAccess/DataSource.h"

@@ -4,16 +4,10 @@
 #include <initializer_list>
 #include <limits>
 
+#include "common/text/Text.h"
+
 namespace Norvik::Common {
 namespace {
-
-std::string ToUpperAscii(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
-                                                : character;
-  });
-  return text;
-}
 
 bool HoldsOneOf(const std::string& text, std::initializer_list<const char*> words) {
   return std::any_of(words.begin(), words.end(),
@@ -56,7 +50,7 @@ void ReadText(sqlite_api::sqlite3_stmt* statement, int column, V2::DataBaseValue
 
 CellKind KindOfDeclaredType(const char* declaredType) {
   if (declaredType == nullptr) return CellKind::Stored;
-  const std::string type = ToUpperAscii(declaredType);
+  const std::string type = ToUpper(declaredType);
   if (HoldsOneOf(type, {"BIGINT", "BIG INT", "INT8"})) return CellKind::BigInteger;
   if (HoldsOneOf(type, {"INT"})) return CellKind::Integer;
   if (HoldsOneOf(type, {"CHAR", "CLOB", "TEXT"})) return CellKind::Text;

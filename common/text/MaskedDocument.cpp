@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "common/text/Text.h"
+#include "json/Utf8.h"
 
 namespace Norvik::Common {
 
@@ -20,6 +20,11 @@ constexpr std::size_t MASK_LENGTH = 4;
 
 bool IsAscii(char byte) { return (byte & 0x80) == 0; }
 
+/// Of a sequence that is complete.
+bool IsCharacter(const std::string& sequence) {
+  return json::Utf8StepAt(sequence, 0).kind == json::Utf8Step::Kind::Character;
+}
+
 bool IsMask(const std::string& sequence, std::size_t at) {
   return sequence.compare(at, 2, MASK) == 0 && (sequence[at + 2] & 0x3E) == 0x3E;
 }
@@ -28,13 +33,6 @@ std::string MaskOf(char byte) {
   const int code = static_cast<unsigned char>(byte);
   return {MASK[0], MASK[1], static_cast<char>(0xBC | (code >> 6)),
           static_cast<char>(0x80 | (code & 0x3F))};
-}
-
-/// Bytes of the sequence that a byte begins; 0 if it begins none.
-std::size_t LengthFromLead(char lead) {
-  if ((lead & 0xE0) == 0xC0) return 2;
-  if ((lead & 0xF0) == 0xE0) return 3;
-  return (lead & 0xF8) == 0xF0 ? 4 : 0;
 }
 
 }  // namespace
@@ -86,14 +84,14 @@ void MaskedDocument::Take(char byte) {
     return;
   }
   sequence_ += byte;
-  if (sequence_.size() >= LengthFromLead(sequence_.front())) TakeSequence();
+  if (sequence_.size() >= json::Utf8Length(sequence_.front())) TakeSequence();
 }
 
 void MaskedDocument::TakeSequence() {
   const std::string sequence = std::exchange(sequence_, {});
-  if (sequence.size() != LengthFromLead(sequence.front())) {
+  if (sequence.size() != json::Utf8Length(sequence.front())) {
     masked_ += NO_UTF8;
-  } else if (EncodeUtf8Characters(sequence) == sequence && !IsMask(sequence, 0)) {
+  } else if (IsCharacter(sequence) && !IsMask(sequence, 0)) {
     masked_ += sequence;
   } else {
     for (const char byte : sequence) masked_ += MaskOf(byte);

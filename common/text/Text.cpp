@@ -1,48 +1,49 @@
 #include "common/text/Text.h"
 
+#include <sodium.h>
+
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <cstring>
+
+#include "json/Utf8.h"
 
 namespace Norvik::Common {
 
 namespace {
 
+using json::Utf8Step;
+
 constexpr char BLANKS[] = " \t\n\v\f\r";
 
-struct CodePoint {
-  char32_t value;
-  std::size_t length;  ///< bytes taken
-  bool valid;          ///< false: a byte that begins no character, as Latin-1
-};
-
-std::uint8_t ByteAt(const std::string& text, std::size_t at) {
-  return static_cast<std::uint8_t>(text[at]);
+/// The character at a position, or the one byte there as a stray one, which callers take as
+/// Latin-1.
+Utf8Step CharacterAt(const std::string& text, std::size_t at) {
+  const Utf8Step step = json::Utf8StepAt(text, at);
+  if (step.kind != Utf8Step::Kind::Irregular) return step;
+  return {Utf8Step::Kind::Stray, 1, static_cast<unsigned char>(text[at])};
 }
 
-/// Bytes of the character that a lead byte announces; 0 if it announces none.
-std::size_t SequenceLength(std::uint8_t lead) {
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead < 0xE0) return 2;
-  if (lead >= 0xE0 && lead < 0xF0) return 3;
-  return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+bool IsForbiddenInName(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte <= ' ' || byte == 0x7F || std::strchr("\\/:*?\"<>|'&%#$;`", c) != nullptr;
 }
 
-CodePoint CodePointAt(const std::string& text, std::size_t at) {
-  static constexpr char32_t SMALLEST[] = {0, 0, 0x80, 0x800, 0x10000};
-  const std::uint8_t lead = ByteAt(text, at);
-  const CodePoint single{lead, 1, lead < 0x80};
-  const std::size_t length = SequenceLength(lead);
-  if (length < 2 || text.size() - at < length) return single;
-  char32_t value = lead & (0x7Fu >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    const std::uint8_t next = ByteAt(text, at + i);
-    if ((next & 0xC0) != 0x80) return single;
-    value = (value << 6) | (next & 0x3Fu);
-  }
-  const bool surrogate = value >= 0xD800 && value < 0xE000;
-  if (value < SMALLEST[length] || surrogate || value > 0x10FFFF) return single;
-  return {value, length, true};
+/// Whether one of the control characters U+0080 to U+009F begins at the position.
+bool IsLongControl(const std::string& text, std::size_t at) {
+  return at + 1 < text.size() && text[at] == '\xC2' &&
+         static_cast<unsigned char>(text[at + 1]) < 0xA0;
+}
+
+/// The decoded bytes; empty if the text is not Base64.
+std::string DecodeBase64(const std::string& text) {
+  std::string bytes(text.size() / 4 * 3 + 3, '\0');
+  std::size_t length = 0;
+  const int failure =
+      sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), text.data(),
+                        text.size(), BLANKS, &length, nullptr, sodium_base64_VARIANT_ORIGINAL);
+  bytes.resize(failure ? 0 : length);
+  return bytes;
 }
 
 }  // namespace
@@ -59,11 +60,26 @@ wxString WxStringFromStdString(const std::string& text) {
 std::wstring StringToWstring_Deprecated(const std::string& text) {
   std::wstring wide;
   for (std::size_t at = 0; at < text.size();) {
-    const CodePoint point = CodePointAt(text, at);
-    wide += static_cast<wchar_t>(point.value);
-    at += point.length;
+    const Utf8Step step = CharacterAt(text, at);
+    wide += static_cast<wchar_t>(step.code);
+    at += step.length;
   }
   return wide;
+}
+
+std::string EncodeUtf8Characters(const std::string& text) {
+  std::string encoded;
+  for (std::size_t at = 0; at < text.size();) {
+    const Utf8Step step = CharacterAt(text, at);
+    if (step.kind == Utf8Step::Kind::Character) {
+      encoded.append(text, at, step.length);
+    } else {
+      encoded += static_cast<char>(0xC0 | (step.code >> 6));
+      encoded += static_cast<char>(0x80 | (step.code & 0x3F));
+    }
+    at += step.length;
+  }
+  return encoded;
 }
 
 std::string ToUpper(const std::string& text) {
@@ -87,19 +103,26 @@ std::string OnOneLine(std::string text) {
   return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-std::string EncodeUtf8Characters(const std::string& text) {
-  std::string encoded;
-  for (std::size_t at = 0; at < text.size();) {
-    const CodePoint point = CodePointAt(text, at);
-    if (point.valid) {
-      encoded.append(text, at, point.length);
-    } else {
-      encoded += static_cast<char>(0xC0 | (point.value >> 6));
-      encoded += static_cast<char>(0x80 | (point.value & 0x3F));
-    }
-    at += point.length;
+std::string CharacterConverter::ChangeSpecialCharacter(const std::string& text) {
+  const std::string source = EncodeUtf8Characters(text);
+  std::string changed;
+  for (std::size_t at = 0; at < source.size(); ++at) {
+    const bool longControl = IsLongControl(source, at);
+    changed += longControl || IsForbiddenInName(source[at]) ? '_' : source[at];
+    if (longControl) ++at;
   }
-  return encoded;
+  return changed;
+}
+
+std::vector<std::string> Base64Coder::DecodeStringBytes(const std::string& text) {
+  const std::string bytes = DecodeBase64(text);
+  std::vector<std::string> texts;
+  for (std::size_t begin = 0; begin < bytes.size();) {
+    const std::size_t end = std::min(bytes.find('\0', begin), bytes.size());
+    texts.push_back(bytes.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return texts;
 }
 
 }  // namespace Norvik::Common

@@ -14,6 +14,7 @@
 
 #include "common/files/TextFile.h"
 #include "host/configuration/UsualExclusions.h"
+#include "json/BoundedReader.h"
 
 namespace Norvik::Host {
 
@@ -166,10 +167,6 @@ Readers ReadersOf(AgentConfigurationInfo& target) {
       {"survey", Survey(target.survey)}};
 }
 
-[[noreturn]] void RefuseFrom(std::size_t byte) {
-  throw ConfigurationError("the configuration is no JSON from byte " + std::to_string(byte));
-}
-
 /// Parses, and refuses a key that stands twice in one object: the parser alone would take the last.
 Json ParseConfigurationJson(const std::string& text) {
   std::vector<std::set<std::string>> open;
@@ -182,14 +179,14 @@ Json ParseConfigurationJson(const std::string& text) {
     }
     return true;
   };
-  // The parser takes it for the end and passes over what follows.
-  const std::size_t zero = text.find('\0');
-  if (zero != std::string::npos) RefuseFrom(zero + 1);
   try {
-    return Json::parse(text, watch);
-  } catch (const Json::parse_error& error) {
-    RefuseFrom(error.byte);
-  } catch (const Json::out_of_range&) {
+    // Of any depth: this parser does not recurse, and no value that nests is accepted.
+    return json::ReadBounded<Json>(text, text.size(), watch);
+  } catch (const json::ReadError& error) {
+    if (error.reason == json::ReadError::Reason::NotJson) {
+      throw ConfigurationError("the configuration is no JSON from byte " +
+                               std::to_string(error.byte));
+    }
     throw ConfigurationError("the configuration holds a number that is too large");
   }
 }

@@ -1,34 +1,17 @@
 #include "host/server/AnswerBody.h"
 
-#include <algorithm>
 #include <boost/property_tree/json_parser.hpp>
+#include <cstddef>
 #include <sstream>
 #include <stdexcept>
+
+#include "json/Nesting.h"
 
 namespace Norvik::Host {
 
 namespace {
 
-constexpr int DEEPEST = 32;
-
-/// Brackets that are open at once, at most. Those inside texts do not count.
-int DepthOf(const std::string& text) {
-  int depth = 0;
-  int deepest = 0;
-  bool inText = false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '"') inText = !inText;
-    if (inText) {
-      if (c == '\\') ++i;
-    } else if (c == '{' || c == '[') {
-      deepest = std::max(deepest, ++depth);
-    } else if (c == '}' || c == ']') {
-      --depth;
-    }
-  }
-  return deepest;
-}
+constexpr std::size_t MAX_NESTING = 32;
 
 }  // namespace
 
@@ -37,7 +20,9 @@ boost::property_tree::ptree ParseAnswerBody(const std::string& text) {
   if (first == std::string::npos || text[first] != '{') {
     throw std::runtime_error("the answer is no JSON object");
   }
-  if (DepthOf(text) > DEEPEST) throw std::runtime_error("the answer is nested too deep");
+  if (json::NestsDeeperThan(text, MAX_NESTING)) {
+    throw std::runtime_error("the answer is nested too deep");
+  }
   std::istringstream stream(text);
   boost::property_tree::ptree body;
   try {

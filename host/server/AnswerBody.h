@@ -5,8 +5,8 @@
 
 namespace Norvik::Host {
 
-/// The JSON object of an answer. Raises `std::runtime_error` for what is none, and for one that is
-/// nested deeper than any answer: the parser goes as deep as the text does.
+/// Reads the JSON object in the body of a server's answer. Throws `std::runtime_error` if the text
+/// is no JSON object, or nests deeper than any answer does: the parser recurses once per level.
 boost::property_tree::ptree ParseAnswerBody(const std::string& text);
 
 }  // namespace Norvik::Host

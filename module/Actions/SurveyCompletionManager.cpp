@@ -1,9 +1,9 @@
 #include "module/Actions/SurveyCompletionManager.h"
 
-#include <algorithm>
 #include <boost/format.hpp>
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
+#include <cstddef>
 #include <sstream>
 #include <stdexcept>
 
@@ -11,6 +11,7 @@
 #include "common/log/Logger.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
+#include "json/Nesting.h"
 #include "module/Actions/OtherProcesses.h"
 
 namespace Norvik::KOB {
@@ -25,21 +26,20 @@ constexpr std::uint32_t SURVEY_REQUEST = 1003;
 constexpr std::uint32_t SURVEY_SUBCODE = 1;
 constexpr char URL_PARAMETER[] = "Url";
 
-/// No answer about a survey holds more objects and lists; a hostile one must not exhaust the stack
-/// that it is read on.
-constexpr std::ptrdiff_t MAX_OPENINGS = 100;
+/// No answer about a survey nests deeper; a hostile one must not exhaust the stack.
+constexpr std::size_t MAX_NESTING = 100;
 
 ptree ReadAnswer(const std::string& text) {
-  const auto openings =
-      std::count_if(text.begin(), text.end(), [](char c) { return c == '{' || c == '['; });
-  if (openings > MAX_OPENINGS) throw std::runtime_error("the answer nests too deep");
+  if (json::NestsDeeperThan(text, MAX_NESTING)) {
+    throw std::runtime_error("the answer nests too deep");
+  }
   std::istringstream stream(text);
   ptree tree;
   boost::property_tree::read_json(stream, tree);
   return tree;
 }
 
-/// The step's result; nothing if it raises, which is logged with the message and the reason.
+/// The step's result; empty if it throws, which is logged with the message and the reason.
 template <class Step>
 auto Tried(const char* text, const std::string& message, Step step)
     -> boost::optional<decltype(step())> {
@@ -51,13 +51,13 @@ auto Tried(const char* text, const std::string& message, Step step)
   }
 }
 
-/// The message that the server answers with; nothing, and a line in the log, if it gives none.
+/// The message in the server's answer; empty, with a line in the log, if there is none.
 boost::optional<std::string> Ask(Common::ICommunicationSystem& server, const std::string& agentId) {
   Common::ProcessMessageRequest request;
   request.agentIdentifier = agentId;
   request.code = SURVEY_REQUEST;
   request.subcode = SURVEY_SUBCODE;
-  // Stands for a failure until the server says otherwise: without an answer nothing is filled in.
+  // A failure until an answer says otherwise: without one, nothing is filled in.
   Common::ProcessMessageResponse response;
   response.result = 1;
   response.message = "the server did not answer";

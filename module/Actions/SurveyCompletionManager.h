@@ -9,33 +9,33 @@
 
 namespace Norvik::KOB {
 
-/// How a decision about the survey came about.
+/// Why a decision about the survey has its result.
 enum class SurveyResultCodes : int {
-  NoFailure = 0,             ///< without a result: there is nothing more to do
-  DependencyExpired = 1,     ///< what would have to be asked has gone
+  NoFailure = 0,             ///< an empty result then means that there is nothing more to do
+  DependencyExpired = 1,     ///< a service of the host is gone
   OSTypeNotReady = 2,        ///< the agent has not recorded its operating-system type yet
   CommunicationFailure = 3,  ///< the server or the user's process could not be reached
 };
 
-/// The decisions on the way to the survey. Each tells in `code` how it came about, whatever stood
-/// there before.
+/// The decisions that lead to the survey. Each sets `code`, whatever it held before.
 class SurveyCompletionManager {
  public:
-  /// The survey of the agent's profile; nothing if the profile has none.
+  /// The survey of the agent's profile; empty if the profile has none.
   static boost::optional<Common::SurveyInfo> CheckAgentProfile(
       const std::weak_ptr<Common::ModuleDependencies>& dependencies, SurveyResultCodes& code);
 
-  /// Whether the survey is for this type of operating system. Raises what the seeker raises.
+  /// Whether the survey is for this type of operating system. Throws what the seeker throws.
   static bool CheckOSType(IOSTypeSeeker& seeker, Common::SurveyInfo& survey,
                           SurveyResultCodes& code);
 
-  /// Asks the server, and waits for it, whether it has a survey for this device. The URL if so. The
-  /// log tells of an answer that cannot be used.
+  /// Asks the server whether it has a survey for this device, and waits for the answer. Returns the
+  /// survey's URL; empty if there is none. An answer that cannot be used is logged.
   static boost::optional<std::string> AskSurveyCompleted(
       const std::string& agentId, const std::weak_ptr<Common::ICommunicationSystem>& communications,
       SurveyResultCodes& code);
 
-  /// Has the user's process of the session show the survey. False if it did not get the message.
+  /// Sends the survey to the user's process of the session, which shows it. False if the message
+  /// did not get there.
   static bool SendSurveyDialogMessage(
       const std::string& url, unsigned long long session,
       const std::weak_ptr<Common::ICommunicationSystem>& communications, SurveyResultCodes& code);

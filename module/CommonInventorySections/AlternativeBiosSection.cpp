@@ -13,7 +13,6 @@
 #include "common/apple/MacXMLToJSONParser.h"
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
-#include "common/text/Base64Coder.h"
 #include "common/text/Dates.h"
 #include "common/text/Text.h"
 #include "module/Inventory/ProfilerReport.h"

@@ -7,7 +7,7 @@
 #include <set>
 
 #include "common/identification/HostInfoProvider.h"
-#include "common/text/CharacterConverter.h"
+#include "common/text/Text.h"
 #include "support/Cases.h"
 #include "support/FakeHost.h"
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "common/text/Base64Coder.h"
-#include "common/text/CharacterConverter.h"
 #include "common/text/OperatingSystemType.h"
 #include "support/Cases.h"
 #include "support/Surroundings.h"
