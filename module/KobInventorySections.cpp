@@ -1,7 +1,7 @@
 #include <chrono>
 #include <utility>
 
-#include "common/configuration/AgentVersion.h"
+#include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"

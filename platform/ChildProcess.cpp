@@ -7,7 +7,8 @@
 #include <system_error>
 
 #include "platform/ChildStart.h"
-#include "platform/Pipe.h"
+#include "platform/FileDescriptor.h"
+#include "platform/MachinePath.h"
 #include "platform/SystemChanges.h"
 
 namespace Norvik::Platform {
@@ -115,6 +116,18 @@ ChildResult RealSystemChanges::Run(const ChildCommand& command) {
   result.processId = processId;
   result.exitCode = child.Wait();
   return result;
+}
+
+std::string RunTask(const std::string& program, const std::vector<std::string>& arguments) {
+  std::string output;
+  ChildCommand child;
+  child.words = {MachinePath(program)};
+  child.words.insert(child.words.end(), arguments.begin(), arguments.end());
+  child.onOutput = [&](std::string_view piece) { output += piece; };
+  child.onErrors = [](std::string_view) {};
+  child.isQuery = true;
+  RunChild(child);
+  return output;
 }
 
 }  // namespace Norvik::Platform

@@ -57,4 +57,9 @@ struct ChildResult {
 /// throws, after the child has ended.
 ChildResult RunChild(const ChildCommand& command);
 
+/// Runs a program that changes nothing, without a shell, waits for it, and returns its standard
+/// output whole and unchanged; its error channel is discarded. Empty if it cannot be started. An
+/// absolute path goes through `MachinePath`.
+std::string RunTask(const std::string& program, const std::vector<std::string>& arguments);
+
 }  // namespace Norvik::Platform

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "platform/Pipe.h"
+#include "platform/FileDescriptor.h"
 
 extern char** environ;
 

@@ -6,7 +6,7 @@
 
 namespace Norvik::Platform {
 
-/// Owns a file descriptor.
+/// Owns a file descriptor and closes it; -1 is none.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -26,6 +26,7 @@ class FileDescriptor {
 
   int Get() const { return descriptor_; }
   bool IsOpen() const { return descriptor_ >= 0; }
+  /// Gives the descriptor to the caller, who has to close it.
   int Release() { return std::exchange(descriptor_, -1); }
   void Close() {
     if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
@@ -33,6 +34,15 @@ class FileDescriptor {
 
  private:
   int descriptor_ = -1;
+};
+
+/// Both ends of a pipe, closed on exec. Their numbers lie above those of the standard channels.
+struct Pipe {
+  FileDescriptor read;
+  FileDescriptor write;
+
+  /// False, with `errno` set, if no pipe could be made.
+  bool Open();
 };
 
 }  // namespace Norvik::Platform

@@ -7,7 +7,7 @@
 #include <boost/algorithm/string/join.hpp>
 
 #include "cli/RecordedMachineOption.h"
-#include "common/configuration/AgentVersion.h"
+#include "common/identification/HostInfoProvider.h"
 #include "host/HostError.h"
 #include "host/assembly/ModuleLoader.h"
 #include "host/data/DataFolder.h"

@@ -12,7 +12,6 @@
 #include "common/action/InventorySchedules.h"
 #include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
-#include "common/database/SQLiteNames.h"
 #include "common/files/Paths.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"

@@ -7,8 +7,8 @@
 #include <set>
 
 #include "common/database/AgentData.h"
+#include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "common/database/SQLiteNames.h"
 #include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {

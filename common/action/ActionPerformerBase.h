@@ -8,9 +8,9 @@
 
 #include "common/Api.h"
 #include "common/action/IActionSystem.h"
+#include "common/action/IModule.h"
 #include "common/action/ModuleAction.h"
 #include "common/action/ModuleDependencies.h"
-#include "common/action/ProductCodes.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/configuration/ScheduleInfo.h"
 #include "common/database/AgentData.h"

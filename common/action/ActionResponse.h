@@ -19,7 +19,10 @@ class NORVIK_COMMON_API ActionResponseTable {
   void HasTitles(bool titles) { hasTitles_ = titles; }
   void AddNewRow() { rows_.emplace_back(); }
   /// Appends to the last row; makes the first row if there is none.
-  void AddCellToLastRow(const ActionPropertyValue& value);
+  void AddCellToLastRow(const ActionPropertyValue& value) {
+    if (rows_.empty()) AddNewRow();
+    rows_.back().push_back(value);
+  }
   void AddRow(const Row& row) { rows_.push_back(row); }
 
   const std::vector<Row>& Rows() const { return rows_; }

@@ -4,7 +4,6 @@
 
 #include "common/Api.h"
 #include "common/action/ModuleAction.h"
-#include "common/action/Schedule.h"
 
 namespace Norvik::Common {
 

@@ -5,9 +5,11 @@
 
 #include "common/Api.h"
 #include "common/action/ModuleAction.h"
-#include "common/action/ProductCodes.h"
 
 namespace Norvik::Common {
+
+/// Products of which a host can load a module. The values are those of the server.
+enum ProductCodes : unsigned int { PRODUCT_KOB = 1 };
 
 /// What a loaded module offers the host. The order of the operations is part of the contract.
 /// `GetAction` may be called from any thread.

@@ -6,6 +6,7 @@
 #include "common/Api.h"
 #include "common/action/ActionParameters.h"
 #include "common/action/ActionResponse.h"
+#include "common/configuration/ScheduleInfo.h"
 
 namespace Norvik::Common {
 
@@ -29,5 +30,14 @@ struct NORVIK_COMMON_API ModuleAction {
 
 /// Turns a code into a runnable action. The parameters are copied.
 using ActionFactory = std::function<ModuleAction(unsigned int, const ActionParameters&)>;
+
+/// A task downloaded from the server: a code to run with parameters, once or periodically. A module
+/// only passes it on to the action system.
+struct Schedule {
+  std::string identifier;  ///< the server's name of the task, by which it is told from others
+  unsigned int code = 0;
+  ActionParameters parameters;
+  ScheduleInfo when;
+};
 
 }  // namespace Norvik::Common

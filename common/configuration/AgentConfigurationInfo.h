@@ -7,9 +7,15 @@
 #include "common/configuration/CommunicationsInfo.h"
 #include "common/configuration/KobConfigurationInfo.h"
 #include "common/configuration/ProductConfigurations.h"
-#include "common/configuration/SurveyInfo.h"
 
 namespace Norvik::Common {
+
+/// On which types of operating system the completion survey is offered.
+struct SurveyInfo {
+  bool onWindows = false;  ///< type 1
+  bool onLinux = false;    ///< type 2
+  bool onMacOs = false;    ///< type 0
+};
 
 /// The agent's whole configuration, as the server gives it.
 struct AgentConfigurationInfo {

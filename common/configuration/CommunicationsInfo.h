@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <string>
+#include <utility>
 
 #include "common/Api.h"
-#include "common/configuration/UniqueQueue.h"
 
 namespace Norvik::Common {
 
@@ -14,6 +16,27 @@ struct NORVIK_COMMON_API ConfigurationInfoBase {
   ConfigurationInfoBase(const ConfigurationInfoBase&) = default;
   ConfigurationInfoBase& operator=(const ConfigurationInfoBase&) = default;
   virtual ~ConfigurationInfoBase();
+};
+
+/// A queue that holds each text once. Not synchronised.
+class UniqueQueue {
+ public:
+  /// False if the text waits already.
+  bool Push(const std::string& text) {
+    if (std::find(items_.begin(), items_.end(), text) != items_.end()) return false;
+    items_.push_back(text);
+    return true;
+  }
+  /// Takes the oldest text; the queue must not be empty.
+  std::string Pop() {
+    std::string text = std::move(items_.front());
+    items_.pop_front();
+    return text;
+  }
+  bool Empty() const { return items_.empty(); }
+
+ private:
+  std::deque<std::string> items_;
 };
 
 /// How the agent reaches its server. 0 for a number of seconds is the host's own. A host need not

@@ -1,13 +1,13 @@
 #include "common/database/AgentDatabase.h"
 
 #include <algorithm>
+#include <boost/filesystem/operations.hpp>
 #include <utility>
 
 #include "common/database/ConnectionPool.h"
 #include "common/database/DataBase.h"
 #include "common/database/DatabaseFile.h"
 #include "common/database/KeyValueTable.h"
-#include "common/database/SQLiteNames.h"
 #include "common/database/Statement.h"
 
 namespace Norvik::Common {
@@ -63,6 +63,19 @@ void AgentDatabase::SetWaitListener(std::function<void()> listener) {
 
 bool AgentDatabase::LeaveOutConnectionLocks() {
   return sqlite_api::sqlite3_config(SQLITE_CONFIG_MULTITHREAD) == SQLITE_OK;
+}
+
+void CopyDatabase(const boost::filesystem::path& source, const boost::filesystem::path& target) {
+  if (!boost::filesystem::exists(source)) {
+    throw std::runtime_error("there is no database " + source.string());
+  }
+  const auto from = OpenDatabaseFileToRead(source)->Take();
+  Connection to(target);
+  auto* const backup = sqlite_api::sqlite3_backup_init(to.Handle(), "main", from->Handle(), "main");
+  if (!backup) to.RaiseLastError(SQLITE_ERROR, "copy of " + source.string());
+  sqlite_api::sqlite3_backup_step(backup, -1);
+  const int code = sqlite_api::sqlite3_backup_finish(backup);
+  if (code != SQLITE_OK) to.RaiseLastError(code, "copy of " + source.string());
 }
 
 }  // namespace Norvik::Common

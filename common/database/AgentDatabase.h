@@ -11,6 +11,14 @@
 
 namespace Norvik::Common {
 
+namespace SQLiteNames {
+
+inline constexpr char SQLITE_CURRENT_DATABASE_NAME[] = "Agent.9.24.2.0.sqlite3";
+inline constexpr char SQLITE_SHARED_MEMORY_FILE[] = "Agent.9.24.2.0.sqlite3-shm";
+inline constexpr char SQLITE_WRITE_AHEAD_LOG_FILE[] = "Agent.9.24.2.0.sqlite3-wal";
+
+}  // namespace SQLiteNames
+
 /// The process's agent database: opens the file, brings its schema up to date, and serves every
 /// `V2::DataBase` while it lives. One at a time in a process; make it before the module is loaded
 /// and destroy it after.
@@ -61,5 +69,11 @@ class NORVIK_COMMON_API CorruptDatabaseError : public std::runtime_error {
  private:
   boost::filesystem::path keptAs_;
 };
+
+/// Copies an agent database as it stands at one moment, even while an agent writes to it; the
+/// source is only read. Throws a subclass of `std::exception` if there is no source or it is
+/// damaged.
+NORVIK_COMMON_API void CopyDatabase(const boost::filesystem::path& source,
+                                    const boost::filesystem::path& target);
 
 }  // namespace Norvik::Common

@@ -1,22 +1,54 @@
 #include "common/files/FilePipeline.h"
 
+#include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
 #include <exception>
 #include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
-#include "common/files/WholeFile.h"
 #include "common/log/Logger.h"
+#include "platform/FileSystem.h"
+#include "platform/ReplacementFile.h"
 
 namespace Norvik::Common {
 
 namespace {
 
 namespace fs = boost::filesystem;
+
+// Both replace the target whole or not at all, have its content on the disk, and throw a subclass
+// of `std::exception` on failure. The source must be a regular file.
+
+void CopyWhole(const fs::path& source, const fs::path& target) {
+  const Platform::FileDescriptor from = Platform::OpenRegularFile(source.string());
+  Platform::ReplacementFile to(target.string());
+  std::vector<char> buffer(65536);
+  while (const std::size_t length = Platform::ReadFull(from, buffer.data(), buffer.size())) {
+    Platform::WriteAll(to.Descriptor(), buffer.data(), length);
+  }
+  to.Commit();
+}
+
+/// Renames; across file systems copies and then removes the source.
+void MoveWhole(const fs::path& source, const fs::path& target) {
+  // Before the rename, or a crash could leave the new name with no content.
+  Platform::SyncFile(Platform::OpenRegularFile(source.string()));
+  if (std::rename(source.c_str(), target.c_str()) == 0) {
+    Platform::SyncFolder(target.parent_path().string());
+    return;
+  }
+  if (errno != EXDEV) Platform::RaiseSystemError(errno, target.string());
+  CopyWhole(source, target);
+  fs::remove(source);
+}
 
 /// Runs one step; what it raises is logged and gives false.
 template <class Step>

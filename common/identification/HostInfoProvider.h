@@ -4,11 +4,22 @@
 
 #include "common/Api.h"
 
+// The machine's name, and the agents that are installed on it.
+
 namespace Norvik::Common {
 
 struct NORVIK_COMMON_API HostInfoProvider {
-  /// The machine's host name in UTF-8; empty if the system does not tell.
+  /// The machine's host name in UTF-8; empty if the system has none.
   static std::string GetHostName();
+};
+
+/// The version of this agent, as in "9.24.2.0".
+NORVIK_COMMON_API std::string GetAgentVersion();
+
+struct NORVIK_COMMON_API VerifyAgent {
+  /// Whether the agent of the sibling product is installed. The sign of it is the script that
+  /// removes it. Throws `boost::filesystem::filesystem_error` if the file system gives no answer.
+  static bool Verify();
 };
 
 }  // namespace Norvik::Common

@@ -1,12 +1,20 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
 #include "common/Api.h"
-#include "common/ipc/IPCMessage.h"
 
 namespace Norvik::Common {
+
+/// A message between the service and a user's process.
+struct IPCMessage {
+  std::int32_t kind = 0;   ///< carried along, given no meaning here
+  std::uint32_t code = 0;  ///< action to run at the receiver
+  std::string key;         ///< name of its one parameter
+  std::string value;
+};
 
 /// A user's process that is connected.
 struct IPCSessionData {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "common/Api.h"
-#include "common/action/ProductCodes.h"
-#include "common/action/Schedule.h"
+#include "common/action/IModule.h"
+#include "common/action/ModuleAction.h"
 #include "common/rest/RestMessages.h"
 
 namespace Norvik::Common {

@@ -28,9 +28,6 @@ auto AsTuple(const SurveyResponseInfo& info) { return std::tie(info.available, i
 
 }  // namespace
 
-IRestRequest::~IRestRequest() = default;
-IRestResponse::~IRestResponse() = default;
-
 ProcessMessageRequest::operator json::JSON() const {
   json::JSON body;
   if (agentIdentifier) body[AGENT_IDENTIFIER] = *agentIdentifier;

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
-#include "common/database/SQLiteNames.h"
+#include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"

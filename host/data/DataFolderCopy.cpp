@@ -11,8 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/database/DatabaseCopy.h"
-#include "common/database/SQLiteNames.h"
+#include "common/database/AgentDatabase.h"
 
 namespace Norvik::Host {
 

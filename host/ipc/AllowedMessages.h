@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/ipc/IPCMessage.h"
+#include "common/ipc/ICommunicationIPC.h"
 
 namespace Norvik::Host {
 

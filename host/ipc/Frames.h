@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/ipc/IPCMessage.h"
+#include "common/ipc/ICommunicationIPC.h"
 
 namespace Norvik::Host {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/action/ActionParameters.h"
-#include "common/ipc/IPCMessage.h"
+#include "common/ipc/ICommunicationIPC.h"
 
 namespace Norvik::Host {
 

@@ -8,7 +8,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "common/configuration/AgentVersion.h"
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "host/server/AnswerBody.h"

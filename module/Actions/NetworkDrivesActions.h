@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "common/action/ActionPerformerBase.h"
-#include "common/ipc/IPCMessage.h"
+#include "common/ipc/ICommunicationIPC.h"
 #include "module/NetworkDrivesHandler/NetworkDrivesHandler.h"
 
 namespace Norvik::KOB {

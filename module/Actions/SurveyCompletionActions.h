@@ -4,7 +4,7 @@
 #include <string>
 
 #include "common/action/ActionPerformerBase.h"
-#include "common/configuration/SurveyInfo.h"
+#include "common/configuration/AgentConfigurationInfo.h"
 
 namespace Norvik::KOB {
 

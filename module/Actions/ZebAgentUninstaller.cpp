@@ -4,7 +4,7 @@
 #include <exception>
 
 #include "common/commands/CommandRunner.h"
-#include "common/identification/VerifyAgent.h"
+#include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 
 namespace Norvik::KOB {

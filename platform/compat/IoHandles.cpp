@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/compat/CfObjects.h"
+#include "platform/compat/LiveObjects.h"
 
 namespace Norvik::Platform {
 
@@ -94,5 +95,7 @@ HeldEntry AdvanceIterator(io_object_t handle, const char* call) {
 void ReleaseIoHandle(io_object_t handle) { Handles().Release(handle); }
 
 std::size_t CountIoHandles() { return Handles().Count(); }
+
+LiveObjects CountLiveObjects() { return {CountCfObjects(), CountIoHandles()}; }
 
 }  // namespace Norvik::Platform

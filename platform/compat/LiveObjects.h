@@ -4,9 +4,9 @@
 
 namespace Norvik::Platform {
 
-/// What callers hold of the edge to the operating system and have to give back.
+/// Objects that callers own and have to release.
 struct LiveObjects {
-  std::size_t coreFoundation = 0;  ///< Core Foundation objects, those inside of others among them
+  std::size_t coreFoundation = 0;  ///< Core Foundation objects, including those inside collections
   std::size_t ioHandles = 0;       ///< references to I/O registry entries and iterators
 };
 
@@ -14,8 +14,9 @@ inline bool operator==(const LiveObjects& left, const LiveObjects& right) {
   return left.coreFoundation == right.coreFoundation && left.ioHandles == right.ioHandles;
 }
 
-/// For tests: what is held now. All zero when a collector has ended. Giving back too often and
-/// using what was given back need no look here: both end the program, naming the object.
+/// For tests: what is owned now. All zero after a collector has ended. Releasing too often, and
+/// using what was released, need no check: both end the program with a message that names the
+/// object.
 LiveObjects CountLiveObjects();
 
 }  // namespace Norvik::Platform

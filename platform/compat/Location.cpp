@@ -1,7 +1,7 @@
 #include "platform/Location.h"
 
 #include "platform/WaitClock.h"
-#include "platform/compat/RecordedFacts.h"
+#include "platform/compat/Recording.h"
 
 namespace Norvik::Platform {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/RecordedMachine.h"
-#include "platform/compat/RecordedFacts.h"
+#include "platform/compat/Recording.h"
 
 using namespace Norvik::Platform;
 

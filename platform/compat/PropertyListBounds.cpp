@@ -1,4 +1,4 @@
-#include "platform/compat/PropertyListBounds.h"
+#include "platform/compat/PropertyListReader.h"
 
 #include <algorithm>
 #include <cstddef>

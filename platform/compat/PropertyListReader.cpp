@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "platform/FileSystem.h"
-#include "platform/compat/PropertyListBounds.h"
 
 namespace Norvik::Platform {
 

@@ -1,13 +1,11 @@
-#include "platform/compat/RecordedFacts.h"
+#include "platform/compat/Recording.h"
 
 #include <algorithm>
 #include <filesystem>
-
 #include <nlohmann/json.hpp>
 #include <system_error>
 
 #include "platform/compat/PropertyListReader.h"
-#include "platform/compat/Recording.h"
 
 namespace Norvik::Platform {
 

@@ -5,7 +5,6 @@
 #include "cli/ProgramTest.h"
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "common/database/SQLiteNames.h"
 #include "host/data/DataFolder.h"
 #include "support/SchemaCheck.h"
 

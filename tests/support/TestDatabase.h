@@ -6,7 +6,6 @@
 
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "common/database/SQLiteNames.h"
 #include "support/TemporaryFolder.h"
 
 namespace Norvik::Tests {

@@ -17,8 +17,8 @@
 #include "module/Actions/Mac/RemoteRequest.h"
 #include "module/Actions/Mac/ToolText.h"
 #include "module/ProcessIds.h"
+#include "platform/ChildProcess.h"
 #include "platform/SystemChanges.h"
-#include "platform/Task.h"
 
 namespace Norvik::KOB {
 

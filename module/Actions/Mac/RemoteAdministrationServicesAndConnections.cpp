@@ -9,7 +9,7 @@
 #include "module/Actions/Mac/ToolText.h"
 #include "module/Actions/ShellLine.h"
 #include "module/Inventory/ServicesSection.h"
-#include "platform/Task.h"
+#include "platform/ChildProcess.h"
 
 namespace Norvik::KOB {
 

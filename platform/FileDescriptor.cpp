@@ -1,14 +1,13 @@
-#include "platform/Pipe.h"
+#include "platform/FileDescriptor.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace Norvik::Platform {
 
 namespace {
 
-/// In a process that was started without standard channels a pipe could take their place, and a
-/// child would then get it for the channel of that number.
+/// A process that was started without standard channels would get their numbers for its pipes, and
+/// its children would take the pipes for those channels.
 FileDescriptor AboveStandard(const FileDescriptor& descriptor) {
   return FileDescriptor(::fcntl(descriptor.Get(), F_DUPFD_CLOEXEC, 3));
 }

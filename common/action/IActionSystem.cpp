@@ -1,7 +1,0 @@
-#include "common/action/IActionSystem.h"
-
-namespace Norvik::Common {
-
-IActionSystem::~IActionSystem() = default;
-
-}  // namespace Norvik::Common

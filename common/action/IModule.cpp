@@ -1,7 +1,0 @@
-#include "common/action/IModule.h"
-
-namespace Norvik::Common {
-
-IModule::~IModule() = default;
-
-}  // namespace Norvik::Common

@@ -1,7 +1,0 @@
-#include "common/action/ModuleAction.h"
-
-namespace Norvik::Common {
-
-ModuleAction::~ModuleAction() = default;
-
-}  // namespace Norvik::Common

@@ -1,7 +1,0 @@
-#include "common/database/IDataBase.h"
-
-namespace Norvik::Common {
-
-IDataBase::~IDataBase() = default;
-
-}  // namespace Norvik::Common

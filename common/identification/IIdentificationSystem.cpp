@@ -1,7 +1,0 @@
-#include "common/identification/IIdentificationSystem.h"
-
-namespace Norvik::Common {
-
-IIdentificationSystem::~IIdentificationSystem() = default;
-
-}  // namespace Norvik::Common
