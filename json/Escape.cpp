@@ -10,7 +10,7 @@
 namespace json {
 namespace {
 
-/// Whether a byte stands for itself, by its number.
+/// Whether a byte is written unchanged, by its number.
 constexpr std::array<bool, 256> PlainBytes() {
   std::array<bool, 256> plain{};
   for (std::size_t byte = 0x20; byte < 0x80; ++byte) plain[byte] = byte != '"' && byte != '\\';
@@ -18,7 +18,7 @@ constexpr std::array<bool, 256> PlainBytes() {
 }
 constexpr std::array<bool, 256> plainBytes = PlainBytes();
 
-/// Position of the first byte, from `start` on, that does not stand for itself; the size if all do.
+/// Position of the first byte, from `start` on, that is not written unchanged; the size if all are.
 std::size_t EndOfPlain(const std::string& text, std::size_t start) {
   constexpr std::uint64_t ones = 0x0101010101010101;
   constexpr std::uint64_t high = 0x80 * ones;
@@ -26,7 +26,7 @@ std::size_t EndOfPlain(const std::string& text, std::size_t start) {
   for (; i + 8 <= text.size(); i += 8) {
     std::uint64_t word = 0;
     std::memcpy(&word, text.data() + i, 8);
-    // Eight bytes at a time: a byte that is below what is subtracted borrows into its high bit.
+    // Eight bytes at a time: a byte smaller than what is subtracted gets its highest bit set.
     const std::uint64_t quote = (word ^ ('"' * ones)) - ones;
     const std::uint64_t backslash = (word ^ ('\\' * ones)) - ones;
     const std::uint64_t control = word - 0x20 * ones;

@@ -6,11 +6,13 @@
 
 namespace json {
 
-/// The text as it stands between the quotes of a JSON string. Valid UTF-8 passes unchanged; a byte
-/// that is none becomes the escape of the character of its number.
+/// A text as it is written between the quotes of a JSON string. Quotes, backslashes and control
+/// characters are escaped; "/" and 0x7F are not. UTF-8 stays unchanged, also surrogates, overlong
+/// forms and numbers above U+10FFFF; a stray byte becomes the escape of the character of its
+/// number: 0xE9 becomes \u00e9.
 NORVIK_JSON_API std::string json_escape(const std::string& text);
 
-/// The same, added to a text.
+/// Appends the same to `out`, without a copy of the text.
 NORVIK_JSON_API void AppendEscaped(std::string& out, const std::string& text);
 
 }  // namespace json

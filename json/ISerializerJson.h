@@ -4,10 +4,11 @@
 
 namespace Norvik::Common {
 
-/// A record that has a JSON form. Records are values, held in lists and optionals and never deleted
-/// through this interface: it has no virtual destructor.
+/// A record that has a JSON form. Records are values in lists and optionals and are never deleted
+/// through this interface, so it has no virtual destructor.
 class NORVIK_JSON_API ISerializerJson {
  public:
+  /// The record as a new JSON object, or null if a list is to leave the record out.
   virtual operator json::JSON() const = 0;
 
  protected:

@@ -18,7 +18,7 @@ std::string FloatingText(double number) {
 
 }  // namespace
 
-/// Appends values to one text.
+/// Writes a value into one text.
 class Renderer {
  public:
   Renderer(std::string tab, std::string nl) : tab_(std::move(tab)), nl_(std::move(nl)) {}
@@ -76,7 +76,8 @@ class Renderer {
       lead = ',';
     }
     if (object.empty()) out_ += '{' + nl_;
-    // Deliberately two characters, whatever the length of a tab: indented texts have that form.
+    // Deliberately two characters, whatever the length of a tab: that is the form of indented
+    // texts.
     pad.erase(0, 2);
     out_ += nl_ + pad + '}';
   }
@@ -127,12 +128,12 @@ JSON::JSON(JSON&& other) noexcept
 JSON::~JSON() { ClearInternal(); }
 
 JSON& JSON::operator=(const JSON& other) {
-  // The other may be a part of this value, so it is copied before anything is freed.
+  // Copied before anything is freed, since the other value may be a part of this one.
   return *this = JSON(other);
 }
 
 JSON& JSON::operator=(JSON&& other) noexcept {
-  // Taken before anything is freed, for the same reason.
+  // Moved out before anything is freed, for the same reason.
   JSON taken(std::move(other));
   ClearInternal();
   data_ = std::exchange(taken.data_, BackingData());

@@ -8,19 +8,20 @@
 #include <type_traits>
 #include <utility>
 
-/// Marks what crosses the border between host and module: one type information for both sides.
+/// Marks what the library exports to host and module, see `NORVIK_COMMON_API`.
 #define NORVIK_JSON_API __attribute__((visibility("default")))
 
 namespace json {
 
-/// A JSON value: null, object, array, text, number or flag. Copies are deep, moves leave null.
-/// Whoever uses a value as something else than it is loses what it held: there is no error and no
-/// conversion. There is no parser. A value must not be moved into a part of itself.
+/// A JSON value to be written: null, object, array, string, number or truth value. Copies are deep;
+/// a moved value is null. Deliberately there is no error and no conversion: an operation of another
+/// class than the value has first discards what it holds. There is no parser. A value must not be
+/// moved into a part of itself. Not synchronised; nothing throws but for lack of memory.
 class NORVIK_JSON_API JSON {
  public:
   enum class Class : std::uint32_t { Null, Object, Array, String, Floating, Integral, Boolean };
 
-  /// Numeric punctuation with a decimal separator of its own and no grouping.
+  /// Numeric punctuation with the given decimal separator and without grouping.
   template <class Character, Character separator>
   class DecimalSeparator : public std::numpunct<Character> {
    protected:
@@ -32,23 +33,26 @@ class NORVIK_JSON_API JSON {
   JSON(JSON&& other) noexcept;
   ~JSON();
 
-  /// Safe for the value itself and for a part of it.
+  // The argument may be the value itself or a part of it.
+
   JSON& operator=(const JSON& other);
   JSON& operator=(JSON&& other) noexcept;
 
+  /// Bytes that should be UTF-8; `AppendEscaped` says what becomes of others.
   template <class T>
   std::enable_if_t<std::is_convertible_v<T, std::string>, JSON&> operator=(T text) {
     SetType(Class::String);
     *data_.text = std::move(text);
     return *this;
   }
-  /// Widened to 64 bits with its sign; an unsigned value above the signed range turns negative.
+  /// Widened to 64 bits. An unsigned number above the signed range becomes negative.
   template <class T>
   std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, JSON&> operator=(T number) {
     SetType(Class::Integral);
     data_.integral = static_cast<long long>(number);
     return *this;
   }
+  /// Written with at most six significant digits.
   template <class T>
   std::enable_if_t<std::is_floating_point_v<T>, JSON&> operator=(T number) {
     SetType(Class::Floating);
@@ -62,12 +66,13 @@ class NORVIK_JSON_API JSON {
     return *this;
   }
 
-  /// The value under a key of this object, null if it is new.
+  /// The value of a key of this object. A new key gets null. The reference is valid until the key
+  /// or the object is replaced.
   JSON& operator[](const std::string& key);
-  /// The element of this array, which grows with nulls to hold it.
+  /// The element of this array at an index, from 0. The array is filled with nulls up to it.
   JSON& operator[](unsigned int index);
 
-  /// Adds at the end of this array.
+  /// Adds an element at the end of this array.
   template <class T>
   void append(T value) {
     SetType(Class::Array);
@@ -76,13 +81,15 @@ class NORVIK_JSON_API JSON {
 
   bool IsNull() const { return type_ == Class::Null; }
 
-  /// Turns the value into an empty one of the class, unless it is of that class already.
+  /// Makes this an empty value of a class, unless it is of that class already.
   void SetType(Class type);
 
-  /// Text of the value: `tab` indents a level, `nl` ends a line. Keys come in ascending byte order
-  /// and are not escaped; doubles have at most six significant digits and always a decimal point.
+  /// The value as JSON text, indented by `tab` per level from `depth` on, with `nl` at line ends.
+  /// Keys come in ascending byte order and are not escaped. The decimal separator is a point
+  /// whatever the locale. Numbers that are not finite are written as the standard streams do, which
+  /// is no JSON.
   std::string dump(int depth, std::string tab, std::string nl) const;
-  /// The text without white space.
+  /// The value as JSON text without white space.
   std::string strUgly() const;
 
  private:
@@ -99,7 +106,7 @@ class NORVIK_JSON_API JSON {
     bool flag;
   };
 
-  /// Frees what is on the heap and leaves pointer and tag behind: the caller sets both at once.
+  /// Frees the memory but leaves pointer and tag as they are: the caller must set both.
   void ClearInternal();
 
   BackingData data_;

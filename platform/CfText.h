@@ -6,10 +6,10 @@
 
 namespace Norvik::Platform {
 
-/// The text as an object; none for bytes that are no UTF-8.
+/// A new object with the text; empty if the bytes are not UTF-8.
 CfRef<CFStringRef> CfTextOf(const char* utf8);
 
-/// The text of an object in UTF-8, up to its first NUL; empty for one that UTF-8 cannot say.
+/// The text of an object in UTF-8, up to its first NUL; empty if UTF-8 cannot express it.
 std::string Utf8Of(CFStringRef text);
 
 }  // namespace Norvik::Platform

@@ -13,7 +13,8 @@ namespace {
 
 int Sync(int descriptor) {
 #ifdef F_FULLFSYNC
-  // A plain fsync leaves the data in the drive's own cache; not every file system has the full one.
+  // A plain fsync leaves the data in the cache of the drive; not every file system has the full
+  // one.
   if (::fcntl(descriptor, F_FULLFSYNC) == 0) return 0;
 #endif
   return ::fsync(descriptor);
@@ -21,18 +22,18 @@ int Sync(int descriptor) {
 
 }  // namespace
 
-void RaiseSystemError(int error, const std::string& what) {
+void ThrowSystemError(int error, const std::string& what) {
   throw std::system_error(error, std::generic_category(), what);
 }
 
 FileDescriptor OpenRegularFile(const std::string& path) {
   // Without waiting, or a named pipe in the file's place would block the caller.
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  if (!file.IsOpen()) RaiseSystemError(errno, path);
+  if (!file.IsOpen()) ThrowSystemError(errno, path);
   struct stat status {};
-  if (::fstat(file.Get(), &status) != 0) RaiseSystemError(errno, path);
-  if (S_ISDIR(status.st_mode)) RaiseSystemError(EISDIR, path);
-  if (!S_ISREG(status.st_mode)) RaiseSystemError(EINVAL, path);
+  if (::fstat(file.Get(), &status) != 0) ThrowSystemError(errno, path);
+  if (S_ISDIR(status.st_mode)) ThrowSystemError(EISDIR, path);
+  if (!S_ISREG(status.st_mode)) ThrowSystemError(EINVAL, path);
   return file;
 }
 
@@ -41,7 +42,7 @@ std::size_t ReadFull(const FileDescriptor& file, char* buffer, std::size_t size)
   while (done < size) {
     const ssize_t length = ::read(file.Get(), buffer + done, size - done);
     if (length < 0 && errno == EINTR) continue;
-    if (length < 0) RaiseSystemError(errno, "Reading failed");
+    if (length < 0) ThrowSystemError(errno, "Reading failed");
     if (length == 0) break;
     done += static_cast<std::size_t>(length);
   }
@@ -53,13 +54,13 @@ void WriteAll(const FileDescriptor& file, const char* data, std::size_t size) {
   while (done < size) {
     const ssize_t length = ::write(file.Get(), data + done, size - done);
     if (length < 0 && errno == EINTR) continue;
-    if (length < 0) RaiseSystemError(errno, "Writing failed");
+    if (length < 0) ThrowSystemError(errno, "Writing failed");
     done += static_cast<std::size_t>(length);
   }
 }
 
 void SyncFile(const FileDescriptor& file) {
-  if (Sync(file.Get()) != 0) RaiseSystemError(errno, "Syncing failed");
+  if (Sync(file.Get()) != 0) ThrowSystemError(errno, "Syncing failed");
 }
 
 void SyncFolder(const std::string& folder) {

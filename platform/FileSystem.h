@@ -6,22 +6,23 @@
 
 namespace Norvik::Platform {
 
-// What raises here raises `std::system_error`; what takes a path has it in the text.
+// Failures throw `std::system_error`; if a path was given, the text has it.
 
-/// Raises the error of a number, as `errno` holds it. The text says of what.
-[[noreturn]] void RaiseSystemError(int error, const std::string& what);
+/// Throws the error of a number as in `errno`. `what` says what failed.
+[[noreturn]] void ThrowSystemError(int error, const std::string& what);
 
-/// Opens an existing regular file for reading; a link is not followed. Raises.
+/// Opens an existing regular file for reading. Throws for a link, which is not followed, and for a
+/// folder or a pipe, at which it does not wait.
 FileDescriptor OpenRegularFile(const std::string& path);
 
-/// Reads up to `size` bytes, fewer only at the end of the file. Raises.
+/// Reads up to `size` bytes and returns how many, fewer only at the end of the file.
 std::size_t ReadFull(const FileDescriptor& file, char* buffer, std::size_t size);
-/// Raises.
+/// Writes all `size` bytes.
 void WriteAll(const FileDescriptor& file, const char* data, std::size_t size);
 
-/// Has the file's content on the disk, as far as the system offers it. Raises.
+/// Returns when the file's content is on the disk, as far as the system can ensure that.
 void SyncFile(const FileDescriptor& file);
-/// The same for the entries of a folder; a file system that cannot is passed over.
+/// The same for the entries of a folder. Errors are ignored, since not every file system can do it.
 void SyncFolder(const std::string& folder);
 
 }  // namespace Norvik::Platform

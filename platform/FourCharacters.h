@@ -5,7 +5,7 @@
 
 namespace Norvik::Platform {
 
-/// The code that four characters make, the first in its highest byte.
+/// The code of four characters, the first one in the highest byte.
 constexpr std::uint32_t FourCharacters(const char (&text)[5]) {
   std::uint32_t code = 0;
   for (int i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(text[i]);

@@ -13,10 +13,10 @@ struct LocationFix {
   double speed = 0.0;
 };
 
-/// Asks the system where the machine is. For one thread, the one that made it.
+/// Asks the system where the machine is. Only for the thread that created it.
 class LocationService {
  public:
-  /// Whether the user lets programs know at all.
+  /// Whether the user allows programs to ask.
   static bool IsEnabled();
 
   LocationService();
@@ -24,9 +24,9 @@ class LocationService {
   LocationService& operator=(const LocationService&) = delete;
   ~LocationService();
 
-  /// Begins to look for the best position that the machine can tell.
+  /// Begins to search for the most exact position; returns at once.
   void Start();
-  /// The newest position; empty as long as there is none.
+  /// The newest position; empty until there is one.
   std::optional<LocationFix> CurrentFix() const;
   void Stop();
 

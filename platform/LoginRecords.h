@@ -9,8 +9,8 @@
 
 namespace Norvik::Platform {
 
-/// A walk over the system's login records, from the first one on. All walks of a process share one
-/// place, so another one waits until this object has gone.
+/// Iterates over the login records of the system, from the first one on. A process has only one
+/// position in them, so a second object waits until this one is destroyed.
 class LoginRecords {
  public:
   LoginRecords();
@@ -18,10 +18,10 @@ class LoginRecords {
   LoginRecords& operator=(const LoginRecords&) = delete;
   ~LoginRecords();
 
-  /// The next record, valid until the call after this one; null behind the last.
+  /// The next record, valid until the next call; null after the last one.
   const utmpx* Next();
 
-  /// Text of a fixed field of a record, which a full field does not end with a NUL.
+  /// The text of a field of fixed size, which ends with a NUL only if it is not full.
   template <std::size_t size>
   static std::string TextOf(const char (&field)[size]) {
     return std::string(field, ::strnlen(field, size));

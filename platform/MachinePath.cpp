@@ -17,7 +17,7 @@ std::string MachinePath(const std::string& absolute) {
   const std::string& root = MachineRoot();
   const std::filesystem::path path(absolute);
   if (root.empty() || !path.is_absolute()) return absolute;
-  // Made plain first: a path with ".." must not lead out of the recording.
+  // Normalised first: a path with ".." must not lead out of the recording.
   return root + path.lexically_normal().string();
 }
 

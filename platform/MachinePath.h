@@ -4,13 +4,14 @@
 
 namespace Norvik::Platform {
 
-/// The path to use for an absolute path of the machine's own files. It is the path itself, unless a
-/// recorded machine is in force: then it lies below that machine's root, and what the recording
-/// does not hold does not exist. Relative paths stay as they are.
+/// The path under which to open a file of the machine, given its absolute path. That is the path
+/// itself, unless a recorded machine is in force: then it is the path below that machine's root,
+/// and a file that the recording does not have does not exist. Relative paths are returned
+/// unchanged.
 std::string MachinePath(const std::string& absolute);
 
-/// Puts the files of a recorded machine in force; an empty text brings the real ones back. Call it
-/// while no other thread asks for paths.
+/// Sets the root of a recorded machine; an empty text restores the real one. Call it while no other
+/// thread uses `MachinePath`.
 void SetMachineRoot(const std::string& folder);
 
 }  // namespace Norvik::Platform

@@ -6,13 +6,13 @@
 
 namespace Norvik::Platform {
 
-/// Who holds the other end of a local socket. The system says so, not the other end.
+/// The process at the other end of a local socket, as reported by the system, not by that process.
 struct PeerCredentials {
   uid_t user = 0;
-  pid_t process = 0;  ///< the one that connected
+  pid_t process = 0;  ///< that made the connection
 };
 
-/// Empty, with `errno` set, for what is no connected local socket.
+/// Empty, with `errno` set, if this is no connected local socket.
 std::optional<PeerCredentials> CredentialsOfPeer(int socket);
 
 }  // namespace Norvik::Platform

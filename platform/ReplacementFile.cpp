@@ -28,7 +28,7 @@ ReplacementFile::ReplacementFile(const std::string& target) : target_(target) {
   if (!file_.IsOpen()) {
     const int error = errno;
     path_.clear();
-    RaiseSystemError(error, "Cannot make a file in " + folder_);
+    ThrowSystemError(error, "Cannot make a file in " + folder_);
   }
   ::fcntl(file_.Get(), F_SETFD, FD_CLOEXEC);
 }
@@ -38,9 +38,9 @@ ReplacementFile::~ReplacementFile() {
 }
 
 void ReplacementFile::Commit() {
-  // Through the name, not the descriptor: whoever was given the name may have replaced the file.
+  // By the name, not the descriptor: who was given the name may have replaced the file.
   SyncFile(OpenRegularFile(path_));
-  if (std::rename(path_.c_str(), target_.c_str()) != 0) RaiseSystemError(errno, target_);
+  if (std::rename(path_.c_str(), target_.c_str()) != 0) ThrowSystemError(errno, target_);
   path_.clear();
   SyncFolder(folder_);
 }
@@ -49,7 +49,7 @@ bool ReplacementFile::CommitIfAbsent() {
   SyncFile(OpenRegularFile(path_));
   if (::link(path_.c_str(), target_.c_str()) != 0) {
     if (errno == EEXIST) return false;
-    RaiseSystemError(errno, target_);
+    ThrowSystemError(errno, target_);
   }
   SyncFolder(folder_);
   return true;

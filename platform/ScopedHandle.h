@@ -7,8 +7,8 @@
 
 namespace Norvik::Platform {
 
-/// Owns one reference to an object of the operating system. `Traits` says what the handle is and
-/// how it is given back; a handle that is zero is none.
+/// Owns one reference to an object of the operating system. `Traits` defines the type of the handle
+/// and how it is released. A handle of zero is empty.
 template <class Traits>
 class ScopedHandle {
  public:
@@ -27,14 +27,14 @@ class ScopedHandle {
 
   explicit operator bool() const { return handle_ != Handle{}; }
   Handle Get() const { return handle_; }
-  /// For calls that read the handle through a reference; they leave it as it is.
+  /// For calls that take the handle by reference but do not change it.
   Handle& Ref() { return handle_; }
-  /// For calls that store a handle of which the caller becomes the owner.
+  /// For calls that store a new handle, which this object then owns. Releases the present one.
   Handle* Out() {
     Reset();
     return &handle_;
   }
-  /// Hands the reference over to the caller.
+  /// Gives the reference to the caller, who has to release it.
   Handle Release() { return std::exchange(handle_, Handle{}); }
   void Reset(Handle handle = Handle{}) {
     const Handle previous = std::exchange(handle_, handle);

@@ -4,7 +4,7 @@
 
 namespace Norvik::Platform {
 
-/// Writes a line to the system's own log, the error channel where it has none. UTF-8.
+/// Writes a line, in UTF-8, to the log of the system; to standard error where the system has none.
 void WriteSystemLog(const std::string& line);
 
 }  // namespace Norvik::Platform

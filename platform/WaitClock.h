@@ -4,7 +4,7 @@
 
 namespace Norvik::Platform {
 
-/// The clock that waits go by. The plain one is the system's; a test derives its own.
+/// The clock of all waits. This class uses the system's; tests derive their own from it.
 class WaitClock {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
@@ -17,11 +17,11 @@ class WaitClock {
   virtual TimePoint Now();
   virtual void SleepFor(std::chrono::milliseconds duration);
 
-  /// The one in force, on every thread.
+  /// The clock in force, for all threads.
   static WaitClock& Current();
 };
 
-/// Puts a clock in force for a scope. The clock must outlive it.
+/// Sets the clock for the time of a scope. The clock must outlive it.
 class WaitClockScope {
  public:
   explicit WaitClockScope(WaitClock& clock);

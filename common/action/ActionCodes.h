@@ -1,7 +1,8 @@
 #pragma once
 
-// The numbers are wire values, shared with the management server: they never change. Each list
-// is the one place of its numbers; the enumerations and the names for logs come from it.
+// The codes of all actions. The numbers are shared with the management server and never change: a
+// new action takes a new number, and a number that is free again is not reused. Each number stands
+// in one list only; the enumerations, and the names that logs show, are made from the lists.
 
 /// Codes of the host contract: X(enumerator, code).
 #define NORVIK_COMMON_ACTION_CODES(X)        \
@@ -80,7 +81,7 @@ struct ActionName {
 };
 
 #define NORVIK_ACTION_NAME(name, code) ActionName{code, #name},
-/// All codes of both lists, in no particular order.
+/// All codes of both lists. The order has no meaning.
 inline constexpr ActionName ACTION_NAMES[] = {NORVIK_COMMON_ACTION_CODES(NORVIK_ACTION_NAME)
                                                   NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_NAME)};
 #undef NORVIK_ACTION_NAME

@@ -21,7 +21,7 @@ std::string ActionNameOf(unsigned int code) {
   return name == std::end(ACTION_NAMES) ? std::to_string(code) : name->name;
 }
 
-/// Text of a parameter, whichever way its sender typed it. Empty for what has no plain text.
+/// A parameter as text, whatever type its sender chose. Empty for a type without a plain text.
 struct ParameterText : boost::static_visitor<std::string> {
   std::string operator()(const std::string& text) const { return text; }
   std::string operator()(const wxString& text) const { return ToUtf8(text); }

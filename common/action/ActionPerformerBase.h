@@ -17,13 +17,16 @@
 
 namespace Norvik::Common {
 
+/// The handlers of a module by the code that they serve.
 using HandlerMap = std::map<unsigned int, ActionHandler>;
 
-/// Base of every class that serves actions. Holds what such a class needs of the host, as weak
-/// pointers; an operation here raises `std::bad_weak_ptr` when the service it needs has gone.
+/// Base of the classes that serve actions. Holds the services of the host as weak pointers, since
+/// the host owns them: an operation throws `std::bad_weak_ptr` if the service that it needs is
+/// gone, and passes on what that service throws. The members here may be called from several
+/// threads; what a derived class adds, it has to protect itself.
 class NORVIK_COMMON_API ActionPerformerBase {
  public:
-  /// Raises `std::bad_weak_ptr` if the dependencies have gone.
+  /// Copies what it needs of the dependencies. Throws `std::bad_weak_ptr` if they are gone.
   ActionPerformerBase(const ProductCodes& product, const ActionFactory& factory,
                       std::weak_ptr<ModuleDependencies> dependencies);
   ActionPerformerBase(const ActionPerformerBase&) = delete;
@@ -31,33 +34,43 @@ class NORVIK_COMMON_API ActionPerformerBase {
   virtual ~ActionPerformerBase();
 
  protected:
-  /// Registers a member function for a code. A later registration of the code replaces it.
+  /// Registers a member function of `object` as the handler of a code. A later registration of the
+  /// same code replaces it. `object` must live as long as the map is used.
   template <class Code, class Member, class Object>
   static void CreateActionRunner(HandlerMap& handlers, Code code, Member handler, Object* object) {
     handlers[code] = std::bind(handler, object, std::placeholders::_1);
   }
 
+  /// The action of a code, with a copy of the parameters. For a code without a handler: the default
+  /// action, which has no name, logs a warning and returns a default response. The handler refers
+  /// to this object.
   ModuleAction GetAction(unsigned int code, const ActionParameters& parameters,
                          const HandlerMap& handlers);
 
-  /// Runs the code once after the delay. Null: no parameters. They are copied before the return.
+  /// Runs the action of a code once, on an action thread, after the delay. The parameters are
+  /// copied during the call; null means none.
   void RunOneShotAction(unsigned int code, const std::chrono::seconds& delay,
                         ActionParameters* parameters);
-  /// Runs the code every `period`, first after `delay`, unless it has a periodic action already.
+  /// Runs the action of a code every `period`, the first time after `delay`. Does nothing if the
+  /// code has a periodic action already. `data` keeps the state over restarts.
   void CreatePeriodicAction(unsigned int code, AgentData& data, const std::chrono::seconds& period,
                             const std::chrono::seconds& delay);
+  /// The same, but replaces a periodic action that the code has already.
   void ReplacePeriodicAction(unsigned int code, AgentData& data, const std::chrono::seconds& period,
                              const std::chrono::seconds& delay);
-  /// The same from a configured schedule. Null: nothing happens.
+  /// The same with the times of a configured schedule. Does nothing for null.
   void ReplacePeriodicAction(unsigned int code, AgentData& data, const ScheduleInfo* schedule);
 
-  /// Reports the state of the task that started the action. The message may be null.
+  /// Reports a status of the task that started the action to the server: the task's names and times
+  /// are taken from the parameters. An action that no task started has none of them, and the report
+  /// is made all the same. The message is for people and may be null.
   void SendStatusForProgrammedTask(ActionParameters& parameters,
                                    const TaskResponseInfo::ResponseStatusTypes& status,
                                    const char* message);
-  /// Tells the host that a new file waits in the outbox.
+  /// Notifies the host that a new file waits in the outbox.
   void RiseNewFileOnOutbox();
 
+  // From the dependencies. `processKind` is 0 in the service, any other value in a user's process.
   const ProductCodes productCode;
   const int processKind;
   const ActionFactory actionFactory;

@@ -10,19 +10,20 @@
 
 namespace Norvik::Common {
 
-/// A point in time of the host interface. The resolution is fixed because the clock's own differs
-/// between systems.
+/// A point in time between host and module. Its resolution is fixed, because that of the clock
+/// itself differs between systems.
 using ActionTimePoint =
     std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
 
-/// Value of an action's parameter or of a response's cell. Wrap a text explicitly
-/// (`wxString("x")`, `std::string("x")`): a bare literal would become a `bool`.
+/// The value of a parameter or of a cell of a response. The order of the types is part of the
+/// contract. Write texts as `wxString("x")` or `std::string("x")`: a plain literal would become a
+/// `bool`.
 using ActionPropertyValue =
     boost::variant<bool, unsigned int, unsigned long long, int, long long, float, double, wxString,
                    AgentConfigurationInfo, std::string, ActionTimePoint>;
 
 struct ActionSystemTypes {
-  /// The value as a `T`. Raises `boost::bad_get` if it holds another type.
+  /// The value as a `T`, without conversion. Throws `boost::bad_get` if it holds another type.
   template <class T>
   static const T& GetVariantPropertyValue(const ActionPropertyValue& value) {
     return boost::get<T>(value);

@@ -10,15 +10,15 @@
 
 namespace Norvik::Common {
 
-/// Rows of a listing action.
+/// The rows that an action lists. Rows may differ in their number of cells.
 class NORVIK_COMMON_API ActionResponseTable {
  public:
   using Row = std::vector<ActionPropertyValue>;
 
-  /// Says whether the first row holds the column titles.
+  /// Sets whether the first row holds the titles of the columns.
   void HasTitles(bool titles) { hasTitles_ = titles; }
   void AddNewRow() { rows_.emplace_back(); }
-  /// Appends to the last row; makes the first row if there is none.
+  /// Appends a cell to the last row, after adding a first row if there is none.
   void AddCellToLastRow(const ActionPropertyValue& value) {
     if (rows_.empty()) AddNewRow();
     rows_.back().push_back(value);
@@ -33,7 +33,8 @@ class NORVIK_COMMON_API ActionResponseTable {
   bool hasTitles_ = false;
 };
 
-/// What a handler answers. A handler that has nothing to say returns a default response.
+/// The result of a handler. A handler with nothing to report returns a default response; failures
+/// of tasks are reported as statuses (see `ActionPerformerBase`).
 struct NORVIK_COMMON_API ActionResponse {
   ActionResponse() = default;
   ActionResponse(const ActionResponse&) = default;
@@ -44,9 +45,9 @@ struct NORVIK_COMMON_API ActionResponse {
 
   std::int32_t result = 0;
   ActionResponseTable table;
-  boost::optional<std::string> text;  ///< reason of a failure; empty on success
-  std::uint64_t extra = 0;            ///< carried along, given no meaning here
-  /// Outcome of a started process. Takes a whole word of the record's layout.
+  boost::optional<std::string> text;  ///< the reason of a failure; empty on success
+  std::uint64_t extra = 0;            ///< passed on unchanged, without a meaning here
+  /// Whether a process that was to be started did start. Fills a whole word of the record.
   alignas(std::uint64_t) bool success = false;
 };
 

@@ -9,32 +9,36 @@ namespace Norvik::Common {
 
 class AgentData;
 
-/// When an action runs periodically.
+/// The times of a periodic action.
 struct ActionTiming {
-  std::chrono::seconds period{0};  ///< 0: once
-  std::chrono::system_clock::time_point next;
+  std::chrono::seconds period{0};              ///< 0: once
+  std::chrono::system_clock::time_point next;  ///< first run; at once if it is past
 };
 
-/// Runs actions for a module. All operations may be called from any thread, from inside a handler
-/// too. The order of the first three is part of the contract.
+/// Runs actions for a module, on threads of the host. All operations may be called from any thread,
+/// also from inside a handler. `AgentData` is copied during the call. The order of the first three
+/// operations is part of the contract.
 class NORVIK_COMMON_API IActionSystem {
  public:
   virtual ~IActionSystem();
 
-  /// Takes on a schedule that the server gave.
+  /// Installs a task of the server, to run at its times, under its identifier.
   virtual void AddSchedule(const Schedule& schedule) = 0;
-  /// Runs the action on the calling thread. What the handler raises comes out here.
+  /// Runs the action on the calling thread and returns its response. Passes on what the handler
+  /// throws.
   virtual ActionResponse RunAction(ModuleAction action) = 0;
-  /// Hands the action to the action threads and returns at once.
+  /// Queues the action for the action threads and returns at once.
   virtual void QueueAction(ModuleAction action) = 0;
 
-  /// Runs the action once on the action threads, after the delay, never inside this call.
+  /// Runs the action once on an action thread, after the delay, never inside this call. It is not
+  /// kept over a restart.
   virtual void RunOneShot(unsigned int code, ModuleAction action, std::chrono::seconds delay) = 0;
-  /// Installs a periodic action unless the code has one already, in this process or, by its
-  /// stored state, from before a restart; then that one goes on. `data` keeps the state.
+  /// Installs a periodic action. If the code has one already, in this process or, by its stored
+  /// state, from before a restart, that one continues instead. The state is stored in `data` under
+  /// the code.
   virtual void CreatePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                               const ActionTiming& timing) = 0;
-  /// The same, but takes the place of a periodic action of the code.
+  /// Installs a periodic action, replacing one that the code has.
   virtual void ReplacePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                                const ActionTiming& timing) = 0;
 

@@ -10,7 +10,7 @@ namespace {
 
 using std::chrono::system_clock;
 
-/// The server's words are free; this keeps sums within what the clock can hold.
+/// A server may send any 64-bit number; this keeps sums within the range of the clock.
 std::int64_t Bounded(std::int64_t seconds) {
   constexpr std::int64_t LIMIT = 4'000'000'000;
   return std::clamp<std::int64_t>(seconds, 0, LIMIT);
@@ -18,7 +18,7 @@ std::int64_t Bounded(std::int64_t seconds) {
 
 std::int64_t Now() { return system_clock::to_time_t(system_clock::now()); }
 
-/// First of the schedule's times at or behind `earliest`; the only one, if it has no period.
+/// The first of the schedule's times at or after `earliest`; its only time if it has no period.
 std::int64_t FirstTime(const ScheduleInfo& schedule, std::int64_t earliest) {
   const std::int64_t next = Bounded(schedule.next);
   const std::int64_t period = Bounded(schedule.periodSeconds);

@@ -11,8 +11,9 @@ namespace Norvik::Common {
 
 class IActionSystem;
 
-/// What the host hands to a module. The host owns it and everything it points to, and keeps it
-/// alive until the module is gone.
+/// The services and the configuration that the host gives a module. The host owns this object and
+/// everything it points to, and keeps it until the module is gone. A module copies the
+/// configuration and locks a pointer for each use.
 struct ModuleDependencies {
   AgentConfigurationInfo configuration;
   std::weak_ptr<IIdentificationSystem> identification;

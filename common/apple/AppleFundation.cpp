@@ -19,7 +19,7 @@ namespace {
 using Platform::CfRef;
 using Platform::IoObject;
 
-/// Null if the key is absent or holds another type. The value belongs to the dictionary.
+/// Null if the key is missing or holds another type. The dictionary owns the value.
 CFTypeRef ValueOf(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
   const CfRef<CFStringRef> name = Platform::CfTextOf(key);
   if (!dictionary || !name) return nullptr;

@@ -7,21 +7,21 @@
 
 namespace Norvik::Common {
 
-/// Reads the I/O registry and Core Foundation's dictionaries. None of it raises.
+/// Reads the I/O registry and dictionaries of Core Foundation. Nothing here throws.
 struct NORVIK_COMMON_API AppleFundation {
-  /// The first object of a class, or of one that inherits from it, below an entry in the plane
-  /// "IOService", at any depth; 0 if there is none or the entry is 0. The caller owns the handle.
+  /// The first object of a class, or of a class derived from it, at any depth below an entry in the
+  /// plane "IOService". 0 if there is none, or the entry is 0. The caller owns the handle.
   static unsigned int FindRecursiveChildren(unsigned int& entry, const char* className);
 
-  /// The text of a key; empty if the dictionary is null, or the key is absent or holds no text.
+  /// The text of a key. Empty if the dictionary is null, or the key is missing or holds no text.
   static wxString GetCFDictionaryStringProperty(CFDictionaryRef& dict, const char* key);
 
-  /// The number of a key, negative ones and fractions cut as a conversion does; 0 if the dictionary
-  /// is null, or the key is absent or holds no number.
+  /// The number of a key, converted: a fraction is cut off, a negative number wraps. 0 if the
+  /// dictionary is null, or the key is missing or holds no number.
   static unsigned long long GetCFDictionaryIntergerProperty(CFDictionaryRef& dict, const char* key);
 
-  /// Reads a property list file, XML or binary. Null if it cannot be read or is none. The caller
-  /// owns the object, whose type is open.
+  /// Reads a property list file, XML or binary. Null if it cannot be read or is no property list.
+  /// The caller owns the object, which may be of any type.
   static CFPropertyListRef CreateMyPropertyListFromFile(CFURLRef url);
 };
 

@@ -17,7 +17,7 @@ namespace {
 
 using boost::property_tree::ptree;
 
-/// Fills a tree from the element at a path, while that element is being read.
+/// Fills a tree from the element at a path, while the XML is read.
 class TreeBuilder final : public XmlHandler {
  public:
   TreeBuilder(const std::string& rootPath, ptree& root) : root_(root) {
@@ -60,10 +60,10 @@ class TreeBuilder final : public XmlHandler {
   struct Element {
     Kind kind;
     ptree* node;      ///< of a value
-    std::string key;  ///< the last one of a dictionary
+    std::string key;  ///< the last key of a dictionary
   };
 
-  /// Looks whether an element outside the root lies on the path to it, or is it.
+  /// Checks whether an element outside the root is on the path to it, or is the root itself.
   void Search(std::string_view name) {
     const bool onPath = !found_ && depth_ == matched_ && name == path_[matched_];
     ++depth_;
@@ -85,7 +85,7 @@ class TreeBuilder final : public XmlHandler {
   std::vector<std::string> path_;
   ptree& root_;
   std::size_t matched_ = 0;  ///< parts of the path that are open now
-  std::size_t depth_ = 0;    ///< open elements, without those inside the root
+  std::size_t depth_ = 0;    ///< number of open elements, without those inside the root
   bool found_ = false;
   std::vector<Element> open_;  ///< the root and the open elements inside it
 };
@@ -98,7 +98,7 @@ bool IsForbidden(char c) {
 }  // namespace
 
 MacXMLToJSONParser::MacXMLToJSONParser(const std::string& xml, ptree& out) : xml_(xml), out_(out) {
-  // A serial number may come out of its device with control characters, which XML forbids.
+  // Some devices report serial numbers with control characters, which XML forbids.
   std::replace_if(xml_.begin(), xml_.end(), IsForbidden, ' ');
 }
 

@@ -6,7 +6,7 @@ namespace Norvik::Common {
 
 namespace {
 
-/// What stands for a port with a device; the device's driver is its child.
+/// The entry of a port with a device. The driver of the device is its child.
 constexpr char DEVICE_CLASS[] = "IOAHCIDevice";
 
 }  // namespace

@@ -7,8 +7,8 @@
 namespace Norvik::Common {
 
 struct NORVIK_COMMON_API SataInfo {
-  /// Appends the I/O registry entries of the SATA devices at any depth under a controller, in the
-  /// registry's order. The caller owns the handles.
+  /// Appends the I/O registry entries of the SATA devices at any depth below a controller, in the
+  /// order of the registry. The caller owns the handles.
   static void GetSataDevicesEntry(unsigned int& controller, std::list<unsigned int>& entries);
 };
 

@@ -22,7 +22,7 @@ struct FreeParser {
 };
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, FreeParser>;
 
-/// One reading. It stands between the handler and the C code that calls it.
+/// One run of the parser. Connects the handler with the C code that calls it.
 class Reading {
  public:
   Reading(XML_Parser parser, XmlHandler& handler) : parser_(parser), handler_(handler) {
@@ -36,15 +36,15 @@ class Reading {
 
   bool Read(std::string_view text) {
     if (text.size() > INT_MAX) return false;
-    // At one go: a mark-up that goes on over pieces would be read anew with each piece.
+    // All at once: a mark-up that spans several pieces would be parsed again with each piece.
     const auto status = ::XML_Parse(parser_, text.data(), static_cast<int>(text.size()), XML_TRUE);
     if (failure_) std::rethrow_exception(failure_);
     return status == XML_STATUS_OK;
   }
 
  private:
-  /// Does a step, unless the reading has been stopped: calls may follow the stop. No exception may
-  /// cross the C code.
+  /// Does a step, unless the parser has been stopped, after which some calls still come. No
+  /// exception may pass through the C code.
   template <class Step>
   void Do(Step step) {
     if (stopped_) return;
@@ -59,7 +59,7 @@ class Reading {
     stopped_ = true;
     ::XML_StopParser(parser_, XML_FALSE);
   }
-  /// Stops for a mark-up that is too long.
+  /// Stops the parser if the present mark-up is too long.
   void Measure() {
     if (::XML_GetCurrentByteCount(parser_) > MAX_MARKUP) Stop();
   }
@@ -96,8 +96,8 @@ class Reading {
   std::exception_ptr failure_;
 };
 
-/// Adds up what a reader moves that copies a text anew with each of its pieces, of which every line
-/// is one.
+/// Counts the bytes that a parser moves if it copies a text again with each of its pieces. Every
+/// line is a piece.
 class CopyingReader final : public XmlHandler {
  public:
   void StartElement(std::string_view) override { length_ = 0; }
@@ -109,7 +109,7 @@ class CopyingReader final : public XmlHandler {
   std::size_t Copied() const { return copied_; }
 
  private:
-  std::size_t length_ = 0;  ///< of the text that is being read
+  std::size_t length_ = 0;  ///< of the present text
   std::size_t copied_ = 0;
 };
 

@@ -17,7 +17,8 @@ struct SurveyInfo {
   bool onMacOs = false;    ///< type 0
 };
 
-/// The agent's whole configuration, as the server gives it.
+/// The whole configuration of the agent. An empty optional is a product or an offer that this agent
+/// does not have. This product reads `profileId`, `kob`, `survey` and `communications`.
 struct AgentConfigurationInfo {
   std::uint32_t profileId = 0;
   std::uint32_t profileRevision = 0;

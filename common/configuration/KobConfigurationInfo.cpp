@@ -6,7 +6,7 @@ namespace Norvik::Common {
 
 namespace {
 
-// Counts and lengths stand before what they count, so no content can be taken for a separator.
+// Counts and lengths come before what they count, so that no content can look like a separator.
 
 std::string TextOf(const std::vector<std::string>& texts) {
   std::string result = std::to_string(texts.size()) + "[";

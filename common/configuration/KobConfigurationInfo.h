@@ -10,9 +10,10 @@
 
 namespace Norvik::Common {
 
-/// Configuration of the inventory and remote-administration module.
+/// The configuration of the inventory and remote-administration module. An inventory without a
+/// schedule runs on request only.
 struct KobConfigurationInfo {
-  // File inventory.
+  // Of the file inventory; what the lists mean is said at `ScanRules`.
   std::vector<std::string> excludedFiles;
   std::vector<std::string> excludedPaths;
   std::vector<std::string> additionalExtensions;
@@ -25,8 +26,9 @@ struct KobConfigurationInfo {
   bool inventoryOnLogon = false;
 };
 
-/// Writes every field, so that two records give the same text exactly when they are equal. A change
-/// of configuration is told by comparing such texts; none is ever parsed.
+/// Writes every field, so that two configurations give the same text exactly if they are equal. A
+/// change is detected by comparing the text with the stored one of the last change; no text is
+/// parsed.
 NORVIK_COMMON_API std::ostream& operator<<(std::ostream& stream, const KobConfigurationInfo& info);
 
 }  // namespace Norvik::Common

@@ -9,8 +9,8 @@
 #include "common/Api.h"
 #include "common/configuration/ScheduleInfo.h"
 
-// Configurations of the other products of the agent. They ride along in the agent's configuration;
-// this product copies them and reads none.
+// Configurations of the other products of the agent. They are parts of `AgentConfigurationInfo`,
+// which this product copies as a whole; it reads none of them.
 
 namespace Norvik::Common {
 

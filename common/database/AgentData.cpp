@@ -13,7 +13,7 @@ using std::chrono::duration_cast;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
-// Runs a change of the table; false if the database is gone or refuses.
+/// Runs a change of the table. False if the database is gone, or the change fails, which is logged.
 template <class Change>
 bool Try(const std::weak_ptr<IDataBase>& owner, const std::string& key, Change change) {
   const auto dataBase = owner.lock();

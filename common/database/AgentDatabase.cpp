@@ -56,8 +56,8 @@ CorruptDatabaseError::~CorruptDatabaseError() = default;
 
 void AgentDatabase::SetWaitListener(std::function<void()> listener) {
   if (!listener) return Connection::SetWaitListener({});
-  Connection::SetWaitListener([tell = std::move(listener)] {
-    if (!ConnectionPool::IsContended()) tell();
+  Connection::SetWaitListener([notify = std::move(listener)] {
+    if (!ConnectionPool::IsContended()) notify();
   });
 }
 
@@ -72,10 +72,10 @@ void CopyDatabase(const boost::filesystem::path& source, const boost::filesystem
   const auto from = OpenDatabaseFileToRead(source)->Take();
   Connection to(target);
   auto* const backup = sqlite_api::sqlite3_backup_init(to.Handle(), "main", from->Handle(), "main");
-  if (!backup) to.RaiseLastError(SQLITE_ERROR, "copy of " + source.string());
+  if (!backup) to.ThrowLastError(SQLITE_ERROR, "copy of " + source.string());
   sqlite_api::sqlite3_backup_step(backup, -1);
   const int code = sqlite_api::sqlite3_backup_finish(backup);
-  if (code != SQLITE_OK) to.RaiseLastError(code, "copy of " + source.string());
+  if (code != SQLITE_OK) to.ThrowLastError(code, "copy of " + source.string());
 }
 
 }  // namespace Norvik::Common

@@ -11,6 +11,7 @@
 
 namespace Norvik::Common {
 
+/// Names of the database file in the data folder, and of the two files that SQLite puts beside it.
 namespace SQLiteNames {
 
 inline constexpr char SQLITE_CURRENT_DATABASE_NAME[] = "Agent.9.24.2.0.sqlite3";
@@ -19,23 +20,24 @@ inline constexpr char SQLITE_WRITE_AHEAD_LOG_FILE[] = "Agent.9.24.2.0.sqlite3-wa
 
 }  // namespace SQLiteNames
 
-/// The process's agent database: opens the file, brings its schema up to date, and serves every
-/// `V2::DataBase` while it lives. One at a time in a process; make it before the module is loaded
-/// and destroy it after.
+/// The agent database of the process: opens the file, brings its schema up to date, and gives every
+/// `V2::DataBase` its connection. At most one object exists in a process at a time. Create it
+/// before the module is loaded and destroy it after the module is deleted. Any thread may call
+/// `GetTable`.
 class NORVIK_COMMON_API AgentDatabase : public IDataBase {
  public:
   enum class Access { ReadWrite, ReadOnly };
 
   /// Opens or creates the database file in the folder, which must exist.
   ///
-  /// A file that is no database or whose content is damaged is renamed to its name with
-  /// ".corrupt-" and the time behind it, together with its -wal and -shm files, and
-  /// `CorruptDatabaseError` is raised, so that nobody goes on with an empty database unawares; the
-  /// next call makes a fresh one. Raises `std::runtime_error` for any other failure, a newer
-  /// schema among them.
+  /// A file that is no database, or a damaged one, is renamed to its name plus ".corrupt-" and the
+  /// time, together with its -wal and -shm files, and `CorruptDatabaseError` is thrown, so that no
+  /// caller continues with an empty database without knowing it. The next call creates a new file.
+  /// Every other failure, such as a schema of a newer version, throws `std::runtime_error` and
+  /// changes nothing.
   ///
-  /// `ReadOnly` takes a file that is there, beside its agent or without one, and leaves it as and
-  /// where it is, damaged or not; an older schema may then lack tables.
+  /// `ReadOnly` opens an existing file, whether an agent uses it or not, and never changes or
+  /// renames it. An older schema may then lack tables.
   explicit AgentDatabase(const boost::filesystem::path& folder, Access access = Access::ReadWrite);
   AgentDatabase(const AgentDatabase&) = delete;
   AgentDatabase& operator=(const AgentDatabase&) = delete;
@@ -44,14 +46,14 @@ class NORVIK_COMMON_API AgentDatabase : public IDataBase {
   std::unique_ptr<DbResponseTable> GetTable(const std::string& name, int offset, int limit,
                                             int order) override;
 
-  /// Is called on the waiting thread when something of this process has waited for a second for
-  /// another process to let go of the database; the wait ends in an error after a minute. Must not
-  /// raise, nor use the database. Empty: nobody is told.
+  /// Sets a function that is called when this process has waited for a second because another
+  /// process uses the database; after a minute the wait ends with an error. It is called on the
+  /// waiting thread and must neither throw nor use the database. An empty function removes it.
   static void SetWaitListener(std::function<void()> listener);
 
-  /// Has SQLite leave out its lock around each row and cell. Only for a process that uses no
-  /// connection of its own on two threads at once (those here never are), and before its first use
-  /// of SQLite. False if it is too late.
+  /// Switches off SQLite's own lock around each row and cell, which costs time. Call it before the
+  /// process uses SQLite, and only if no connection is used by two threads at once; the connections
+  /// here are not. False if SQLite is already in use.
   static bool LeaveOutConnectionLocks();
 
  private:
@@ -59,11 +61,12 @@ class NORVIK_COMMON_API AgentDatabase : public IDataBase {
   std::unique_ptr<State> state_;
 };
 
-/// The database file was damaged and has been put aside.
+/// The database file was damaged and has been renamed.
 class NORVIK_COMMON_API CorruptDatabaseError : public std::runtime_error {
  public:
   CorruptDatabaseError(const std::string& text, boost::filesystem::path keptAs);
   ~CorruptDatabaseError() override;
+  /// The new name of the damaged file.
   const boost::filesystem::path& KeptAs() const { return keptAs_; }
 
  private:

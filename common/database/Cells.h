@@ -8,18 +8,18 @@
 
 namespace Norvik::Common {
 
-/// What a cell becomes in a result. `Stored`: an expression, or a declared type that says nothing
-/// of the kind, so each cell goes by the value it holds.
+/// The type that a cell gets in a result. `Stored`: the column is an expression, or its declared
+/// type is unknown; then each cell gets the type of its value.
 enum class CellKind { Integer, BigInteger, Text, Real, Stored };
 
-/// The kind that a column's declared type asks for; null for an expression.
+/// The kind for the declared type of a column, which is null for an expression.
 CellKind KindOfDeclaredType(const char* declaredType);
 
-/// The kinds of the columns of the row that the statement stands on.
+/// The kinds of all columns. The statement must be on a row.
 std::vector<CellKind> KindsOfColumns(sqlite_api::sqlite3_stmt* statement);
 
-/// Reads a cell of the row that the statement stands on, a text into the memory of the one before.
-/// An `Integer` keeps the low 32 bits.
+/// Reads a cell of the statement's current row. A text that `cell` holds already is overwritten in
+/// its memory. An `Integer` keeps the low 32 bits only.
 void ReadCell(sqlite_api::sqlite3_stmt* statement, int column, CellKind kind,
               V2::DataBaseValue& cell);
 std::string ReadCellAsText(sqlite_api::sqlite3_stmt* statement, int column);

@@ -7,15 +7,15 @@
 namespace Norvik::Common {
 namespace {
 
-// Longer than the longest batch, so that a writer waits for a whole file inventory to be saved.
+// Longer than the longest transaction: a writer has to wait until a whole file inventory is saved.
 constexpr std::chrono::seconds BUSY_TIMEOUT(60);
-constexpr std::chrono::seconds TELLS_OF_WAIT_AFTER(1);
+constexpr std::chrono::seconds NOTICE_AFTER(1);
 constexpr std::chrono::milliseconds BUSY_PAUSE(20);
 
-// The cache holds the index over a few hundred thousand paths while they are inserted; the limit
-// gives the room of a large transaction's log back to the disk. Deleted rows are not overwritten:
-// they are file names in a file of the owner's, and clearing a full table would take as long as
-// filling it.
+// The cache is large enough for the index of a few hundred thousand paths while they are inserted;
+// the size limit returns the space of a large transaction's journal to the disk. Deleted rows are
+// not overwritten: they are file names in a file that only its owner can read, and clearing a full
+// table would take as long as filling it.
 constexpr char SETTINGS[] =
     "PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; PRAGMA journal_size_limit=4194304; "
     "PRAGMA secure_delete=OFF;";
@@ -30,22 +30,21 @@ SharedListener& TheWaitListener() {
   return instance;
 }
 
-void TellOfWait() {
+void NotifyOfWait() {
   auto& shared = TheWaitListener();
   const std::lock_guard lock(shared.mutex);
   if (shared.listener) shared.listener();
 }
 
-// SOCI reads "key=value" pairs out of a text that holds an equals sign, the whole text as the
-// path otherwise.
+// SOCI parses a text with an equals sign as "key=value" pairs, and takes any other one for the
+// path.
 std::string ConnectString(const std::string& path) {
   if (path.find('=') == std::string::npos) return path;
   if (path.find('"') == std::string::npos) return "dbname=\"" + path + '"';
   throw soci::soci_error("a database path cannot hold both = and \": " + path);
 }
 
-// SOCI keeps the type information of its backend to itself, so that the sanitizer has nothing to
-// compare the object with.
+// SOCI does not export the type information of its backend, so the sanitizer cannot check the cast.
 __attribute__((no_sanitize("vptr"))) sqlite_api::sqlite3* HandleOf(soci::session& session) {
   return static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_;
 }
@@ -67,16 +66,16 @@ int Connection::OnBusy(void* connection, int earlierCalls) {
   return static_cast<Connection*>(connection)->Wait(earlierCalls == 0) ? 1 : 0;
 }
 
-// Whether to try once more.
+/// False if the wait has lasted too long.
 bool Connection::Wait(bool begins) {
   const auto now = std::chrono::steady_clock::now();
   if (begins) {
     waitingSince_ = now;
-    hasToldOfWait_ = false;
+    hasNotified_ = false;
   }
   const auto waited = now - waitingSince_;
   if (waited >= BUSY_TIMEOUT) return false;
-  if (waited >= TELLS_OF_WAIT_AFTER && !std::exchange(hasToldOfWait_, true)) TellOfWait();
+  if (waited >= NOTICE_AFTER && !std::exchange(hasNotified_, true)) NotifyOfWait();
   std::this_thread::sleep_for(begins ? std::chrono::milliseconds(1) : BUSY_PAUSE);
   return true;
 }
@@ -90,7 +89,7 @@ void Connection::Configure() { ExecuteScript(SETTINGS); }
 
 void Connection::ExecuteScript(const std::string& script) {
   const int code = sqlite_api::sqlite3_exec(handle_, script.c_str(), nullptr, nullptr, nullptr);
-  if (code != SQLITE_OK) RaiseLastError(code, script);
+  if (code != SQLITE_OK) ThrowLastError(code, script);
 }
 
 bool Connection::Rollback() noexcept {
@@ -102,10 +101,10 @@ bool Connection::Rollback() noexcept {
 void Connection::CheckpointOnClose(bool allowed) {
   const int code = sqlite_api::sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE,
                                                  allowed ? 0 : 1, nullptr);
-  if (code != SQLITE_OK) RaiseLastError(code, "no checkpoint on close");
+  if (code != SQLITE_OK) ThrowLastError(code, "no checkpoint on close");
 }
 
-void Connection::RaiseLastError(int code, const std::string& statement) const {
+void Connection::ThrowLastError(int code, const std::string& statement) const {
   throw soci::sqlite3_soci_error(
       std::string(sqlite_api::sqlite3_errmsg(handle_)) + " in: " + statement, code);
 }

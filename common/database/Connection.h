@@ -1,7 +1,7 @@
 #pragma once
 
-// SOCI puts SQLite's C interface into a namespace of its own: a source that includes this header
-// cannot include the plain <sqlite3.h>.
+// SOCI puts SQLite's C interface into the namespace `sqlite_api`: a source that includes this
+// header must not include the plain <sqlite3.h>.
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
@@ -12,56 +12,57 @@
 
 namespace Norvik::Common {
 
-/// One connection to the database file. Use it on one thread at a time. Every member raises
-/// `soci::soci_error` on failure, the ones of SQLite as `soci::sqlite3_soci_error`. What another
-/// connection is in the way of waits for it, a minute at most.
+/// One connection to the database file, for one thread at a time. Members throw `soci::soci_error`,
+/// for errors of SQLite the subclass `soci::sqlite3_soci_error`, unless they say otherwise. A
+/// statement that another connection blocks waits for it, a minute at most, and then fails.
 class Connection {
  public:
   using WaitListener = std::function<void()>;
 
-  /// Opens the file, or creates it. Reads nothing of it yet.
+  /// Opens the file, or creates it. Does not read it yet.
   explicit Connection(const boost::filesystem::path& file);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection() = default;
 
-  /// Is called on the waiting thread when a connection of this process has waited for a second.
-  /// Must not raise, nor use the database. Empty: nobody is told.
+  /// Sets a function that is called, on the waiting thread, when any connection of this process has
+  /// waited for a second. It must neither throw nor use the database. An empty function removes it.
   static void SetWaitListener(WaitListener listener);
 
-  /// Leaves the file as it is from here on: statements that write are refused, and the log of an
-  /// agent that has died stays for its next start.
-  /// @param hasLog the file had one before the first connection was made
+  /// From here on the file is not changed: statements that write are refused, and the write-ahead
+  /// log of an agent that was killed stays for its next start.
+  /// @param hasLog whether the log existed before the first connection, which creates one
   void OnlyRead(bool hasLog);
 
-  /// Sets what holds for each connection to a file that is known to be sound.
+  /// Applies the settings of every connection. Only for a file that is known to be undamaged.
   void Configure();
 
+  /// SQLite's handle; valid as long as this object.
   sqlite_api::sqlite3* Handle() const { return handle_; }
 
   /// Runs statements, separated by semicolons, that return no rows.
   void ExecuteScript(const std::string& script);
 
-  /// Takes the right to write at once, waiting for other writers. SQLite itself may end the
-  /// transaction after an error, so ask `InTransaction`.
+  /// Begins a transaction that writes, after waiting for other writers. SQLite may end the
+  /// transaction by itself after an error: `InTransaction` says whether it is still open.
   void Begin() { ExecuteScript("BEGIN IMMEDIATE"); }
   void Commit() { ExecuteScript("COMMIT"); }
   bool InTransaction() const { return sqlite_api::sqlite3_get_autocommit(handle_) == 0; }
-  /// True if no transaction is open afterwards.
+  /// Ends an open transaction without its changes. True if no transaction is open afterwards.
   bool Rollback() noexcept;
 
   /// Whether closing the last connection to the file may move the write-ahead log into it.
   void CheckpointOnClose(bool allowed);
 
-  /// Raises SQLite's last error on this connection.
-  [[noreturn]] void RaiseLastError(int code, const std::string& statement) const;
+  /// Throws the last error of SQLite on this connection; the text ends with the statement.
+  [[noreturn]] void ThrowLastError(int code, const std::string& statement) const;
 
  private:
   static int OnBusy(void* connection, int earlierCalls);
   bool Wait(bool begins);
 
   std::chrono::steady_clock::time_point waitingSince_;
-  bool hasToldOfWait_ = false;
+  bool hasNotified_ = false;
   soci::session session_;
   sqlite_api::sqlite3* handle_;
 };

@@ -37,13 +37,13 @@ std::unique_ptr<Connection> ConnectionPool::TakeIdle() {
 std::unique_ptr<Connection> ConnectionPool::Take() {
   auto connection = TakeIdle();
   if (!connection) connection = connect_();
-  ++atWork_;
+  ++inUse_;
   return connection;
 }
 
 void ConnectionPool::Return(std::unique_ptr<Connection> connection) noexcept {
-  --atWork_;
-  // A connection that cannot roll back is closed, which does.
+  --inUse_;
+  // A connection that cannot roll back is closed, and that rolls back.
   if (!connection->Rollback()) return;
   sqlite_api::sqlite3_db_release_memory(connection->Handle());
   const std::lock_guard lock(mutex_);
@@ -83,7 +83,7 @@ void ConnectionPool::Uninstall() noexcept {
 bool ConnectionPool::IsContended() noexcept {
   auto& process = TheProcessPool();
   const std::lock_guard lock(process.mutex);
-  return process.pool && process.pool->atWork_ > 1;
+  return process.pool && process.pool->inUse_ > 1;
 }
 
 }  // namespace Norvik::Common

@@ -31,7 +31,7 @@ struct DataBase::State {
   bool writing = false;
 };
 
-// A batch runs one text over and over, so the latest is tried before the map is asked.
+// A batch mostly repeats one text, so the latest one is tried before the map is searched.
 Statement& DataBase::State::Prepared(const std::string& text) {
   if (latest == nullptr || latest->first != text) {
     auto found = statements.find(text);

@@ -29,7 +29,7 @@ void MakeOwnersFile(const fs::path& file) {
   const bool restricted = ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
   const int error = errno;
   ::close(descriptor);
-  // Another user's file that this one may write stays as that user keeps it.
+  // A file of another user that this one may write keeps its mode.
   if (!restricted && error != EPERM) throw std::system_error(error, std::generic_category());
 }
 
@@ -38,7 +38,7 @@ bool IsDamage(const soci::sqlite3_soci_error& error) {
   return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
 }
 
-// What is damaged in the file, empty if nothing is.
+// A description of the damage in the file; empty if there is none.
 std::string FindDamage(Connection& connection) {
   try {
     const auto rows = Statement(connection, "PRAGMA quick_check(1)").Run({});
@@ -133,7 +133,7 @@ std::string ReasonOf(const std::exception& error) {
   return error.what();
 }
 
-// What the opening of a file raises names the file.
+// Runs `open`; the text of what it throws then names the file.
 template <class Open>
 auto Naming(const fs::path& file, Open open) {
   try {

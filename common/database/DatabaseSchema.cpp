@@ -9,13 +9,13 @@
 namespace Norvik::Common {
 namespace {
 
-// The declared types matter: a reader gets each cell by the type of its column, INTEGER an int,
-// BIGINT a long long, TEXT a string.
+// The declared types matter: a reader gets each cell with the type of its column, INTEGER as int,
+// BIGINT as long long, TEXT as string.
 //
-// KOB_REGISTERED_SOFTWARE: one software may stand there in several versions or folders; the same
-// version in the same place is the same row. KOB_NETWORK_DRIVES: the id is a hash over the path,
-// and the last user to report a path replaces the row. RUD_STATE is read by position, the state's
-// name being the seventh column.
+// KOB_REGISTERED_SOFTWARE: one software may have several rows, by version and folder; the same
+// version in the same folder is the same row. KOB_NETWORK_DRIVES: the id is a hash of the path, and
+// the last user to report a path replaces the row. RUD_STATE is read by position: the name of the
+// state is the seventh column.
 constexpr char FIRST_SCHEMA[] = R"sql(
 CREATE TABLE DATA(name TEXT NOT NULL UNIQUE, value TEXT);
 CREATE TABLE KOB_DATA(id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, value TEXT);
@@ -51,8 +51,8 @@ CREATE TABLE RUD2_LAST_INVENTORY_TEMP(
   id_company_name INTEGER, file_description TEXT, id_file_state INTEGER, file_version TEXT);
 )sql";
 
-// The files of a scan lie in the order of their paths, by which two scans are compared: one tree
-// instead of a table and an index over it, which hold each path twice.
+// The rows of a scan are stored in the order of their paths, by which two scans are compared: one
+// tree in place of a table and an index over it, which would hold each path twice.
 constexpr char FILES_BY_PATH[] = R"sql(
 ALTER TABLE RUD2_LAST_INVENTORY RENAME TO FORMER_INVENTORY;
 ALTER TABLE RUD2_LAST_INVENTORY_TEMP RENAME TO FORMER_INVENTORY_TEMP;
@@ -72,7 +72,8 @@ DROP TABLE FORMER_INVENTORY;
 DROP TABLE FORMER_INVENTORY_TEMP;
 )sql";
 
-// The script at [n] leads from version n to n + 1. Scripts that have shipped never change.
+// The script at [n] upgrades from version n to n + 1. A script that has been released never
+// changes.
 constexpr const char* MIGRATIONS[] = {FIRST_SCHEMA, FILES_BY_PATH};
 
 int SchemaVersion(Connection& connection) {
@@ -95,7 +96,7 @@ void CheckSchemaVersion(Connection& connection) {
 void UpgradeSchema(Connection& connection) {
   if (SchemaVersion(connection) == NewestSchemaVersion()) return;
   connection.Begin();
-  // Once more: another process may have done the work while this one waited.
+  // Read again: another process may have done the work while this one waited.
   for (int version = SchemaVersion(connection); version < NewestSchemaVersion(); ++version) {
     connection.ExecuteScript(MIGRATIONS[version]);
   }

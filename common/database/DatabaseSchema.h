@@ -4,15 +4,15 @@
 
 namespace Norvik::Common {
 
-/// The version that this program makes, as `PRAGMA user_version` keeps it.
+/// The version of the schema that this program creates, as stored in `PRAGMA user_version`.
 int NewestSchemaVersion();
 
-/// Raises `std::runtime_error` if the file's schema is not one that this program knows. Writes
-/// nothing.
+/// Throws `std::runtime_error` if this program does not know the version of the file's schema.
+/// Writes nothing.
 void CheckSchemaVersion(Connection& connection);
 
-/// Brings the file's schema to the newest version in one transaction. Processes that start
-/// together may call it side by side.
+/// Brings the file's schema to the newest version in one transaction. Processes that start at the
+/// same time may call it in parallel: the first does the work.
 void UpgradeSchema(Connection& connection);
 
 }  // namespace Norvik::Common

@@ -17,10 +17,10 @@ struct DbResponseTable {
     std::string declaredType;
   };
   std::vector<Column> columns;
-  std::vector<std::vector<std::string>> rows;  ///< cells as text; NULL is empty
+  std::vector<std::vector<std::string>> rows;  ///< cells as text, NULL as empty text
 };
 
-/// The older road to the agent database.
+/// The older interface of the agent database; `V2::DataBase` is the newer one. Any thread may call.
 class NORVIK_COMMON_API IDataBase {
  public:
   struct DbLastInsertedOnTransaction {};
@@ -30,10 +30,11 @@ class NORVIK_COMMON_API IDataBase {
 
   virtual ~IDataBase();
 
-  /// Reads a table. Null if it does not exist or holds no row.
-  /// @param offset rows to leave out at the start
-  /// @param limit  most rows to read; 0: all
-  /// @param order  column to sort by, counted from 1; 0: as the table gives them
+  /// Reads a table. Null if it does not exist or has no row. Throws a subclass of `std::exception`
+  /// if the database fails.
+  /// @param offset number of rows to skip at the start
+  /// @param limit  maximal number of rows; 0: all
+  /// @param order  number of the column to sort by, from 1; 0: not sorted
   virtual std::unique_ptr<DbResponseTable> GetTable(const std::string& name, int offset, int limit,
                                                     int order) = 0;
 

@@ -6,14 +6,14 @@
 namespace Norvik::Common {
 namespace {
 
-// More values than SQLite takes: keeps the number of a nonsense placeholder from overflowing.
+// More values than SQLite allows. Keeps the number of an absurd placeholder from overflowing.
 constexpr std::size_t MAX_NUMBER = 1000000;
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 struct Placeholder {
   std::size_t number = 0;
-  std::size_t length = 0;  ///< 0: none stands here
+  std::size_t length = 0;  ///< 0: no placeholder is here
 };
 
 Placeholder PlaceholderAt(const std::string& text, std::size_t begin) {
@@ -30,7 +30,8 @@ Placeholder PlaceholderAt(const std::string& text, std::size_t begin) {
   return found;
 }
 
-// The end of a quoted stretch; a doubled quote belongs to it. An open end is SQLite's to refuse.
+// The end of a quotation, in which a doubled quote is a character. If it is not closed, SQLite
+// refuses it.
 std::size_t EndOfQuoted(const std::string& text, std::size_t begin, char closing) {
   for (std::size_t at = begin + 1; at < text.size(); ++at) {
     if (text[at] != closing) continue;
@@ -45,7 +46,7 @@ std::size_t EndOfComment(const std::string& text, std::size_t begin, const char*
   return at == std::string::npos ? text.size() : at + std::char_traits<char>::length(closing);
 }
 
-// The end of what must be copied as it stands, or `begin` if nothing of the kind begins here.
+// The end of a part that is copied unchanged, or `begin` if none begins here.
 std::size_t EndOfVerbatim(const std::string& text, std::size_t begin) {
   switch (text[begin]) {
     case '\'':

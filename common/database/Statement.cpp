@@ -12,7 +12,7 @@ namespace {
 
 using sqlite_api::sqlite3_int64;
 
-// Leaves the statement ready for its next run, and lets go of the locks of this one.
+// Makes the statement ready for its next run, and releases the locks of this one.
 class ResetAtEnd {
  public:
   explicit ResetAtEnd(sqlite_api::sqlite3_stmt* statement) : statement_(statement) {}
@@ -37,8 +37,8 @@ std::string TextOf(Integer value) {
   return std::to_string(value);
 }
 
-// Binds one value at one parameter and answers SQLite's result. A text is not copied: it lives
-// until the statement has run, and every parameter is bound anew before the next run.
+// Binds one value to one parameter and returns SQLite's result. A text is not copied: it lives
+// until the statement has run, and every parameter is bound again before the next run.
 struct Binder : boost::static_visitor<int> {
   Binder(sqlite_api::sqlite3_stmt* toStatement, int atPosition, bool inQuotes)
       : statement(toStatement), position(atPosition), asText(inQuotes) {}
@@ -51,7 +51,7 @@ struct Binder : boost::static_visitor<int> {
     return asText ? Copied(TextOf(value))
                   : sqlite_api::sqlite3_bind_double(statement, position, value);
   }
-  // An unsigned 64-bit number above the signed range is kept as its bits.
+  // An unsigned 64-bit number above the signed range keeps its bits.
   template <class Integer>
   int operator()(Integer value) const {
     return asText ? Copied(TextOf(value))
@@ -79,7 +79,7 @@ Statement::Statement(Connection& connection, const std::string& text)
                                                   static_cast<int>(sentence_.sql.size() + 1),
                                                   SQLITE_PREPARE_PERSISTENT, &prepared, &rest);
   handle_.reset(prepared);
-  if (code != SQLITE_OK) connection_.RaiseLastError(code, text_);
+  if (code != SQLITE_OK) connection_.ThrowLastError(code, text_);
   if (prepared == nullptr) throw soci::soci_error("no statement in: " + text_);
   if (std::string(rest).find_first_not_of("; \t\r\n") != std::string::npos) {
     throw soci::soci_error("more than one statement in: " + text_);
@@ -98,14 +98,14 @@ void Statement::Bind(const std::vector<V2::DataBaseValue>& values) {
     ++binder.position;
     binder.asText = parameter.asText;
     const int code = boost::apply_visitor(binder, values[parameter.value]);
-    if (code != SQLITE_OK) connection_.RaiseLastError(code, text_);
+    if (code != SQLITE_OK) connection_.ThrowLastError(code, text_);
   }
 }
 
 bool Statement::Step() {
   const int code = sqlite_api::sqlite3_step(handle_.get());
   if (code == SQLITE_ROW) return true;
-  if (code != SQLITE_DONE) connection_.RaiseLastError(code, text_);
+  if (code != SQLITE_DONE) connection_.ThrowLastError(code, text_);
   return false;
 }
 
@@ -119,9 +119,9 @@ void Statement::Visit(const std::vector<V2::DataBaseValue>& values, const V2::Ro
   const ResetAtEnd reset(handle_.get());
   Bind(values);
   if (!Step()) return;
-  // Not before the first step: it prepares the text anew if the schema has changed.
+  // Not before the first step, which prepares the text again if the schema has changed.
   const std::vector<CellKind> kinds = KindsOfColumns(handle_.get());
-  // The row is kept from step to step for the memory of its texts.
+  // The row is reused from step to step, with the memory of its texts.
   V2::DataBaseRow row;
   do {
     row.resize(kinds.size());

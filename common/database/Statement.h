@@ -11,19 +11,21 @@
 
 namespace Norvik::Common {
 
-/// A prepared statement, run again and again with fresh values. It must not outlive its
-/// connection. Binds and steps through SQLite's own interface: SOCI's exchange elements would be
-/// made anew, and every value copied twice, for each row.
+/// A prepared statement, to be run many times with other values. It must not outlive its
+/// connection, and is used on the same thread. It calls SQLite's own interface: SOCI would allocate
+/// its exchange objects, and copy every value twice, for each row.
 class Statement {
  public:
-  /// Raises `soci::soci_error` for a text that SQLite refuses or that holds a second statement.
+  /// Throws `soci::soci_error` for a text that SQLite refuses, or that holds a second statement.
   Statement(Connection& connection, const std::string& text);
 
+  /// Whether the statement may change the database.
   bool Writes() const { return writes_; }
 
-  /// Raises `std::out_of_range` if the text has a placeholder beyond the values.
+  // Each run throws `std::out_of_range` if a placeholder has no value, and `soci::soci_error`.
+
   V2::DataBaseRows Run(const std::vector<V2::DataBaseValue>& values);
-  /// Hands each row over; raises also what the visitor raises.
+  /// Calls the visitor with each row; what it throws passes through.
   void Visit(const std::vector<V2::DataBaseValue>& values, const V2::RowVisitor& visit);
   /// The result with every cell as text; null if it has no row.
   std::unique_ptr<DbResponseTable> RunAsTable(const std::vector<V2::DataBaseValue>& values);

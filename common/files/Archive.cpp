@@ -13,7 +13,7 @@ namespace Norvik::Common {
 
 namespace {
 
-// The library's own choice is the slowest level: four times the work for a tenth of the size.
+// The default of the library is the slowest level: four times the work for a tenth of the size.
 constexpr zip_uint32_t COMPRESSION_LEVEL = 5;
 constexpr zip_int64_t WHOLE_FILE = -1;  // libzip has no name for it before 1.10
 
@@ -27,7 +27,7 @@ struct CloseEntry {
 };
 using EntryHandle = std::unique_ptr<zip_file_t, CloseEntry>;
 
-[[noreturn]] void Raise(const std::string& path, const std::string& reason) {
+[[noreturn]] void Throw(const std::string& path, const std::string& reason) {
   throw std::runtime_error("Archive " + path + ": " + reason);
 }
 
@@ -39,16 +39,16 @@ ArchiveHandle Open(const std::string& path, int flags) {
   zip_error_init_with_code(&error, code);
   const std::string reason = zip_error_strerror(&error);
   zip_error_fini(&error);
-  Raise(path, reason);
+  Throw(path, reason);
 }
 
 void AddDeflated(zip_t* archive, const std::string& source, const std::string& name) {
   zip_source_t* const content = zip_source_file(archive, source.c_str(), 0, WHOLE_FILE);
-  if (!content) Raise(source, zip_strerror(archive));
+  if (!content) Throw(source, zip_strerror(archive));
   const zip_int64_t index = zip_file_add(archive, name.c_str(), content, ZIP_FL_ENC_GUESS);
   if (index < 0) {
     zip_source_free(content);
-    Raise(source, zip_strerror(archive));
+    Throw(source, zip_strerror(archive));
   }
   zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE,
                            COMPRESSION_LEVEL);
@@ -58,9 +58,9 @@ std::string ReadEntry(zip_file_t* entry, const std::string& path) {
   std::string content;
   std::vector<char> buffer(65536);
   while (true) {
-    // The read at the end of the content is the one that finds a wrong checksum.
+    // A wrong checksum is found by the read at the end of the content.
     const zip_int64_t length = zip_fread(entry, buffer.data(), buffer.size());
-    if (length < 0) Raise(path, zip_file_strerror(entry));
+    if (length < 0) Throw(path, zip_file_strerror(entry));
     if (length == 0) return content;
     content.append(buffer.data(), static_cast<std::size_t>(length));
   }
@@ -69,12 +69,13 @@ std::string ReadEntry(zip_file_t* entry, const std::string& path) {
 }  // namespace
 
 void WriteArchive(const boost::filesystem::path& source, const boost::filesystem::path& target) {
-  // The library opens the source late and then names the archive in its error; this names the file.
+  // The library opens the source later, and its error would name the archive. This one names the
+  // file.
   Platform::OpenRegularFile(source.string());
   Platform::ReplacementFile file(target.string());
   ArchiveHandle archive = Open(file.Path(), ZIP_CREATE | ZIP_TRUNCATE);
   AddDeflated(archive.get(), source.string(), source.filename().string());
-  if (zip_close(archive.get()) != 0) Raise(target.string(), zip_strerror(archive.get()));
+  if (zip_close(archive.get()) != 0) Throw(target.string(), zip_strerror(archive.get()));
   static_cast<void>(archive.release());
   file.Commit();
 }
@@ -82,9 +83,9 @@ void WriteArchive(const boost::filesystem::path& source, const boost::filesystem
 std::string ReadArchive(const boost::filesystem::path& archive) {
   const std::string& path = archive.string();
   const ArchiveHandle opened = Open(path, ZIP_RDONLY | ZIP_CHECKCONS);
-  if (zip_get_num_entries(opened.get(), 0) != 1) Raise(path, "it has not just one entry");
+  if (zip_get_num_entries(opened.get(), 0) != 1) Throw(path, "it has not just one entry");
   const EntryHandle entry(zip_fopen_index(opened.get(), 0, 0));
-  if (!entry) Raise(path, zip_strerror(opened.get()));
+  if (!entry) Throw(path, zip_strerror(opened.get()));
   return ReadEntry(entry.get(), path);
 }
 

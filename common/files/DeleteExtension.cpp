@@ -23,7 +23,7 @@ namespace {
 
 using Platform::FileDescriptor;
 
-/// What a file is, by whichever path it is reached.
+/// Identifies a file, whatever path leads to it.
 using Identity = std::pair<dev_t, ino_t>;
 
 Identity IdentityOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
@@ -36,11 +36,11 @@ struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-/// Names in a folder. They are all read before anything is deleted: deleting while reading makes
-/// some file systems pass over entries.
+/// The names in a folder. All are read before anything is deleted: on some file systems a reader
+/// that deletes skips entries.
 std::vector<std::string> NamesIn(const FileDescriptor& folder, const std::string& path) {
   std::vector<std::string> names;
-  // The stream closes its descriptor, so it gets one of its own.
+  // The stream closes its descriptor, so it gets a duplicate.
   FileDescriptor own(::fcntl(folder.Get(), F_DUPFD_CLOEXEC, 3));
   const std::unique_ptr<DIR, CloseFolder> stream(own.IsOpen() ? ::fdopendir(own.Get()) : nullptr);
   if (!stream) {
@@ -58,8 +58,8 @@ std::vector<std::string> NamesIn(const FileDescriptor& folder, const std::string
   return names;
 }
 
-/// Works through descriptors of folders, never through whole paths: a user could put a link in the
-/// place of a folder while this deletes below it.
+/// Opens folders relative to the descriptors of their parents, never by whole paths: a user could
+/// replace a folder by a link while this deletes below it.
 class ExtensionSweep {
  public:
   ExtensionSweep(const std::string& ending, std::set<Identity> excluded)
@@ -67,7 +67,7 @@ class ExtensionSweep {
 
   void SweepBelow(int parent, const std::string& name, const std::string& path,
                   int depth = 0) const {
-    // Each level holds a descriptor and some stack, and a user may nest folders without end.
+    // Each level needs a descriptor and some stack, and a user may nest folders without limit.
     if (depth > MAX_DEPTH) {
       NORVIK_WARNING(boost::format("The folder %1% lies too deep and is passed over") % path);
       return;
@@ -79,14 +79,14 @@ class ExtensionSweep {
       return;
     }
     for (const auto& entry : NamesIn(folder, path)) {
-      Treat(folder.Get(), entry, path + "/" + entry, depth);
+      VisitEntry(folder.Get(), entry, path + "/" + entry, depth);
     }
   }
 
  private:
   static constexpr int MAX_DEPTH = 200;
 
-  void Treat(int folder, const std::string& name, const std::string& path, int depth) const {
+  void VisitEntry(int folder, const std::string& name, const std::string& path, int depth) const {
     struct stat status {};
     if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
       if (errno != ENOENT) LogFailure("look at", path);
@@ -104,7 +104,7 @@ class ExtensionSweep {
     return Platform::GetSystemChanges()->RemoveAt(folder, name, path) == 0;
   }
 
-  /// A name that is nothing but the ending is a hidden file without extension.
+  /// A name that consists of the ending is a hidden file without an extension.
   bool HasEnding(const std::string& name) const {
     return name.size() > ending_.size() &&
            name.compare(name.size() - ending_.size(), ending_.size(), ending_) == 0;
@@ -114,8 +114,8 @@ class ExtensionSweep {
   std::set<Identity> excluded_;
 };
 
-/// The excluded entries that exist, and where those that are links lead. "." and ".." of a listing
-/// mean the folder being listed and its parent; no walk downwards comes upon them as entries.
+/// The excluded entries that exist, and the targets of those that are links. "." and ".." mean the
+/// listed folder and its parent, which no walk downwards meets as entries.
 std::set<Identity> IdentitiesOf(const std::vector<boost::filesystem::path>& paths) {
   std::set<Identity> identities;
   struct stat status {};

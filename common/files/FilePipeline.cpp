@@ -45,12 +45,12 @@ void MoveWhole(const fs::path& source, const fs::path& target) {
     Platform::SyncFolder(target.parent_path().string());
     return;
   }
-  if (errno != EXDEV) Platform::RaiseSystemError(errno, target.string());
+  if (errno != EXDEV) Platform::ThrowSystemError(errno, target.string());
   CopyWhole(source, target);
   fs::remove(source);
 }
 
-/// Runs one step; what it raises is logged and gives false.
+/// Runs one step. False if it throws, which is logged.
 template <class Step>
 bool Try(const char* what, const fs::path& source, Step step) {
   try {

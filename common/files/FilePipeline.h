@@ -8,8 +8,9 @@
 
 namespace Norvik::Common {
 
-/// The steps from a document to a file in the outbox. Each answers whether it worked, logs the
-/// reason if not, and leaves its target as it was before: a target changes whole or not at all.
+/// The steps that turn a document into a file of the outbox. Each returns whether it succeeded; if
+/// not, it logs the reason and leaves its target as it was. A target is replaced whole or not at
+/// all. Any thread may call.
 class NORVIK_COMMON_API IFilePipeline {
  public:
   virtual ~IFilePipeline();
@@ -29,22 +30,24 @@ class NORVIK_COMMON_API IFilePipeline {
   IFilePipeline& operator=(const IFilePipeline&) = default;
 };
 
-/// The pipeline that the free functions below go through, and its replacement: a host puts itself
-/// in between to see what leaves, a test to make a step fail. Never null.
+/// The pipeline that the free functions below use; never null. A host sets its own to see what
+/// leaves the machine, a test to let a step fail. Setting null brings back the default one.
 NORVIK_COMMON_API std::shared_ptr<IFilePipeline> GetFilePipeline();
 NORVIK_COMMON_API void SetFilePipeline(std::shared_ptr<IFilePipeline> pipeline);
 
-/// Writes the source as the one deflated entry of a zip archive, under its file name.
+/// Writes a zip archive with the source as its one entry (see `WriteArchive`).
 NORVIK_COMMON_API bool CompressFile(const boost::filesystem::path& source,
                                     const boost::filesystem::path& target);
-/// Seals the source for the holder of the server's private key (see `FileSealer`).
+/// Encrypts the source for the holder of the server's private key (see `FileSealer`). The keys are
+/// those of the folder `keys` in the data folder.
 NORVIK_COMMON_API bool AgentEncryptFile(const boost::filesystem::path& source,
                                         const boost::filesystem::path& target);
-/// Copies, replacing the target.
+/// Copies the source, replacing the target.
 NORVIK_COMMON_API bool CopyFileToDestination(const boost::filesystem::path& source,
                                              const boost::filesystem::path& target);
-/// Moves the file to the outbox under its own name, replacing one of that name. `incremental` is
-/// empty for documents that have no such kind.
+/// Moves the file to the outbox under its own name, replacing a file of that name. Its content is
+/// on the disk before it gets there.
+/// @param incremental whether the document is incremental; empty if it has no such kind
 NORVIK_COMMON_API bool MoveToOutbox(boost::filesystem::path&& file,
                                     boost::optional<bool> incremental);
 

@@ -18,7 +18,7 @@ namespace Norvik::Common {
 namespace {
 
 // A sealed file: MARK, the stream key in a sealed box, the header of the stream, the chunks.
-// docs/outbox-format.md has the details, for those who open such files elsewhere.
+// Programs that open such files elsewhere rely on docs/outbox-format.md.
 constexpr std::array<unsigned char, 9> MARK = {'N', 'R', 'V', 'K', 'S', 'E', 'A', 'L', 1};
 constexpr std::size_t STREAM_KEY = crypto_secretstream_xchacha20poly1305_KEYBYTES;
 constexpr std::size_t SEALED_KEY = STREAM_KEY + crypto_box_SEALBYTES;
@@ -46,9 +46,9 @@ struct StreamKey {
   unsigned char bytes[STREAM_KEY] = {};
 };
 
-[[noreturn]] void RaiseDamaged() { throw SealedFileError("The file was cut or altered"); }
+[[noreturn]] void ThrowDamaged() { throw SealedFileError("The file was cut or altered"); }
 
-/// Reads a file in pieces and knows, with the last one, that it is the last.
+/// Reads a file in pieces, one ahead, so that it knows which piece is the last.
 class PieceReader {
  public:
   PieceReader(const Platform::FileDescriptor& file, std::size_t size)
@@ -56,7 +56,7 @@ class PieceReader {
     Fill(next_, size);
   }
 
-  /// The next piece: of full size unless it is the last, empty only in an empty file.
+  /// The next piece: of full size unless it is the last; empty only in an empty file.
   const Bytes& Next() {
     const std::size_t size = current_.capacity();
     std::swap(current_, next_);
@@ -81,7 +81,7 @@ void Write(const Platform::FileDescriptor& file, const Container& bytes, std::si
   Platform::WriteAll(file, reinterpret_cast<const char*>(bytes.data()), size);
 }
 
-/// Fills the array from the file; false if the file ends before.
+/// Fills the array from the file. False if the file is too short.
 template <class Array>
 bool Read(const Platform::FileDescriptor& file, Array& bytes) {
   return Platform::ReadFull(file, reinterpret_cast<char*>(bytes.data()), bytes.size()) ==
@@ -121,7 +121,7 @@ void ReadStart(const Platform::FileDescriptor& file, const SealingKeys& keys, St
   if (!Read(file, mark) || mark != MARK) throw SealedFileError("The file is no sealed file");
   std::array<unsigned char, SEALED_KEY> sealedKey;
   std::array<unsigned char, STREAM_HEADER> header;
-  if (!Read(file, sealedKey) || !Read(file, header)) RaiseDamaged();
+  if (!Read(file, sealedKey) || !Read(file, header)) ThrowDamaged();
 
   PublicKey publicKey;
   PrivateKey privateKey;
@@ -133,7 +133,7 @@ void ReadStart(const Platform::FileDescriptor& file, const SealingKeys& keys, St
   }
   if (crypto_secretstream_xchacha20poly1305_init_pull(&stream.state, header.data(), key.bytes) !=
       0) {
-    RaiseDamaged();
+    ThrowDamaged();
   }
 }
 
@@ -147,10 +147,10 @@ void ReadChunks(const Platform::FileDescriptor& from, const Platform::FileDescri
     if (piece.size() < CHUNK_EXTRA || crypto_secretstream_xchacha20poly1305_pull(
                                           &stream.state, opened.data(), nullptr, &tag, piece.data(),
                                           piece.size(), MARK.data(), MARK.size()) != 0) {
-      RaiseDamaged();
+      ThrowDamaged();
     }
-    // The final tag stands on the last chunk and there only.
-    if (tag != (pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG)) RaiseDamaged();
+    // Only the last chunk has the final tag.
+    if (tag != (pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG)) ThrowDamaged();
     Write(to, opened, piece.size() - CHUNK_EXTRA);
   } while (tag != FINAL_TAG);
 }

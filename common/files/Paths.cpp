@@ -30,7 +30,7 @@ const char* NameOf(Paths::Type type) {
   return nullptr;
 }
 
-/// Makes a folder that only this account can enter, from its first moment on.
+/// Creates a folder that only this account can enter, from the beginning.
 void MakePrivate(const fs::path& folder) {
   if (::mkdir(folder.c_str(), S_IRWXU) == 0) return;
   const int error = errno;
@@ -52,7 +52,7 @@ Paths::Paths(const Type& type, bool create) {
 }
 
 void Paths::SetDataFolder(const boost::filesystem::path& folder) {
-  // A slash at the end would make the parent of "data/" "data".
+  // With a slash at the end, the parent of "data/" would be "data".
   fs::path plain = fs::absolute(folder);
   while (plain.filename() == "." && plain.has_parent_path()) plain = plain.parent_path();
   DataFolder() = plain;

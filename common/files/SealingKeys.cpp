@@ -23,7 +23,7 @@ static_assert(crypto_box_PUBLICKEYBYTES == KEY_BYTES && crypto_box_SECRETKEYBYTE
 
 using KeyBytes = std::array<unsigned char, KEY_BYTES>;
 
-/// Buffer for the text of a key, wiped at its end.
+/// A buffer for the text of a key, overwritten at the end.
 struct KeyText {
   KeyText() = default;
   KeyText(const KeyText&) = delete;

@@ -9,7 +9,7 @@ namespace Norvik::Common {
 
 using PublicKey = std::array<unsigned char, 32>;
 
-/// A private key, wiped at its end.
+/// A private key, overwritten in memory by the destructor.
 class NORVIK_COMMON_API PrivateKey {
  public:
   PrivateKey() = default;
@@ -20,16 +20,18 @@ class NORVIK_COMMON_API PrivateKey {
   std::array<unsigned char, 32> bytes{};
 };
 
-/// The key files of a folder: `server.pub`, `agent.pub` and `agent.key`, each one line of 64
-/// hexadecimal digits. Every member raises `std::runtime_error` if it finds no usable key.
+/// The key files of a folder, each with one line of 64 hexadecimal digits: `server.pub`, the public
+/// key of the server, and `agent.pub` and `agent.key` (mode 0600), a pair of this machine. Members
+/// throw `std::runtime_error` if they find no usable key.
 class NORVIK_COMMON_API SealingKeys {
  public:
   explicit SealingKeys(boost::filesystem::path folder);
 
-  /// The key to seal to: the server's, else the agent's own. Makes the agent's pair (and the
-  /// folder) if there is no key at all; of several processes that do so at once one wins.
+  /// The public key to seal to: the server's if there is one, else this machine's own. Without any
+  /// key it creates the pair and the folder; if several processes do that at once, all get the same
+  /// pair.
   PublicKey ForSealing() const;
-  /// The agent's own pair.
+  /// Both halves of this machine's own pair.
   void ForOpening(PublicKey& publicKey, PrivateKey& privateKey) const;
 
  private:

@@ -19,12 +19,12 @@ constexpr std::size_t TEXT_PIECE = 65536;
 
 std::string ReadTextFile(const boost::filesystem::path& file, std::size_t limit) {
   const std::string& name = file.string();
-  // A user may name a link or a pipe, so this is not limited to regular files.
+  // Not only regular files: a user may name a link or a pipe.
   const Platform::FileDescriptor descriptor(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor.IsOpen()) throw std::runtime_error(name + ": " + std::strerror(errno));
   std::string text;
   try {
-    // In pieces, for most files are far smaller than the limit.
+    // In pieces, since most files are far smaller than the limit.
     std::size_t had = 0;
     do {
       had = text.size();

@@ -13,7 +13,8 @@
 
 namespace Norvik::Common {
 
-/// What the host gathered of the machine for itself.
+/// Facts of the machine that the host gathers for itself. A fact that it could not find is empty or
+/// 0.
 struct FirstInventoryInfo {
   MemoryInfo memory;
   SetupInfo setup;

@@ -9,16 +9,21 @@
 
 namespace Norvik::Common {
 
-/// Identity of the agent and the machine. Safe on any thread. The order of the operations is part
-/// of the contract.
+/// The identity of the agent, and of the machine. Any thread may call the operations. Their order
+/// is part of the contract.
 class NORVIK_COMMON_API IIdentificationSystem {
  public:
   virtual ~IIdentificationSystem();
 
+  /// A copy of the facts that the host gathered; may take long at the first call.
   virtual FirstInventoryInfo GetFirstInventoryInfo() = 0;
+  /// The machine's SMBIOS table; an invalid one (`IsValid`) on a machine that has none. The host
+  /// owns it.
   virtual std::weak_ptr<SmBios> GetSmBios() = 0;
+  /// The agent's identifier, the same over all restarts.
   virtual std::string GetAgentIdentifier() = 0;
-  /// Empty until the agent has one; inventories wait for it.
+  /// The token that the server knows the agent by. Empty until the agent has one: inventories wait
+  /// for it.
   virtual std::string GetToken() = 0;
 
  protected:

@@ -18,8 +18,8 @@ std::size_t Rest(Position position, const Table& table) {
   return static_cast<std::size_t>(std::distance(position, table.end()));
 }
 
-/// Reads the texts behind a formatted area: each ends with a NUL, and one more NUL ends them all
-/// (two, if there is none). False if the table ends before.
+/// Reads the texts after a formatted area: each ends with a NUL, and another NUL ends the list (an
+/// empty list consists of two). False if the table ends before that.
 bool ReadStrings(const Table& table, Position& position, std::vector<std::string>& strings) {
   while (true) {
     const Position end = std::find(position, table.end(), 0);

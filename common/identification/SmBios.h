@@ -11,7 +11,7 @@
 
 namespace Norvik::Common {
 
-/// The machine's SMBIOS table.
+/// The machine's SMBIOS table. It does not change, so that several threads may read it.
 class NORVIK_COMMON_API SmBios {
  public:
   /// One structure of the table.
@@ -20,16 +20,17 @@ class NORVIK_COMMON_API SmBios {
     CStruct(std::vector<std::uint8_t> formatted, std::vector<std::string> strings)
         : formatted_(std::move(formatted)), strings_(std::move(strings)) {}
 
-    /// The raw formatted area: byte 0 type, byte 1 length, bytes 2 and 3 handle, then the type's
-    /// own fields. Lives as long as the structure.
+    /// The raw formatted area: type in byte 0, length in byte 1, handle in bytes 2 and 3, then the
+    /// fields of the type. Valid as long as the structure.
     const std::uint8_t* Header() const { return formatted_.data(); }
+    /// Bytes of the formatted area, at least 4.
     std::size_t Length() const { return formatted_.size(); }
-    /// Text number `index`, counted from 1; empty for 0 and for a text that is not there.
+    /// The text of a number, from 1, as raw bytes; empty for 0 and for a number without a text.
     std::string GetString(unsigned long index) const;
 
-    /// Little-endian field at an offset; 0 if the structure is too short to have it.
+    /// The little-endian number of up to 8 bytes at an offset; 0 if the structure is too short.
     std::uint64_t Field(std::size_t offset, std::size_t bytes) const;
-    /// Text whose number stands at an offset; empty if the structure is too short.
+    /// The text whose number is at an offset; empty if the structure is too short.
     std::string TextAt(std::size_t offset) const { return GetString(Field(offset, 1)); }
 
    private:
@@ -37,20 +38,21 @@ class NORVIK_COMMON_API SmBios {
     std::vector<std::string> strings_;
   };
 
-  /// No table: `IsValid` is false.
+  /// A machine without a table: `IsValid` is false.
   SmBios() = default;
-  /// Reads a raw table behind its entry point. Damaged bytes end the reading where they stand.
+  /// Parses a raw table, without its entry point. Stops at the first damaged structure and keeps
+  /// those before it.
   SmBios(std::uint32_t version, const std::vector<std::uint8_t>& table);
   SmBios(const SmBios&) = delete;
   SmBios& operator=(const SmBios&) = delete;
 
-  /// Version as major times 256 plus minor: 3.1 reads 769. 0 without a table.
+  /// The version as major * 256 + minor: 769 is 3.1. 0 without a table.
   virtual std::uint32_t GetVersion();
   virtual ~SmBios();
 
-  /// Whether a table was read.
+  /// Whether the table has any structure.
   bool IsValid() const { return !structures_.empty(); }
-  /// Appends every structure of the type, in table order. They stay owned by this object.
+  /// Appends all structures of a type, in the order of the table. This object owns them.
   void GetStructData(std::uint8_t type, std::list<const CStruct*>& structures) const;
 
  private:

@@ -43,7 +43,7 @@ void ForEachEntry(const ptree& dictionary, Visit visit) {
   }
 }
 
-/// Text of a value; of an array the first element's.
+/// The text of a value, or of the first element of an array.
 std::string TextOf(const ptree& value) {
   return value.empty() ? value.data() : value.front().second.data();
 }

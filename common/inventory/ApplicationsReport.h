@@ -8,8 +8,8 @@
 
 namespace Norvik::Common {
 
-/// The applications of a property list as `system_profiler -xml SPApplicationsDataType` prints it;
-/// none for text that is no such list. Entries without a name are left out.
+/// The applications in the output of `system_profiler -xml SPApplicationsDataType`. Empty for any
+/// other text, with a line in the log if it is no XML. Entries without a name are skipped.
 NORVIK_COMMON_API std::vector<SoftwareRegisteredInfo> ReadApplicationsReport(
     const std::string& propertyList);
 

@@ -33,14 +33,14 @@ std::string ValueOf(const Stanza& stanza, const char* name) {
   return found == stanza.end() ? std::string() : found->second;
 }
 
-/// Takes a line into the stanza. Only the first line of a field counts here.
+/// Adds a line to the stanza. Only the first line of a field counts here.
 void AddLine(const std::string& line, Stanza& stanza) {
   const auto colon = line.find(':');
   if (colon == std::string::npos || line[0] == ' ' || line[0] == '\t') return;
   stanza.emplace(line.substr(0, colon), trim_copy(line.substr(colon + 1)));
 }
 
-/// Whether the third word of the status, the present state, says so.
+/// By the third word of the status, which is the present state.
 bool IsInstalled(const Stanza& stanza) {
   const std::string status = ValueOf(stanza, "Status");
   return status.substr(status.rfind(' ') + 1) == "installed";

@@ -11,12 +11,12 @@
 
 namespace Norvik::Common {
 
-/// Time of installation of a package of an architecture, in seconds since the epoch; 0: unknown.
+/// Returns when a package of an architecture was installed, in seconds since the epoch; 0: unknown.
 using PackageDate =
     std::function<std::time_t(const std::string& package, const std::string& architecture)>;
 
-/// The installed packages of Debian's package status file. Stanzas without a name and lines that
-/// are no field are passed over.
+/// The installed packages in the package status file of Debian. Stanzas without a name, and lines
+/// that are no field, are skipped. `date` is called once for each package.
 NORVIK_COMMON_API std::vector<SoftwareRegisteredInfo> ReadPackageStatus(std::istream& status,
                                                                         const PackageDate& date);
 

@@ -16,8 +16,8 @@ namespace Norvik::Common {
 
 namespace {
 
-/// Time of the list of files that the package manager wrote when it installed the package. Packages
-/// that can be installed for several architectures at once have theirs in the name.
+/// The time of the file list that the package manager wrote when it installed the package. For
+/// packages that can be installed for several architectures at once, the name has the architecture.
 std::time_t InstallDate(const std::string& package, const std::string& architecture) {
   const std::string base = Platform::MachinePath("/var/lib/dpkg/info/") + package;
   struct stat status {};

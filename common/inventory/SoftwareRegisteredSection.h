@@ -8,8 +8,8 @@
 
 namespace Norvik::Common {
 
-/// Installed software: the applications that `system_profiler` reports on macOS, the packages of
-/// the package database on Debian, nothing elsewhere.
+/// Collects the installed software: the applications that `system_profiler` reports on macOS, the
+/// packages of the package database on Debian, nothing elsewhere. Files are found by `MachinePath`.
 class NORVIK_COMMON_API SoftwareRegisteredSection
     : public ISection<std::vector<SoftwareRegisteredInfo>> {
  public:

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t MAX_FILE_SIZE = std::size_t{5} << 20;
 constexpr std::size_t OLD_FILES = 3;
 
-/// A text with line ends would look like several lines, perhaps of another origin.
+/// Without this, a text with line ends would look like several lines, which could be forged.
 std::string WithEscapedLineEnds(const std::string& text) {
   std::string line;
   for (const char c : text) {

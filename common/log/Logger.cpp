@@ -35,7 +35,7 @@ void Logger::SetInstance(std::shared_ptr<Logger> logger) {
     const std::lock_guard<std::mutex> lock(instance.mutex);
     std::swap(instance.logger, logger);
   }
-  // The former logger ends here, outside the lock: its destructor may log.
+  // The former logger is destroyed here, outside the lock, since its destructor may log.
 }
 
 void Logger::Trace(const std::string& text) {

@@ -8,9 +8,11 @@
 
 namespace Norvik::Common {
 
-/// The agent's log. One instance per process, shared by host and module.
+/// The log of the agent. One instance per process, shared by host and module. All functions may be
+/// called from any thread. Log through the macros below, which add the place in the source.
 class NORVIK_COMMON_API Logger {
  public:
+  /// The lower the number, the more important the text.
   enum Level : int {
     LEVEL_ERROR = 2,
     LEVEL_WARNING = 3,
@@ -21,18 +23,19 @@ class NORVIK_COMMON_API Logger {
 
   virtual ~Logger();
 
-  /// Writes one line. Called from any thread; must not raise.
+  /// Writes one text. Called from any thread, several at once; must not throw.
   virtual void Log(Level level, const std::string& text, const char* file, int line,
                    const char* function) = 0;
 
-  /// Null while the process has none.
+  /// The logger of the process; null while none is set.
   static std::shared_ptr<Logger> GetInstance();
+  /// Sets the logger of the process; null removes it. The former one is released.
   static void SetInstance(std::shared_ptr<Logger> logger);
 
-  /// Where a text goes while there is no instance: the standard error channel.
+  /// Writes a text to standard error, where texts go while no logger is set.
   static void Trace(const std::string& text);
 
-  /// Logs anything that can be streamed, under the classic locale.
+  /// Logs any value that can be streamed, formatted with the classic locale.
   template <class T>
   static void Write(Level level, const T& message, const char* file, int line,
                     const char* function) {
@@ -52,7 +55,8 @@ class NORVIK_COMMON_API Logger {
   Logger& operator=(const Logger&) = default;
 };
 
-/// Logs ">>" now and "<<" at the end of the scope, unless an exception ends it.
+/// Logs ">>" now, and "<<" at the end of the scope unless an exception leaves it. The texts are
+/// kept as pointers.
 class NORVIK_COMMON_API LogScope {
  public:
   LogScope(const char* file, int line, const char* function);
@@ -69,7 +73,8 @@ class NORVIK_COMMON_API LogScope {
 
 }  // namespace Norvik::Common
 
-// Macros, because only they know where they stand.
+// Macros, since only a macro knows the place that it is used at. The message is anything that can
+// be streamed, such as a `boost::format`; it is evaluated whatever the level.
 #define NORVIK_LOG(level, message) \
   ::Norvik::Common::Logger::Write(level, message, __FILE_NAME__, __LINE__, __func__)
 #define NORVIK_ERROR(message) NORVIK_LOG(::Norvik::Common::Logger::LEVEL_ERROR, message)

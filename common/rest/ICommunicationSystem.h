@@ -6,17 +6,18 @@
 
 namespace Norvik::Common {
 
-/// The road to the management server. Safe on any thread.
+/// The connection to the management server. Any thread may call.
 class NORVIK_COMMON_API ICommunicationSystem {
  public:
   virtual ~ICommunicationSystem();
 
-  /// Sends the request, waits for the answer and fills the response. False if there is no server,
-  /// it could not be reached, or its answer is none; the response is then untouched.
+  /// Sends a request, waits for the answer and fills the response. False if no server is
+  /// configured, it could not be reached, or its answer could not be read: the response is then
+  /// unchanged and the reason is logged.
   virtual bool ProcessMessage(const IRestRequest& request, IRestResponse& response) = 0;
-  /// Takes on a task's state for the server and returns at once.
+  /// Queues a status of a task for the server and returns at once.
   virtual void ReportTaskStatus(const TaskResponseInfo& status) = 0;
-  /// Tells that a new file waits in the outbox; returns at once.
+  /// Notifies that a new file is in the outbox, and returns at once.
   virtual void NewFileOnOutbox() = 0;
 
  protected:

@@ -29,7 +29,7 @@ class TaskError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The text of a plain value, empty if the key is missing. An object or list is none.
+/// The text of a plain value; empty if the key is missing. Throws for an object or a list.
 std::string TextAt(const Tree& node, const char* key) {
   const auto child = node.get_child_optional(key);
   if (!child) return {};
@@ -37,7 +37,7 @@ std::string TextAt(const Tree& node, const char* key) {
   return child->data();
 }
 
-/// The whole text as a number; what is too large or has anything else in it is none.
+/// The number that the text holds. Throws if it holds anything else, or the number is out of range.
 template <class Number>
 Number ParseNumber(const std::string& text, const char* key,
                    Number lowest = std::numeric_limits<Number>::lowest(),
@@ -61,7 +61,7 @@ ActionPropertyValue ReadWholeNumber(const std::string& text) {
   return ParseNumber<Number>(text, "value");
 }
 
-/// Without the locale's signs; `from_chars` does not read fractions everywhere.
+/// With the classic locale. Not `from_chars`, which cannot read fractions on every system.
 template <class Number>
 ActionPropertyValue ReadFraction(const std::string& text) {
   std::istringstream stream(text);
@@ -116,7 +116,7 @@ void ReadParameter(const Tree& node, ActionParameters& parameters) {
   }
 }
 
-/// What the states of the task are told by goes first: it is needed most if the rest is wrong.
+/// Read first: statuses of the task need it, above all if the rest of the task is wrong.
 void ReadOrigin(const Tree& node, ActionParameters& parameters) {
   static constexpr const char* NAMES[][2] = {
       {"requestId", COMMON_PARAMETER_REQUEST_ID},
@@ -129,7 +129,7 @@ void ReadOrigin(const Tree& node, ActionParameters& parameters) {
   }
 }
 
-/// A missing word is 0: once, and at once.
+/// A missing member is 0: the task runs once, at once.
 ScheduleInfo ReadSchedule(const Tree& node) {
   ScheduleInfo schedule;
   const std::string period = TextAt(node, "periodSeconds");

@@ -11,7 +11,7 @@
 
 namespace Norvik::Common {
 
-/// Asks the server for the tasks that it holds for this agent and product.
+/// Asks the server for the tasks that are pending for this agent and product.
 struct NORVIK_COMMON_API PendingTasksRequest : IRestRequest {
   operator json::JSON() const override;
 
@@ -19,20 +19,22 @@ struct NORVIK_COMMON_API PendingTasksRequest : IRestRequest {
   ProductCodes product = PRODUCT_KOB;
 };
 
-/// A task of the answer that cannot be run as it stands.
+/// A task in the answer that cannot be run.
 struct RefusedTask {
-  Schedule task;       ///< as far as it could be read
-  std::string reason;  ///< for people, as in "it has no identifier"
+  Schedule task;       ///< the members that could be read
+  std::string reason;  ///< for people, such as "it has no identifier"
 };
 
-/// The tasks, in the server's order. A task's name, dates and request are among its parameters, as
-/// texts under the names `COMMON_PARAMETER_...`.
+/// The pending tasks, in the order of the server. Name, dates and request of a task are among its
+/// parameters, as `std::string` under the names `COMMON_PARAMETER_...`. The answer is read within
+/// fixed limits: an identifier has at most 200 bytes, a period at most ten years.
 struct NORVIK_COMMON_API PendingTasksResponse : IRestResponse {
-  /// Raises a subclass of `std::exception` if the answer is no list of tasks at all.
+  /// Throws a subclass of `std::exception` if the answer is no list of tasks. A task that cannot be
+  /// read does not affect the others.
   void Assign(const boost::property_tree::ptree& body) override;
 
-  std::vector<Schedule> schedules;
-  std::vector<RefusedTask> refused;
+  std::vector<Schedule> schedules;   ///< that can be run
+  std::vector<RefusedTask> refused;  ///< the rest
 };
 
 }  // namespace Norvik::Common

@@ -65,7 +65,7 @@ std::vector<Schedule> RemoteTaskDownloader::GetSchedules() {
     request.agentIdentifier = agentIdentifier_;
     request.product = product_;
     PendingTasksResponse response;
-    // What goes wrong on the way is logged by the road to the server.
+    // Failures of the connection are logged by the communication system.
     if (!communications_ || !communications_->ProcessMessage(request, response)) {
       NORVIK_DETAIL(boost::format(NOT_FETCHED) % "there was no answer");
       return {};

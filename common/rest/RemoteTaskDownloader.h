@@ -11,19 +11,21 @@
 
 namespace Norvik::Common {
 
-/// Fetches the tasks that the server holds for this agent. Not for two threads at once.
+/// Fetches the tasks that are pending on the server for this agent. One thread at a time.
 class NORVIK_COMMON_API RemoteTaskDownloader {
  public:
-  /// @param communications  may be null: then there are no tasks
-  /// @param factory         may be empty; if not, a task whose code it does not know is refused
-  /// @param parameters      what every task begins with, before its own; may be null
+  /// @param communications  null: there are no tasks
+  /// @param factory         makes the actions of codes; a task whose code it does not know is
+  /// refused.
+  ///                        Empty: every code is accepted
+  /// @param parameters      added to each task that lacks them; copied; null: none
   RemoteTaskDownloader(std::shared_ptr<ICommunicationSystem> communications, ProductCodes product,
                        ActionFactory factory, std::string agentIdentifier,
                        const ActionParameters* parameters);
 
-  /// Asks, waits for the answer, and gives the tasks in the server's order. A failure gives none,
-  /// and one line in the log. A task that cannot be run is left out with a line of its own, and the
-  /// server learns of it by the status "not run". Never raises.
+  /// Asks the server, waits for the answer, and returns the tasks in the order of the server. Empty
+  /// after a failure, which is logged. A task that cannot be run is left out: it is logged, and
+  /// reported to the server with the status "not run". Never throws.
   std::vector<Schedule> GetSchedules();
 
  private:

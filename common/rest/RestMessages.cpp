@@ -17,8 +17,8 @@ constexpr char RESULT[] = "result";
 constexpr char AVAILABLE[] = "available";
 constexpr char URL[] = "url";
 
-/// The value of a key; the default if it is missing. Raises for a value of another type: an answer
-/// that cannot be understood must not pass for one that says nothing.
+/// The value of a key, or the default if the key is missing. Throws for a value of another type: an
+/// answer that cannot be understood must not count as one without content.
 template <class T>
 T ValueOf(const boost::property_tree::ptree& body, const char* key, const T& missing) {
   return body.get_child_optional(key) ? body.get<T>(key) : missing;

@@ -12,11 +12,11 @@
 
 namespace Norvik::Common {
 
-/// A request to the management server.
+/// A request to the management server. The type of the request decides where it is sent.
 class NORVIK_COMMON_API IRestRequest {
  public:
   virtual ~IRestRequest();
-  /// The body of the request.
+  /// The body of the request, a JSON object.
   virtual operator json::JSON() const = 0;
 
  protected:
@@ -25,12 +25,12 @@ class NORVIK_COMMON_API IRestRequest {
   IRestRequest& operator=(const IRestRequest&) = default;
 };
 
-/// The server's answer.
+/// The answer of the management server.
 class NORVIK_COMMON_API IRestResponse {
  public:
   virtual ~IRestResponse();
-  /// Takes the fields from the answer's body; a missing one takes its default. A value of
-  /// another type raises a subclass of `std::exception` and leaves the fields as they were.
+  /// Sets the members from the body of the answer; a missing key sets the default. Throws a
+  /// subclass of `std::exception` for a value of another type, and leaves the members unchanged.
   virtual void Assign(const boost::property_tree::ptree& body) = 0;
 
  protected:
@@ -39,8 +39,8 @@ class NORVIK_COMMON_API IRestResponse {
   IRestResponse& operator=(const IRestResponse&) = default;
 };
 
-/// A question of this agent's module to its counterpart on the server, which knows by the codes
-/// what it is about. Without an identifier the body has none.
+/// A question of this module to its counterpart on the server. The two codes say what it is about.
+/// The body has the agent's identifier only if it is set.
 struct NORVIK_COMMON_API ProcessMessageRequest : IRestRequest {
   operator json::JSON() const override;
 
@@ -58,15 +58,16 @@ struct NORVIK_COMMON_API ProcessMessageResponse : IRestResponse {
   wxString message;
 };
 
-/// The server's answer about the survey, held as JSON in `ProcessMessageResponse::message`.
+/// The server's answer about the survey: the JSON text in `ProcessMessageResponse::message`.
 struct NORVIK_COMMON_API SurveyResponseInfo : IRestResponse {
   SurveyResponseInfo() = default;
+  /// Throws what `Assign` throws.
   explicit SurveyResponseInfo(const boost::property_tree::ptree& body);
   void Assign(const boost::property_tree::ptree& body) override;
   explicit operator json::JSON() const;
 
   bool available = false;  ///< there is a survey to show
-  std::string url;
+  std::string url;         ///< of the survey's page
 };
 
 NORVIK_COMMON_API bool operator==(const SurveyResponseInfo& left, const SurveyResponseInfo& right);

@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::system_clock;
 
-/// Puts the "C" locale in force on this thread, for month and day names.
+/// Sets the "C" locale for this thread, for the names of months and days.
 class CLocaleScope {
  public:
   CLocaleScope() : locale_(::newlocale(LC_ALL_MASK, "C", nullptr)) {
@@ -42,7 +42,7 @@ bool DayExists(const ::tm& fields) {
   return fields.tm_mday <= days;
 }
 
-/// Fills the fields from the whole text; blanks behind it do not count.
+/// Fills the fields from the whole text. White space at the end is ignored.
 bool Parse(const std::string& text, const std::string& format, ::tm& fields) {
   const CLocaleScope scope;
   const char* rest = ::strptime(text.c_str(), format.c_str(), &fields);
@@ -52,7 +52,7 @@ bool Parse(const std::string& text, const std::string& format, ::tm& fields) {
   return rest == end && DayExists(fields);
 }
 
-/// The zero time point for what lies beyond the clock.
+/// The zero time point for a time beyond the range of the clock.
 system_clock::time_point TimePointOf(::time_t time) {
   const auto latest =
       std::chrono::duration_cast<std::chrono::seconds>(system_clock::duration::max()).count();

@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t MASKED_PIECE = 16384;
 constexpr char NO_UTF8 = '\xFF';
 
-// The last 128 characters that UTF-8 can write, for the bytes from 0x80 on: a document that has
-// one of them itself is masked there as well.
+// The last 128 characters of Unicode stand for the bytes from 0x80 on. Where a document has one of
+// them itself, that one is masked too.
 constexpr char MASK[] = "\xF4\x8F";
 constexpr std::size_t MASK_LENGTH = 4;
 
@@ -66,14 +66,14 @@ MaskedDocument::int_type MaskedDocument::underflow() {
       const char* const other = sequence_.empty() ? std::find_if_not(at, end, IsAscii) : at;
       masked_.append(at, other);
       at = other;
-      if (at != end) Take(*at++);
+      if (at != end) Add(*at++);
     }
   }
   setg(masked_.data(), masked_.data(), masked_.data() + masked_.size());
   return traits_type::to_int_type(masked_.front());
 }
 
-void MaskedDocument::Take(char byte) {
+void MaskedDocument::Add(char byte) {
   const bool continues = (byte & 0xC0) == 0x80;
   if (continues == sequence_.empty()) {
     masked_ += NO_UTF8;
@@ -84,10 +84,10 @@ void MaskedDocument::Take(char byte) {
     return;
   }
   sequence_ += byte;
-  if (sequence_.size() >= json::Utf8Length(sequence_.front())) TakeSequence();
+  if (sequence_.size() >= json::Utf8Length(sequence_.front())) AddSequence();
 }
 
-void MaskedDocument::TakeSequence() {
+void MaskedDocument::AddSequence() {
   const std::string sequence = std::exchange(sequence_, {});
   if (sequence.size() != json::Utf8Length(sequence.front())) {
     masked_ += NO_UTF8;

@@ -8,27 +8,30 @@
 
 namespace Norvik::Common {
 
-/// A stored document for a parser that takes strict UTF-8 only. The writer of documents also lets
-/// through long forms of a character, surrogates and what lies beyond the last character. The bytes
-/// of such a sequence are read here as characters that stand for one byte each; `Unmask` gives the
-/// bytes back. Any other byte that is no UTF-8 stays one that no parser takes.
+/// Makes a stored document readable for a parser that accepts strict UTF-8 only. The writer of
+/// documents lets irregular sequences through (see `json::Utf8Step`). Here, each byte of such a
+/// sequence is read as one of the last 128 characters of Unicode, and `Unmask` turns these back
+/// into the bytes. Any other byte that is not UTF-8 is read as 0xFF, which every parser refuses.
+///
+/// A stream buffer: `std::istream(&masked)` reads the masked document, piece by piece.
 class NORVIK_COMMON_API MaskedDocument : public std::streambuf {
  public:
-  /// Keeps the reference.
+  /// Keeps the reference. The document must be at its beginning.
   explicit MaskedDocument(std::istream& document);
   ~MaskedDocument() override;
 
-  /// A text of the parsed document, or what is written from it, as it stands in the document.
+  /// The original bytes of a text that comes from the parsed document, or of a JSON text made of
+  /// it.
   static std::string Unmask(std::string text);
 
  private:
   int_type underflow() override;
-  void Take(char byte);
-  void TakeSequence();
+  void Add(char byte);
+  void AddSequence();
 
   std::istream& document_;
-  std::string sequence_;  ///< begun and not ended yet
-  std::string masked_;    ///< what is read next
+  std::string sequence_;  ///< not complete yet
+  std::string masked_;    ///< the piece that is read now
 };
 
 }  // namespace Norvik::Common

@@ -6,7 +6,7 @@
 
 namespace Norvik::Common {
 
-/// Key of the "DATA" table under which the agent's operating-system type stands as text.
+/// The key of the "DATA" table that holds the operating-system type of the agent, as text.
 inline constexpr char OPERATING_SYSTEM_AGENT_DATA[] = "OPERATING_SYSTEM_TYPE";
 
 struct NORVIK_COMMON_API OperatingSystemType {
@@ -14,7 +14,7 @@ struct NORVIK_COMMON_API OperatingSystemType {
 
   /// "macOS", "Windows", "Linux"; "Unknown" for any other value.
   static std::string ToString(Types type);
-  /// The type of a text, letter case ignored; `UNKNOWN` for any other text.
+  /// The type of one of these texts, in any letter case; `UNKNOWN` for any other text.
   static Types FromString(const std::string& text);
 };
 

@@ -18,7 +18,7 @@ using Norvik::Platform::SentAppleEvent;
 constexpr DescType APPLE_EVENT_TYPE = FourCharacters("aevt");
 constexpr DescType NULL_TYPE = FourCharacters("null");
 
-/// What a descriptor's handle leads to.
+/// The data that the handle of a descriptor points to.
 struct Storage {
   std::string data;      ///< of an address
   SentAppleEvent event;  ///< of an event

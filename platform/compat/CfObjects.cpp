@@ -41,8 +41,8 @@ std::string Describe(const CfValue& value) {
   return text;
 }
 
-/// All objects. A reference is a number that is never used twice and not an address, so that an
-/// object that was given back is always told from a new one.
+/// All objects. A reference is a number that is never used twice, not an address, so that a
+/// released object is never mistaken for a new one.
 class ObjectTable {
  public:
   Id Add(CfValue value) {
@@ -63,7 +63,7 @@ class ObjectTable {
     ++Live(id, "CFRetain").references;
   }
 
-  /// Without recursion, however deep the object is.
+  /// Without recursion, since the object may be nested to any depth.
   void Release(Id id) {
     const std::lock_guard lock(mutex_);
     std::vector<Id> open{id};
@@ -110,7 +110,7 @@ class ObjectTable {
   Id next_ = 0x1000;
 };
 
-/// Never destroyed: objects may be given back as late as anything.
+/// Never destroyed, since objects may be released at the very end of the program.
 ObjectTable& Objects() {
   static auto& table = *new ObjectTable();
   return table;
@@ -156,7 +156,7 @@ CFTypeRef ArrayFrom(plist_t node) {
 CFTypeRef DictionaryFrom(plist_t node) {
   CfDictionary dictionary;
   ForEachKey(node, [&](const char* key, plist_t value) {
-    // A key that stands twice counts as it stands first.
+    // Of two equal keys the first one counts.
     if (dictionary.values.count(key) == 0) dictionary.values[key] = CfFromPropertyList(value);
   });
   return MakeCfObject(std::move(dictionary));

@@ -20,7 +20,7 @@ struct CfNumber {
   double real = 0.0;
 };
 struct CfDate {
-  double seconds = 0.0;  ///< since 2001 began
+  double seconds = 0.0;  ///< since 2001-01-01 in UTC
 };
 struct CfArray {
   std::vector<CFTypeRef> values;
@@ -33,20 +33,20 @@ struct CfUrl {
 };
 using CfData = std::vector<UInt8>;
 
-/// What an object holds; collections own a reference to each of their values. The position of a
-/// type here plus one is its `CFTypeID`.
+/// The content of an object; collections own a reference to each of their values. The `CFTypeID` of
+/// a type is its position here plus one.
 using CfValue =
     std::variant<std::string, CfNumber, bool, CfData, CfDate, CfArray, CfDictionary, CfUrl>;
 
 /// A new object; the caller owns one reference.
 CFTypeRef MakeCfObject(CfValue value);
-/// The same object from one of a property list, with all that it holds.
+/// A new object with the content of a node of a property list.
 CFTypeRef CfFromPropertyList(plist_t node);
 
-/// What a live object holds. Ends the program, naming the object and the call, if the object is
-/// none or was given back already.
+/// The content of an object. Ends the program, with a message that names the object and the call,
+/// if the object does not exist or was released.
 const CfValue& CfValueOf(CFTypeRef object, const char* call);
-/// Ends the program: a call was given an object of a type that it does not take.
+/// Ends the program: a call got an object of a type that it does not accept.
 [[noreturn]] void FailCfType(const CfValue& value, const char* call);
 template <class Value>
 const Value& CfValueAs(CFTypeRef object, const char* call) {

@@ -12,20 +12,20 @@ using namespace Norvik::Platform;
 
 namespace {
 
-/// The number of a type is its place in `CfValue` plus one.
+/// The identifier of a type is its position in `CfValue` plus one.
 template <class Value>
 CFTypeID TypeIdOf() {
   return CfValue(Value()).index() + 1;
 }
 
-/// Stores a text and its NUL if they fit.
+/// Stores a text and its NUL. False if they do not fit.
 bool StoreText(const std::string& text, char* buffer, CFIndex size) {
   if (!buffer || size <= 0 || text.size() >= static_cast<std::size_t>(size)) return false;
   std::memcpy(buffer, text.c_str(), text.size() + 1);
   return true;
 }
 
-/// What of a number fits into 64 bits, or the nearest that does.
+/// The number without its fraction, or the nearest one of 64 bits.
 std::int64_t WholeOf(const CfNumber& number) {
   constexpr double END = 9223372036854775808.0;
   if (!number.isReal) return number.whole;
@@ -60,7 +60,7 @@ CFIndex CFStringGetLength(CFStringRef string) {
   CFIndex units = 0;
   for (const char byte : CfValueAs<std::string>(string, "CFStringGetLength")) {
     const auto value = static_cast<unsigned char>(byte);
-    // A character of four bytes is two units; bytes that carry on a character are none.
+    // A character of four bytes has two units. Continuation bytes count nothing.
     if ((value & 0xc0) != 0x80) units += value >= 0xf0 ? 2 : 1;
   }
   return units;

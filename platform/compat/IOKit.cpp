@@ -13,7 +13,7 @@ using namespace Norvik::Platform;
 
 namespace {
 
-/// The class that a matching dictionary wants; the dictionary is given back, as Apple's calls do.
+/// The class in a matching dictionary. Releases the dictionary, as Apple's calls do.
 std::string TakeMatching(CFDictionaryRef matching, const char* call) {
   const auto& values = CfValueAs<CfDictionary>(matching, call).values;
   const auto found = values.find(kIOProviderClassKey);

@@ -24,7 +24,7 @@ std::string Describe(const Held& held) {
          " entries";
 }
 
-/// All handles. No number is used twice, so that one that was given back is told from a new one.
+/// All handles. No number is used twice, so that a released handle is never mistaken for a new one.
 class HandleTable {
  public:
   io_object_t Add(Held held) {
@@ -33,11 +33,11 @@ class HandleTable {
     return next_++;
   }
 
-  template <class Kind, class Take>
-  HeldEntry With(io_object_t handle, const char* call, Take take) {
+  template <class Kind, class Use>
+  HeldEntry With(io_object_t handle, const char* call, Use use) {
     const std::lock_guard lock(mutex_);
     Held& held = Live(handle, call);
-    if (auto* wanted = std::get_if<Kind>(&held)) return take(*wanted);
+    if (auto* wanted = std::get_if<Kind>(&held)) return use(*wanted);
     StopProgram(std::string(call) + ": does not take " + Describe(held));
   }
 
@@ -69,7 +69,7 @@ class HandleTable {
   io_object_t next_ = 0x1003;
 };
 
-/// Never destroyed: handles may be given back as late as anything.
+/// Never destroyed, since handles may be released at the very end of the program.
 HandleTable& Handles() {
   static auto& table = *new HandleTable();
   return table;

@@ -9,7 +9,7 @@
 
 namespace Norvik::Platform {
 
-/// An entry, and the registry that keeps it.
+/// An entry, and the registry that owns it.
 struct HeldEntry {
   std::shared_ptr<const Registry> registry;
   const RegistryEntry* entry = nullptr;
@@ -20,14 +20,14 @@ struct HeldIterator {
   std::size_t next = 0;
 };
 
-/// A new handle, of which the caller has one reference.
+/// A new handle. The caller owns one reference.
 io_object_t MakeIoHandle(HeldEntry entry);
 io_object_t MakeIoHandle(HeldIterator iterator);
 
-/// What a handle stands for. Both end the program, naming the call, if the handle was given back
-/// already, does not exist or is of the other kind.
+/// The entry of a handle. This and the next function end the program, with a message that names the
+/// call, if the handle was released, does not exist or is of the other kind.
 HeldEntry EntryOf(io_object_t handle, const char* call);
-/// The next entry; none at the end.
+/// The next entry of an iterator; an empty one at the end.
 HeldEntry AdvanceIterator(io_object_t handle, const char* call);
 
 void ReleaseIoHandle(io_object_t handle);

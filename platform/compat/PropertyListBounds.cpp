@@ -14,8 +14,8 @@ namespace {
 constexpr std::size_t MAX_DEPTH = 512;
 constexpr std::size_t MAX_VALUES = 2'000'000;
 
-/// Follows the nesting of an XML text. Mark-up that a property list does not need is refused, since
-/// its end could be taken for another one.
+/// Follows the nesting of an XML text. Refuses mark-up that a property list does not need, since
+/// parsers could disagree about its end.
 class XmlWalk {
  public:
   explicit XmlWalk(std::string_view text) : text_(text) {}
@@ -41,7 +41,7 @@ class XmlWalk {
     return text_.substr(at, begin.size()) == begin;
   }
 
-  /// Where the text goes on behind the mark-up; none if it is refused.
+  /// The position after a mark-up; `NONE` if the mark-up is refused.
   std::size_t AfterMarkup(std::size_t at) {
     if (StandsAt(at, "<!--")) return After("-->", at + 4);
     if (StandsAt(at, "<![CDATA[")) return After("]]>", at + 9);
@@ -68,8 +68,8 @@ class XmlWalk {
   std::size_t values_ = 0;
 };
 
-/// Unfolds the references of a binary property list without building anything. A value that is
-/// referred to often counts as often, as it will be copied.
+/// Follows the references of a binary property list without building anything. A value counts once
+/// for each reference to it, since each will become a copy.
 class BinaryWalk {
  public:
   explicit BinaryWalk(std::string_view bytes) : bytes_(bytes) {}
@@ -80,7 +80,7 @@ class BinaryWalk {
     while (!open.empty()) {
       const Visit visit = open.back();
       open.pop_back();
-      if (!Take(visit, open)) return false;
+      if (!Expand(visit, open)) return false;
     }
     return true;
   }
@@ -93,7 +93,7 @@ class BinaryWalk {
   static constexpr std::size_t TRAILER = 32;
   static constexpr std::size_t BYTES_PER_VALUE = 32;
 
-  /// A big-endian number; none if it lies outside of the list or has no size that numbers have.
+  /// A big-endian number; empty if it is outside the list or its size is not 1 to 8.
   std::optional<std::uint64_t> Number(std::uint64_t at, std::uint64_t size) const {
     if (size == 0 || size > 8 || at > bytes_.size() || size > bytes_.size() - at) return {};
     std::uint64_t number = 0;
@@ -111,11 +111,11 @@ class BinaryWalk {
     objects_ = *Number(at + 8, 8);
     topObject_ = *Number(at + 16, 8);
     offsets_ = *Number(at + 24, 8);
-    // Keeps the products below from overflowing as well.
+    // Also keeps the products below from overflowing.
     return objects_ <= bytes_.size() && offsets_ <= bytes_.size();
   }
 
-  /// Length of a text or count of a collection, which follows the marker if it is a large one.
+  /// The length of a text or the size of a collection. A large one follows the marker as a number.
   bool ReadCount(std::uint64_t& at, std::uint64_t& count) const {
     const auto marker = static_cast<unsigned char>(bytes_[at++]);
     count = marker & 0x0f;
@@ -134,7 +134,7 @@ class BinaryWalk {
     return values_ <= MAX_VALUES;
   }
 
-  bool Take(const Visit& visit, std::vector<Visit>& open) {
+  bool Expand(const Visit& visit, std::vector<Visit>& open) {
     if (visit.object >= objects_ || visit.depth > MAX_DEPTH) return false;
     const auto offset = Number(offsets_ + visit.object * offsetSize_, offsetSize_);
     if (!offset || *offset >= bytes_.size()) return false;
@@ -148,7 +148,7 @@ class BinaryWalk {
     return Spend(1 + references) && AddReferences(at, references, visit.depth + 1, open);
   }
 
-  /// The library ends the program over a key with a NUL in it.
+  /// The library ends the program if a key has a NUL.
   bool IsGoodText(int kind, std::uint64_t at, std::uint64_t count) const {
     const std::size_t unit = kind == 0x6 ? 2 : 1;
     const std::string_view text = bytes_.substr(std::min<std::uint64_t>(at, bytes_.size()));

@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Discarded if the file is no JSON.
+/// A discarded value if the file is no JSON.
 json ReadJson(const std::string& path) {
   return json::parse(ReadFileBytes(path), nullptr, /*allow_exceptions=*/false);
 }

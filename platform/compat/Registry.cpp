@@ -8,7 +8,7 @@ namespace {
 
 constexpr char CHILDREN[] = "IORegistryEntryChildren";
 
-/// What `ioreg -a` writes beside the properties of an entry.
+/// Keys that `ioreg -a` writes in addition to the properties of an entry.
 constexpr std::string_view TREE_KEYS[] = {
     "IOObjectClass",      "IOObjectInherits",        "IOObjectRetainCount", CHILDREN,
     "IORegistryEntryID",  "IORegistryEntryLocation", "IORegistryEntryName", "IORegistryEntryPlanes",
@@ -26,7 +26,7 @@ bool Holds(const Texts& texts, std::string_view text) {
   return std::find(std::begin(texts), std::end(texts), text) != std::end(texts);
 }
 
-/// Children that are not in the plane are passed over for those below them.
+/// In place of a child that is not in the plane come the entries below it.
 void AddBelow(const RegistryEntry& entry, std::string_view plane, bool recursively,
               Registry::Entries& found) {
   for (const RegistryEntry* child : entry.children) {
@@ -46,12 +46,12 @@ bool RegistryEntry::IsA(std::string_view wantedClass) const {
 
 Registry::Registry(std::string_view recording) : list_(ReadPropertyList(recording)) {
   if (!list_) return;
-  // Asked for a class, the tool prints an array of trees.
+  // For a single class the tool prints an array of trees.
   ForEachElement(list_.get(), [this](plist_t node) { Add(node, nullptr); });
   Add(list_.get(), nullptr);
 }
 
-// The reader bounds how deep the list is nested.
+// Recursion is safe: the reader limits the nesting of the list.
 void Registry::Add(plist_t node, RegistryEntry* parent) {
   if (plist_get_node_type(node) != PLIST_DICT) return;
   RegistryEntry& entry = NewEntry(node, parent);

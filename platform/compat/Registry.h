@@ -17,7 +17,7 @@ struct RegistryEntry {
   std::vector<std::string> superclasses;
   /// Planes that the entry is in; by default only "IOService".
   std::vector<std::string> planes;
-  plist_t properties = nullptr;  ///< its dictionary; belongs to the registry
+  plist_t properties = nullptr;  ///< its dictionary, owned by the registry
   const RegistryEntry* parent = nullptr;
   std::vector<const RegistryEntry*> children;
 
@@ -25,15 +25,15 @@ struct RegistryEntry {
   bool IsA(std::string_view wantedClass) const;
 };
 
-/// The I/O registry of a recording, in the form of `ioreg -a -l`: the tree of the plane
-/// "IOService". Beside what that prints an entry may have "IOObjectInherits", its superclasses, and
+/// The I/O registry of a recording, in the format of `ioreg -a -l`: the tree of the plane
+/// "IOService". In addition, an entry may have the keys "IOObjectInherits", its superclasses, and
 /// "IORegistryEntryPlanes", the planes that it is in. Another plane has the same tree without the
 /// entries that are not in it.
 class Registry {
  public:
   using Entries = std::vector<const RegistryEntry*>;
 
-  /// Empty for bytes that are no such list.
+  /// The registry is empty if the bytes are no such list.
   explicit Registry(std::string_view recording);
   Registry(const Registry&) = delete;
   Registry& operator=(const Registry&) = delete;
@@ -44,7 +44,7 @@ class Registry {
   static Entries Below(const RegistryEntry& entry, std::string_view plane, bool recursively);
   /// Null at the root, and for an entry that is not in the plane.
   static const RegistryEntry* ParentOf(const RegistryEntry& entry, std::string_view plane);
-  /// Whether a key of an entry's dictionary is a property of the entry, or tells of the tree.
+  /// Whether a key of an entry's dictionary is a property of the entry, not a part of the tree.
   static bool IsProperty(std::string_view key);
 
  private:

@@ -6,7 +6,7 @@
 
 namespace Norvik::Platform {
 
-/// An Apple Event that somebody wanted to send. Codes are texts of four characters.
+/// An Apple Event that was to be sent. Codes are texts of four characters.
 struct SentAppleEvent {
   std::string eventClass;
   std::string eventId;
@@ -14,10 +14,10 @@ struct SentAppleEvent {
   std::string address;  ///< bytes of the address
 };
 
-/// For tests: the events since the last call, in order. None of them went anywhere.
+/// For tests: the events since the last call, in order. None of them reached a receiver.
 std::vector<SentAppleEvent> TakeSentAppleEvents();
 
-/// For tests: what the sender is told from now on; `procNotFound` at first.
+/// For tests: sets the status that senders get from now on. Initially it is `procNotFound`.
 void SetAppleEventAnswer(std::int32_t status);
 
 }  // namespace Norvik::Platform

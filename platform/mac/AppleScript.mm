@@ -2,8 +2,8 @@
 
 namespace {
 
-/// Tells the Finder to do what the text says. False if the script fails, with the reason in the
-/// system's log. Kept for operations that have no other interface; nothing needs it at present.
+/// Runs a command of AppleScript in the Finder. False if the script fails, with the reason in the
+/// system's log. Kept for operations that have no other interface; nothing uses it at present.
 [[maybe_unused]] bool runScript(NSString* source) {
   @autoreleasepool {
     NSString* const text =

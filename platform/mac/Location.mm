@@ -6,7 +6,7 @@
 namespace Norvik::Platform {
 
 struct LocationService::Implementation {
-  /// The manager keeps no reference to it. It answers nothing: positions are asked for.
+  /// The manager keeps no reference to it. It implements nothing, since positions are polled.
   NSObject* delegate = nil;
   CLLocationManager* manager = nil;
 };

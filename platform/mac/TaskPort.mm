@@ -2,9 +2,9 @@
 
 namespace {
 
-/// The task of a process, found among all of the machine where `task_for_pid` is refused; 0 if no
-/// task has the number, the host's own port if the tasks may not be listed. Nothing needs it at
-/// present.
+/// The task of a process, searched among all tasks of the machine, for where `task_for_pid` is
+/// refused. 0 if no task has the number; the host's own port if the tasks may not be listed.
+/// Nothing uses it at present.
 [[maybe_unused]] mach_port_t task_for_pid_workaround(int pid) {
   const host_t host = mach_host_self();
   processor_set_t set = MACH_PORT_NULL;

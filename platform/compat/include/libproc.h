@@ -1,6 +1,6 @@
 #pragma once
 
-// Processes as macOS tells them, as far as it is asked here. /proc answers, or a recording.
+// The calls of macOS for processes that are used here, answered from /proc or from a recording.
 
 #include <stdint.h>
 

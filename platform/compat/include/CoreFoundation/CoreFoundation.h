@@ -1,6 +1,6 @@
 #pragma once
 
-// Core Foundation as far as it is called here, for systems that have none.
+// The calls of Core Foundation that are used here, for systems without it.
 
 #include <stdint.h>
 
@@ -52,11 +52,11 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 /// In UTF-16 units.
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
-/// False if text and NUL do not fit.
+/// False if the text and its NUL do not fit.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
 
-/// False if the value does not fit into the type; what is nearest is stored then.
+/// False if the value does not fit into the type; the nearest one is stored then.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
@@ -64,12 +64,12 @@ const UInt8* CFDataGetBytePtr(CFDataRef data);
 CFIndex CFDataGetLength(CFDataRef data);
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
-/// Null if the key is absent. The value belongs to the dictionary.
+/// Null if the key is missing. The dictionary owns the value.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path,
                                        CFURLPathStyle style, Boolean isFolder);
-/// False if path and NUL do not fit.
+/// False if the path and its NUL do not fit.
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve, UInt8* buffer,
                                          CFIndex size);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Apple Events as macOS sends them, as far as they are sent here. Elsewhere nobody receives them:
-// sending is refused with `procNotFound`.
+// The calls for Apple Events that are used here, for systems without them. There are no receivers,
+// so sending fails with `procNotFound`.
 
 #include <stdint.h>
 
@@ -34,7 +34,7 @@ enum { kAutoGenerateReturnID = -1, kAnyTransactionID = 0 };
 enum { kAENoReply = 0x00000001 };
 enum { kAEDefaultTimeout = -1 };
 
-// What a call makes belongs to the caller, who gives it to `AEDisposeDesc`.
+// The caller owns what a call creates, and releases it with `AEDisposeDesc`.
 
 OSErr AECreateDesc(DescType typeCode, const void* dataPtr, Size dataSize, AEDesc* result);
 OSErr AECreateAppleEvent(AEEventClass theAEEventClass, AEEventID theAEEventID,
@@ -42,7 +42,7 @@ OSErr AECreateAppleEvent(AEEventClass theAEEventClass, AEEventID theAEEventID,
                          AETransactionID transactionID, AppleEvent* result);
 OSStatus AESendMessage(const AppleEvent* event, AppleEvent* reply, AESendMode sendMode,
                        long timeOutInTicks);
-/// A descriptor without data is passed over.
+/// Ignores a descriptor without data.
 OSErr AEDisposeDesc(AEDesc* theAEDesc);
 
 #ifdef __cplusplus

@@ -1,7 +1,7 @@
 #pragma once
 
-// The I/O Kit's library as far as it is called here, for systems that have none. A recording of a
-// Mac's registry answers; without one there is no service.
+// The calls of I/O Kit that are used here, for systems without it. They work on the registry of a
+// recorded Mac; without one there is no service.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <stdint.h>
@@ -37,7 +37,7 @@ extern const mach_port_t kIOMasterPortDefault;
 kern_return_t IOMasterPort(mach_port_t bootstrapPort, mach_port_t* masterPort);
 
 CFMutableDictionaryRef IOServiceMatching(const char* name);
-/// Takes over one reference to the matching dictionary, as does the next.
+/// Releases one reference to the matching dictionary, as does the next call.
 io_service_t IOServiceGetMatchingService(mach_port_t masterPort, CFDictionaryRef matching);
 kern_return_t IOServiceGetMatchingServices(mach_port_t masterPort, CFDictionaryRef matching,
                                            io_iterator_t* existing);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The size of the memory as macOS tells it.
+// The call of macOS for the size of the memory.
 
 #include <stddef.h>
 
