@@ -9,6 +9,7 @@
 
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
+#include "cli/commands/Commands.h"
 #include "common/identification/HostInfoProvider.h"
 #include "platform/WaitClock.h"
 #include "platform/compat/LiveObjects.h"
@@ -97,7 +98,7 @@ TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
 
   const Json document = Document();
   const std::string failure = expected.value("failure", "");
-  EXPECT_EQ(code, failure.empty() ? Host::EXIT_DONE : Host::EXIT_FAILED) << Output();
+  EXPECT_EQ(code, failure.empty() ? Cli::EXIT_DONE : Cli::EXIT_FAILED) << Output();
   EXPECT_THAT(Output(), HasSubstr(failure));
   EXPECT_EQ(document.is_object(), failure.empty());
   for (const auto& [section, value] : PartOf(expected, "sections").items()) {

@@ -67,7 +67,7 @@ TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
     const Words words = row.read(row.file);
     ASSERT_FALSE(words.empty()) << row.file;
     EXPECT_EQ(words.front(), "/opt/local/norvik/bin/norvik-agent") << row.file;
-    EXPECT_EQ(Host::ParseCommandLine(words).command, row.command) << row.file;
+    EXPECT_EQ(Cli::ParseCommandLine(words).command, row.command) << row.file;
   }
 }
 
