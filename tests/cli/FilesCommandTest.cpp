@@ -171,7 +171,11 @@ TEST_F(FilesCommand, ExplainsEveryPathAsTheInventoryListsIt) {
   const PlainJson document = Ask({"open", Ask({"files"})["file"]});
   for (const auto& folder : document["paths"]) {
     for (const auto& file : folder["files"]) {
-      listed.insert({folder["pathName"], file["filename"], file["extension"]});
+      std::vector<std::string> parts;
+      for (const PlainJson& part : {folder["pathName"], file["filename"], file["extension"]}) {
+        parts.push_back(part.get<std::string>());
+      }
+      listed.insert(parts);
     }
   }
   Files explained;

@@ -38,7 +38,7 @@ std::string ParsedValue(const std::string& value) {
 }
 
 TEST(MacXMLToJSONParser, TurnsAPropertyListIntoATree) {
-  const Json tables = DataOf("common/mac/property-lists.json");
+  const Json tables = DataOf("common/apple/property-lists.json");
   ExpectRows(tables["values"], ParsedValue);
   ExpectRows(
       tables["first element at the path"], +[](const std::string& xml) { return Parsed(xml); });
@@ -49,7 +49,7 @@ TEST(MacXMLToJSONParser, LeavesTheTreeAloneForAnyOtherText) {
   EXPECT_EQ(Parsed(""), "");
   EXPECT_TRUE(log.Lines().empty());
   std::size_t refused = 0;
-  for (const Json& row : DataOf("common/mac/odd-lists.json")) {
+  for (const Json& row : DataOf("common/apple/odd-lists.json")) {
     const bool isList = row["isList"];
     EXPECT_EQ(!Parsed(row["bytes"].get<Bytes>()).empty(), isList) << row["name"];
     refused += !isList;
