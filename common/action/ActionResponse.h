@@ -47,7 +47,7 @@ struct NORVIK_COMMON_API ActionResponse {
   ActionResponseTable table;
   boost::optional<std::string> text;  ///< the reason of a failure; empty on success
   std::uint64_t extra = 0;            ///< passed on unchanged, without a meaning here
-  /// Whether a process that was to be started did start. Fills a whole word of the record.
+  /// Whether a started program succeeded. Fills a whole word of the record.
   alignas(std::uint64_t) bool success = false;
 };
 

@@ -19,9 +19,8 @@ class NORVIK_COMMON_API SealedFileError : public std::runtime_error {
 /// described in docs/outbox-format.md.
 class NORVIK_COMMON_API FileSealer {
  public:
-  /// @param keyFolder the folder of `SealingKeys`; the first use of `Seal` creates a pair of keys
-  /// there
-  ///        if it has no public key
+  /// @param keyFolder the folder of `SealingKeys`; `Seal` creates a pair of keys there if it has no
+  ///        public key
   explicit FileSealer(boost::filesystem::path keyFolder);
 
   /// Replaces the target whole or not at all. Throws a subclass of `std::runtime_error` on failure.

@@ -15,9 +15,8 @@ namespace Norvik::Common {
 class NORVIK_COMMON_API RemoteTaskDownloader {
  public:
   /// @param communications  null: there are no tasks
-  /// @param factory         makes the actions of codes; a task whose code it does not know is
-  /// refused.
-  ///                        Empty: every code is accepted
+  /// @param factory         makes the actions of codes: a task of a code that it does not know is
+  ///                        refused; empty: every code is accepted
   /// @param parameters      added to each task that lacks them; copied; null: none
   RemoteTaskDownloader(std::shared_ptr<ICommunicationSystem> communications, ProductCodes product,
                        ActionFactory factory, std::string agentIdentifier,
