@@ -15,7 +15,7 @@ namespace Norvik::Platform {
 
 namespace {
 
-/// Waits for the child when the scope ends, so that none is left behind as a zombie.
+/// Waits for the child at the end of the scope, so that it does not remain as a zombie.
 class ChildOwner {
  public:
   explicit ChildOwner(pid_t processId) : processId_(processId) {}

@@ -19,6 +19,9 @@ namespace {
 using Platform::CfRef;
 using Platform::IoObject;
 
+/// The entry of a port with a device. The driver of the device is its child.
+constexpr char DEVICE_CLASS[] = "IOAHCIDevice";
+
 /// Null if the key is missing or holds another type. The dictionary owns the value.
 CFTypeRef ValueOf(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
   const CfRef<CFStringRef> name = Platform::CfTextOf(key);
@@ -85,6 +88,18 @@ CFPropertyListRef AppleFundation::CreateMyPropertyListFromFile(CFURLRef url) {
   if (!data) return nullptr;
   return CFPropertyListCreateWithData(kCFAllocatorDefault, data.Get(), kCFPropertyListImmutable,
                                       nullptr, nullptr);
+}
+
+void SataInfo::GetSataDevicesEntry(unsigned int& controller, std::list<unsigned int>& entries) {
+  if (controller == IO_OBJECT_NULL) return;
+  IoObject below;
+  if (IORegistryEntryCreateIterator(controller, kIOServicePlane, kIORegistryIterateRecursively,
+                                    below.Out()) != KERN_SUCCESS) {
+    return;
+  }
+  while (IoObject entry{IOIteratorNext(below.Get())}) {
+    if (IOObjectConformsTo(entry.Get(), DEVICE_CLASS)) entries.push_back(entry.Release());
+  }
 }
 
 }  // namespace Norvik::Common

@@ -3,6 +3,8 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <wx/string.h>
 
+#include <list>
+
 #include "common/Api.h"
 
 namespace Norvik::Common {
@@ -23,6 +25,12 @@ struct NORVIK_COMMON_API AppleFundation {
   /// Reads a property list file, XML or binary. Null if it cannot be read or is no property list.
   /// The caller owns the object, which may be of any type.
   static CFPropertyListRef CreateMyPropertyListFromFile(CFURLRef url);
+};
+
+struct NORVIK_COMMON_API SataInfo {
+  /// Appends the I/O registry entries of the SATA devices at any depth below a controller, in the
+  /// order of the registry. The caller owns the handles.
+  static void GetSataDevicesEntry(unsigned int& controller, std::list<unsigned int>& entries);
 };
 
 }  // namespace Norvik::Common

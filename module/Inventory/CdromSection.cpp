@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "common/apple/AppleFundation.h"
-#include "common/apple/SataInfo.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "module/Inventory/RegistryProperties.h"
