@@ -13,6 +13,7 @@
 #include "common/files/Paths.h"
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "common/text/Text.h"
 #include "module/Entities/InventoryReader.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
@@ -21,7 +22,7 @@ namespace Norvik::KOB {
 
 namespace fs = boost::filesystem;
 
-/// The files of a run. The one for the outbox carries the name of the document.
+/// The files of a run. The one for the outbox has the name of the document.
 struct KobInventory::Files {
   static Files OfThisHost() {
     using Common::Paths;
@@ -42,7 +43,7 @@ struct KobInventory::Files {
 
 namespace {
 
-/// Null if the memory does not hold the document.
+/// Null if there is not enough memory for the document.
 std::unique_ptr<json::JSON> ToDocument(const Common::ISerializerJson& record) {
   try {
     return std::make_unique<json::JSON>(record);
@@ -55,7 +56,7 @@ void LogFailure(bool done, const char* message, const fs::path& first, const fs:
   if (!done) NORVIK_ERROR(boost::format(message) % first.string() % second.string());
 }
 
-/// Half a document must not go on its way: whoever reads it would take the rest for deleted.
+/// Half a document must not be sent: whoever reads it would take the rest for deleted.
 void CloseWhole(fs::ofstream& stream, const fs::path& file) {
   stream.close();
   if (stream) return;
@@ -75,6 +76,7 @@ void WriteFile(const fs::path& file, Write write) {
   write(stream);
   CloseWhole(stream, file);
   NORVIK_DETAIL("JSON data written to file successfully");
+  Common::ReportDocument({Common::DocumentStep::WRITE, true, {}, file, {}});
 }
 
 void DeleteUndelivered() {
@@ -94,6 +96,7 @@ void KobInventory::GenerateInventory(bool incremental) {
       incremental = false;
       NORVIK_WARNING(
           "KOB incremental will not be sent. An KOB total inventory will be sent instead");
+      Common::ReportTotalInstead(Common::RunKind::MachineInventory, whyTotal_);
     }
     Deliver(files, incremental);
   } catch (const std::exception& error) {
@@ -109,19 +112,20 @@ bool KobInventory::CompareWithPrevious(const Files& files, InventoryPointer inve
         GenerateIncrementalInventoryData(files.previous.string(), std::move(inventory));
     return ProcessIncrementalInventoryData(files.incremental, changes);
   } catch (const boost::property_tree::json_parser_error& error) {
-    NORVIK_ERROR(
-        boost::format(
-            "KOB incremental inventory will not be sent due to a JSON parsing error: %1%") %
-        error.what());
+    whyTotal_ = std::string(
+                    "KOB incremental inventory will not be sent due to a JSON parsing "
+                    "error: ") +
+                error.what();
   } catch (const std::exception& error) {
-    NORVIK_ERROR(boost::format("KOB incremental inventory will not be sent due to an error: %1%") %
-                 error.what());
+    whyTotal_ =
+        std::string("KOB incremental inventory will not be sent due to an error: ") + error.what();
   }
+  NORVIK_ERROR(whyTotal_);
   return false;
 }
 
 void KobInventory::Deliver(const Files& files, bool incremental) const {
-  // Deliberately no failed step ends the run: the server tells from what arrives how far it came.
+  // Deliberately no failed step ends the run: the server sees from what arrives how far it got.
   LogFailure(Common::CopyFileToDestination(files.document, files.previous),
              "Unable to copy %1% to %2%", files.document, files.previous);
   if (incremental) RenameIncrementalJsonFile(files.incremental, files.document);
@@ -143,27 +147,27 @@ bool KobInventory::ProcessInventoryData(const Path& document, const InventoryPoi
   return true;
 }
 
-bool KobInventory::CheckJsonFile(const Path& file) const {
-  const auto complain = [&](const char* message) {
-    NORVIK_ERROR(boost::format(message) % file.string());
-    return false;
-  };
-  const auto complainOf = [&](const char* message, const boost::system::error_code& error) {
-    NORVIK_ERROR(boost::format(message) % file.string() % error.message());
-    return false;
-  };
+bool KobInventory::CheckJsonFile(const Path& file) {
   boost::system::error_code error;
-  // Asked by its kind, since a file that is just missing sets the error code as well.
+  const auto complain = [&](const boost::format& message) {
+    whyTotal_ = message.str();
+    NORVIK_ERROR(whyTotal_);
+    return false;
+  };
+  const auto about = [&](const char* message) { return boost::format(message) % file.string(); };
+  // By its kind, since a file that is just missing sets the error code as well.
   const fs::file_type kind = fs::status(file, error).type();
   if (kind == fs::file_not_found) {
-    return complain("The JSON file at the specified location '%1%' does not exist");
+    return complain(about("The JSON file at the specified location '%1%' does not exist"));
   }
   if (kind == fs::status_error) {
-    return complainOf("Error checking existence of JSON file at '%1%': %2%", error);
+    return complain(about("Error checking existence of JSON file at '%1%': %2%") % error.message());
   }
   const bool empty = fs::is_empty(file, error);
-  if (error) return complainOf("Error checking if JSON file at '%1%' is empty: %2%", error);
-  if (empty) return complain("The JSON file at the specified location '%1%' is empty");
+  if (error) {
+    return complain(about("Error checking if JSON file at '%1%' is empty: %2%") % error.message());
+  }
+  if (empty) return complain(about("The JSON file at the specified location '%1%' is empty"));
   return true;
 }
 
@@ -178,12 +182,14 @@ KobInventory::InventoryPointer KobInventory::GenerateIncrementalInventoryData(
 bool KobInventory::ProcessIncrementalInventoryData(const Path& document,
                                                    const InventoryPointer& inventory) {
   if (!inventory) {
-    NORVIK_ERROR("Failed to generate incremental inventory data");
+    whyTotal_ = "Failed to generate incremental inventory data";
+    NORVIK_ERROR(whyTotal_);
     return false;
   }
   WriteJsonFile(*inventory, document);
   if (!hasChanges_) {
-    NORVIK_INFORMATION("No new updates. KOB incremental inventory will not be sent");
+    whyTotal_ = "No new updates. KOB incremental inventory will not be sent";
+    NORVIK_INFORMATION(whyTotal_);
     return false;
   }
   return true;

@@ -8,6 +8,7 @@
 
 #include "common/configuration/CommunicationsInfo.h"
 #include "common/configuration/KobConfigurationInfo.h"
+#include "common/progress/ProgressListener.h"
 #include "module/DeviceIdentifiers.h"
 #include "module/Entities/InventoryKOBInfo.h"
 #include "module/Entities/SystemInfo.h"
@@ -20,14 +21,14 @@ namespace Norvik::KOB {
 /// names.
 class KobInventory {
  public:
-  /// Gathers the sections that others need; raises what their collectors raise, and
-  /// `std::bad_weak_ptr` if the identification has gone.
+  /// Gathers the sections that others need. Throws what their collectors throw, and
+  /// `std::bad_weak_ptr` if the identification no longer exists.
   KobInventory(std::weak_ptr<Common::IDataBase> dataBase,
                std::weak_ptr<Common::IIdentificationSystem> identification,
                const Common::KobConfigurationInfo& configuration,
                const Common::CommunicationsInfo& communications, unsigned int profileId);
 
-  /// Runs the inventory. Reports nothing: what goes wrong is logged. An incremental one becomes a
+  /// Runs the inventory. Returns nothing: what goes wrong is logged. An incremental one becomes a
   /// total one if there is nothing to compare with, if the comparison fails, and if it finds no
   /// change. The last full document is kept for the next comparison in every case.
   void GenerateInventory(bool incremental);
@@ -41,9 +42,9 @@ class KobInventory {
   InventoryPointer GenerateInventoryKOB();
 
   bool ProcessInventoryData(const Path& document, const InventoryPointer& inventory);
-  /// Whether the document of the changes was written.
+  /// Whether the document of the changes was written; if not, `whyTotal_` holds the reason.
   bool CompareWithPrevious(const Files& files, InventoryPointer inventory);
-  bool CheckJsonFile(const Path& file) const;
+  bool CheckJsonFile(const Path& file);
   InventoryPointer GenerateIncrementalInventoryData(const std::string& previousDocument,
                                                     InventoryPointer inventory);
   bool ProcessIncrementalInventoryData(const Path& document, const InventoryPointer& inventory);
@@ -52,8 +53,9 @@ class KobInventory {
   void Deliver(const Files& files, bool incremental) const;
 
   /// Asks a section for its facts. A section that the factory cannot make gives the default.
+  /// @param keys those of the document that the facts fill
   template <class Result>
-  Result Retrieve(const char* description,
+  Result Retrieve(Common::SectionKeys keys, const char* description,
                   SectionFactory::Section<Result> (SectionFactory::*section)() const);
   ConfigurationInfo GetConfigurationInfo();
   const DeviceInfo& GetDeviceInfo();
@@ -77,6 +79,7 @@ class KobInventory {
   std::unique_ptr<SectionFactory> sectionFactory_;
   std::list<LocalUserInfo> localUsers_;
   bool hasChanges_ = false;  ///< an incremental run has written a document of changes
+  std::string whyTotal_;     ///< why a total inventory is sent in place of an incremental one
   IdentifierInfo identifier_;
 };
 

@@ -1,11 +1,15 @@
 #include <chrono>
+#include <cstddef>
+#include <functional>
 #include <utility>
 
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
 #include "module/DataAccess/DataSource.h"
+#include "module/Entities/InventorySections.h"
 #include "module/Inventory/GeoLocationCommon.h"
 #include "module/KobInventory.h"
 
@@ -14,16 +18,39 @@ namespace Norvik::KOB {
 namespace {
 
 using Common::OperatingSystemType;
+using Common::SectionKeys;
+using Common::SectionScope;
 using Common::ToUtf8;
 using Common::WxStringFromStdString;
+using Of = InventoryKOBInfo;
 
 /// More than most machines have installed; saves the vector its growth.
 constexpr std::size_t EXPECTED_SOFTWARE = 8192;
 
-/// Logs first: what stops the making of a section is then known by its name.
+/// The keys of the sections whose values are in these bytes of an inventory, added to the others.
+void AddKeys(const Of& inventory, const void* object, std::size_t size, SectionKeys& keys) {
+  const auto* const begin = static_cast<const char*>(object);
+  const std::less<const char*> isBefore;
+  ForEachSection([&](const auto& section) {
+    const auto* const value = reinterpret_cast<const char*>(&section.In(inventory));
+    if (!isBefore(value, begin) && isBefore(value, begin + size)) keys.emplace_back(section.key);
+  });
+}
+
+/// The document's keys of what these members of an inventory hold.
+template <class... Members>
+SectionKeys KeysOf(Members Of::*... members) {
+  static const Of inventory{};
+  SectionKeys keys;
+  (AddKeys(inventory, &(inventory.*members), sizeof(inventory.*members), keys), ...);
+  return keys;
+}
+
+/// Logs first: if making the section fails, the log shows which one it was.
 template <class Result>
-void Fill(const char* description, const SectionFactory& factory,
+void Fill(SectionKeys keys, const char* description, const SectionFactory& factory,
           SectionFactory::Section<Result> (SectionFactory::*make)() const, Result& result) {
+  const SectionScope progress(std::move(keys));
   NORVIK_DETAIL(description);
   if (const auto section = (factory.*make)()) section->GetInfo(result);
 }
@@ -46,22 +73,25 @@ KobInventory::KobInventory(std::weak_ptr<Common::IDataBase> dataBase,
 void KobInventory::InitializeMainSections() {
   using From = SectionFactory;
   const From& factory = *sectionFactory_;
-  Fill("Retrieving network adapters section", factory, &From::GetNetworkAdaptersSection,
-       networkAdapters_);
-  Fill("Retrieving setup section", factory, &From::GetSetupSection, setup_);
-  Fill("Retrieving operating system section", factory, &From::GetOperatingSystemSection,
-       operatingSystem_);
-  Fill("Retrieving system section", factory, &From::GetSystemSection, system_);
-  Fill("Retrieving Users Information", factory, &From::GetLocalUsersSection, localUsers_);
-  Fill("Retrieving memory section", factory, &From::GetMemorySection, memory_);
+  Fill(KeysOf(&Of::networkAdapters), "Retrieving network adapters section", factory,
+       &From::GetNetworkAdaptersSection, networkAdapters_);
+  Fill(KeysOf(&Of::setup, &Of::portConnectors), "Retrieving setup section", factory,
+       &From::GetSetupSection, setup_);
+  Fill(KeysOf(&Of::operatingSystem), "Retrieving operating system section", factory,
+       &From::GetOperatingSystemSection, operatingSystem_);
+  Fill(KeysOf(&Of::device), "Retrieving system section", factory, &From::GetSystemSection, system_);
+  Fill(KeysOf(&Of::localUsers), "Retrieving Users Information", factory,
+       &From::GetLocalUsersSection, localUsers_);
+  Fill(KeysOf(&Of::memory, &Of::memorySlots), "Retrieving memory section", factory,
+       &From::GetMemorySection, memory_);
 }
 
 template <class Result>
-Result KobInventory::Retrieve(const char* description,
+Result KobInventory::Retrieve(SectionKeys keys, const char* description,
                               SectionFactory::Section<Result> (SectionFactory::*section)() const) {
   NORVIK_SCOPE();
   Result result;
-  Fill(description, *sectionFactory_, section, result);
+  Fill(std::move(keys), description, *sectionFactory_, section, result);
   return result;
 }
 
@@ -70,38 +100,42 @@ KobInventory::InventoryPointer KobInventory::GenerateInventoryKOB() {
   using From = SectionFactory;
   auto inventory = std::make_unique<InventoryKOBInfo>();
   InventoryKOBInfo& it = *inventory;
-  it.cdroms = Retrieve("Retrieving cdrom section", &From::GetCdromSection);
+  const auto retrieve = [&](auto member, const char* description, auto section) {
+    it.*member = Retrieve(KeysOf(member), description, section);
+  };
+  retrieve(&Of::cdroms, "Retrieving cdrom section", &From::GetCdromSection);
   it.configuration = GetConfigurationInfo();
   it.device = GetDeviceInfo();
-  it.hardware = Retrieve("Retrieving hardware section", &From::GetHardwareSection);
+  retrieve(&Of::hardware, "Retrieving hardware section", &From::GetHardwareSection);
   it.features = GetFeatureInfo();
   it.location = GetGeoLocationInfo();
   it.localUsers = GetLocalUsersInfo();
-  it.keyboards = Retrieve("Retrieving keyboard section", &From::GetKeyboardSection);
-  it.monitors = Retrieve("Retrieving monitor section", &From::GetMonitorsSection);
+  retrieve(&Of::keyboards, "Retrieving keyboard section", &From::GetKeyboardSection);
+  retrieve(&Of::monitors, "Retrieving monitor section", &From::GetMonitorsSection);
   it.networkAdapters = networkAdapters_;
-  it.networkDrives = Retrieve("Retrieving network drives section", &From::GetNetworkDrivesSection);
+  retrieve(&Of::networkDrives, "Retrieving network drives section", &From::GetNetworkDrivesSection);
   it.operatingSystem = operatingSystem_;
-  it.printers = Retrieve("Retrieving printer section", &From::GetPrinterSection);
-  it.startupCommands = Retrieve("Retrieving run command section", &From::GetRunCommandsSection);
-  it.services = Retrieve("Retrieving service section", &From::GetServicesSection);
-  it.sharedResources =
-      Retrieve("Retrieving shared resources section", &From::GetSharedResourcesSection);
-  it.firmware = Retrieve("Retrieving bios section", &From::GetBiosSection);
-  it.systemSlots = Retrieve("Retrieving boardslots section", &From::GetBoardSlotsSection);
-  it.videoCards = Retrieve("Retrieving video section", &From::GetVideoSection);
+  retrieve(&Of::printers, "Retrieving printer section", &From::GetPrinterSection);
+  retrieve(&Of::startupCommands, "Retrieving run command section", &From::GetRunCommandsSection);
+  retrieve(&Of::services, "Retrieving service section", &From::GetServicesSection);
+  retrieve(&Of::sharedResources, "Retrieving shared resources section",
+           &From::GetSharedResourcesSection);
+  retrieve(&Of::firmware, "Retrieving bios section", &From::GetBiosSection);
+  retrieve(&Of::systemSlots, "Retrieving boardslots section", &From::GetBoardSlotsSection);
+  retrieve(&Of::videoCards, "Retrieving video section", &From::GetVideoSection);
   it.software = GetSoftwareRegisteredInfo();
-  it.physicalDisks = Retrieve("Retrieving physical disk section", &From::GetPhysicalDiskSection);
+  retrieve(&Of::physicalDisks, "Retrieving physical disk section", &From::GetPhysicalDiskSection);
   it.memorySlots = memory_.devices;
   it.memory = memory_;
   it.portConnectors = setup_.portConnectors;
-  it.processors = Retrieve("Retrieving processor section", &From::GetProcessorsSection);
+  retrieve(&Of::processors, "Retrieving processor section", &From::GetProcessorsSection);
   it.setup = setup_;
   return inventory;
 }
 
 ConfigurationInfo KobInventory::GetConfigurationInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::configuration));
   NORVIK_DETAIL("Retrieving configuration section");
   ConfigurationInfo result;
   result.agentVersion = WxStringFromStdString(Common::GetAgentVersion());
@@ -113,6 +147,7 @@ ConfigurationInfo KobInventory::GetConfigurationInfo() {
 
 const DeviceInfo& KobInventory::GetDeviceInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::device));
   NORVIK_DETAIL("Retrieving device section");
   device_ = DeviceInfo();
   if (const auto identity = identification_.lock()) device_.guid = identity->GetAgentIdentifier();
@@ -156,6 +191,7 @@ void KobInventory::GetOperatingSystemType() {
 
 std::vector<FeaturesInfo> KobInventory::GetFeatureInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::features));
   NORVIK_DETAIL("Retrieving feature section");
   // Deliberately nothing: the section is left out on this system.
   return {};
@@ -163,18 +199,21 @@ std::vector<FeaturesInfo> KobInventory::GetFeatureInfo() {
 
 GeoLocationPoint KobInventory::GetGeoLocationInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::location));
   NORVIK_DETAIL("Retrieving Geolocation section");
   return GeoLocationCommon().GetLocation();
 }
 
 LocalUserInfo KobInventory::GetLocalUsersInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::localUsers));
   NORVIK_DETAIL("Retrieving local user section");
   return localUsers_.size() == 1 ? localUsers_.front() : LocalUserInfo();
 }
 
 std::vector<Common::SoftwareRegisteredInfo> KobInventory::GetSoftwareRegisteredInfo() {
   NORVIK_SCOPE();
+  const SectionScope progress(KeysOf(&Of::software));
   NORVIK_DETAIL("Retrieving software registered section");
   // Made for what its making does: it fills in the defaults of the module's store.
   const KOBDataSource store(dataBase_);

@@ -26,7 +26,7 @@
 namespace Norvik::KOB {
 
 /// Makes the collectors of one inventory, a new one at each call. What the agent gathered for
-/// itself is taken once, at construction.
+/// itself is copied once, at construction.
 class SectionFactory {
  public:
   template <class T>
@@ -34,11 +34,11 @@ class SectionFactory {
   template <class T>
   using ListSection = Section<std::list<T>>;
 
-  /// Raises `std::bad_weak_ptr` if the identification has gone, and what it raises.
+  /// Throws `std::bad_weak_ptr` if the identification no longer exists, and what it throws.
   SectionFactory(std::weak_ptr<Common::IIdentificationSystem> identification,
                  std::weak_ptr<Common::IDataBase> dataBase);
 
-  /// From the SMBIOS table where there is one. Null if its reader has gone.
+  /// From the SMBIOS table where there is one. Null if its reader no longer exists.
   Section<SmBiosInfo> GetBiosSection() const;
   ListSection<SmbSystemSlotInfo> GetBoardSlotsSection() const;
 

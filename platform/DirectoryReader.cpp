@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <boost/filesystem/exception.hpp>
 #include <boost/system/error_code.hpp>
 #include <cerrno>
@@ -15,13 +14,6 @@
 namespace Norvik::Platform {
 
 namespace {
-
-std::atomic<std::uint64_t> foldersOpened{0};
-std::atomic<std::uint64_t> questionsAsked{0};
-
-void CountOne(std::atomic<std::uint64_t>& counter) {
-  counter.fetch_add(1, std::memory_order_relaxed);
-}
 
 EntryKind KindOfType(unsigned char type) {
   switch (type) {
@@ -116,10 +108,7 @@ DirectoryReader::DirectoryReader() : stream_(std::make_unique<Stream>()) {}
 
 DirectoryReader::~DirectoryReader() = default;
 
-void DirectoryReader::Open(const std::string& folder) {
-  stream_->Open(folder);
-  CountOne(foldersOpened);
-}
+void DirectoryReader::Open(const std::string& folder) { stream_->Open(folder); }
 
 bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
   while (const auto* const found = stream_->Read()) {
@@ -133,7 +122,6 @@ bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
 }
 
 EntryMetadata DirectoryReader::ReadMetadata(const char* name, std::error_code& error) const {
-  CountOne(questionsAsked);
   struct stat status {};
   if (::fstatat(stream_->Descriptor(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
     error.assign(errno, std::generic_category());
@@ -142,11 +130,6 @@ EntryMetadata DirectoryReader::ReadMetadata(const char* name, std::error_code& e
   error.clear();
   return {KindOfMode(status.st_mode), static_cast<long long>(status.st_size),
           static_cast<long long>(status.st_mtime)};
-}
-
-ReadCounts DirectoryReader::Counts() {
-  return {foldersOpened.load(std::memory_order_relaxed),
-          questionsAsked.load(std::memory_order_relaxed)};
 }
 
 }  // namespace Norvik::Platform

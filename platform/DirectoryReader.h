@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -23,12 +22,6 @@ struct EntryMetadata {
   long long lastModification = 0;  ///< whole seconds since the epoch, negative before it
 };
 
-/// What all readers of this process have done so far.
-struct ReadCounts {
-  std::uint64_t folders = 0;    ///< opened
-  std::uint64_t questions = 0;  ///< calls of `ReadMetadata`
-};
-
 /// Reads one folder after the other, in the order of the file system, without "." and "..". It
 /// reads the entries and nothing else: on Linux it makes no call for an entry, and no metadata call
 /// for the folder. Use it on one thread.
@@ -46,9 +39,6 @@ class DirectoryReader {
   bool Next(DirectoryEntry& entry, std::error_code& error);
   /// Metadata of an entry of the open folder, read by one call.
   EntryMetadata ReadMetadata(const char* name, std::error_code& error) const;
-
-  /// From any thread.
-  static ReadCounts Counts();
 
  private:
   struct Stream;

@@ -15,6 +15,7 @@
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "platform/FileSystem.h"
 #include "platform/ReplacementFile.h"
 
@@ -119,19 +120,28 @@ void SetFilePipeline(std::shared_ptr<IFilePipeline> pipeline) {
 }
 
 bool CompressFile(const fs::path& source, const fs::path& target) {
-  return GetFilePipeline()->Compress(source, target);
+  const bool done = GetFilePipeline()->Compress(source, target);
+  ReportDocument({DocumentStep::COMPRESS, done, source, target, {}});
+  return done;
 }
 
 bool AgentEncryptFile(const fs::path& source, const fs::path& target) {
-  return GetFilePipeline()->Encrypt(source, target);
+  const bool done = GetFilePipeline()->Encrypt(source, target);
+  ReportDocument({DocumentStep::ENCRYPT, done, source, target, {}});
+  return done;
 }
 
 bool CopyFileToDestination(const fs::path& source, const fs::path& target) {
-  return GetFilePipeline()->Copy(source, target);
+  const bool done = GetFilePipeline()->Copy(source, target);
+  ReportDocument({DocumentStep::COPY, done, source, target, {}});
+  return done;
 }
 
 bool MoveToOutbox(fs::path&& file, boost::optional<bool> incremental) {
-  return GetFilePipeline()->MoveToOutbox(file, incremental);
+  const fs::path target = Paths(Paths::OUTBOX, false).AppData() / file.filename();
+  const bool done = GetFilePipeline()->MoveToOutbox(file, incremental);
+  ReportDocument({DocumentStep::MOVE, done, file, target, incremental});
+  return done;
 }
 
 }  // namespace Norvik::Common

@@ -30,8 +30,9 @@ class NORVIK_COMMON_API IFilePipeline {
   IFilePipeline& operator=(const IFilePipeline&) = default;
 };
 
-/// The pipeline that the free functions below use; never null. A host sets its own to see what
-/// leaves the machine, a test to let a step fail. Setting null brings back the default one.
+/// The pipeline that the free functions below use; never null. A host may replace a step, a test
+/// may make one fail. Null sets the default one. To see what leaves, listen to the progress: the
+/// free functions report each step to it.
 NORVIK_COMMON_API std::shared_ptr<IFilePipeline> GetFilePipeline();
 NORVIK_COMMON_API void SetFilePipeline(std::shared_ptr<IFilePipeline> pipeline);
 

@@ -6,6 +6,7 @@
 #include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
 #include "module/ActionCodes.h"
@@ -18,12 +19,14 @@ namespace Norvik::KOB {
 
 namespace {
 
+using Common::RunKind;
 using Common::TaskResponseInfo;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
 constexpr char MACHINE_INCREMENTAL[] = "kobIncremental";
 constexpr char MACHINE_ALREADY_RUNNING[] = "KOB Inventory already running";
+constexpr char MACHINE_WITHOUT_TOKEN[] = "The token is null, kob Inventory not started";
 
 }  // namespace
 
@@ -76,16 +79,19 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
   const std::unique_lock<std::mutex> lock(inventoryLock_, std::try_to_lock);
   if (!lock) {
     NORVIK_WARNING(MACHINE_ALREADY_RUNNING);
+    Common::ReportRefusal(RunKind::MachineInventory, MACHINE_ALREADY_RUNNING);
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, MACHINE_ALREADY_RUNNING);
     return {};
   }
   const std::shared_ptr<Common::IIdentificationSystem> identity(identification);
   if (identity->GetToken().empty()) {
-    NORVIK_INFORMATION("The token is null, kob Inventory not started");
+    NORVIK_INFORMATION(MACHINE_WITHOUT_TOKEN);
+    Common::ReportRefusal(RunKind::MachineInventory, MACHINE_WITHOUT_TOKEN);
     // Deliberately a total inventory without the request's parameters, whatever was asked for.
     RunOneShotAction(ACTION_TOTAL_INVENTORY, SECONDS_TO_RETRY_GET_INVENTORY, nullptr);
     return {};
   }
+  const Common::RunScope progress(RunKind::MachineInventory);
   KobInventory inventory(dataBase, identification, configuration_.Kob().value(),
                          configuration_.Communications(), configuration_.ProfileId());
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
@@ -93,6 +99,7 @@ Common::ActionResponse InventoryActions::DoKOBInventoryV2(Common::ActionParamete
       parameters.Exist(MACHINE_INCREMENTAL) && parameters.Get<bool>(MACHINE_INCREMENTAL);
   NORVIK_INFORMATION(incremental ? "Generating KOB incremental inventory..."
                                  : "Generating KOB inventory...");
+  progress.DecideKind(incremental);
   inventory.GenerateInventory(incremental);
   // Cut to the 32 bits that the table's numbers have.
   Common::V2::DataBase::SetDataTable(
@@ -111,6 +118,7 @@ Common::ActionResponse InventoryActions::DoKOBIncrementalInventory(
   if (Common::V2::DataBase::GetDataTable(Common::LAST_INVENTORY_KEY) != 0) {
     DoKOBInventoryV2(parameters);
   } else {
+    Common::ReportTotalInstead(RunKind::MachineInventory, "no inventory was ever taken");
     RunOneShotAction(ACTION_TOTAL_INVENTORY, seconds(0), nullptr);
   }
   return {};

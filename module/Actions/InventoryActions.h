@@ -17,15 +17,15 @@ class RudInventory;
 }
 
 /// Runs the inventories. One machine inventory and one file inventory at a time: a request during a
-/// run is refused, not queued. What a run inside reports to nobody, the handlers cannot tell
-/// either: a run that left no file still counts as done.
+/// run is refused, not queued. The handlers do not see whether a run failed inside: a run that left
+/// no file still counts as done.
 ///
 /// A file inventory has two halves. The handler of the request decides, prepares the run and starts
-/// the action that carries it out; the host must not run that one inside the call that starts it.
+/// the action that performs it; the host must not run that one inside the call that starts it.
 class InventoryActions final : public Common::ActionPerformerBase {
  public:
-  /// Records the operating-system type, and so reaches the database and the identification; raises
-  /// what they raise.
+  /// Records the operating-system type, and so uses the database and the identification; throws
+  /// what they throw.
   InventoryActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
                    const Common::ActionFactory& factory, Common::HandlerMap& handlers);
   ~InventoryActions() override;
@@ -43,13 +43,13 @@ class InventoryActions final : public Common::ActionPerformerBase {
   Common::ActionResponse DoRUDInventoryIncrementalV2(Common::ActionParameters& parameters);
   Common::ActionResponse RUDInventoryInitV2(Common::ActionParameters& parameters);
 
-  /// Not owned, and reported as refused, if another thread has the lock.
+  /// Not locked, and the request reported as refused, if another thread has the lock.
   std::unique_lock<std::mutex> TryRunLock(Common::ActionParameters& parameters);
-  /// The run that was accepted and not carried out yet; null if there is none.
+  /// The run that was accepted and has not begun; null if there is none.
   V2::RudInventory* TakeWaitingRun();
   /// Whether a total run has ended on this day of UTC.
   bool blockInventoryRUDV2();
-  /// False if the run is turned away. The caller holds the run lock.
+  /// False if the request is refused. The caller holds the run lock.
   bool StartRudInventoryV2(const bool& incremental, Common::ActionParameters& parameters);
   void ConfigureRUDV2(V2::RudInventory& run, const Common::KobConfigurationInfo& configuration);
   static void CompleteExtensionToScanV2(V2::RudInventory& run);
@@ -64,7 +64,7 @@ class InventoryActions final : public Common::ActionPerformerBase {
   std::mutex inventoryLock_;
   std::mutex runLock_;  ///< guards start and end of a file inventory, not its run
   std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if there is none
-  bool runWaits_ = false;                         ///< it is accepted and not carried out yet
+  bool runWaits_ = false;                         ///< it is accepted and has not begun
   std::vector<std::unique_ptr<Common::ActionPerformerBase>> children_;
   std::string agentIdentifier_;  ///< empty in a user's process
 };

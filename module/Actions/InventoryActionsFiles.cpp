@@ -11,6 +11,7 @@
 #include "common/files/FilePipeline.h"
 #include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "module/ActionCodes.h"
 #include "module/Actions/InventoryActions.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
@@ -21,6 +22,8 @@ namespace Norvik::KOB {
 
 namespace {
 
+using Common::ReportRefusal;
+using Common::RunKind;
 using Common::ScanRules;
 using Common::TaskResponseInfo;
 using Common::V2::DataBase;
@@ -31,8 +34,13 @@ using Names = std::set<std::string>;
 constexpr char FILES_INCREMENTAL[] = "incremental";
 constexpr char MAIN_TABLE[] = "RUD2_LAST_INVENTORY";
 constexpr char FILES_ALREADY_RUNNING[] = "RUD Inventory already running";
+constexpr char FILES_NOT_FINISHED[] = "RUD is running, kindly wait until it finishes";
+constexpr char NO_CONFIGURATION[] = "RUD doesn't have a valid configuration";
 constexpr char BLOCKED_TODAY[] =
     "RUD incremental inventory is blocked due RUD complet executed today";
+// Not in the log, where a scheduled total run that is blocked leaves nothing.
+constexpr char TOTAL_ENDED_TODAY[] =
+    "a total file inventory has already ended on this day (UTC), so the scheduled one does not run";
 
 void RecordScheduledRun(const char* key) {
   // Cut to the 32 bits that the table's numbers have.
@@ -42,6 +50,7 @@ void RecordScheduledRun(const char* key) {
 bool HasNoBase() {
   if (!DataBase::IsTableEmpty(MAIN_TABLE)) return false;
   NORVIK_WARNING("RUD2_LAST_INVENTORY table is empty, RUD Total will run instead");
+  Common::ReportTotalInstead(RunKind::FileInventory, "no file of a former file inventory is known");
   return true;
 }
 
@@ -61,6 +70,7 @@ Common::ActionResponse InventoryActions::OnRUDInventoryV2(Common::ActionParamete
   if (!lock) return {};
   if (blockInventoryRUDV2()) {
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_NOT_RUN, nullptr);
+    ReportRefusal(RunKind::FileInventory, TOTAL_ENDED_TODAY);
     return {};
   }
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
@@ -87,11 +97,12 @@ Common::ActionResponse InventoryActions::DoRUDInventoryIncrementalV2(
   if (blockInventoryRUDV2()) {
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, BLOCKED_TODAY);
     NORVIK_WARNING(BLOCKED_TODAY);
+    ReportRefusal(RunKind::FileInventory, BLOCKED_TODAY);
     return {};
   }
   SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_STARTED, nullptr);
   const bool incremental = !HasNoBase();
-  // Deliberately recorded also if the run is turned away: a schedule counts its firings.
+  // Deliberately recorded also if the run is refused: a schedule counts how often it fires.
   StartRudInventoryV2(incremental, parameters);
   RecordScheduledRun(incremental ? Common::LAST_INCREMENTAL_FILE_INVENTORY_KEY
                                  : Common::LAST_FILE_INVENTORY_KEY);
@@ -117,6 +128,8 @@ Common::ActionResponse InventoryActions::RUDInventoryInitV2(Common::ActionParame
     NORVIK_WARNING("No RUD Inventory waits to be carried out");
     return {};
   }
+  const Common::RunScope progress(RunKind::FileInventory);
+  progress.DecideKind(incremental);
   run->StartHarvester(incremental);
   // The run has destroyed itself.
   if (!incremental) KOBDataSourceV2::updateRudCompletoLastInventory(system_clock::now());
@@ -130,6 +143,7 @@ std::unique_lock<std::mutex> InventoryActions::TryRunLock(Common::ActionParamete
   std::unique_lock<std::mutex> lock(runLock_, std::try_to_lock);
   if (!lock) {
     NORVIK_WARNING(FILES_ALREADY_RUNNING);
+    ReportRefusal(RunKind::FileInventory, FILES_ALREADY_RUNNING);
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FAILED, FILES_ALREADY_RUNNING);
   }
   return lock;
@@ -156,12 +170,14 @@ bool InventoryActions::blockInventoryRUDV2() {
 bool InventoryActions::StartRudInventoryV2(const bool& incremental,
                                            Common::ActionParameters& parameters) {
   if (currentRun_) {
-    NORVIK_WARNING("RUD is running, kindly wait until it finishes");
+    NORVIK_WARNING(FILES_NOT_FINISHED);
+    ReportRefusal(RunKind::FileInventory, FILES_NOT_FINISHED);
     return false;
   }
   const auto configuration = configuration_.Kob();
   if (!configuration) {
-    NORVIK_WARNING("RUD doesn't have a valid configuration");
+    NORVIK_WARNING(NO_CONFIGURATION);
+    ReportRefusal(RunKind::FileInventory, NO_CONFIGURATION);
     return false;
   }
   NORVIK_INFORMATION(boost::format("RUD Inventory Started: %1%") % incremental);
@@ -170,7 +186,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
       agentIdentifier_);
   ConfigureRUDV2(*run, *configuration);
   parameters.Set(FILES_INCREMENTAL, incremental);
-  // Not before it is configured: a run that is left behind would turn away all others.
+  // Not before it is configured: a run that is left behind would block all others.
   currentRun_ = std::move(run);
   runWaits_ = true;
   RunOneShotAction(ACTION_FILE_INVENTORY_INIT, std::chrono::seconds(0), &parameters);
@@ -215,10 +231,11 @@ void InventoryActions::OnRUDInventoryFinishV2(const boost::filesystem::path& res
     NORVIK_ERROR("There was an error in RUD Inventory");
   } else if (result.empty()) {
     NORVIK_WARNING("RUD File empty. With nothing to send.");
+    Common::ReportNothingToSend();
   } else {
     SendRUDInventoryFileV2(result);
   }
-  // This is called from inside the run, which looks at none of its members any more.
+  // Called from inside the run, which uses none of its members any more.
   currentRun_.reset();
   NORVIK_INFORMATION("RUD Inventory Finished");
 }

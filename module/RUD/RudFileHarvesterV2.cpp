@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "common/text/Text.h"
 #include "module/ElapsedTime.h"
 
@@ -30,6 +31,7 @@ std::string ParentPathOf(const std::string& folder) {
 /// The walk below one root. Texts are reused from entry to entry, which saves allocations.
 struct FileHarvester::Walk {
   Platform::DirectoryReader reader;
+  Common::SeenCounts& seen = Common::SeenByThisRun();
   std::vector<std::string> waiting;  ///< folders, the next one last
   RudFileInfo file;
   std::string prefix;        ///< the open folder, with a slash at its end
@@ -97,6 +99,7 @@ void FileHarvester::ScanRoot(const std::string& root) {
       NORVIK_DETAIL(boost::format("Cannot open directory %1%: %2%") % folder % error.what());
       continue;
     }
+    Common::CountOne(walk.seen.folders);
     walk.prefix = ScanRules::PrefixOf(folder);
     walk.parent = ParentPathOf(folder);
     walk.pathId = 0;
@@ -157,6 +160,7 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
 
 void FileHarvester::KeepFile(Walk& walk, const ScanRules::Extension& extension,
                              const Metadata& metadata) {
+  Common::CountOne(walk.seen.files);
   RudFileInfo& file = walk.file;
   file.absolutePath.assign(walk.prefix).append(walk.name);
   file.fileName = GetFileName(walk.name);

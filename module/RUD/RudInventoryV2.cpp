@@ -5,6 +5,7 @@
 
 #include "common/files/ScanRules.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "module/RUD/RudPrinterV2.h"
 
@@ -12,10 +13,18 @@ namespace Norvik::KOB::V2 {
 
 namespace {
 
-void Enter(RudStatus status, TimePointStatus point) {
-  using std::chrono::system_clock;
-  RudDataSource::SetStatus(status, system_clock::to_time_t(system_clock::now()), point);
-}
+/// What a run is doing, in the store and for those who follow it.
+class State {
+ public:
+  void Enter(RudStatus status, TimePointStatus point) {
+    using std::chrono::system_clock;
+    RudDataSource::SetStatus(status, system_clock::to_time_t(system_clock::now()), point);
+    phases_.Enter(status);
+  }
+
+ private:
+  Common::PhasesScope phases_;
+};
 
 }  // namespace
 
@@ -53,23 +62,24 @@ bool RudInventory::SaveLast() {
 
 void RudInventory::StartHarvester(const bool& incremental) {
   NORVIK_SCOPE();
-  Enter(RudStatusScanning, DateBegin);
+  State state;
+  state.Enter(RudStatusScanning, DateBegin);
   harvester_.SetConfigScan(config_);
   harvester_.Harvester();
-  Enter(RudStatusSaving, DateModified);
+  state.Enter(RudStatusSaving, DateModified);
   if (!(incremental ? SaveForComparison() : SaveLast())) {
-    Enter(RudStatusFinished, DateEnd);
+    state.Enter(RudStatusFinished, DateEnd);
     onFinishInventory({});
     return;
   }
-  Enter(RudStatusPrinting, DateModified);
+  state.Enter(RudStatusPrinting, DateModified);
   const Path result = RudPrinter::GenerateJSON(guid_, incremental);
   if (incremental) {
     // After the document is made, because that compares the scan with the main tables.
-    Enter(RudStatusSaving, DateModified);
+    state.Enter(RudStatusSaving, DateModified);
     SaveLast();
   }
-  Enter(RudStatusFinished, DateEnd);
+  state.Enter(RudStatusFinished, DateEnd);
   finished_ = true;
   onFinishInventory(result);
 }

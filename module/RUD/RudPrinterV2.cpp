@@ -12,6 +12,7 @@
 #include "common/files/Paths.h"
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "json/Escape.h"
 #include "json/JSON.h"
 #include "module/ElapsedTime.h"
@@ -202,7 +203,7 @@ void SaveFile(const std::string& text, const fs::path& file) {
   fs::ofstream stream(file, std::ios::binary | std::ios::trunc);
   stream << text;
   stream.close();
-  if (stream) return;
+  if (stream) return Common::ReportDocument({Common::DocumentStep::WRITE, true, {}, file, {}});
   NORVIK_ERROR(boost::format("Unable to write %1%") % file.string());
   boost::system::error_code ignored;
   fs::remove(file, ignored);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <boost/algorithm/string/split.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <optional>
 #include <set>
@@ -10,6 +11,7 @@
 #include "common/text/Text.h"
 #include "support/Cases.h"
 #include "support/FakeHost.h"
+#include "support/ProgressRecorder.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -118,6 +120,41 @@ TEST_F(KobInventoryTest, TheSectionsAreAskedForInTheirOrderAndFirstThoseThatOthe
             "registered section, physical disk section, processor section, ");
 }
 
+TEST_F(KobInventoryTest, EachSectionIsReportedByItsKeysInTheDocumentWhereItIsRetrieved) {
+  const ProgressRecording progress;
+  Generate(false);
+  std::set<std::string> reported;
+  const auto texts = progress->All();
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (texts[i][0] != '+') continue;
+    EXPECT_EQ(texts.at(i + 1), "-" + texts[i].substr(1));
+    std::vector<std::string> keys;
+    boost::split(
+        keys, texts[i].substr(2), [](char c) { return c == ',' || c == ' '; },
+        boost::token_compress_on);
+    reported.insert(keys.begin(), keys.end());
+  }
+  std::set<std::string> keys;
+  for (const auto& section : Json::parse(ContentOf(PreviousDocument())).items()) {
+    keys.insert(section.key());
+  }
+  EXPECT_EQ(reported, keys);
+  // Both retrievals whose facts go to more than one place, and one that has a place of its own.
+  EXPECT_THAT(texts, IsSupersetOf({"+ setup, portConnectors", "+ memory, memorySlot",
+                                   "+ group, user", "+ unitMappings"}));
+}
+
+TEST_F(KobInventoryTest, AFailureInTheMiddleOfASectionEndsItsProgress) {
+  const ProgressRecording progress;
+  const Platform::RecordedMachine machine(NORVIK_SOURCE_DIR "/tests/machines/nonsense-firmware");
+  Generate(false);
+  ASSERT_EQ(Complaints().size(), 1u);
+  EXPECT_THAT(Complaints()[0], HasSubstr("Unable to generate kob inventory: "));
+  const auto texts = progress->All();
+  EXPECT_EQ(texts.at(texts.size() - 2), "+ bios");
+  EXPECT_EQ(texts.back(), "- bios");
+}
+
 TEST_F(KobInventoryTest, TheFamilyDecidesTheTypeWhateverItsLetterCaseAndWithoutAReaderOfFirmware) {
   host.identification->smBios.reset();
   const std::pair<const char*, int> cases[] = {
@@ -165,6 +202,20 @@ struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
       WriteFile(place, content.get<Bytes>());
     }
   }
+  /// A fallback is reported with the line of the log that says why.
+  void ExpectReason(const Json& row, const std::vector<std::string>& reported) const {
+    std::vector<std::string> reasons;
+    for (const auto& text : reported) {
+      if (text.rfind("total instead: ", 0) == 0) reasons.push_back(text.substr(15));
+    }
+    std::vector<std::string> wanted;
+    if (row.value("fallsBack", false)) {
+      const auto complaints = Complaints();
+      wanted = {complaints.empty() ? row["logs"][0].get<std::string>().substr(2)
+                                   : complaints.back()};
+    }
+    EXPECT_EQ(reasons, wanted);
+  }
   void ExpectDocuments(const Json& row) const {
     fs::remove(Place("waiting"));
     const std::string previous = ContentOf(PreviousDocument());
@@ -192,7 +243,10 @@ TEST_P(InventoryRuns, SendWhatTheyCanAndSayWhatTheyCannot) {
   for (const auto& [place, content] : PartOf(row, "files").items()) Put(Place(place), content);
   host.pipeline->calls.clear();
   host.pipeline->failingStep = row.value("failing", "");
+  const ProgressRecording progress;
   Generate(row.value("incremental", false));
+  const auto reported = progress->All();
+  ExpectReason(row, reported);
   std::vector<Matcher<std::string>> complaints;
   for (const std::string text : PartOf(row, "complaints")) complaints.push_back(HasSubstr(text));
   EXPECT_THAT(Complaints(), ElementsAreArray(complaints));

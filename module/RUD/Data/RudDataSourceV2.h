@@ -1,18 +1,17 @@
 #pragma once
 
 #include "common/database/DataBase.h"
+#include "common/inventory/RudStatus.h"
 #include "module/RUD/Data/RudBufferV2.h"
 
 namespace Norvik::KOB::V2 {
 
-/// State of a file inventory.
-enum RudStatus : int {
-  RudStatusNone = 1,      ///< no run has been recorded
-  RudStatusFinished = 2,  ///< the last run has ended, with or without success
-  RudStatusScanning = 3,  ///< the folders are being walked
-  RudStatusSaving = 4,    ///< results are being written to the store
-  RudStatusPrinting = 5,  ///< the document is being made
-};
+using Common::RudStatus;
+using Common::RudStatusFinished;
+using Common::RudStatusNone;
+using Common::RudStatusPrinting;
+using Common::RudStatusSaving;
+using Common::RudStatusScanning;
 
 /// Which of a run's times a transition records.
 enum TimePointStatus : int { DateBegin = 0, DateModified = 1, DateEnd = 2 };

@@ -10,6 +10,7 @@
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
 #include "support/Files.h"
+#include "support/ProgressRecorder.h"
 #include "support/Surroundings.h"
 
 namespace Norvik::KOB {
@@ -109,6 +110,7 @@ class Story {
   /// All that comes of a step, part by part.
   Json Take(const Json& step) {
     const std::size_t logged = host_.log.Lines().size();
+    progress_->Take();
     Json told = Json::object();
     try {
       Run(step);
@@ -127,6 +129,7 @@ class Story {
     told["drives"] = TestDatabase::Run("select 1 from KOB_NETWORK_DRIVES").size();
     told["delivered"] = TakeDelivered();
     told["left"] = NamesIn(host_.Work()).size();
+    if (step.contains("progress")) told["progress"] = Progress();
     told["log"] = LogSince(logged, step.value("log", TextList()), step.value("wholeLog", 0));
     return told;
   }
@@ -294,6 +297,14 @@ class Story {
     return files;
   }
 
+  /// All but the sections.
+  TextList Progress() const {
+    TextList texts = progress_->All();
+    const auto isSection = [](const std::string& text) { return text[0] == '+' || text[0] == '-'; };
+    texts.erase(std::remove_if(texts.begin(), texts.end(), isSection), texts.end());
+    return texts;
+  }
+
   /// The wanted lines, as far as there are such in their order, and all others of these levels.
   TextList LogSince(std::size_t first, const TextList& wanted, int levels) const {
     TextList told;
@@ -312,6 +323,7 @@ class Story {
 
   const std::time_t begun_ = std::time(nullptr);
   const TemporaryFolder tree_;
+  const ProgressRecording progress_;
   FakeHost host_;
   std::optional<ModuleUnderTest> module_;
   Fault fault_;
@@ -337,6 +349,7 @@ TEST_P(Stories, GoAsTheyAreTold) {
     story.Set(row);
     Json wanted = Resolved(PartOf(step, "comes"), entry);
     if (step.contains("log")) wanted["log"] = step["log"];
+    if (step.contains("progress")) wanted["progress"] = Resolved(step["progress"], entry);
     for (int left = step.value("times", 1); left > 0; --left) {
       EXPECT_EQ(Sorted(story.Take(step)), Sorted(wanted)) << Shown(row) << left;
     }

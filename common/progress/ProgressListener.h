@@ -1,0 +1,117 @@
+#pragma once
+
+#include <atomic>
+#include <boost/filesystem/path.hpp>
+#include <boost/optional.hpp>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/Api.h"
+#include "common/action/TaskResponseInfo.h"
+#include "common/inventory/RudStatus.h"
+
+namespace Norvik::Common {
+
+/// What a file inventory has seen so far. Only the thread of the run counts; any thread may read.
+struct SeenCounts {
+  std::atomic<std::uint64_t> folders{0};  ///< opened
+  std::atomic<std::uint64_t> files{0};    ///< kept
+};
+
+enum class RunKind { MachineInventory, FileInventory };
+
+/// One run of an inventory.
+struct RunInfo {
+  /// Counts the runs of this process from 1. 0 is work outside of a run: the host's own gathering
+  /// when the module is loaded, or a request that has not become a run.
+  std::uint64_t id = 0;
+  RunKind kind = RunKind::MachineInventory;
+  std::shared_ptr<const SeenCounts> seen;  ///< null outside of a run
+};
+
+/// Keys of the document's sections that one retrieval fills: {"setup", "portConnectors"}.
+using SectionKeys = std::vector<std::string>;
+
+/// A step of a document towards the outbox.
+struct DocumentStep {
+  enum Kind { WRITE, COPY, COMPRESS, ENCRYPT, MOVE };
+
+  Kind kind;
+  bool done;
+  boost::filesystem::path source;  ///< empty for WRITE
+  boost::filesystem::path target;
+  boost::optional<bool> incremental;  ///< of MOVE, as the pipeline was given it
+};
+
+/// Follows what the process does. Each operation does nothing unless it is overridden.
+///
+/// The operations are called on the thread that does the work, which waits for their return, so
+/// they must be quick; those of several threads come at the same time. What one throws does not
+/// reach the work: the first exception of a listener is logged at level 3, later ones are dropped.
+///
+/// Whatever begins also ends, in reverse order on its thread, even if an exception ends it.
+/// Arguments are valid during the call.
+class NORVIK_COMMON_API IProgressListener {
+ public:
+  using Duration = std::chrono::steady_clock::duration;
+
+  virtual ~IProgressListener();
+
+  virtual void RunBegun(const RunInfo& /*run*/) {}
+  virtual void RunEnded(const RunInfo& /*run*/) {}
+  /// Incremental or total. Comes once in a run.
+  virtual void KindDecided(const RunInfo& /*run*/, bool /*incremental*/) {}
+  /// A total inventory takes the place of an incremental one.
+  /// @param run outside of a run if this was decided before it began
+  virtual void TotalInstead(const RunInfo& /*run*/, const std::string& /*reason*/) {}
+  /// A request was refused and becomes no run.
+  virtual void RequestRefused(RunKind /*kind*/, const std::string& /*reason*/) {}
+  /// The run has made no document, since there is nothing to report.
+  virtual void NothingToSend(const RunInfo& /*run*/) {}
+
+  // Sections of a machine inventory. One key may come more than once: facts that are gathered
+  // before the inventory asks for them, or used again in it.
+  virtual void SectionBegun(const RunInfo& /*run*/, const SectionKeys& /*keys*/) {}
+  virtual void SectionEnded(const RunInfo& /*run*/, const SectionKeys& /*keys*/,
+                            Duration /*taken*/) {}
+
+  // Phases of a file inventory: scanning, saving and printing, one after the other.
+  virtual void PhaseBegun(const RunInfo& /*run*/, RudStatus /*phase*/) {}
+  virtual void PhaseEnded(const RunInfo& /*run*/, RudStatus /*phase*/, Duration /*taken*/) {}
+
+  /// A step has worked or failed. A WRITE comes only if it worked.
+  virtual void DocumentStepDone(const RunInfo& /*run*/, const DocumentStep& /*step*/) {}
+
+  /// A task has reported its state.
+  virtual void TaskReported(const TaskResponseInfo& /*status*/) {}
+
+ protected:
+  IProgressListener() = default;
+  IProgressListener(const IProgressListener&) = default;
+  IProgressListener& operator=(const IProgressListener&) = default;
+};
+
+/// The process's listener; null at first. A call that has begun ends on the listener with which it
+/// began, also if another one is set meanwhile.
+NORVIK_COMMON_API std::shared_ptr<IProgressListener> GetProgressListener();
+NORVIK_COMMON_API void SetProgressListener(std::shared_ptr<IProgressListener> listener);
+
+/// Sets a listener for a scope.
+class ProgressListenerScope {
+ public:
+  explicit ProgressListenerScope(std::shared_ptr<IProgressListener> listener)
+      : previous_(GetProgressListener()) {
+    SetProgressListener(std::move(listener));
+  }
+  ProgressListenerScope(const ProgressListenerScope&) = delete;
+  ProgressListenerScope& operator=(const ProgressListenerScope&) = delete;
+  ~ProgressListenerScope() { SetProgressListener(std::move(previous_)); }
+
+ private:
+  std::shared_ptr<IProgressListener> previous_;
+};
+
+}  // namespace Norvik::Common
