@@ -9,6 +9,7 @@
 
 #include "common/identification/HostInfoProvider.h"
 #include "common/text/Text.h"
+#include "platform/RecordedMachine.h"
 #include "support/Cases.h"
 #include "support/FakeHost.h"
 #include "support/ProgressRecorder.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <boost/optional.hpp>
+#include <boost/optional/optional_io.hpp>
 #include <stdexcept>
 #include <thread>
 
