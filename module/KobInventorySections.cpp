@@ -215,7 +215,7 @@ std::vector<Common::SoftwareRegisteredInfo> KobInventory::GetSoftwareRegisteredI
   NORVIK_SCOPE();
   const SectionScope progress(KeysOf(&Of::software));
   NORVIK_DETAIL("Retrieving software registered section");
-  // Made for what its making does: it fills in the defaults of the module's store.
+  // Only its constructor is needed: it sets the defaults of the module's store.
   const KOBDataSource store(dataBase_);
   std::vector<Common::SoftwareRegisteredInfo> result;
   result.reserve(EXPECTED_SOFTWARE);

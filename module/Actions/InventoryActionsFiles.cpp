@@ -186,7 +186,7 @@ bool InventoryActions::StartRudInventoryV2(const bool& incremental,
       agentIdentifier_);
   ConfigureRUDV2(*run, *configuration);
   parameters.Set(FILES_INCREMENTAL, incremental);
-  // Not before it is configured: a run that is left behind would block all others.
+  // Only once it is configured: a run that stays here without starting would block all others.
   currentRun_ = std::move(run);
   runWaits_ = true;
   RunOneShotAction(ACTION_FILE_INVENTORY_INIT, std::chrono::seconds(0), &parameters);
