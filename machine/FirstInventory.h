@@ -11,8 +11,9 @@ namespace Norvik::Machine {
 /// it. Never null.
 std::shared_ptr<Common::SmBios> ReadSmBios();
 
-/// Facts of the machine. What cannot be found or read is left empty. Holds only what stays the same
-/// while nobody changes the machine, so that two inventories of it are equal.
+/// Facts of the machine, each reported to the progress listener as the sections of the document
+/// that it fills. What cannot be found or read is left empty. Holds only what stays the same while
+/// nobody changes the machine, so that two inventories of it are equal.
 Common::FirstInventoryInfo GatherFirstInventory(const Common::SmBios& smBios);
 
 }  // namespace Norvik::Machine

@@ -22,13 +22,14 @@ using namespace Common;
 
 ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
   ActionOutcome outcome;
-  const StatusRecorder recorder(host.GetCommunications());
+  const auto recorder = std::make_shared<StatusRecorder>();
+  const ProgressListenerScope listening(recorder);
   try {
     outcome.response = host.Run(code, parameters);
   } catch (const std::exception& error) {
     outcome.failure = *error.what() ? ReasonOf(error) : "the action raised an exception";
   }
-  outcome.statuses = recorder.Statuses();
+  outcome.statuses = recorder->Statuses();
   return outcome;
 }
 

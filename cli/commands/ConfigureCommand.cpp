@@ -60,12 +60,13 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
   WriteTextFile(stored, given.text);
 
-  const StatusRecorder recorder(host.GetCommunications());
+  const auto recorder = std::make_shared<StatusRecorder>();
+  const ProgressListenerScope listening(recorder);
   ActionParameters parameters;
   parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
   host.Run(COMMON_ACTION_NEW_CONFIGURATION, parameters);
 
-  const auto statuses = recorder.Statuses();
+  const auto statuses = recorder->Statuses();
   std::string text = "configuration of profile " + std::to_string(configuration.profileId) +
                      " is stored in " + stored.string() + " and applied\n";
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";

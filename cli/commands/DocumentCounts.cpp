@@ -13,7 +13,7 @@ using Json = nlohmann::json;
 /// Counts while the parser walks: depth 1 is the document's object, depth 2 a section's value.
 class Counter : public nlohmann::json_sax<Json> {
  public:
-  std::map<std::string, std::size_t> counts;
+  std::map<std::string, SectionCount> counts;
 
   bool null() override { return Value(0); }
   bool boolean(bool /*value*/) override { return Value(1); }
@@ -27,7 +27,7 @@ class Counter : public nlohmann::json_sax<Json> {
   bool key(string_t& name) override {
     if (depth_ == 1) {
       section_ = name;
-      counts[section_] = 0;
+      counts[section_] = {};
     }
     return true;
   }
@@ -39,7 +39,7 @@ class Counter : public nlohmann::json_sax<Json> {
   bool end_object() override { return Leave(); }
   bool start_array(std::size_t /*elements*/) override {
     if (depth_ == 0) return false;
-    inList_ = inList_ || depth_ == 1;
+    if (depth_ == 1) inList_ = counts[section_].isList = true;
     if (depth_ == 2 && inList_) Value(1);
     ++depth_;
     return true;
@@ -56,7 +56,7 @@ class Counter : public nlohmann::json_sax<Json> {
  private:
   bool Value(std::size_t records) {
     const std::size_t depth = inList_ ? 2 : 1;
-    if (depth_ == depth) counts[section_] += records;
+    if (depth_ == depth) counts[section_].records += records;
     return depth_ > 0;
   }
   bool Leave() {
@@ -71,7 +71,7 @@ class Counter : public nlohmann::json_sax<Json> {
 
 }  // namespace
 
-std::map<std::string, std::size_t> CountRecords(std::istream& document) {
+std::map<std::string, SectionCount> CountRecords(std::istream& document) {
   Counter counter;
   Common::MaskedDocument masked(document);
   std::istream stream(&masked);

@@ -1,9 +1,9 @@
 #include "cli/commands/FileInventoryState.h"
 
-#include <iterator>
 #include <vector>
 
 #include "common/database/DataBase.h"
+#include "common/inventory/RudStatus.h"
 
 namespace Norvik::Cli {
 
@@ -14,16 +14,7 @@ namespace {
 using Common::V2::DataBase;
 using std::chrono::system_clock;
 
-// By their numbers in the table.
-constexpr const char* STATES[] = {"unknown", "none", "finished", "scanning", "saving", "printing"};
-constexpr int FINISHED = 2;
-
 constexpr char STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
-
-const char* StateName(int state) {
-  const bool isKnown = state > 0 && static_cast<std::size_t>(state) < std::size(STATES);
-  return STATES[isKnown ? state : 0];
-}
 
 /// Null for a time that no run has written yet.
 OrderedJson TimeOf(int seconds) {
@@ -47,10 +38,12 @@ OrderedJson ReadFileInventoryState() {
       numbers(std::string("select id_state_harverting, date_begin, date_modified, date_end from ") +
               STATUS_TABLE);
   if (run.empty()) return nullptr;
-  return {
-      {"state", run[0]},         {"stateName", StateName(run[0])},
-      {"begin", TimeOf(run[1])}, {"modified", TimeOf(run[2])},
-      {"end", TimeOf(run[3])},   {"files", numbers("select count(*) from RUD2_LAST_INVENTORY")[0]}};
+  return {{"state", run[0]},
+          {"stateName", Common::NameOf(static_cast<Common::RudStatus>(run[0]))},
+          {"begin", TimeOf(run[1])},
+          {"modified", TimeOf(run[2])},
+          {"end", TimeOf(run[3])},
+          {"files", numbers("select count(*) from RUD2_LAST_INVENTORY")[0]}};
 }
 
 std::string FileInventoryLine(const OrderedJson& state) {
@@ -59,7 +52,7 @@ std::string FileInventoryLine(const OrderedJson& state) {
     return state[key].is_null() ? std::string("never") : state[key]["time"].get<std::string>();
   };
   // The end of a run under way would be that of the run before it.
-  const bool hasEnded = state["state"] == FINISHED;
+  const bool hasEnded = state["state"] == static_cast<int>(Common::RudStatusFinished);
   return "file inventory: " + state["stateName"].get<std::string>() + ", begun " + timeOf("begin") +
          (hasEnded ? ", ended " + timeOf("end") : "") + ", " + state["files"].dump() + " files\n";
 }

@@ -6,8 +6,8 @@
 
 namespace Norvik::Cli {
 
-/// How the file inventory stands, as the agent database tells it; null if no run was recorded.
-/// Reads the database that this process has open, and changes nothing.
+/// The state of the file inventory in the agent database; null if no run was recorded. Reads the
+/// database that this process has open, and changes nothing.
 OrderedJson ReadFileInventoryState();
 
 /// The same for people, on a line of its own.

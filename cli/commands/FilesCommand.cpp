@@ -4,12 +4,11 @@
 
 #include "cli/commands/Commands.h"
 #include "cli/commands/FilesProgress.h"
+#include "cli/commands/FilesRecorder.h"
 #include "cli/commands/FilesReport.h"
-#include "cli/commands/StatusRecorder.h"
 #include "common/action/ActionCodes.h"
 #include "common/text/Text.h"
 #include "host/assembly/ModuleActionCodes.h"
-#include "platform/DirectoryReader.h"
 
 namespace Norvik::Cli {
 
@@ -18,7 +17,6 @@ using namespace Host;
 namespace {
 
 using namespace Common;
-using Platform::DirectoryReader;
 using std::chrono::steady_clock;
 
 unsigned int CodeFor(const CommandLine& line) {
@@ -29,66 +27,44 @@ unsigned int CodeFor(const CommandLine& line) {
                           : ACTION_FILE_INVENTORY_ON_DEMAND;
 }
 
-/// Why the module turned the request away.
-std::string RefusalOf(const FilesReport& report, const FilesWatch& watch) {
-  for (const auto& status : report.statuses) {
-    if (status.status == TaskResponseInfo::TASK_NOT_RUN) {
-      return "a total file inventory has already ended on this day (UTC), so the scheduled one "
-             "does not run";
-    }
-    if (status.status == TaskResponseInfo::TASK_FAILED) return status.message;
-  }
-  return watch.LastWarning();
-}
-
-FilesReport Take(AgentHost& host, const CommandLine& line, const FilesWatch& watch) {
-  FilesReport report;
-  report.requestedIncremental = line.incremental;
-  const PipelineWatch pipeline([&](const auto& document) { report.counts = CountFiles(document); });
-  const StatusRecorder recorder(host.GetCommunications());
-  const auto before = DirectoryReader::Counts().folders;
+FilesReport Take(AgentHost& host, const CommandLine& line, const FilesRecorder& recorder) {
   const auto start = steady_clock::now();
   try {
-    // Waits also for the action that carries the inventory out.
+    // Waits also for the action that performs the inventory.
     host.Run(CodeFor(line), {});
-  } catch (const std::exception& error) {
-    report.problems.push_back(error.what());
+  } catch (const std::exception&) {
+    // The host has logged it, and so it is among the problems.
   }
-  report.seconds = std::chrono::duration<double>(steady_clock::now() - start).count();
-  report.folders = DirectoryReader::Counts().folders - before;
-  report.kind = watch.Kind();
-  if (watch.HadNoBase()) report.fallbackReason = "no file of a former file inventory is known";
-  report.nothingToSend = watch.NothingToSend();
-  report.phases = watch.Seconds();
-  report.steps = pipeline.Steps();
-  report.statuses = recorder.Statuses();
-  return report;
-}
-
-void CollectProblems(const FilesWatch& watch, FilesReport& report) {
-  // What the handler raised is logged too.
-  const auto logged = watch.Problems();
-  if (!logged.empty()) report.problems = logged;
-  if (report.Succeeded() || !report.problems.empty()) return;
-  const std::string refusal = report.kind.empty() ? RefusalOf(report, watch) : "";
+  const std::chrono::duration<double> taken = steady_clock::now() - start;
+  FilesReport report;
+  static_cast<RunResult&>(report) = recorder.Result();
+  report.requestedIncremental = line.incremental;
+  report.seconds = taken.count();
+  report.counts = recorder.Counts();
+  report.folders = recorder.Folders();
+  report.phases = recorder.Phases();
+  if (report.Succeeded() || !report.problems.empty()) return report;
+  const std::string& refusal = report.refusal;
   report.problems.push_back(refusal.empty() ? "no document reached the outbox" : refusal);
+  return report;
 }
 
 }  // namespace
 
 int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   std::unique_ptr<FilesProgress> progress;
-  FilesWatch watch([&](FilesPhase phase) {
-    if (progress) progress->Enter(phase);
-  });
+  const auto recorder =
+      std::make_shared<FilesRecorder>([&](RudStatus phase, const FilesRecorder::Seen& seen) {
+        if (progress) progress->Enter(phase, seen);
+      });
+  const ProgressListenerScope listening(recorder);
   AgentOptions options = line.agent;
-  options.logListener = [&watch](const LogLine& logged) { watch.See(logged); };
+  options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
   AgentHost host(options);
 
   if (!line.json) progress = std::make_unique<FilesProgress>(output);
-  FilesReport report = Take(host, line, watch);
+  const FilesReport report = Take(host, line, *recorder);
   progress.reset();
-  CollectProblems(watch, report);
   if (line.json) {
     output << report.ToJsonText();
   } else if (!report.kind.empty()) {

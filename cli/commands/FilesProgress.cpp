@@ -1,11 +1,13 @@
 #include "cli/commands/FilesProgress.h"
 
 #include <ostream>
+#include <utility>
 
 namespace Norvik::Cli {
 
 using namespace Host;
 
+using namespace Common;
 using std::chrono::steady_clock;
 
 namespace {
@@ -25,13 +27,11 @@ FilesProgress::~FilesProgress() {
   thread_.join();
 }
 
-void FilesProgress::Enter(FilesPhase phase) {
+void FilesProgress::Enter(RudStatus phase, std::shared_ptr<const SeenCounts> seen) {
   const std::lock_guard<std::mutex> lock(mutex_);
   phase_ = phase;
-  if (phase == FilesPhase::Scanning) {
-    scanSince_ = steady_clock::now();
-    before_ = Platform::DirectoryReader::Counts();
-  }
+  seen_ = std::move(seen);
+  if (phase == RudStatusScanning) scanSince_ = steady_clock::now();
   WriteLineIfDue();
 }
 
@@ -43,14 +43,12 @@ void FilesProgress::Work() {
 /// With `mutex_` held.
 void FilesProgress::WriteLineIfDue() {
   const auto time = steady_clock::now();
-  if (!phase_ || phase_ == FilesPhase::Ended || time - lastLine_ < BETWEEN_LINES) return;
+  if (phase_ == RudStatusFinished || time - lastLine_ < BETWEEN_LINES) return;
   lastLine_ = time;
-  const Platform::ReadCounts now = Platform::DirectoryReader::Counts();
-  const std::uint64_t files = now.questions - before_.questions;
-  output_ << NameOf(*phase_) << ": " << now.folders - before_.folders << " folders, " << files
-          << " files";
+  const std::uint64_t files = seen_->files;
+  output_ << NameOf(phase_) << ": " << seen_->folders << " folders, " << files << " files";
   const std::chrono::duration<double> taken = time - scanSince_;
-  if (phase_ == FilesPhase::Scanning && files > 0) {
+  if (phase_ == RudStatusScanning && files > 0) {
     output_ << ", " << static_cast<std::uint64_t>(static_cast<double>(files) / taken.count())
             << " files/s";
   }

@@ -1,19 +1,18 @@
 #pragma once
 
-#include <boost/optional.hpp>
 #include <chrono>
 #include <condition_variable>
 #include <iosfwd>
+#include <memory>
 #include <mutex>
 #include <thread>
 
-#include "cli/commands/FilesWatch.h"
-#include "platform/DirectoryReader.h"
+#include "common/progress/ProgressListener.h"
 
 namespace Norvik::Cli {
 
-/// Writes how far a file inventory has come, a line at the start and at most one a second, while it
-/// lives. Nobody else may write to the output until then.
+/// Writes how far a file inventory is, a line at the start and at most one a second, until it is
+/// destroyed. Nothing else may write to the output until then.
 class FilesProgress {
  public:
   explicit FilesProgress(std::ostream& output);
@@ -21,8 +20,8 @@ class FilesProgress {
   FilesProgress& operator=(const FilesProgress&) = delete;
   ~FilesProgress();
 
-  /// From any thread.
-  void Enter(FilesPhase phase);
+  /// From any thread. `RudStatusFinished`: no phase, and so no lines.
+  void Enter(Common::RudStatus phase, std::shared_ptr<const Common::SeenCounts> seen);
 
  private:
   void Work();
@@ -32,11 +31,11 @@ class FilesProgress {
   std::mutex mutex_;
   std::condition_variable changed_;
   bool stopped_ = false;
-  boost::optional<FilesPhase> phase_;
+  Common::RudStatus phase_ = Common::RudStatusFinished;
+  std::shared_ptr<const Common::SeenCounts> seen_;  ///< not null during a phase
   std::chrono::steady_clock::time_point lastLine_;
   std::chrono::steady_clock::time_point scanSince_;
-  Platform::ReadCounts before_;  ///< what was read before the scan
-  std::thread thread_;           ///< last, as it works with all the others
+  std::thread thread_;  ///< last, as it works with all the others
 };
 
 }  // namespace Norvik::Cli

@@ -1,8 +1,5 @@
 #include "cli/commands/FilesReport.h"
 
-#include <algorithm>
-#include <boost/filesystem/operations.hpp>
-
 #include "cli/commands/Rendering.h"
 
 namespace Norvik::Cli {
@@ -32,28 +29,15 @@ OrderedJson CountsJson(const FilesReport& report) {
 
 }  // namespace
 
-boost::filesystem::path FilesReport::File() const {
-  for (const auto& step : steps) {
-    if (step.kind == PipelineStep::MOVE && step.done) return step.target;
-  }
-  return {};
-}
-
-std::uintmax_t FilesReport::Bytes() const {
-  boost::system::error_code absent;
-  const std::uintmax_t size = boost::filesystem::file_size(File(), absent);
-  return absent ? 0 : size;
-}
-
 bool FilesReport::Succeeded() const {
-  const bool allDone =
-      std::all_of(steps.begin(), steps.end(), [](const PipelineStep& step) { return step.done; });
-  return !kind.empty() && problems.empty() && allDone && (nothingToSend || Bytes() > 0);
+  return !kind.empty() && problems.empty() && AllStepsDone() && (nothingToSend || Bytes() > 0);
 }
 
 std::string FilesReport::ToText() const {
   std::vector<std::vector<OrderedJson>> rows = {{"phase", "time"}};
-  for (const auto& [phase, taken] : phases) rows.push_back({NameOf(phase), SecondsText(taken)});
+  for (const auto& [phase, taken] : phases) {
+    rows.push_back({Common::NameOf(phase), SecondsText(taken)});
+  }
   std::string text = TableText(rows) + CountsText(*this);
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
   if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
@@ -68,7 +52,7 @@ std::string FilesReport::ToText() const {
 std::string FilesReport::ToJsonText() const {
   OrderedJson phaseList = OrderedJson::array();
   for (const auto& [phase, taken] : phases) {
-    phaseList.push_back({{"name", NameOf(phase)}, {"seconds", taken}});
+    phaseList.push_back({{"name", Common::NameOf(phase)}, {"seconds", taken}});
   }
   return JsonLine({{"success", Succeeded()},
                    {"requested", requestedIncremental ? "incremental" : "total"},

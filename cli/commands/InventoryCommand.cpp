@@ -1,14 +1,11 @@
 #include <chrono>
 #include <fstream>
+#include <memory>
 #include <ostream>
 
 #include "cli/commands/Commands.h"
-#include "cli/commands/DocumentCounts.h"
+#include "cli/commands/InventoryRecorder.h"
 #include "cli/commands/InventoryReport.h"
-#include "cli/commands/StatusRecorder.h"
-#include "common/action/ActionCodes.h"
-#include "common/action/InventorySchedules.h"
-#include "common/database/DataBase.h"
 #include "common/files/Paths.h"
 #include "common/text/Text.h"
 #include "host/assembly/ModuleActionCodes.h"
@@ -22,11 +19,11 @@ namespace {
 using namespace Common;
 using std::chrono::steady_clock;
 
-/// The full document of this run, which is kept for the next comparison.
-std::map<std::string, std::size_t> CountsOfRun(const std::vector<PipelineStep>& steps) {
+/// Of the full document of this run, which is kept for the next comparison.
+std::map<std::string, SectionCount> CountsOfRun(const std::vector<DocumentStep>& steps) {
   const auto previous = Paths(Paths::PREVIOUS_INVENTORY, false).AppData();
   for (const auto& step : steps) {
-    if (step.kind != PipelineStep::COPY || !step.done) continue;
+    if (step.kind != DocumentStep::COPY || !step.done) continue;
     if (step.target.parent_path() != previous) continue;
     std::ifstream document(step.target.string());
     return CountRecords(document);
@@ -34,48 +31,38 @@ std::map<std::string, std::size_t> CountsOfRun(const std::vector<PipelineStep>& 
   return {};
 }
 
-InventoryReport Take(AgentHost& host, bool incremental, const InventoryWatch& watch) {
-  InventoryReport report;
-  report.requestedIncremental = incremental;
-  const bool first = V2::DataBase::GetDataTable(LAST_INVENTORY_KEY) == 0;
-  const PipelineWatch pipeline;
-  const StatusRecorder recorder(host.GetCommunications());
+InventoryReport Take(AgentHost& host, bool incremental, const InventoryRecorder& recorder) {
   const auto start = steady_clock::now();
   try {
     host.Run(incremental ? ACTION_INCREMENTAL_INVENTORY : ACTION_TOTAL_INVENTORY, {});
-  } catch (const std::exception& error) {
-    report.problems.push_back(error.what());
+  } catch (const std::exception&) {
+    // The host has logged it, and so it is among the problems.
   }
-  report.seconds = std::chrono::duration<double>(steady_clock::now() - start).count();
-  report.sections = watch.Sections();
-  report.steps = pipeline.Steps();
-  report.statuses = recorder.Statuses();
+  const std::chrono::duration<double> taken = steady_clock::now() - start;
+  InventoryReport report;
+  static_cast<RunResult&>(report) = recorder.Result();
+  report.requestedIncremental = incremental;
+  report.seconds = taken.count();
+  report.sections = recorder.Sections();
   report.records = CountsOfRun(report.steps);
-  report.fallbackReason = watch.FallbackReason();
-  if (incremental && first) report.fallbackReason = "no inventory was ever taken";
-  return report;
-}
-
-void CollectProblems(const InventoryWatch& watch, InventoryReport& report) {
-  const auto logged = watch.Problems();
-  report.problems.assign(logged.begin(), logged.end());
   if (!report.Succeeded() && report.problems.empty()) {
     report.problems.push_back("no document reached the outbox");
   }
+  return report;
 }
 
 }  // namespace
 
 int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors) {
-  InventoryWatch watch([&](const std::string& name) {
-    if (!line.json) output << "retrieving " << name << std::endl;
+  const auto recorder = std::make_shared<InventoryRecorder>([&](const RetrievedSections& sections) {
+    if (!line.json) output << "retrieving " << sections.Name() << std::endl;
   });
+  const ProgressListenerScope listening(recorder);
   AgentOptions options = line.agent;
-  options.logListener = [&watch](const LogLine& logged) { watch.See(logged); };
+  options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
   AgentHost host(options);
 
-  InventoryReport report = Take(host, line.incremental, watch);
-  CollectProblems(watch, report);
+  const InventoryReport report = Take(host, line.incremental, *recorder);
   output << (line.json ? report.ToJsonText() : report.ToText());
   for (const auto& problem : report.problems) {
     errors << "norvik-agent: " << OnOneLine(problem) << std::endl;

@@ -1,7 +1,6 @@
 #include "cli/commands/InventoryReport.h"
 
 #include <algorithm>
-#include <boost/filesystem/operations.hpp>
 
 #include "cli/commands/Rendering.h"
 
@@ -12,67 +11,55 @@ using namespace Host;
 namespace {
 
 using Common::TaskResponseInfo;
+using Records = std::map<std::string, SectionCount>;
 
-OrderedJson ToJson(const boost::optional<std::size_t>& number) {
-  return number ? OrderedJson(*number) : OrderedJson();
+/// "one record, 3": what the document has under each of the keys.
+std::string RecordsText(const Common::SectionKeys& keys, const Records& records) {
+  std::string text;
+  for (const auto& key : keys) {
+    const auto found = records.find(key);
+    if (found == records.end()) continue;
+    const SectionCount& count = found->second;
+    const bool isOneRecord = !count.isList && count.records == 1;
+    if (!text.empty()) text += ", ";
+    text += isOneRecord ? "one record" : std::to_string(count.records);
+  }
+  return text;
+}
+
+/// Null if the document has none of the keys.
+OrderedJson SumOfRecords(const Common::SectionKeys& keys, const Records& records) {
+  OrderedJson sum;
+  for (const auto& key : keys) {
+    const auto found = records.find(key);
+    if (found == records.end()) continue;
+    sum = (sum.is_null() ? 0 : sum.get<std::size_t>()) + found->second.records;
+  }
+  return sum;
 }
 
 }  // namespace
 
-const PipelineStep* InventoryReport::Move() const {
-  const auto found = std::find_if(steps.rbegin(), steps.rend(), [](const PipelineStep& step) {
-    return step.kind == PipelineStep::MOVE && step.done && step.incremental;
-  });
-  return found == steps.rend() ? nullptr : &*found;
-}
-
-boost::filesystem::path InventoryReport::File() const {
-  const PipelineStep* const move = Move();
-  return move ? move->target : boost::filesystem::path();
-}
-
-std::uintmax_t InventoryReport::Bytes() const {
-  boost::system::error_code absent;
-  const std::uintmax_t size = boost::filesystem::file_size(File(), absent);
-  return absent ? 0 : size;
-}
-
-std::string InventoryReport::Kind() const {
-  const PipelineStep* const move = Move();
-  if (!move) return "";
-  return *move->incremental ? "incremental" : "total";
-}
-
 bool InventoryReport::Succeeded() const {
-  const bool allDone =
-      std::all_of(steps.begin(), steps.end(), [](const PipelineStep& step) { return step.done; });
   const bool anyFailed =
       std::any_of(statuses.begin(), statuses.end(), [](const TaskResponseInfo& status) {
         return status.status == TaskResponseInfo::TASK_FAILED;
       });
-  return Move() && allDone && !anyFailed && Bytes() > 0;
-}
-
-boost::optional<std::size_t> InventoryReport::RecordsOf(const RetrievedSection& section) const {
-  boost::optional<std::size_t> sum;
-  for (const auto& key : section.documentKeys) {
-    const auto found = records.find(key);
-    if (found != records.end()) sum = sum.get_value_or(0) + found->second;
-  }
-  return sum;
+  return AllStepsDone() && !anyFailed && Bytes() > 0;
 }
 
 std::string InventoryReport::ToText() const {
   std::vector<std::vector<OrderedJson>> rows = {{"section", "time", "records"}};
   for (const auto& section : sections) {
-    rows.push_back({section.name, SecondsText(section.seconds), ToJson(RecordsOf(section))});
+    rows.push_back(
+        {section.Name(), SecondsText(section.seconds), RecordsText(section.keys, records)});
   }
   std::string text = TableText(rows);
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
   if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
-  if (Move()) {
-    text += "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " + Kind() +
-            "\n";
+  if (!File().empty()) {
+    text += "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " +
+            SentKind() + "\n";
   }
   return text + "taken in " + SecondsText(seconds) + "\n";
 }
@@ -80,19 +67,21 @@ std::string InventoryReport::ToText() const {
 std::string InventoryReport::ToJsonText() const {
   OrderedJson sectionList = OrderedJson::array();
   for (const auto& section : sections) {
-    sectionList.push_back({{"name", section.name},
+    sectionList.push_back({{"name", section.Name()},
                            {"seconds", section.seconds},
-                           {"records", ToJson(RecordsOf(section))}});
+                           {"records", SumOfRecords(section.keys, records)}});
   }
+  OrderedJson counts = OrderedJson::object();
+  for (const auto& [key, count] : records) counts[key] = count.records;
   return JsonLine({{"success", Succeeded()},
                    {"requested", requestedIncremental ? "incremental" : "total"},
-                   {"kind", Kind()},
+                   {"kind", SentKind()},
                    {"fallback", fallbackReason},
                    {"file", File().string()},
                    {"bytes", Bytes()},
                    {"seconds", seconds},
                    {"sections", sectionList},
-                   {"records", records},
+                   {"records", counts},
                    {"steps", StepsToJson(steps)},
                    {"statuses", StatusesToJson(statuses)},
                    {"problems", problems}});

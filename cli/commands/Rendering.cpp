@@ -41,6 +41,12 @@ std::size_t WidthOf(const std::string& text) {
   return static_cast<std::size_t>(starts);
 }
 
+const char* NameOf(DocumentStep::Kind step) {
+  static constexpr const char* NAMES[] = {"write", "copy", "compress", "encrypt",
+                                          "move to the outbox"};
+  return NAMES[step];
+}
+
 const char* NameOf(TaskResponseInfo::ResponseStatusTypes status) {
   switch (status) {
     case TaskResponseInfo::TASK_FINISHED:
@@ -69,9 +75,10 @@ OrderedJson StatusesToJson(const std::vector<TaskResponseInfo>& statuses) {
   return list;
 }
 
-OrderedJson StepsToJson(const std::vector<PipelineStep>& steps) {
+OrderedJson StepsToJson(const std::vector<DocumentStep>& steps) {
   OrderedJson list = OrderedJson::array();
-  for (const auto& step : steps) list.push_back({{"step", step.Name()}, {"success", step.done}});
+  for (const auto& step : steps)
+    list.push_back({{"step", NameOf(step.kind)}, {"success", step.done}});
   return list;
 }
 

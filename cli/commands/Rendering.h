@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/commands/WatchedPipeline.h"
 #include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
+#include "common/progress/ProgressListener.h"
 #include "host/OutputText.h"
 
 namespace Norvik::Cli {
@@ -19,7 +19,7 @@ OrderedJson CellToJson(const Common::ActionPropertyValue& value);
 OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);
 
 /// [{"step":"compress","success":true}]
-OrderedJson StepsToJson(const std::vector<PipelineStep>& steps);
+OrderedJson StepsToJson(const std::vector<Common::DocumentStep>& steps);
 
 /// As "7 started", with the message behind.
 std::string StatusText(const Common::TaskResponseInfo& status);

@@ -28,6 +28,24 @@ boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& so
   }
 }
 
+namespace {
+
+/// As "progress: file inventory, total, since TIME: scanning, 10 folders, 200 files".
+std::string ProgressLine(const OrderedJson& run) {
+  const bool ofFiles = run.value("inventory", "") == "files";
+  const auto part = [&](const char* key) {
+    const std::string text = run.value(key, "");
+    return text.empty() ? text : text + ", ";
+  };
+  const auto count = [&](const char* key) { return run.value(key, OrderedJson()).dump() + " "; };
+  const std::string counts = ofFiles ? count("folders") + "folders, " + count("files") + "files"
+                                     : count("sections") + "sections done";
+  return std::string("progress: ") + (ofFiles ? "file" : "machine") + " inventory, " +
+         part("kind") + "since " + run.value("since", "") + ": " + part("at") + counts + "\n";
+}
+
+}  // namespace
+
 std::string RunningAgentLines(const OrderedJson& agent) {
   if (agent.is_null()) return "agent: not running\n";
   std::string text = "agent: running as process " + agent.value("processId", OrderedJson()).dump();
@@ -35,6 +53,7 @@ std::string RunningAgentLines(const OrderedJson& agent) {
   for (const auto& action : agent.value("running", OrderedJson())) {
     text += "running: " + action.value("action", "") + " since " + action.value("since", "") + "\n";
   }
+  for (const auto& run : agent.value("progress", OrderedJson())) text += ProgressLine(run);
   const OrderedJson next = agent.value("next", OrderedJson());
   if (next.is_object()) {
     text += "next: " + next.value("action", "") + " at " + next.value("time", "") + "\n";

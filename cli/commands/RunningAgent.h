@@ -7,15 +7,15 @@
 
 namespace Norvik::Cli {
 
-/// Puts a request to the agent that serves the socket; see `AgentRequests`. Raises `UsageError` for
-/// what it calls wrong use, and `std::runtime_error` if nobody answers or it refuses.
+/// Sends a request to the agent that serves the socket; see `AgentRequests`. Throws `UsageError`
+/// for what it calls wrong use, and `std::runtime_error` if no agent answers or it refuses.
 OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const OrderedJson& request);
 
-/// The same, but empty if nobody answers.
+/// The same, but empty if no agent answers.
 boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& socket,
                                                const OrderedJson& request);
 
-/// Lines of a status that tell what a running agent answered; null: none runs.
+/// The answer of a running agent to "status", as lines; null: no agent runs.
 std::string RunningAgentLines(const OrderedJson& agent);
 
 }  // namespace Norvik::Cli

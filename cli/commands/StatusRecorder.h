@@ -3,31 +3,27 @@
 #include <mutex>
 #include <vector>
 
-#include "host/assembly/Communications.h"
+#include "common/progress/ProgressListener.h"
 
 namespace Norvik::Cli {
 
-/// Keeps the states that tasks report, in order, while it lives.
-class StatusRecorder {
+/// Keeps the states that tasks report, in order.
+class StatusRecorder : public Common::IProgressListener {
  public:
-  explicit StatusRecorder(Host::Communications& communications) : communications_(communications) {
-    communications_.SetStatusListener([this](const Common::TaskResponseInfo& status) {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      statuses_.push_back(status);
-    });
+  void TaskReported(const Common::TaskResponseInfo& status) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    statuses_.push_back(status);
   }
-  StatusRecorder(const StatusRecorder&) = delete;
-  StatusRecorder& operator=(const StatusRecorder&) = delete;
-  ~StatusRecorder() { communications_.SetStatusListener({}); }
 
   std::vector<Common::TaskResponseInfo> Statuses() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return statuses_;
   }
 
- private:
-  Host::Communications& communications_;
+ protected:
   mutable std::mutex mutex_;
+
+ private:
   std::vector<Common::TaskResponseInfo> statuses_;
 };
 

@@ -4,15 +4,11 @@
 #include <utility>
 
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 
 namespace Norvik::Host {
 
 using namespace Common;
-
-void Communications::SetStatusListener(StatusListener listener) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  listener_ = std::move(listener);
-}
 
 void Communications::SetServer(std::shared_ptr<ICommunicationSystem> server) {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -44,9 +40,7 @@ void Communications::ReportTaskStatus(const TaskResponseInfo& status) {
   NORVIK_DETAIL(boost::format("Task \"%1%\" has the status %2% %3%") % status.taskName %
                 static_cast<unsigned int>(status.status) % status.message);
   if (const auto server = Server()) server->ReportTaskStatus(status);
-  // Inside the lock, so that a listener sees the states in their order.
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (listener_) listener_(status);
+  ReportTask(status);
 }
 
 void Communications::NewFileOnOutbox() {

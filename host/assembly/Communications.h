@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -13,13 +12,9 @@ namespace Norvik::Host {
 /// The agent's communications, as the module sees them: the road to the server and the one to the
 /// other processes of the agent, each only while there is one. Without a server documents stay in
 /// the outbox and questions find no answer; without other processes nobody is connected. States of
-/// tasks go to the log and to a listener too.
+/// tasks also go to the log and to the progress listener.
 class Communications : public Common::ICommunicationSystem, public Common::ICommunicationIPC {
  public:
-  /// Called on the thread that reports. Must not raise.
-  using StatusListener = std::function<void(const Common::TaskResponseInfo&)>;
-
-  void SetStatusListener(StatusListener listener);
   /// Before the module runs an action. Null: there is none.
   void SetServer(std::shared_ptr<Common::ICommunicationSystem> server);
   void SetProcesses(std::shared_ptr<Common::ICommunicationIPC> processes);
@@ -37,7 +32,6 @@ class Communications : public Common::ICommunicationSystem, public Common::IComm
   std::shared_ptr<Common::ICommunicationIPC> Processes();
 
   std::mutex mutex_;
-  StatusListener listener_;
   std::shared_ptr<Common::ICommunicationSystem> server_;
   std::shared_ptr<Common::ICommunicationIPC> processes_;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "machine/FirstInventory.h"
 
 namespace Norvik::Host {
@@ -16,7 +17,11 @@ MachineFacts::~MachineFacts() = default;
 
 void MachineFacts::Gather() {
   NORVIK_SCOPE();
-  smBios_ = Machine::ReadSmBios();
+  {
+    // Most of the table is for this section, though others read from it too.
+    const SectionScope progress({"bios"});
+    smBios_ = Machine::ReadSmBios();
+  }
   firstInventory_ =
       std::make_unique<const FirstInventoryInfo>(Machine::GatherFirstInventory(*smBios_));
 }

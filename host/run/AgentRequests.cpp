@@ -24,6 +24,7 @@ namespace {
 struct Agent {
   AgentHost& host;
   ICommunicationIPC& processes;
+  const ServiceProgress& progress;
 };
 
 std::string TextAt(const OrderedJson& request, const char* key) {
@@ -50,6 +51,7 @@ OrderedJson Status(const Agent& agent, const OrderedJson&) {
           {"dataFolder", agent.host.DataFolder().string()},
           {"sessions", sessions},
           {"running", running},
+          {"progress", agent.progress.ToJson()},
           {"next", due}};
 }
 
@@ -81,7 +83,7 @@ OrderedJson Configure(const Agent& agent, const OrderedJson& request) {
 
 using Handler = OrderedJson (*)(const Agent&, const OrderedJson&);
 
-OrderedJson Carry(const Agent& agent, const std::string& text) {
+OrderedJson Perform(const Agent& agent, const std::string& text) {
   static const std::map<std::string, Handler> handlers = {
       {"status", Status}, {"notify", Notify}, {"message", Message}, {"configure", Configure}};
   const auto request = OrderedJson::parse(text, nullptr, false);
@@ -99,13 +101,14 @@ OrderedJson Refusal(const std::exception& error, const std::string& from, bool w
 
 }  // namespace
 
-AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<ICommunicationIPC> processes)
-    : host_(host), processes_(std::move(processes)) {}
+AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<ICommunicationIPC> processes,
+                             std::shared_ptr<const ServiceProgress> progress)
+    : host_(host), processes_(std::move(processes)), progress_(std::move(progress)) {}
 
 std::string AgentRequests::Answer(const std::string& request, const std::string& from) const {
   OrderedJson answer;
   try {
-    answer = Carry({host_, *processes_}, request);
+    answer = Perform({host_, *processes_, *progress_}, request);
   } catch (const UsageError& error) {
     answer = Refusal(error, from, true);
   } catch (const std::exception& error) {

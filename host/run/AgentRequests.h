@@ -5,6 +5,7 @@
 
 #include "common/ipc/ICommunicationIPC.h"
 #include "host/assembly/AgentHost.h"
+#include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {
 
@@ -12,22 +13,24 @@ namespace Norvik::Host {
 /// with the key "request", and what that request needs; an answer holds "error", and "wrongUse" if
 /// the request itself is to blame, or what was asked for.
 ///
-///   status                   what runs, who is connected, what is due next
+///   status                   what runs and how far it is, who is connected, what is due next
 ///   notify     "what"        "software" or "hardware" has changed
 ///   message    "text"        shows a text to the logged-on users
 ///   configure  "text"        stores a configuration and applies it
 class AgentRequests {
  public:
   /// @param host must outlive this object
-  AgentRequests(AgentHost& host, std::shared_ptr<Common::ICommunicationIPC> processes);
+  AgentRequests(AgentHost& host, std::shared_ptr<Common::ICommunicationIPC> processes,
+                std::shared_ptr<const ServiceProgress> progress);
 
-  /// Never raises but `std::bad_alloc`. A request that is refused is logged. Safe on any thread.
+  /// Throws nothing but `std::bad_alloc`. A request that is refused is logged. Safe on any thread.
   /// @param from who asks
   std::string Answer(const std::string& request, const std::string& from) const;
 
  private:
   AgentHost& host_;
   const std::shared_ptr<Common::ICommunicationIPC> processes_;
+  const std::shared_ptr<const ServiceProgress> progress_;
 };
 
 }  // namespace Norvik::Host

@@ -24,10 +24,12 @@ constexpr char SESSION_PARAMETER[] = "SessionEventData";
 
 ServiceRun::ServiceRun(const AgentOptions& options, const boost::filesystem::path& socket)
     : configurationFile_(options.configurationFile),
+      progress_(std::make_shared<ServiceProgress>()),
+      listening_(progress_),
       host_(options),
       processes_(std::make_shared<IpcService>(socket)),
       messages_(std::make_shared<SerialActions>(host_.Actions())),
-      requests_(host_, processes_) {
+      requests_(host_, processes_, progress_) {
   host_.GetCommunications().SetProcesses(processes_);
   Initialise();
 }
@@ -37,7 +39,7 @@ ServiceRun::~ServiceRun() {
   host_.Actions()->Stop();
 }
 
-/// A module that was configured before is told what holds, so that it sees what has changed.
+/// A module that was configured before gets the configuration, so that it sees what has changed.
 void ServiceRun::Initialise() {
   const bool configured = !configurationFile_.empty() ||
                           boost::filesystem::exists(host_.DataFolder() / CONFIGURATION_FILE);

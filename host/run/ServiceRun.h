@@ -6,6 +6,7 @@
 #include "host/assembly/AgentHost.h"
 #include "host/ipc/IpcService.h"
 #include "host/run/AgentRequests.h"
+#include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {
 
@@ -13,8 +14,8 @@ namespace Norvik::Host {
 /// administrators, and the delivery to the server.
 class ServiceRun {
  public:
-  /// Binds the socket and initialises the module. What it raises, `AgentHost`, `IpcService` or the
-  /// module raised.
+  /// Binds the socket and initialises the module. Throws what `AgentHost`, `IpcService` and the
+  /// module throw.
   ServiceRun(const AgentOptions& options, const boost::filesystem::path& socket);
   ServiceRun(const ServiceRun&) = delete;
   ServiceRun& operator=(const ServiceRun&) = delete;
@@ -24,7 +25,7 @@ class ServiceRun {
   void Start();
   /// Reads the configuration file again. A wrong one is logged, and nothing changes.
   void Reload();
-  /// Answers what `StopActions` does. Final.
+  /// Returns what `StopActions` returns. Final.
   bool Stop();
 
   const boost::filesystem::path& DataFolder() const { return host_.DataFolder(); }
@@ -35,6 +36,8 @@ class ServiceRun {
   void BeginSession(IpcService::SessionId session);
 
   const boost::filesystem::path configurationFile_;
+  const std::shared_ptr<ServiceProgress> progress_;
+  const Common::ProgressListenerScope listening_;
   AgentHost host_;
   const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<SerialActions> messages_;

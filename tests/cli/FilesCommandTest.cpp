@@ -62,7 +62,10 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   const PlainJson changes = Ask({"files", "--incremental"});
   EXPECT_EQ(changes["kind"], "incremental");
   EXPECT_EQ(changes["files"], PlainJson({{"added", 2}, {"removed", 1}, {"modified", 1}}));
-  EXPECT_EQ(changes["phases"].size(), 3u);
+  Words phases;
+  for (const auto& phase : changes["phases"]) phases.push_back(phase["name"]);
+  EXPECT_EQ(phases, (Words{"scanning", "saving", "printing"}));
+  EXPECT_GT(changes["folders"], 1);
 
   const std::string shown = RunWell({"files", "--incremental"}).output;
   EXPECT_THAT(shown, HasSubstr("scanning: "));

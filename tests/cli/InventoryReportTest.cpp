@@ -3,12 +3,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/commands/DocumentCounts.h"
 #include "cli/commands/InventoryReport.h"
-#include "cli/commands/InventoryWatch.h"
 #include "cli/commands/Rendering.h"
-#include "cli/commands/WatchedPipeline.h"
 #include "support/Cases.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -17,57 +15,96 @@ using namespace Norvik::Cli;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
 
-/// What is seen in lines of the log, each with its level.
-Json SeenIn(const std::vector<std::pair<int, std::string>>& lines) {
-  Json seen = {{"started", Json::array()}, {"keys", Json::array()}};
-  InventoryWatch watch([&](const std::string& name) { seen["started"].push_back(name); });
-  for (const auto& [level, text] : lines) watch.See({static_cast<Logger::Level>(level), text});
-  for (const auto& section : watch.Sections()) seen["keys"].push_back(section.documentKeys);
-  seen["fallback"] = watch.FallbackReason();
-  return seen;
-}
-
-TEST(InventoryWatch, FollowsTheSectionsAndTellsWhyATotalInventoryWasSent) {
-  ExpectRows(DataOf("cli/documents.json")["watched"], SeenIn);
-}
-
-std::map<std::string, std::size_t> CountsIn(const std::string& document) {
+/// Lists as their length, single records and null in brackets.
+std::map<std::string, Json> CountsIn(const std::string& document) {
   std::istringstream stream(document);
-  return CountRecords(stream);
+  std::map<std::string, Json> counts;
+  for (const auto& [key, count] : CountRecords(stream)) {
+    counts[key] = count.isList ? Json(count.records) : Json::array({count.records});
+  }
+  return counts;
 }
 
 TEST(DocumentCounts, CountsTheRecordsOfEachKey) {
   ExpectRows(DataOf("cli/documents.json")["counted"], CountsIn);
 }
 
-/// Fails one kind of step.
-struct StepsPipeline : IFilePipeline {
-  using Path = boost::filesystem::path;
-  bool Compress(const Path&, const Path&) override { return failing != PipelineStep::COMPRESS; }
-  bool Encrypt(const Path&, const Path&) override { return failing != PipelineStep::ENCRYPT; }
-  bool Copy(const Path&, const Path&) override { return failing != PipelineStep::COPY; }
-  bool MoveToOutbox(const Path&, const boost::optional<bool>&) override {
-    return failing != PipelineStep::MOVE;
-  }
-  int failing = -1;
-};
+const RunInfo MACHINE = {1, RunKind::MachineInventory, nullptr};
+const RunInfo FILES = {2, RunKind::FileInventory, nullptr};
 
-TEST(WatchedPipeline, PassesEveryAnswerOnAndKeepsIt) {
-  for (const int failing :
-       {PipelineStep::COMPRESS, PipelineStep::ENCRYPT, PipelineStep::COPY, PipelineStep::MOVE}) {
-    const auto next = std::make_shared<StepsPipeline>();
-    next->failing = failing;
-    WatchedPipeline pipeline(next);
-    EXPECT_EQ(pipeline.Compress("a", "b"), failing != PipelineStep::COMPRESS);
-    EXPECT_EQ(pipeline.Encrypt("a", "b"), failing != PipelineStep::ENCRYPT);
-    EXPECT_EQ(pipeline.Copy("a", "b"), failing != PipelineStep::COPY);
-    EXPECT_EQ(pipeline.MoveToOutbox("a", true), failing != PipelineStep::MOVE);
+TEST(InventoryRecorder, AddsTheTimesOfOneSectionAndIgnoresRunsOfAnotherKind) {
+  std::vector<std::string> shown;
+  InventoryRecorder recorder([&](const auto& sections) { shown.push_back(sections.Name()); });
+  const SectionKeys setup = {"setup", "portConnectors"};
+  const auto retrieve = [&](const RunInfo& run, const SectionKeys& keys, int milliseconds) {
+    recorder.SectionBegun(run, keys);
+    recorder.SectionEnded(run, keys, std::chrono::milliseconds(milliseconds));
+  };
+  retrieve({}, setup, 500);
+  retrieve(MACHINE, {"software"}, 250);
+  retrieve(MACHINE, setup, 1000);
+  recorder.KindDecided(MACHINE, true);
+  recorder.TotalInstead(MACHINE, "why");
+  recorder.KindDecided(FILES, true);
+  recorder.TotalInstead(FILES, "other");
+  recorder.NothingToSend(FILES);
+  recorder.RequestRefused(RunKind::FileInventory, "other");
+  recorder.DocumentStepDone(FILES, {DocumentStep::MOVE, true, "a", "b", {}});
+  recorder.See({Logger::LEVEL_ERROR, "an error"});
+  recorder.See({Logger::LEVEL_WARNING, "a warning"});
+
+  EXPECT_EQ(shown, (std::vector<std::string>{"setup, portConnectors", "software"}));
+  ASSERT_EQ(recorder.Sections().size(), 2u);
+  EXPECT_EQ(recorder.Sections()[0].seconds, 1.5);
+  const RunResult result = recorder.Result();
+  EXPECT_EQ(result.kind, "total");
+  EXPECT_EQ(result.fallbackReason, "why");
+  EXPECT_EQ(result.refusal, "");
+  EXPECT_FALSE(result.nothingToSend);
+  EXPECT_TRUE(result.steps.empty());
+  EXPECT_EQ(result.problems, std::vector<std::string>{"an error"});
+}
+
+TEST(InventoryReport, NamesSectionsByTheirKeysAndSaysWhatIsOneRecord) {
+  InventoryReport report;
+  report.sections = {{{"setup", "portConnectors"}, 1.5},
+                     {{"location"}, 0},
+                     {{"software"}, 0.25},
+                     {{"features"}, 0}};
+  report.records = {{"setup", {1, false}},
+                    {"portConnectors", {1, true}},
+                    {"location", {0, false}},
+                    {"software", {12, true}}};
+  EXPECT_EQ(report.ToText(),
+            "section                time     records\n"
+            "setup, portConnectors  1.500 s  one record, 1\n"
+            "location               0.000 s  0\n"
+            "software               0.250 s  12\n"
+            "features               0.000 s\n"
+            "taken in 0.000 s\n");
+  const Json json = Json::parse(report.ToJsonText());
+  std::vector<Json> records;
+  for (const auto& section : json["sections"]) records.push_back(section["records"]);
+  EXPECT_EQ(records, (std::vector<Json>{2, 0, 12, nullptr}));
+  EXPECT_EQ(json["records"]["software"], 12);
+}
+
+TEST(InventoryReport, SucceedsOnlyIfEachStepWorked) {
+  const TemporaryFolder folder;
+  WriteFile(folder / "sent", "x");
+  for (const auto failing : {DocumentStep::WRITE, DocumentStep::COPY, DocumentStep::COMPRESS,
+                             DocumentStep::ENCRYPT, DocumentStep::MOVE}) {
+    InventoryRecorder recorder([](const auto&) {});
+    recorder.KindDecided(MACHINE, true);
+    for (const auto kind : {DocumentStep::WRITE, DocumentStep::COPY, DocumentStep::COMPRESS,
+                            DocumentStep::ENCRYPT, DocumentStep::MOVE}) {
+      recorder.DocumentStepDone(MACHINE, {kind, kind != failing, "work", folder / "sent", true});
+    }
     InventoryReport report;
-    report.steps = pipeline.Steps();
-    ASSERT_EQ(report.steps.size(), 4u);
-    for (const auto& step : report.steps) EXPECT_EQ(step.done, step.kind != failing);
-    EXPECT_FALSE(report.Succeeded()) << failing;
-    EXPECT_EQ(report.Kind(), failing == PipelineStep::MOVE ? "" : "incremental");
+    static_cast<RunResult&>(report) = recorder.Result();
+    EXPECT_EQ(report.Succeeded(), failing == DocumentStep::WRITE) << failing;
+    EXPECT_EQ(report.SentKind(), failing == DocumentStep::MOVE ? "" : "incremental");
+    EXPECT_EQ(StepsToJson(report.steps)[3]["step"], "move to the outbox");
   }
 }
 

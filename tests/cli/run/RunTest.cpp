@@ -121,11 +121,17 @@ TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   RunWell({"notify", "software"});
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   EXPECT_EQ(Status()["agent"]["running"][0]["action"], "1071 ACTION_TOTAL_INVENTORY");
+  EXPECT_TRUE(Eventually([&] { return Status()["agent"]["progress"][0]["at"] == "cdrom"; }));
+  EXPECT_THAT(
+      RunWell({"status"}).output,
+      testing::ContainsRegex("progress: machine inventory, total, since 20[^ ]+: cdrom, [1-9]"
+                             "[0-9]* sections done\n"));
   ::kill(service->Id(), SIGTERM);
   ASSERT_TRUE(Logs("The service stops"));
   EXPECT_THAT(Log(), Not(HasSubstr("KOB Inventory finished")));
   OpenGate();
   EXPECT_EQ(service->Wait(), 0);
+  EXPECT_THAT(Log(), testing::ContainsRegex("Section software took [0-9]+ milliseconds"));
   EXPECT_EQ(DocumentsInOutbox(), 1u);
   const std::string log = Log();
   EXPECT_EQ(CountOf(" starts", log.substr(log.find("The service stops"))), 0);

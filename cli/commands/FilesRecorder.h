@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "cli/commands/FilesCounts.h"
+#include "cli/commands/RunRecorder.h"
+
+namespace Norvik::Cli {
+
+/// Collects what a file inventory reports.
+class FilesRecorder : public RunRecorder {
+ public:
+  using Seen = std::shared_ptr<const Common::SeenCounts>;
+  /// Called when a phase begins, and with `RudStatusFinished` when it ends, on the thread of the
+  /// inventory.
+  using OnPhase = std::function<void(Common::RudStatus phase, const Seen& seen)>;
+
+  explicit FilesRecorder(OnPhase onPhase);
+
+  /// Seconds spent in each phase.
+  std::map<Common::RudStatus, double> Phases() const;
+  /// Files in the document.
+  FilesCounts Counts() const;
+  /// Folders that were opened.
+  std::uint64_t Folders() const;
+
+  void RunBegun(const Common::RunInfo& run) override;
+  void PhaseBegun(const Common::RunInfo& run, Common::RudStatus phase) override;
+  void PhaseEnded(const Common::RunInfo& run, Common::RudStatus phase, Duration taken) override;
+  void DocumentStepDone(const Common::RunInfo& run, const Common::DocumentStep& step) override;
+
+ private:
+  const OnPhase onPhase_;
+  std::map<Common::RudStatus, double> phases_;
+  FilesCounts counts_;
+  Seen seen_;
+};
+
+}  // namespace Norvik::Cli

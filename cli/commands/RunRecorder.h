@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "cli/commands/RunResult.h"
+#include "cli/commands/StatusRecorder.h"
+#include "host/assembly/ListeningLogger.h"
+
+namespace Norvik::Cli {
+
+/// Collects what runs of one kind report, and the errors that are logged meanwhile.
+class RunRecorder : public StatusRecorder {
+ public:
+  explicit RunRecorder(Common::RunKind kind) : kind_(kind) {}
+
+  /// Keeps the lines of level 2 as problems.
+  void See(const Host::LogLine& line);
+  RunResult Result() const;
+
+  void KindDecided(const Common::RunInfo& run, bool incremental) override;
+  void TotalInstead(const Common::RunInfo& run, const std::string& reason) override;
+  void RequestRefused(Common::RunKind kind, const std::string& reason) override;
+  void NothingToSend(const Common::RunInfo& run) override;
+  void DocumentStepDone(const Common::RunInfo& run, const Common::DocumentStep& step) override;
+
+ protected:
+  bool Follows(const Common::RunInfo& run) const { return run.kind == kind_; }
+
+ private:
+  const Common::RunKind kind_;
+  RunResult result_;
+};
+
+}  // namespace Norvik::Cli
