@@ -5,8 +5,6 @@
 
 namespace Norvik::Cli {
 
-using namespace Host;
-
 using namespace Common;
 using std::chrono::steady_clock;
 

@@ -8,7 +8,7 @@
 
 namespace Norvik::Cli {
 
-/// Collects what runs of one kind report, and the errors that are logged meanwhile.
+/// Collects what runs of one kind report, and the errors in the log.
 class RunRecorder : public StatusRecorder {
  public:
   explicit RunRecorder(Common::RunKind kind) : kind_(kind) {}

@@ -31,7 +31,7 @@ OrderedJson TimeToJson(system_clock::time_point time) {
   return {{"seconds", system_clock::to_time_t(time)}, {"time", TimeText(time)}};
 }
 
-/// What the agent database tells: nothing if there is none.
+/// What the agent database holds; empty if there is no database.
 struct Stored {
   std::map<std::string, std::string> data;  ///< rows of the "DATA" table
   OrderedJson fileInventory;
@@ -94,7 +94,7 @@ OrderedJson PeriodicActions(const std::map<std::string, std::string>& data) {
   return list;
 }
 
-/// The files of a folder, by name, but for those that an agent takes away meanwhile. Hidden ones
+/// The files of a folder, by name, without those that an agent removes at the same time. Hidden ones
 /// are still being written.
 OrderedJson FilesIn(const fs::path& folder) {
   std::map<std::string, OrderedJson> files;
@@ -115,7 +115,7 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
-/// What a running agent tells of itself. Null if none answers or it refuses.
+/// The status of a running agent; null if no agent answers, or it refuses.
 OrderedJson AskForStatus(const fs::path& socket) {
   try {
     return AskRunningAgent(socket, {{"request", "status"}});

@@ -13,8 +13,8 @@ namespace Norvik::Common {
 // How work reports to the process's `IProgressListener`. Without a listener nothing happens. None
 // of this throws because of a listener.
 
-/// A run of an inventory on this thread, until the end of the scope. What the thread reports
-/// meanwhile belongs to the run.
+/// A run of an inventory on this thread, until the end of the scope. What the thread reports until
+/// then belongs to the run.
 class NORVIK_COMMON_API RunScope {
  public:
   explicit RunScope(RunKind kind);
@@ -65,7 +65,7 @@ class NORVIK_COMMON_API PhasesScope {
   std::chrono::steady_clock::time_point start_;
 };
 
-/// Where the walk of this thread's run counts. Without a run, a place that nobody reads.
+/// The counts of this thread's run; outside of a run, counts that nothing reads.
 NORVIK_COMMON_API SeenCounts& SeenByThisRun();
 
 /// Counts one more, on the thread of the run: cheaper than an increment that others may share.

@@ -94,8 +94,8 @@ class NORVIK_COMMON_API IProgressListener {
   IProgressListener& operator=(const IProgressListener&) = default;
 };
 
-/// The process's listener; null at first. A call that has begun ends on the listener with which it
-/// began, also if another one is set meanwhile.
+/// The process's listener; null at first. A call that has begun on one listener ends on it, even if
+/// another one is set before it returns.
 NORVIK_COMMON_API std::shared_ptr<IProgressListener> GetProgressListener();
 NORVIK_COMMON_API void SetProgressListener(std::shared_ptr<IProgressListener> listener);
 

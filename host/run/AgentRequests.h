@@ -9,9 +9,9 @@
 
 namespace Norvik::Host {
 
-/// What an administrator may ask of a running agent, over its socket. A request is a JSON object
-/// with the key "request", and what that request needs; an answer holds "error", and "wrongUse" if
-/// the request itself is to blame, or what was asked for.
+/// What an administrator may request of a running agent, over its socket. A request is a JSON object
+/// with the key "request" and the keys of that request. The answer is a JSON object too: with "error",
+/// and "wrongUse" true if the request itself is wrong, or with the result.
 ///
 ///   status                   what runs and how far it is, who is connected, what is due next
 ///   notify     "what"        "software" or "hardware" has changed
