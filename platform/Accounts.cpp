@@ -13,7 +13,7 @@ namespace Norvik::Platform {
 
 namespace {
 
-/// Bytes of one entry of the account database. An account server could send more without an end.
+/// Most bytes of one entry of the account database, which may come from a server.
 constexpr std::size_t MAX_ENTRY = 1 << 20;
 
 }  // namespace
