@@ -37,10 +37,10 @@ void IpcConnection::OnRead(const error_code& error, std::size_t size) {
   if (closed_) return;
   if (error) return CloseNow(reader_.IsInside() ? "ended inside a frame" : "");
   reader_.Append(buffer_.data(), size);
-  TakeFrames();
+  DeliverFrames();
 }
 
-void IpcConnection::TakeFrames() {
+void IpcConnection::DeliverFrames() {
   try {
     while (!closed_ && waitingBytes_ <= limits_.waitingBytes) {
       auto frame = reader_.Next();
@@ -58,13 +58,13 @@ void IpcConnection::TakeFrames() {
   paused_ = true;
 }
 
-/// Has the unfinished frame end in time, however slowly its bytes come.
+/// Limits the time of the unfinished frame, however slowly its bytes come.
 void IpcConnection::WatchFrame() {
   if (watching_ || !reader_.IsInside()) return;
   watching_ = true;
   frameTimer_.expires_after(limits_.frameTime);
   frameTimer_.async_wait([self = shared_from_this()](const error_code& error) {
-    // A timer that has fired cannot be called back.
+    // A timer that has expired cannot be cancelled any more.
     const bool late = self->frameTimer_.expiry() <= std::chrono::steady_clock::now();
     if (!error && self->watching_ && late) self->CloseNow("did not end a frame in time");
   });
@@ -78,7 +78,7 @@ void IpcConnection::Handled(std::size_t contentSize) {
   boost::asio::post(socket_.get_executor(), [self = shared_from_this(), contentSize] {
     self->waitingBytes_ -= 1 + contentSize;
     if (!std::exchange(self->paused_, false) || self->closed_) return;
-    self->TakeFrames();
+    self->DeliverFrames();
   });
 }
 
@@ -111,27 +111,14 @@ void IpcConnection::Write() {
 void IpcConnection::OnWritten(const error_code& error) {
   if (closed_) return;
   if (error) return CloseNow("");
-  bool last = false;
   bool more = false;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     unsentBytes_ -= unsent_.front().size();
     unsent_.pop_front();
     more = !unsent_.empty();
-    last = ending_ && !more;
   }
   if (more) Write();
-  if (last) CloseNow("");
-}
-
-void IpcConnection::CloseWhenSent() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  ending_ = true;
-  if (unsent_.empty()) Close();
-}
-
-void IpcConnection::Close() {
-  boost::asio::post(socket_.get_executor(), [self = shared_from_this()] { self->CloseNow(""); });
 }
 
 void IpcConnection::Abandon() {
@@ -148,7 +135,7 @@ void IpcConnection::CloseNow(const std::string& problem) {
   frameTimer_.cancel();
   error_code ignored;
   socket_.close(ignored);
-  // The callbacks may hold what holds this connection.
+  // The callbacks may own objects that own this connection.
   const Events events = std::exchange(events_, {});
   if (events.onClosed) events.onClosed(problem);
 }

@@ -15,47 +15,43 @@
 
 namespace Norvik::Host {
 
-/// What one connection may take up.
+/// The resources that one connection may use.
 struct ConnectionLimits {
   std::size_t frameBytes = 1 << 20;      ///< length of a frame
   std::size_t unsentBytes = 4 << 20;     ///< queued for a peer that reads slowly
-  std::size_t waitingBytes = 256 << 10;  ///< received and not yet handled; then reading waits
+  std::size_t waitingBytes = 256 << 10;  ///< received but not handled; beyond it, reading pauses
   std::chrono::milliseconds frameTime{30'000};  ///< from the first byte of a frame to its last
 };
 
 /// One end of a connection between two processes of the agent: whole frames in both directions. It
-/// closes itself when the peer breaks the protocol or a limit. Make it by `std::make_shared`; it
-/// lives until it is closed. The callbacks run on the thread of the socket's context, of which
-/// there must be one.
+/// closes itself when the peer violates the protocol or exceeds a limit. Create it with
+/// `std::make_shared`; it owns itself until it is closed. The callbacks run on the thread of the
+/// socket's context, which exactly one thread must run.
 class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
  public:
   using Socket = boost::asio::local::stream_protocol::socket;
 
   struct Events {
-    /// Each frame must be answered by one call of `Handled` with the size of its content. What it
-    /// raises as `FrameError` closes the connection.
+    /// Each frame requires one call of `Handled` with the size of its content. A `FrameError` that
+    /// it throws closes the connection.
     std::function<void(Frame frame)> onFrame;
-    /// Once, last. What the peer did wrong; empty if the connection just ended.
+    /// The last call, made once. `problem` says what the peer did wrong; empty if the connection
+    /// just ended.
     std::function<void(const std::string& problem)> onClosed;
   };
 
-  /// @param socket connected
+  /// @param socket must be connected
   IpcConnection(Socket socket, const Platform::PeerCredentials& peer,
                 const ConnectionLimits& limits);
 
   /// Begins to read.
   void Start(Events events);
-  /// Queues a whole frame. False if the connection is closed, which a full queue brings about.
-  /// Safe on any thread.
+  /// Queues an encoded frame. False if the connection is closed; a full queue closes it. Safe on
+  /// any thread.
   bool Send(std::string frame);
-  /// Tells that a frame was dealt with. Safe on any thread.
+  /// Reports that a frame has been handled. Safe on any thread.
   void Handled(std::size_t contentSize);
-  /// Ends the connection behind what is queued. Safe on any thread.
-  void CloseWhenSent();
-  /// Ends the connection. Safe on any thread.
-  void Close();
-
-  /// The same at once and without a callback, when the context runs on no thread any more.
+  /// Closes the connection without a callback. Only when no thread runs the context any more.
   void Abandon();
 
   const Platform::PeerCredentials& Peer() const { return peer_; }
@@ -65,7 +61,7 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
  private:
   void Read();
   void OnRead(const boost::system::error_code& error, std::size_t size);
-  void TakeFrames();
+  void DeliverFrames();
   void WatchFrame();
   void StopWatch();
   void Write();
@@ -88,7 +84,7 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   std::mutex mutex_;
   std::deque<std::string> unsent_;  ///< the first is being written
   std::size_t unsentBytes_ = 0;
-  bool ending_ = false;  ///< nothing more is taken on
+  bool ending_ = false;  ///< no further frame is accepted
 };
 
 }  // namespace Norvik::Host

@@ -30,12 +30,12 @@ Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> 
       queue_(std::move(queue)),
       statuses_(session_, queue_),
       sender_(session_, stopped_),
-      files_(options.outbox, options.extensions),
+      files_(options.outbox, options.extensions, options.clock),
       client_(session_->NewClient()),
       server_(options.limits, options.clock) {}
 
 Delivery::TimePoint Delivery::Round() {
-  files_.Number();
+  files_.NumberNewFiles();
   const bool may = !stopped_ && server_.IsDue() && HasWork();
   if (may && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
   return stopped_ ? TimePoint::max() : NextTry();

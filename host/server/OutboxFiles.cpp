@@ -27,7 +27,7 @@ bool HasNumber(const std::string& name) {
 
 std::uint64_t NumberOf(const std::string& name) { return std::stoull(name.substr(0, DIGITS)); }
 
-std::string Numbered(std::uint64_t number, const std::string& name) {
+std::string NumberedName(std::uint64_t number, const std::string& name) {
   const std::string digits = std::to_string(number);
   return std::string(DIGITS - std::min(DIGITS, digits.size()), '0') + digits + SEPARATOR + name;
 }
@@ -55,19 +55,20 @@ void LogFailure(const fs::filesystem_error& error) {
 
 }  // namespace
 
-OutboxFiles::OutboxFiles(fs::path folder, std::vector<std::string> extensions)
-    : folder_(std::move(folder)), extensions_(std::move(extensions)) {}
+OutboxFiles::OutboxFiles(fs::path folder, std::vector<std::string> extensions,
+                         std::shared_ptr<const Clock> clock)
+    : folder_(std::move(folder)), extensions_(std::move(extensions)), clock_(std::move(clock)) {}
 
-/// The time in microseconds, but always more than the number before: the clock may be set back.
+/// The time in microseconds, but always more than the previous number: the clock may be set back.
 std::uint64_t OutboxFiles::NextNumber() {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  const auto now = clock_->Now().time_since_epoch();
   const auto time = std::chrono::duration_cast<std::chrono::microseconds>(now).count();
   lastNumber_ =
       std::max(lastNumber_ + 1, static_cast<std::uint64_t>(std::max<std::int64_t>(time, 0)));
   return lastNumber_;
 }
 
-void OutboxFiles::Number() {
+void OutboxFiles::NumberNewFiles() {
   const std::lock_guard<std::mutex> lock(mutex_);
   try {
     std::vector<std::pair<std::time_t, std::string>> unnumbered;
@@ -80,7 +81,7 @@ void OutboxFiles::Number() {
     }
     std::sort(unnumbered.begin(), unnumbered.end());
     for (const auto& [time, name] : unnumbered) {
-      fs::rename(folder_ / name, folder_ / Numbered(NextNumber(), name));
+      fs::rename(folder_ / name, folder_ / NumberedName(NextNumber(), name));
     }
   } catch (const fs::filesystem_error& error) {
     LogFailure(error);

@@ -23,6 +23,8 @@ using testing::AllOf, testing::ElementsAre, testing::Ge, testing::HasSubstr, tes
 using testing::SizeIs;
 using State = ManagementServer::State;
 
+constexpr long START = 1'767'225'600;
+
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
 TaskResponseInfo StatusOf(const std::string& requestId) {
@@ -89,7 +91,7 @@ struct Road {
 
   ManagementServer server;
   TemporaryFolder folder;
-  std::shared_ptr<FakeActionClock> clock = std::make_shared<FakeActionClock>(1767225600);
+  std::shared_ptr<FakeActionClock> clock = std::make_shared<FakeActionClock>(START);
   std::atomic<bool> stopped{false};
   ServerOptions options;
   std::shared_ptr<StatusQueue> queue;
@@ -105,6 +107,7 @@ class Deliveries : public StepsTest, public Road {
     Verb("restart", &Road::Restart);
     Verb("server", &Road::Spoil);
     Verb("pass", [this](long time) { clock->Move(std::chrono::seconds(time)); });
+    Verb("set clock", [this](long time) { clock->SetTimeOfDay(START + time); });
     Verb("next round in",
          [this](double least, double most) { EXPECT_THAT(Round(), AllOf(Ge(least), Le(most))); });
     Verb("requests", [this] { return server.Requests(); });
