@@ -1,19 +1,14 @@
 #pragma once
 
-#include <memory>
-
 #include "common/identification/FirstInventoryInfo.h"
 #include "common/identification/SmBios.h"
 
 namespace Norvik::Machine {
 
-/// The machine's SMBIOS table; one that is not valid if there is none or this process may not read
-/// it. Never null.
-std::shared_ptr<Common::SmBios> ReadSmBios();
-
-/// Facts of the machine, each reported to the progress listener as the sections of the document
-/// that it fills. What cannot be found or read is left empty. Holds only what stays the same while
-/// nobody changes the machine, so that two inventories of it are equal.
+/// The facts of the machine: those of the table, completed by what the system reports. A fact that
+/// cannot be found or read is left empty. Contains no values that change by themselves, so two
+/// inventories of an unchanged machine are equal. Each fact is reported to the progress listener, as
+/// the sections of the document that it fills.
 Common::FirstInventoryInfo GatherFirstInventory(const Common::SmBios& smBios);
 
 }  // namespace Norvik::Machine

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,21 +14,25 @@
 
 namespace Norvik::Machine {
 
-// The facts of the machine that each system tells in its own way: one source per fact and system.
-// What cannot be found or read is left empty.
+// The facts of the machine that each system reports in its own way: machine/mac/ and
+// machine/linux/ have one source per fact. A fact that cannot be found or read is left empty; no
+// function throws for it. On macOS some start a tool and wait for it.
 
+/// The machine's SMBIOS table. Never null; not valid if there is no table or this process may not
+/// read it.
+std::shared_ptr<Common::SmBios> ReadSmBios();
 /// One for each package, in the order of their numbers.
 std::vector<Common::ProcessorInfo> GatherProcessors();
-/// As the system sees it; what the board knows comes from SMBIOS.
+/// Without what only SMBIOS knows.
 Common::MemoryInfo GatherMemory();
-/// Disks with their partitions and the volumes that are mounted from them.
+/// The physical disks, with their partitions and the volumes mounted from them.
 std::vector<Common::PhysicalDiskInfo> GatherDisks();
-/// All but loopback.
+/// The network adapters that belong to the machine, without loopback, sorted by name.
 std::vector<Common::NetworkAdapterInfo> GatherAdapters();
 Common::OperatingSystemInfo GatherOperatingSystem();
-/// Fills what SMBIOS left empty.
+/// Fills the fields that SMBIOS left empty.
 void CompleteSetup(Common::SetupInfo& setup);
-/// The machine's domain, without its own name.
+/// The domain of the machine, without the host name.
 std::string GatherDomain();
 
 }  // namespace Norvik::Machine

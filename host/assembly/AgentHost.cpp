@@ -15,6 +15,7 @@
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
+#include "host/OutputText.h"
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolderCopy.h"
@@ -26,6 +27,8 @@ namespace {
 
 using namespace Common;
 namespace fs = boost::filesystem;
+
+constexpr std::chrono::seconds STOP_LIMIT(30);
 
 fs::path MakeDataFolder(const fs::path& folder) {
   Paths::SetDataFolder(folder);
@@ -56,11 +59,12 @@ std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configurati
   return std::make_shared<ServerLink>(options);
 }
 
-/// Beside another agent nothing of a database that is there may change.
+/// Without the lock another agent may own an existing database, so it is opened read-only.
 std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusive) {
-  const bool toRead = !exclusive && fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME);
+  const bool readOnly =
+      !exclusive && fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME);
   return std::make_shared<AgentDatabase>(
-      folder, toRead ? AgentDatabase::Access::ReadOnly : AgentDatabase::Access::ReadWrite);
+      folder, readOnly ? AgentDatabase::Access::ReadOnly : AgentDatabase::Access::ReadWrite);
 }
 
 }  // namespace
@@ -130,6 +134,16 @@ void AgentHost::ResumePeriodicActions() {
     ModuleAction action = Module().GetAction(known.code, {});
     if (!action.name.empty()) actionSystem_->ResumePeriodic(known.code, std::move(action), data);
   }
+}
+
+bool AgentHost::StopActions() {
+  if (actionSystem_->StopWithin(STOP_LIMIT)) return true;
+  for (const auto& action : actionSystem_->Running()) {
+    NORVIK_WARNING(boost::format("Action %1%, which has run since %2%, did not end in time; the "
+                                 "process ends without it") %
+                   action.label % TimeText(action.since));
+  }
+  return false;
 }
 
 void AgentHost::Queue(unsigned int code, const ActionParameters& parameters) {

@@ -13,40 +13,40 @@
 
 namespace Norvik::Host {
 
-/// What an agent is made from.
+/// How an agent is assembled.
 struct AgentOptions {
   boost::filesystem::path dataFolder;
   boost::filesystem::path moduleFile;
-  /// Configuration for this process; empty: the one stored in the data folder, if there is one.
+  /// Configuration for this process; empty: the one stored in the data folder, if it exists.
   boost::filesystem::path configurationFile;
-  /// Takes the place of the configuration's own; empty: no.
+  /// Replaces the server settings of the configuration.
   boost::optional<Common::CommunicationsInfo> communications;
   int logLevel = 4;
   bool userProcess = false;
-  /// Refuse to work beside another agent on the same data folder. Without this there is no road to
-  /// the server, and a database that is there is only read.
+  /// Lock the data folder, and fail if another agent uses it. Without this the agent has no
+  /// connection to the server and only reads an existing database.
   bool exclusive = true;
-  LogListener logListener;
+  LogListener logListener;  ///< may be empty
 };
 
-/// The configuration that the options ask for, of an agent with the data folder. Raises what
-/// `ReadConfiguration` raises.
+/// The configuration of an agent with these options and this data folder. Throws what
+/// `ReadConfiguration` throws.
 Common::AgentConfigurationInfo ConfigurationOf(const AgentOptions& options,
                                                const boost::filesystem::path& dataFolder);
 
-/// Sets a UTF-8 character type for the process and leaves the rest of its locale alone.
+/// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();
 
-/// The running agent: every part of the host, put together, and the module loaded into it. Nothing
-/// runs in the module until an action is run. One at a time in a process.
+/// The running agent: all parts of the host, assembled, with the module loaded. Nothing runs in the
+/// module until an action is run. At most one at a time in a process.
 class AgentHost {
  public:
-  /// Makes the data folder and what belongs in it. Raises `UsageError` for a configuration that is
-  /// wrong, and another `std::exception` with the reason for any other failure.
+  /// Creates the data folder and its files. Throws `UsageError` for an invalid configuration, and
+  /// another `std::exception` with the reason for any other failure.
   explicit AgentHost(const AgentOptions& options);
   AgentHost(const AgentHost&) = delete;
   AgentHost& operator=(const AgentHost&) = delete;
-  /// Waits for the actions that run; what is delayed or periodic is left for the next start.
+  /// Waits for the actions that run. Periodic actions stay due for the next start.
   ~AgentHost();
 
   Communications& GetCommunications() { return *communications_; }
@@ -54,23 +54,27 @@ class AgentHost {
   const std::shared_ptr<ActionSystem>& Actions() { return actionSystem_; }
   /// Null if no server is configured. Delivers nothing before it is started.
   ServerLink* Server() { return server_.get(); }
-  /// What the module was made with.
+  /// The configuration that the module was created with.
   const Common::AgentConfigurationInfo& Configuration() const {
     return assembled_->dependencies->configuration;
   }
   const boost::filesystem::path& DataFolder() const { return dataFolder_; }
 
-  /// Runs an action on this thread, then waits until everything has ended that it started without
-  /// a delay. What the handler raises comes out after that.
+  /// Runs an action on this thread, then waits for all actions that it started without a delay.
+  /// Throws what the handler throws, after that wait.
   Common::ActionResponse Run(unsigned int code, const Common::ActionParameters& parameters);
-  /// Lets periodic actions go on that the module has left to the agent data. For a process that
-  /// stays, once the module is initialised.
+  /// Resumes the periodic actions whose state the module left in the agent data. For a process that
+  /// stays, after the module is initialised.
   void ResumePeriodicActions();
-  /// Hands an action to the action threads.
+  /// Runs an action on the action threads. Returns at once.
   void Queue(unsigned int code, const Common::ActionParameters& parameters);
+  /// Starts no further action, and waits up to 30 seconds for those that run. Returns false, after
+  /// logging each action that still runs then: the process may then only exit without destroying
+  /// what they use. Periodic actions stay due for the next start.
+  bool StopActions();
 
  private:
-  // In the order in which they need each other; the logger goes last.
+  // Each member needs those above it, so the logger outlives all that log.
   boost::filesystem::path dataFolder_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;

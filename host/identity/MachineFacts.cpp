@@ -5,6 +5,7 @@
 #include "common/log/Logger.h"
 #include "common/progress/Progress.h"
 #include "machine/FirstInventory.h"
+#include "machine/Gather.h"
 
 namespace Norvik::Host {
 

@@ -16,7 +16,7 @@ using namespace Common;
 struct Allowed {
   Receiver receiver;
   unsigned int code;
-  /// Belongs to the permission: without its drive, 32001 would have the service ask all users.
+  /// Part of the permission: 32001 without its drive would make the service ask all users.
   const char* key;
 };
 
@@ -37,6 +37,12 @@ bool IsAllowed(Receiver receiver, const IPCMessage& message) {
     return allowed.receiver == receiver && allowed.code == message.code &&
            message.key == allowed.key;
   });
+}
+
+ActionParameters ParametersOf(const IPCMessage& message) {
+  ActionParameters parameters;
+  parameters.Set(message.key, WxStringFromStdString(message.value));
+  return parameters;
 }
 
 std::string Describe(const IPCMessage& message) {

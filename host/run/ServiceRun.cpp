@@ -8,9 +8,8 @@
 #include "common/log/Logger.h"
 #include "host/assembly/ModuleActionCodes.h"
 #include "host/configuration/ConfigurationFile.h"
-#include "host/ipc/MessageAction.h"
+#include "host/ipc/AllowedMessages.h"
 #include "host/run/ConfigurationChange.h"
-#include "host/run/StopActions.h"
 
 namespace Norvik::Host {
 
@@ -39,7 +38,8 @@ ServiceRun::~ServiceRun() {
   host_.Actions()->Stop();
 }
 
-/// A module that was configured before gets the configuration, so that it sees what has changed.
+/// A module that was configured before gets the current configuration, so that it can detect a
+/// change.
 void ServiceRun::Initialise() {
   const bool configured = !configurationFile_.empty() ||
                           boost::filesystem::exists(host_.DataFolder() / CONFIGURATION_FILE);
@@ -52,7 +52,7 @@ void ServiceRun::Initialise() {
 
 void ServiceRun::Start() {
   processes_->Start({[this](IPCMessage message, std::function<void()> handled) {
-                       Take(std::move(message), std::move(handled));
+                       RunMessage(std::move(message), std::move(handled));
                      },
                      [this](IpcService::SessionId session) { BeginSession(session); },
                      [this](const std::string& request, const std::string& from) {
@@ -62,7 +62,7 @@ void ServiceRun::Start() {
   NORVIK_INFORMATION("The service runs");
 }
 
-void ServiceRun::Take(IPCMessage message, std::function<void()> handled) {
+void ServiceRun::RunMessage(IPCMessage message, std::function<void()> handled) {
   ModuleAction action = host_.Module().GetAction(message.code, ParametersOf(message));
   messages_->Add(message.code, std::move(action), std::move(handled));
 }
@@ -88,7 +88,7 @@ bool ServiceRun::Stop() {
   NORVIK_INFORMATION("The service stops");
   processes_->Stop();
   if (host_.Server()) host_.Server()->Stop();
-  return StopActions(*host_.Actions());
+  return host_.StopActions();
 }
 
 }  // namespace Norvik::Host

@@ -10,8 +10,8 @@
 
 namespace Norvik::Host {
 
-/// The agent's service at work: module, schedules, the socket for users' processes and
-/// administrators, and the delivery to the server.
+/// The running service: the module, schedules, the socket for users' processes and
+/// administrators, and the delivery to the server. For one thread.
 class ServiceRun {
  public:
   /// Binds the socket and initialises the module. Throws what `AgentHost`, `IpcService` and the
@@ -21,18 +21,18 @@ class ServiceRun {
   ServiceRun& operator=(const ServiceRun&) = delete;
   ~ServiceRun();
 
-  /// Lets others in, and begins the delivery.
+  /// Accepts connections and starts the delivery.
   void Start();
-  /// Reads the configuration file again. A wrong one is logged, and nothing changes.
+  /// Reads the configuration file again. An invalid one is logged and changes nothing.
   void Reload();
-  /// Returns what `StopActions` returns. Final.
+  /// Final. Returns what `AgentHost::StopActions` returns.
   bool Stop();
 
   const boost::filesystem::path& DataFolder() const { return host_.DataFolder(); }
 
  private:
   void Initialise();
-  void Take(Common::IPCMessage message, std::function<void()> handled);
+  void RunMessage(Common::IPCMessage message, std::function<void()> handled);
   void BeginSession(IpcService::SessionId session);
 
   const boost::filesystem::path configurationFile_;

@@ -4,8 +4,7 @@
 
 #include "common/action/ActionCodes.h"
 #include "common/log/Logger.h"
-#include "host/ipc/MessageAction.h"
-#include "host/run/StopActions.h"
+#include "host/ipc/AllowedMessages.h"
 
 namespace Norvik::Host {
 
@@ -13,7 +12,7 @@ using namespace Common;
 
 namespace {
 
-/// Name of a code that the host serves itself; null for the module's.
+/// The name of an action that the host runs itself; null for an action of the module.
 const char* OwnActionName(unsigned int code) {
   switch (code) {
     case COMMON_ACTION_USER_MESSAGE:
@@ -64,7 +63,7 @@ ModuleAction UserRun::ActionFor(const IPCMessage& message) {
 bool UserRun::Stop() {
   NORVIK_INFORMATION("The user's process stops");
   service_->Stop();
-  return StopActions(*host_.Actions());
+  return host_.StopActions();
 }
 
 }  // namespace Norvik::Host

@@ -10,26 +10,26 @@
 
 namespace Norvik::Host {
 
-/// A logged-on user's process at work: the module, and the connection to the service. Messages and
-/// surveys for the user are shown here; the module has no part in them.
+/// The running process of a logged-on user: the module, and the connection to the service. It shows
+/// messages and surveys for the user itself, without the module. For one thread.
 class UserRun {
  public:
-  /// Takes what is for the user: the name of its parameter ("message", "Url") and its text. Called
-  /// on action threads, one at a time.
+  /// Shows a message or a survey: the name of its parameter ("message", "Url") and its text. Called
+  /// on action threads, never on two at once.
   using Show = std::function<void(const std::string& name, const std::string& text)>;
 
-  /// Initialises the module. What it raises, `AgentHost`, `IpcUser` or the module raised.
-  /// @param options those of a user's process
+  /// Initialises the module. Throws what `AgentHost`, `IpcUser` and the module throw.
+  /// @param options must be those of a user's process
   UserRun(const AgentOptions& options, const boost::filesystem::path& socket, Show show);
   UserRun(const UserRun&) = delete;
   UserRun& operator=(const UserRun&) = delete;
   ~UserRun();
 
-  /// Connects, and stays connected.
+  /// Connects, and reconnects whenever the connection is lost.
   void Start();
-  /// There is nothing to read again: a user's process is told nothing of a configuration.
+  /// Does nothing: a user's process has no configuration.
   void Reload() {}
-  /// Answers what `StopActions` does. Final.
+  /// Final. Returns what `AgentHost::StopActions` returns.
   bool Stop();
 
   const boost::filesystem::path& DataFolder() const { return host_.DataFolder(); }

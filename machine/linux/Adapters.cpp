@@ -5,7 +5,7 @@
 #include "machine/Gather.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemText.h"
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 
 namespace Norvik::Machine {
 

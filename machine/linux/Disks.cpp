@@ -1,10 +1,11 @@
+#include <sys/statvfs.h>
+
 #include <algorithm>
 
 #include "machine/Gather.h"
 #include "machine/MountText.h"
-#include "machine/VolumeSpace.h"
 #include "machine/linux/BlockDevices.h"
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 
 namespace Norvik::Machine {
 
@@ -12,23 +13,30 @@ namespace {
 
 using namespace Common;
 
-/// The volume's name is that of its partition, if it stands on one.
+/// Reads the sizes of the volume at a mount point. Both stay 0 if the system does not report them.
+void ReadSizes(const std::string& mountPoint, LogicalDiskInfo& volume) {
+  struct statvfs space {};
+  if (::statvfs(mountPoint.c_str(), &space) != 0) return;
+  const std::uint64_t block = space.f_frsize;
+  volume.sizeBytes = block * space.f_blocks;
+  volume.freeBytes = WholeGibibytes(block * space.f_bavail);
+}
+
+/// The volume takes its name from its partition, if it has one.
 LogicalDiskInfo LogicalDiskOf(const Mount& mount, const BlockDisk& disk) {
   LogicalDiskInfo volume;
   volume.mountPoint = mount.mountPoint;
   volume.device = mount.source;
   volume.fileSystemType = mount.fileSystem;
   volume.fileSystemName = mount.fileSystem;
-  const VolumeSpace space = SpaceOf(mount.mountPoint);
-  volume.sizeBytes = space.sizeBytes;
-  volume.freeBytes = WholeGibibytes(space.freeBytes);
+  ReadSizes(mount.mountPoint, volume);
   for (const auto& partition : disk.info.partitions) {
     if (partition.device == mount.source) volume.volumeName = partition.label;
   }
   return volume;
 }
 
-/// File systems over several devices have a number of their own; those are known by their source.
+/// A file system on several devices has a device number of its own; its source identifies the disk.
 bool StandsOn(const Mount& mount, const BlockDisk& disk) {
   const auto& numbers = disk.deviceNumbers;
   if (std::find(numbers.begin(), numbers.end(), mount.deviceNumber) != numbers.end()) return true;

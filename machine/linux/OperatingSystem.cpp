@@ -6,7 +6,7 @@
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemText.h"
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 
 namespace Norvik::Machine {
 

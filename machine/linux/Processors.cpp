@@ -3,7 +3,7 @@
 #include "common/text/Text.h"
 #include "machine/Gather.h"
 #include "machine/ProcessorText.h"
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 
 namespace Norvik::Machine {
 

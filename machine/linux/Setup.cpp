@@ -1,9 +1,8 @@
 #include "common/text/Text.h"
-#include "machine/FirstInventory.h"
 #include "machine/Gather.h"
 #include "machine/SmbiosFacts.h"
 #include "machine/SmbiosNames.h"
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 #include "platform/RecordedMachine.h"
 
 namespace Norvik::Machine {

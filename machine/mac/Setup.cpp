@@ -1,5 +1,4 @@
 #include "common/text/Text.h"
-#include "machine/FirstInventory.h"
 #include "machine/Gather.h"
 #include "machine/SmbiosFacts.h"
 #include "machine/mac/Registry.h"

@@ -1,4 +1,4 @@
-#include "machine/linux/GatherFrom.h"
+#include "machine/linux/GatherFromFiles.h"
 
 #include <gtest/gtest.h>
 

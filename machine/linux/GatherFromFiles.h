@@ -5,15 +5,16 @@
 
 namespace Norvik::Machine {
 
-// The same as in Gather.h, from system files below another root.
+// The functions of Gather.h, reading the system files below a given root. The functions without an
+// argument pass the files of this machine; tests pass recorded ones.
 
 std::vector<Common::ProcessorInfo> GatherProcessors(const SystemFiles& files);
 Common::MemoryInfo GatherMemory(const SystemFiles& files);
-/// Sizes of volumes come from the mount points of the real system.
+/// The sizes of volumes are always those of this machine's mount points.
 std::vector<Common::PhysicalDiskInfo> GatherDisks(const SystemFiles& files);
-/// IPv4 addresses come from the real system.
+/// The IPv4 addresses are always those of this machine.
 std::vector<Common::NetworkAdapterInfo> GatherAdapters(const SystemFiles& files);
-/// The kernel's part comes from the real system.
+/// Kernel and architecture are always those of this machine.
 Common::OperatingSystemInfo GatherOperatingSystem(const SystemFiles& files);
 void CompleteSetup(const SystemFiles& files, Common::SetupInfo& setup);
 std::string GatherDomain(const SystemFiles& files);
