@@ -30,7 +30,7 @@ struct ActionSystem::Periodic {
   const std::string label;
   const ModuleAction action;
   AgentData data;
-  std::string doneKey;  ///< of a code; empty for a schedule, whose state goes with its run
+  std::string doneKey;  ///< empty for a schedule, whose state is removed after its only run
   PeriodicState state;
   bool waiting = false;  ///< for a thread, or for the end of its run
   bool spent = false;    ///< its only run has started
@@ -38,10 +38,11 @@ struct ActionSystem::Periodic {
 
 namespace {
 
-/// The time of day may be set at any time, and a sleeping machine stops the steady clock.
+/// Limits the wait, since the time of day may be set at any time and the steady clock may stop
+/// while the machine sleeps.
 constexpr seconds LONGEST_WAIT(30);
 constexpr seconds LONGEST_DELAY(std::chrono::hours(24 * 3650));
-/// A smaller difference of the two clocks is no more than what keeps them in step.
+/// Smaller differences between the two clocks are normal corrections.
 constexpr seconds CLOCK_TOLERANCE(60);
 
 std::string LabelOf(unsigned int code, const ModuleAction& action) {
@@ -50,7 +51,7 @@ std::string LabelOf(unsigned int code, const ModuleAction& action) {
 
 ActionResponse Invoke(ModuleAction& action) {
   if (action.handler) return action.handler(action.parameters);
-  NORVIK_WARNING("An action without a handler was to run");
+  NORVIK_WARNING("An action has no handler; nothing runs");
   return {};
 }
 
@@ -75,8 +76,8 @@ ActionSystem::ActionSystem(AgentData scheduleData, std::shared_ptr<const Clock> 
     : threads_(threads),
       clock_(std::move(clock)),
       scheduleData_(std::move(scheduleData)),
-      seenNow_(clock_->Now()),
-      seenSteady_(clock_->Steady()),
+      lastNow_(clock_->Now()),
+      lastSteady_(clock_->Steady()),
       timer_(threads_.Context()) {}
 
 ActionSystem::~ActionSystem() { Stop(); }
@@ -105,28 +106,28 @@ void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds de
 
 void ActionSystem::CreatePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                                   const ActionTiming& timing) {
-  const auto entry = OfCode(code, std::move(action), data, timing);
+  const auto entry = MakePeriodic(code, std::move(action), data, timing);
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
-  if (const auto known = Known(entry->key)) {
+  if (const auto known = Find(entry->key)) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!known->spent) return;
   } else {
-    TakeUpStored(*entry);
+    RestoreState(*entry);
   }
   Install(entry);
 }
 
 void ActionSystem::ReplacePeriodic(unsigned int code, ModuleAction action, AgentData& data,
                                    const ActionTiming& timing) {
-  const auto entry = OfCode(code, std::move(action), data, timing);
+  const auto entry = MakePeriodic(code, std::move(action), data, timing);
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
-  WasMade(*entry) ? Forget(entry) : Install(entry);
+  HasRun(*entry) ? Remove(entry) : Install(entry);
 }
 
 void ActionSystem::ResumePeriodic(unsigned int code, ModuleAction action, AgentData& data) {
-  const auto entry = OfCode(code, std::move(action), data, ActionTiming());
+  const auto entry = MakePeriodic(code, std::move(action), data, ActionTiming());
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
-  if (!Known(entry->key) && TakeUpStored(*entry)) Install(entry);
+  if (!Find(entry->key) && RestoreState(*entry)) Install(entry);
 }
 
 void ActionSystem::AddSchedule(const Schedule& schedule) {
@@ -146,20 +147,20 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
       ActionTiming{seconds(schedule.when.periodSeconds), schedule.when.NextTime()});
 
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
-  if (const auto known = Known(entry->key)) {
+  if (const auto known = Find(entry->key)) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const bool same = known->state.period == entry->state.period;
     if (same && known->state.next >= entry->state.next) return;
   } else if (const auto stored = Load(entry->data, entry->key)) {
     const bool same = stored->period == entry->state.period;
-    if (same && stored->next >= entry->state.next) TakeUpStored(*entry);
+    if (same && stored->next >= entry->state.next) RestoreState(*entry);
   }
   Install(entry);
 }
 
-ActionSystem::PeriodicPointer ActionSystem::OfCode(unsigned int code, ModuleAction action,
-                                                   const AgentData& data,
-                                                   const ActionTiming& timing) {
+ActionSystem::PeriodicPointer ActionSystem::MakePeriodic(unsigned int code, ModuleAction action,
+                                                         const AgentData& data,
+                                                         const ActionTiming& timing) {
   std::string label = LabelOf(code, action);
   auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label), std::move(action),
                                           data, timing);
@@ -167,21 +168,21 @@ ActionSystem::PeriodicPointer ActionSystem::OfCode(unsigned int code, ModuleActi
   return entry;
 }
 
-/// Whether this is a single run at a time that is past and had its run. A configuration asks for
-/// it anew at each start of the process.
-bool ActionSystem::WasMade(const Periodic& entry) const {
+/// Whether the entry is a single run at a past time that has already run. A configuration requests
+/// it again at each start of the process.
+bool ActionSystem::HasRun(const Periodic& entry) const {
   if (entry.state.period != seconds(0) || entry.state.next > clock_->Now()) return false;
   return entry.data.GetOptionalString(entry.doneKey) == ToText(entry.state);
 }
 
-void ActionSystem::Forget(const PeriodicPointer& entry) {
+void ActionSystem::Remove(const PeriodicPointer& entry) {
   entry->data.Remove(entry->key);
   const std::lock_guard<std::mutex> lock(mutex_);
   periodics_.erase(entry->key);
 }
 
-/// Lets an action that is new in this process go on where it was before a restart.
-bool ActionSystem::TakeUpStored(Periodic& entry) {
+/// Continues an action that is new in this process from its stored state; false if there is none.
+bool ActionSystem::RestoreState(Periodic& entry) {
   const auto stored = Load(entry.data, entry.key);
   if (!stored) return false;
   entry.state.period = stored->period;
@@ -189,7 +190,7 @@ bool ActionSystem::TakeUpStored(Periodic& entry) {
   return true;
 }
 
-ActionSystem::PeriodicPointer ActionSystem::Known(const std::string& key) {
+ActionSystem::PeriodicPointer ActionSystem::Find(const std::string& key) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto found = periodics_.find(key);
   return found == periodics_.end() ? nullptr : found->second;
@@ -202,7 +203,7 @@ void ActionSystem::Install(const PeriodicPointer& entry) {
   StartDue();
 }
 
-/// Whether the action was not replaced. With `mutex_` held.
+/// Whether the action has not been replaced. `mutex_` must be held.
 bool ActionSystem::IsCurrent(const PeriodicPointer& entry) const {
   const auto found = periodics_.find(entry->key);
   return found != periodics_.end() && found->second == entry;
@@ -240,7 +241,7 @@ void ActionSystem::End(const PeriodicPointer& entry) {
   }
   if (entry->spent) {
     if (!entry->doneKey.empty()) entry->data.SetString(entry->doneKey, ToText(state));
-    Forget(entry);
+    Remove(entry);
   } else {
     Store(entry->data, entry->key, state);
   }
@@ -291,7 +292,7 @@ boost::optional<DueAction> ActionSystem::Next() const {
   return next;
 }
 
-void ActionSystem::LookAtClock() {
+void ActionSystem::CheckClock() {
   {
     const std::lock_guard<std::mutex> stateLock(stateMutex_);
     StoreMoved(FollowTimeOfDay());
@@ -300,13 +301,13 @@ void ActionSystem::LookAtClock() {
   StartDue();
 }
 
-/// Notices that the time of day was set, and answers the actions whose next time has changed by it.
+/// Detects that the time of day was set, and returns the actions whose next time it moved.
 std::vector<ActionSystem::PeriodicPointer> ActionSystem::FollowTimeOfDay() {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto now = clock_->Now();
   const auto steady = clock_->Steady();
   const auto expected =
-      std::exchange(seenNow_, now) + (steady - std::exchange(seenSteady_, steady));
+      std::exchange(lastNow_, now) + (steady - std::exchange(lastSteady_, steady));
   const auto jump = std::chrono::duration_cast<seconds>(now - expected);
   if (jump > -CLOCK_TOLERANCE && jump < CLOCK_TOLERANCE) return {};
   NORVIK_INFORMATION(boost::format("The time of day has moved by %1% seconds: it was set, or the "
@@ -315,7 +316,7 @@ std::vector<ActionSystem::PeriodicPointer> ActionSystem::FollowTimeOfDay() {
   std::vector<PeriodicPointer> moved;
   for (const auto& [key, entry] : periodics_) {
     PeriodicState& state = entry->state;
-    // What was far away before stays so: it was meant.
+    // A time that was further away than a period before is intended and stays.
     if (state.period == seconds(0) || state.next > expected + state.period) continue;
     if (state.next <= now + state.period) continue;
     state.next -= state.period * ((state.next - now) / state.period);
@@ -324,7 +325,7 @@ std::vector<ActionSystem::PeriodicPointer> ActionSystem::FollowTimeOfDay() {
   return moved;
 }
 
-/// With `stateMutex_` held.
+/// `stateMutex_` must be held.
 void ActionSystem::StoreMoved(const std::vector<PeriodicPointer>& moved) {
   for (const auto& entry : moved) {
     PeriodicState state;
@@ -337,7 +338,7 @@ void ActionSystem::StoreMoved(const std::vector<PeriodicPointer>& moved) {
   }
 }
 
-/// Hands everything that is due to the threads. With `mutex_` held.
+/// Passes everything that is due to the threads. `mutex_` must be held.
 void ActionSystem::StartDue() {
   if (stopped_) return;
   const auto end = oneShots_.upper_bound(clock_->Steady());
@@ -354,7 +355,7 @@ void ActionSystem::StartDue() {
   ArmTimer();
 }
 
-/// Sets the timer to what is due next. With `mutex_` held.
+/// Sets the timer to the next due time. `mutex_` must be held.
 void ActionSystem::ArmTimer() {
   if (stopped_) return;
   std::chrono::nanoseconds wait = LONGEST_WAIT;
@@ -374,7 +375,7 @@ void ActionSystem::ArmTimer() {
   }
   timer_.expires_after(std::max(wait, std::chrono::nanoseconds(0)));
   timer_.async_wait([this](const boost::system::error_code& error) {
-    if (!error) LookAtClock();
+    if (!error) CheckClock();
   });
 }
 

@@ -21,30 +21,31 @@ namespace Norvik::Host {
 
 /// An action that runs on an action thread.
 struct RunningAction {
-  std::string label;  ///< code and name
+  std::string label;  ///< code and name: "1036 ACTION_NAME"
   std::chrono::system_clock::time_point since;
 };
 
-/// The next action that runs by itself.
+/// The delayed or periodic action that is due next.
 struct DueAction {
   std::string label;
   std::chrono::system_clock::time_point time;
 };
 
-/// Runs a module's actions on a few threads of its own, at once, after a delay, or periodically.
-/// What a handler lets escape is logged with its code, and the thread lives on.
+/// Runs a module's actions on a few threads of its own: at once, after a delay, or periodically. An
+/// exception that a handler throws there is logged with the action's code, and the thread
+/// continues. Safe on any thread.
 ///
 /// Periodic actions keep their state in the agent data (see `PeriodicState`), so a restart neither
-/// loses nor doubles a run. Runs of one periodic action never overlap; those that fell due while
-/// the process was down, or while the action still ran, are made up for by one run. A period of 0
-/// runs once and then forgets the state but for the time of that run, which is not made again when
-/// `ReplacePeriodic` asks for it anew. When the time of day was set back, a periodic action that
+/// loses nor repeats a run. Runs of one periodic action never overlap; those that became due while
+/// the process was down, or while the action still ran, are replaced by one run. An action with
+/// period 0 runs once; then only the time of that run is kept, so that it does not run again when
+/// `ReplacePeriodic` requests it again. When the time of day is set back, a periodic action that
 /// would wait longer than its period is moved to its next time.
 class ActionSystem : public HostActions {
  public:
   static constexpr std::size_t THREADS = 4;
 
-  /// @param scheduleData keeps the state of what `AddSchedule` takes on
+  /// @param scheduleData stores the state of the schedules given to `AddSchedule`
   explicit ActionSystem(Common::AgentData scheduleData,
                         std::shared_ptr<const Clock> clock = std::make_shared<Clock>(),
                         std::size_t threads = THREADS);
@@ -54,8 +55,8 @@ class ActionSystem : public HostActions {
 
   void SetActionFactory(Common::ActionFactory factory) override;
 
-  /// A schedule of a known identifier, in this process or from before a restart, goes on if its
-  /// period is the same and its time not later; otherwise it takes the known one's place.
+  /// A schedule whose identifier is known, from this process or from before a restart, continues if
+  /// its period is the same and its time not later; otherwise it replaces the known one.
   void AddSchedule(const Common::Schedule& schedule) override;
   Common::ActionResponse RunAction(Common::ModuleAction action) override;
   void QueueAction(Common::ModuleAction action) override;
@@ -66,26 +67,27 @@ class ActionSystem : public HostActions {
   void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
                        const Common::ActionTiming& timing) override;
 
-  /// Lets a periodic action go on where the store left it before a restart. Nothing happens if the
-  /// store has none of this code, or one was installed in this process.
+  /// Continues a periodic action from the state that `data` stored before a restart. Does nothing
+  /// if `data` has no state for this code, or the action already exists in this process.
   void ResumePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data);
 
-  /// Waits until no action runs or is due. Delayed actions are not waited for. Not from a handler.
+  /// Waits until no action runs or is due. Does not wait for delayed actions. Must not be called
+  /// from a handler.
   void WaitIdle() { threads_.WaitIdle(); }
-  /// From now on no action starts on the action threads; waits for those that run. What has not
-  /// started stays due in the agent data if it is periodic, and is dropped if not. Not from a
-  /// handler.
+  /// Starts no further action on the action threads, and waits for those that run. Periodic actions
+  /// that have not started stay due in the agent data; others are dropped. Must not be called from
+  /// a handler.
   void Stop();
-  /// The same, but waits no longer than the limit; false if actions still run then. The process
-  /// may then only end without destroying what they use.
+  /// Like `Stop`, but waits at most for the limit; false if actions still run then. The process may
+  /// then only exit without destroying what they use.
   bool StopWithin(std::chrono::milliseconds limit);
-  /// What runs on the action threads now, the longest first.
+  /// The actions on the action threads, the longest running first.
   std::vector<RunningAction> Running() const;
-  /// Empty if none is periodic or delayed.
+  /// Empty if no action is periodic or delayed.
   boost::optional<DueAction> Next() const;
-  /// Starts what has fallen due. Needed only behind a clock that was set: the system looks by
-  /// itself when the next action is due, and now and then.
-  void LookAtClock();
+  /// Starts the actions that are due. Only needed after the clock was set: the system checks the
+  /// clock by itself when the next action is due, and at least every 30 seconds.
+  void CheckClock();
 
  private:
   struct OneShot {
@@ -95,12 +97,13 @@ class ActionSystem : public HostActions {
   struct Periodic;
   using PeriodicPointer = std::shared_ptr<Periodic>;
 
-  static PeriodicPointer OfCode(unsigned int code, Common::ModuleAction action,
-                                const Common::AgentData& data, const Common::ActionTiming& timing);
-  bool WasMade(const Periodic& entry) const;
-  void Forget(const PeriodicPointer& entry);
-  bool TakeUpStored(Periodic& entry);
-  PeriodicPointer Known(const std::string& key);
+  static PeriodicPointer MakePeriodic(unsigned int code, Common::ModuleAction action,
+                                      const Common::AgentData& data,
+                                      const Common::ActionTiming& timing);
+  bool HasRun(const Periodic& entry) const;
+  void Remove(const PeriodicPointer& entry);
+  bool RestoreState(Periodic& entry);
+  PeriodicPointer Find(const std::string& key);
   bool IsCurrent(const PeriodicPointer& entry) const;
   void Install(const PeriodicPointer& entry);
   void RunPeriodic(const PeriodicPointer& entry);
@@ -117,15 +120,15 @@ class ActionSystem : public HostActions {
   const std::shared_ptr<const Clock> clock_;
   Common::AgentData scheduleData_;
 
-  /// Held while a state is decided and stored. Taken before `mutex_`, never inside it: the database
-  /// may keep a writer waiting.
+  /// Held while a state is changed and stored. Locked before `mutex_`, never while that is held:
+  /// the database may block a writer.
   std::mutex stateMutex_;
   mutable std::mutex mutex_;
   bool stopped_ = false;
   Common::ActionFactory factory_;
-  /// Both clocks when they were last compared.
-  std::chrono::system_clock::time_point seenNow_;
-  std::chrono::steady_clock::time_point seenSteady_;
+  /// The time of both clocks when they were last compared.
+  std::chrono::system_clock::time_point lastNow_;
+  std::chrono::steady_clock::time_point lastSteady_;
   std::multimap<std::chrono::steady_clock::time_point, OneShot> oneShots_;
   std::map<std::string, PeriodicPointer> periodics_;
   boost::asio::steady_timer timer_;

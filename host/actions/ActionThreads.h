@@ -12,7 +12,7 @@
 
 namespace Norvik::Host {
 
-/// A small pool of threads that runs what it is given, in the order given. Safe on any thread.
+/// A small thread pool that starts work in the order in which it is posted. Safe on any thread.
 class ActionThreads {
  public:
   explicit ActionThreads(std::size_t count);
@@ -20,16 +20,18 @@ class ActionThreads {
   ActionThreads& operator=(const ActionThreads&) = delete;
   ~ActionThreads();
 
-  /// Timers on this context call back on the pool's threads.
+  /// The context that the threads run: timers on it call back on the pool's threads.
   boost::asio::io_context& Context() { return context_; }
 
-  /// Runs the work on one of the threads. It must not raise. After `Stop` it is dropped.
+  /// Runs the work on one of the threads. It must not throw. After `Stop` it is dropped.
   void Post(std::function<void()> work);
-  /// Waits until no work runs or waits for a thread. Not from inside work.
+  /// Waits until no work runs or waits for a thread. Must not be called from inside work.
   void WaitIdle();
-  /// Waits for the work that runs; what waits for a thread is dropped. Not from inside work.
+  /// Waits for the work that runs; work that waits for a thread is dropped. Must not be called from
+  /// inside work.
   void Stop();
-  /// The same, but gives up after a time; false then. No work starts any more in either case.
+  /// Like `Stop`, but waits at most for the limit; false if work still runs then. No work starts
+  /// any more in either case.
   bool StopWithin(std::chrono::milliseconds limit);
 
  private:
@@ -39,8 +41,8 @@ class ActionThreads {
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard_;
   std::mutex mutex_;
   std::condition_variable idle_;
-  std::size_t active_ = 0;   ///< works that run or wait for a thread
-  std::size_t running_ = 0;  ///< works that run
+  std::size_t active_ = 0;   ///< number of posts that run or wait for a thread
+  std::size_t running_ = 0;  ///< number of posts that run
   bool stopping_ = false;
   std::vector<std::thread> threads_;
 };

@@ -4,12 +4,13 @@
 
 namespace Norvik::Host {
 
-/// The two clocks that actions go by: delays count on the steady one, appointments on the time of
-/// day, which may be set while the agent runs. Safe on any thread.
+/// The agent's two clocks: delays use the steady one, appointments the time of day, which may be
+/// set while the agent runs. Safe on any thread.
 class Clock {
  public:
   virtual ~Clock() = default;
 
+  /// The time of day.
   virtual std::chrono::system_clock::time_point Now() const {
     return std::chrono::system_clock::now();
   }

@@ -4,11 +4,11 @@
 
 namespace Norvik::Host {
 
-/// The action system of a host, which gets the actions of schedules from the module.
+/// The action system of a host. The module makes the actions of its schedules.
 class HostActions : public Common::IActionSystem {
  public:
-  /// Before the module runs an action. Until it is set the actions of schedules are refused, and
-  /// logged.
+  /// To be called before the module runs an action. Until then schedules are refused, with a line
+  /// in the log.
   virtual void SetActionFactory(Common::ActionFactory factory) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace {
 using std::chrono::seconds;
 using TimePoint = PeriodicState::TimePoint;
 
-/// Keeps sums within what the clock can hold.
+/// Keeps sums of times within the range of the clock.
 constexpr std::int64_t LARGEST = 4'000'000'000;
 
 std::int64_t SecondsOf(TimePoint time) {

@@ -8,7 +8,7 @@ using namespace Common;
 
 namespace {
 
-/// Calls something at the end of a scope, also if an exception ends it.
+/// Calls a function at the end of a scope, even if an exception ends it.
 class AtEnd {
  public:
   explicit AtEnd(std::function<void()> call) : call_(std::move(call)) {}

@@ -9,14 +9,14 @@
 
 namespace Norvik::Host {
 
-/// Runs actions on an action system in the order in which they come, one at a time, so that they
-/// keep no more than one of its threads busy. Make it by `std::make_shared`. Safe on any thread.
+/// Runs actions on an action system one at a time, in the order in which they are added, so that
+/// they occupy at most one of its threads. Create it with `std::make_shared`. Safe on any thread.
 class SerialActions : public std::enable_shared_from_this<SerialActions> {
  public:
   explicit SerialActions(std::weak_ptr<Common::IActionSystem> system);
 
-  /// @param done called when the action has ended, however it did; not if it never starts because
-  ///             the system has stopped
+  /// @param done called after the action has ended, even by an exception; not called if the action
+  ///             never starts because the system has stopped
   void Add(unsigned int code, Common::ModuleAction action, std::function<void()> done);
 
  private:

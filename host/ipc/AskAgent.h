@@ -7,14 +7,14 @@
 
 namespace Norvik::Host {
 
-/// Nobody answered at the socket. The text names it and says why.
+/// The agent at a socket did not answer. The text names the socket and the reason.
 class NoAnswer : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Puts a request (JSON) to the running agent that serves the socket; its answer (JSON). Raises
-/// `NoAnswer`.
+/// Sends a request to the agent that serves a socket, waits and returns its answer; both are JSON.
+/// Throws `NoAnswer`.
 std::string AskAgent(const boost::filesystem::path& socket, const std::string& request,
                      std::chrono::milliseconds limit = std::chrono::seconds(10));
 

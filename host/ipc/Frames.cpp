@@ -16,7 +16,7 @@ void AppendNumber(std::string& bytes, std::uint32_t number) {
   for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>(number >> shift & 0xFF);
 }
 
-/// The bytes must be there.
+/// The four bytes must exist.
 std::uint32_t NumberAt(const std::string& bytes, std::size_t position) {
   std::uint32_t number = 0;
   for (std::size_t i = 0; i < NUMBER_BYTES; ++i) {

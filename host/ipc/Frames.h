@@ -9,14 +9,14 @@
 
 namespace Norvik::Host {
 
-// What travels over the agent's local socket. A frame is a length of four bytes, then as many bytes
-// as it says: one byte that tells the kind of the frame, and its content. Numbers are in network
+// The protocol of the agent's local socket. A frame is a length of four bytes, followed by that
+// many bytes: one byte for the kind of the frame, then its content. Numbers are in network byte
 // order. Contents:
 //
-//   JOIN     nothing; makes the connection the session of a user's process
+//   JOIN     empty; makes the connection the session of a user's process
 //   MESSAGE  kind (4 bytes, signed), code (4), length of the key (4), key, value; texts are UTF-8
-//   REQUEST  JSON, of an administrator
-//   ANSWER   JSON, to a request
+//   REQUEST  JSON, from an administrator
+//   ANSWER   JSON, the answer to a request
 
 enum class FrameKind : char { JOIN = 'J', MESSAGE = 'M', REQUEST = 'R', ANSWER = 'A' };
 
@@ -25,7 +25,7 @@ struct Frame {
   std::string content;
 };
 
-/// The other end does not speak this protocol. The text says what it did.
+/// The peer violated the protocol. The text says what it did: "sent a frame of 0 bytes".
 class FrameError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -33,27 +33,29 @@ class FrameError : public std::runtime_error {
 
 std::string EncodeFrame(FrameKind kind, const std::string& content);
 
-/// Content of a MESSAGE.
+/// The content of a MESSAGE frame.
 std::string EncodeMessage(const Common::IPCMessage& message);
-/// Raises `FrameError` for a content that is none, or holds texts that are no UTF-8.
+/// Throws `FrameError` if the content is malformed or its texts are not UTF-8.
 Common::IPCMessage DecodeMessage(const std::string& content);
 
-/// Cuts what a stream brings into frames. Holds at most one unfinished frame and what came with it.
+/// Splits the bytes of a stream into frames. Buffers at most one unfinished frame and the bytes
+/// received with it. For one thread.
 class FrameReader {
  public:
-  /// @param limit the largest length that a frame may have
+  /// @param limit the largest length of a frame in bytes
   explicit FrameReader(std::size_t limit) : limit_(limit) {}
 
   void Append(const char* data, std::size_t size);
-  /// The next whole frame. Raises `FrameError` as soon as one cannot be right.
+  /// The next complete frame; empty until it has arrived. Throws `FrameError` as soon as the bytes
+  /// cannot be a frame.
   boost::optional<Frame> Next();
-  /// Whether a frame has begun that has not ended.
+  /// Whether an incomplete frame is buffered.
   bool IsInside() const { return position_ < bytes_.size(); }
 
  private:
   const std::size_t limit_;
   std::string bytes_;
-  std::size_t position_ = 0;  ///< of the first byte that was not handed out
+  std::size_t position_ = 0;  ///< of the first byte that is not part of a returned frame
 };
 
 }  // namespace Norvik::Host

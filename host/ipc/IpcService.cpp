@@ -41,7 +41,7 @@ IpcService::IpcService(const boost::filesystem::path& socket, const ServiceLimit
   try {
     acceptor_.open(endpoint.protocol());
     acceptor_.bind(endpoint);
-    // Everybody may connect: who it is decides what they may do.
+    // Everybody may connect; the user decides what is allowed.
     ::chmod(path_.c_str(), 0666);
     acceptor_.listen();
   } catch (const boost::system::system_error& error) {
@@ -105,7 +105,7 @@ void IpcService::Accept() {
   });
 }
 
-/// When no descriptor is free, for one, the next try would fail at once.
+/// Without a wait, the next attempt would fail at once, for example when no descriptor is free.
 void IpcService::RetryAccept() {
   acceptTimer_.expires_after(ACCEPT_RETRY);
   acceptTimer_.async_wait([this](const error_code& error) {
@@ -132,10 +132,10 @@ void IpcService::Admit(IpcConnection::Socket socket) {
   connections_.insert(connection);
   const auto session = std::make_shared<SessionId>(0);
   connection->Start({[this, raw = connection.get(), session](Frame frame) {
-                       Take(raw->shared_from_this(), *session, std::move(frame));
+                       OnFrame(raw->shared_from_this(), *session, std::move(frame));
                      },
                      [this, raw = connection.get(), session](const std::string& problem) {
-                       Forget(raw->shared_from_this(), *session, problem);
+                       OnClosed(raw->shared_from_this(), *session, problem);
                      }});
 }
 
@@ -170,17 +170,17 @@ void IpcService::Complain(const IpcConnection& connection, const std::string& te
   }
 }
 
-void IpcService::Take(const ConnectionPointer& connection, SessionId& session, Frame frame) {
+void IpcService::OnFrame(const ConnectionPointer& connection, SessionId& session, Frame frame) {
   const std::size_t size = frame.content.size();
   switch (frame.kind) {
     case FrameKind::MESSAGE:
-      // Handled when its action has ended.
-      return TakeMessage(connection, session, frame);
+      // Counts as handled only after its action has ended.
+      return OnMessage(connection, session, frame);
     case FrameKind::JOIN:
       Join(connection, session);
       break;
     case FrameKind::REQUEST:
-      TakeRequest(connection, frame);
+      OnRequest(connection, frame);
       break;
     case FrameKind::ANSWER:
       throw FrameError("sent an answer to a request that nobody made");
@@ -202,8 +202,8 @@ void IpcService::Join(const ConnectionPointer& connection, SessionId& session) {
   }
 }
 
-void IpcService::TakeMessage(const ConnectionPointer& connection, SessionId session,
-                             const Frame& frame) {
+void IpcService::OnMessage(const ConnectionPointer& connection, SessionId session,
+                           const Frame& frame) {
   if (session == 0) throw FrameError("sent a message before it joined");
   IPCMessage message = DecodeMessage(frame.content);
   const auto handled = [weak = std::weak_ptr<IpcConnection>(connection),
@@ -216,11 +216,11 @@ void IpcService::TakeMessage(const ConnectionPointer& connection, SessionId sess
     return events_.onMessage(std::move(message), handled);
   }
   Complain(*connection, "sent the message " + Describe(message) +
-                            ", which is none for the service; it is dropped");
+                            ", which the service does not accept; it is dropped");
   handled();
 }
 
-void IpcService::TakeRequest(const ConnectionPointer& connection, const Frame& frame) {
+void IpcService::OnRequest(const ConnectionPointer& connection, const Frame& frame) {
   if (!IsAdministrator(connection->Peer())) {
     throw FrameError("sent a request, which only root and the user of the service may");
   }
@@ -228,8 +228,8 @@ void IpcService::TakeRequest(const ConnectionPointer& connection, const Frame& f
   connection->Send(EncodeFrame(FrameKind::ANSWER, answer));
 }
 
-void IpcService::Forget(const ConnectionPointer& connection, SessionId session,
-                        const std::string& problem) {
+void IpcService::OnClosed(const ConnectionPointer& connection, SessionId session,
+                          const std::string& problem) {
   if (!problem.empty()) Complain(*connection, problem + "; the connection is closed");
   if (session != 0) {
     const std::lock_guard<std::mutex> lock(mutex_);

@@ -16,44 +16,47 @@
 
 namespace Norvik::Host {
 
-/// What all connections together may take up.
+/// The resources that all connections together may use.
 struct ServiceLimits {
   ConnectionLimits connection;
   std::size_t connections = 256;
   std::size_t connectionsOfUser = 32;
   std::size_t connectionsInMinute = 600;  ///< of one user
   std::size_t complaintsInMinute = 20;    ///< lines in the log about one user
-  std::size_t sessionStartsInMinute = 1;  ///< of one user that are told to `onSession`
+  std::size_t sessionStartsInMinute = 1;  ///< of one user that are reported to `onSession`
 };
 
 /// The service's end of the agent's local socket. Users' processes that join become sessions,
-/// numbered from 1 on; the kernel says who they are. Of their messages only the allowed ones come
-/// in. Administrators (root, and the user of the service) may send requests instead. Whatever else
-/// comes is dropped, with a line in the log that says what and from whom.
+/// numbered from 1; the kernel identifies their users. Only the allowed messages of a session are
+/// passed on. Administrators (root, and the user of the service) may send requests instead.
+/// Anything else is dropped, with a line in the log that says what was sent and by whom. All
+/// methods but `Start` and `Stop` are safe on any thread.
 class IpcService : public Common::ICommunicationIPC {
  public:
   using SessionId = unsigned long long;
 
-  /// All are called on the socket's own thread and must not wait.
+  /// All are called on the socket's own thread and must not block.
   struct Events {
-    /// `handled` is to be called when the message was dealt with, on any thread, while the service
-    /// lives: messages that wait hold back their sender.
+    /// `handled` must be called after the message has been handled, on any thread, while the
+    /// service exists: too many unhandled messages make their sender wait.
     std::function<void(Common::IPCMessage message, std::function<void()> handled)> onMessage;
     std::function<void(SessionId)> onSession;
-    /// Answers a request of an administrator; both are JSON. `from` tells who asks, for logs. Must
-    /// not raise.
+    /// Returns the answer to a request of an administrator; both are JSON. `from` names the sender,
+    /// for logs. Must not throw.
     std::function<std::string(const std::string& request, const std::string& from)> onRequest;
   };
 
-  /// Binds the socket; nobody is let in yet. Raises `std::runtime_error` if another agent serves
-  /// it, or it cannot be made.
+  /// Binds the socket, but accepts no connection yet. Throws `std::runtime_error` if another agent
+  /// serves it or it cannot be created.
   explicit IpcService(const boost::filesystem::path& socket, const ServiceLimits& limits = {});
   IpcService(const IpcService&) = delete;
   IpcService& operator=(const IpcService&) = delete;
   ~IpcService() override;
 
+  /// Accepts connections, on a thread of its own. Once.
   void Start(Events events);
-  /// Ends all connections and removes the socket; no callback runs behind it. Not from a callback.
+  /// Closes all connections and removes the socket. No callback runs after it. Must not be called
+  /// from a callback.
   void Stop();
 
   bool Send(const Common::IPCMessage& message, SessionId session) override;
@@ -62,7 +65,7 @@ class IpcService : public Common::ICommunicationIPC {
  private:
   using Acceptor = boost::asio::local::stream_protocol::acceptor;
   using ConnectionPointer = std::shared_ptr<IpcConnection>;
-  /// What one user has taken up.
+  /// The resources that one user has used.
   struct UserAccount {
     explicit UserAccount(const ServiceLimits& limits);
     std::size_t connections = 0;
@@ -78,11 +81,11 @@ class IpcService : public Common::ICommunicationIPC {
   std::string ReasonToRefuse(UserAccount& account, RateLimit::Verdict opened) const;
   UserAccount& AccountOf(const IpcConnection& connection);
   void Complain(const IpcConnection& connection, const std::string& text);
-  void Take(const ConnectionPointer& connection, SessionId& session, Frame frame);
+  void OnFrame(const ConnectionPointer& connection, SessionId& session, Frame frame);
   void Join(const ConnectionPointer& connection, SessionId& session);
-  void TakeMessage(const ConnectionPointer& connection, SessionId session, const Frame& frame);
-  void TakeRequest(const ConnectionPointer& connection, const Frame& frame);
-  void Forget(const ConnectionPointer& connection, SessionId session, const std::string& problem);
+  void OnMessage(const ConnectionPointer& connection, SessionId session, const Frame& frame);
+  void OnRequest(const ConnectionPointer& connection, const Frame& frame);
+  void OnClosed(const ConnectionPointer& connection, SessionId session, const std::string& problem);
 
   const boost::filesystem::path path_;
   const ServiceLimits limits_;

@@ -55,7 +55,7 @@ bool IpcUser::Send(const IPCMessage& message, unsigned long long session) {
 void IpcUser::Connect() {
   const auto socket = std::make_shared<Socket>(context_);
   socket->async_connect(endpoint_, [this, socket](const boost::system::error_code& error) {
-    if (error) return TryLater(error.message());
+    if (error) return RetryLater(error.message());
     OnConnected(socket);
   });
 }
@@ -63,50 +63,50 @@ void IpcUser::Connect() {
 void IpcUser::OnConnected(const std::shared_ptr<Socket>& socket) {
   const auto peer = Platform::CredentialsOfPeer(socket->native_handle());
   if (!peer || (peer->user != 0 && peer->user != ::geteuid())) {
-    return TryLater("it is served by another user");
+    return RetryLater("it is served by another user");
   }
   const auto connection = std::make_shared<IpcConnection>(std::move(*socket), *peer, limits_);
   connectedAt_ = steady_clock::now();
-  connection->Start({[this](Frame frame) { Take(std::move(frame)); },
-                     [this](const std::string& problem) { Lose(problem); }});
+  connection->Start({[this](Frame frame) { OnFrame(std::move(frame)); },
+                     [this](const std::string& problem) { OnClosed(problem); }});
   connection->Send(EncodeFrame(FrameKind::JOIN, ""));
   NORVIK_INFORMATION(boost::format("Connected to the service at %1%") % path_.string());
-  told_ = false;
+  reported_ = false;
   const std::lock_guard<std::mutex> lock(mutex_);
   connection_ = connection;
 }
 
-void IpcUser::Take(Frame frame) {
-  if (frame.kind != FrameKind::MESSAGE) throw FrameError("sent what is no message");
+void IpcUser::OnFrame(Frame frame) {
+  if (frame.kind != FrameKind::MESSAGE) throw FrameError("sent a frame that is no message");
   IPCMessage message = DecodeMessage(frame.content);
   const auto handled = [weak = std::weak_ptr<IpcConnection>(Connection()),
                         size = frame.content.size()] {
     if (const auto alive = weak.lock()) alive->Handled(size);
   };
   if (IsAllowed(Receiver::USER, message)) return onMessage_(std::move(message), handled);
-  NORVIK_WARNING(boost::format("The service sent the message %1%, which is none for a user; it is "
-                               "dropped") %
+  NORVIK_WARNING(boost::format("The service sent the message %1%, which a user's process does not "
+                               "accept; it is dropped") %
                  Describe(message));
   handled();
 }
 
-void IpcUser::Lose(const std::string& problem) {
+void IpcUser::OnClosed(const std::string& problem) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     connection_.reset();
   }
-  // A service that lets nobody in ends each connection at once.
+  // A service that refuses this user closes each connection at once: the wait keeps growing then.
   if (steady_clock::now() - connectedAt_ > waits_.longest) wait_ = waits_.first;
-  TryLater(problem.empty() ? "the connection ended" : "the service " + problem);
+  RetryLater(problem.empty() ? "the connection ended" : "the service " + problem);
 }
 
-void IpcUser::TryLater(const std::string& reason) {
-  if (!std::exchange(told_, true)) {
-    NORVIK_WARNING(boost::format("The service at %1% does not answer: %2%; tried again with "
+void IpcUser::RetryLater(const std::string& reason) {
+  if (!std::exchange(reported_, true)) {
+    NORVIK_WARNING(boost::format("The service at %1% does not answer: %2%; it is tried again after "
                                  "growing waits") %
                    path_.string() % reason);
   }
-  // Not all users' processes of a machine at the same moment.
+  // Spread out, so that the users' processes of a machine do not all connect at once.
   std::uniform_int_distribution<milliseconds::rep> spread(wait_.count() * 3 / 4, wait_.count());
   timer_.expires_after(milliseconds(spread(random_)));
   timer_.async_wait([this](const boost::system::error_code& error) {

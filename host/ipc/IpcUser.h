@@ -15,31 +15,33 @@
 
 namespace Norvik::Host {
 
-/// How long a user's process waits for a service that does not answer: ever longer.
+/// How long a user's process waits between its attempts to connect; each wait doubles the last.
 struct ReconnectWaits {
   std::chrono::milliseconds first{1000};
   std::chrono::milliseconds longest{60'000};
 };
 
-/// A user's end of the agent's local socket. Connects to the service, and again whenever the
-/// service went away. Takes only what is allowed, and only from a service of root or of this user.
+/// A user's end of the agent's local socket. Connects to the service, and reconnects whenever the
+/// connection is lost. Accepts only allowed messages, and only from a service that runs as root or
+/// as this user. All methods but `Start` and `Stop` are safe on any thread.
 class IpcUser : public Common::ICommunicationIPC {
  public:
-  /// The session that stands for the service.
+  /// The session number that stands for the service.
   static constexpr unsigned long long SERVICE = 0;
 
-  /// Called on the connection's own thread and must not wait; `handled` as in `IpcService`.
+  /// Called on the connection's own thread and must not block; `handled` as in `IpcService`.
   using OnMessage = std::function<void(Common::IPCMessage message, std::function<void()> handled)>;
 
-  /// Raises `std::runtime_error` for a path that cannot be one of a socket.
+  /// Throws `std::runtime_error` for a path that is too long for a socket.
   explicit IpcUser(const boost::filesystem::path& socket, const ReconnectWaits& waits = {},
                    const ConnectionLimits& limits = {});
   IpcUser(const IpcUser&) = delete;
   IpcUser& operator=(const IpcUser&) = delete;
   ~IpcUser() override;
 
+  /// Connects, on a thread of its own. Once.
   void Start(OnMessage onMessage);
-  /// No callback runs behind it. Not from a callback.
+  /// Closes the connection. No callback runs after it. Must not be called from a callback.
   void Stop();
 
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;
@@ -51,9 +53,9 @@ class IpcUser : public Common::ICommunicationIPC {
 
   void Connect();
   void OnConnected(const std::shared_ptr<Socket>& socket);
-  void Take(Frame frame);
-  void Lose(const std::string& problem);
-  void TryLater(const std::string& reason);
+  void OnFrame(Frame frame);
+  void OnClosed(const std::string& problem);
+  void RetryLater(const std::string& reason);
   std::shared_ptr<IpcConnection> Connection();
 
   const boost::filesystem::path path_;
@@ -66,7 +68,7 @@ class IpcUser : public Common::ICommunicationIPC {
   std::minstd_rand random_{std::random_device{}()};
   std::chrono::milliseconds wait_;
   std::chrono::steady_clock::time_point connectedAt_;
-  bool told_ = false;  ///< that the service does not answer
+  bool reported_ = false;  ///< the log says that the service does not answer
 
   std::mutex mutex_;
   std::shared_ptr<IpcConnection> connection_;

@@ -5,11 +5,11 @@
 
 namespace Norvik::Host {
 
-/// Lets something happen a number of times within each span of time. Not synchronised.
+/// Allows something a number of times within each span of time. For one thread.
 class RateLimit {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
-  /// The first refusal of a span stands out, so that a flood leaves one line in the log.
+  /// The first refusal of a span is marked, so that a flood leaves one line in the log.
   enum class Verdict { ALLOWED, FIRST_REFUSED, REFUSED };
 
   RateLimit(std::size_t times, std::chrono::seconds span) : times_(times), span_(span) {}
@@ -27,7 +27,7 @@ class RateLimit {
  private:
   std::size_t times_;
   std::chrono::seconds span_;
-  std::size_t count_ = 0;  ///< in this span; stands still two behind the limit
+  std::size_t count_ = 0;  ///< in this span; stops at two more than allowed
   TimePoint start_{};
 };
 

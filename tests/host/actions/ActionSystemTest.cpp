@@ -94,7 +94,7 @@ struct ActionsUnderTest {
   /// Lets the time pass; answers how often the action ran since the last time that it was asked.
   int RunsWithin(long time) {
     clock_->Move(seconds(time));
-    system_->LookAtClock();
+    system_->CheckClock();
     system_->WaitIdle();
     return runs_.exchange(0);
   }
@@ -171,7 +171,7 @@ struct Timetable : StepsTest, ActionsUnderTest {
     Verb("schedule", [this](long period, long next) {
       system_->AddSchedule({"task-1", CODE, {}, {period, START + next}});
     });
-    Verb("restart behind", &ActionsUnderTest::Restart);
+    Verb("restart after", &ActionsUnderTest::Restart);
     Verb("set clock", [this](long time) { clock_->SetTimeOfDay(START + time); });
     Verb("store", [this](const std::string& state) { Data().SetString(KEY, state); });
     Verb("resume", [this] {
@@ -227,7 +227,7 @@ TEST_F(ActionSystemTest, RunsOfOneActionDoNotOverlap) {
   first.WaitForStart();
   for (int i = 0; i < 5; ++i) {
     clock_->Move(seconds(PERIOD));
-    system_->LookAtClock();
+    system_->CheckClock();
   }
   first.LetGo();
   system_->WaitIdle();
