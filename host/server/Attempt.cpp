@@ -15,14 +15,14 @@ namespace {
 using Common::OnOneLine;
 using Result = Attempt::Result;
 
-/// Of those in the four hundreds that speak of the agent or of the server's state and not of what
-/// was sent: unauthorized, request timeout, too early, too many requests.
-constexpr long OF_THE_MOMENT[] = {401, 408, 425, 429};
+/// The 4xx statuses that concern the agent or the server's state and not what was sent:
+/// unauthorized, request timeout, too early, too many requests.
+constexpr long TEMPORARY[] = {401, 408, 425, 429};
 
 Result ResultOf(long status) {
-  const bool ofTheMoment = std::find(std::begin(OF_THE_MOMENT), std::end(OF_THE_MOMENT), status) !=
-                           std::end(OF_THE_MOMENT);
-  return status >= 400 && status < 500 && !ofTheMoment ? Result::Refused : Result::ServerFailed;
+  const bool isTemporary =
+      std::find(std::begin(TEMPORARY), std::end(TEMPORARY), status) != std::end(TEMPORARY);
+  return status >= 400 && status < 500 && !isTemporary ? Result::Refused : Result::ServerFailed;
 }
 
 }  // namespace

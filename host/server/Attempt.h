@@ -10,21 +10,22 @@
 
 namespace Norvik::Host {
 
-/// What became of something that was sent to be kept by the server.
+/// The outcome of sending something that the server has to store.
 struct Attempt {
   enum class Result {
     Acknowledged,
-    Refused,       ///< the server works, but does not take just this
-    ServerFailed,  ///< nothing else would fare better now
+    Refused,       ///< the server works, but does not accept this item
+    ServerFailed,  ///< any other item would fail now, too
   };
 
   Result result = Result::Acknowledged;
-  std::string reason;  ///< why not, as "answered 500"
-  boost::optional<std::chrono::seconds> retryAfter;
+  std::string reason;  ///< of a failure, without a subject: "answered 500"
+  boost::optional<std::chrono::seconds> retryAfter;  ///< the wait that the server requests
 };
 
-/// @param acknowledges whether the body of an answer says that the server has what was sent; may
-///        raise what a missing or wrong value raises
+/// The outcome that an answer reports.
+/// @param acknowledges returns whether the body of a successful answer says that the server has
+///        stored what was sent; may throw for a missing or invalid value
 Attempt AttemptOf(const HttpAnswer& answer,
                   const std::function<bool(const boost::property_tree::ptree&)>& acknowledges);
 

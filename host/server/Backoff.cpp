@@ -15,17 +15,18 @@ void Backoff::Succeeded() {
   next_ = TimePoint::min();
 }
 
-milliseconds Backoff::Failed(boost::optional<std::chrono::seconds> asked) {
+milliseconds Backoff::Failed(boost::optional<std::chrono::seconds> requested) {
   const auto between = [this](milliseconds low, milliseconds high) {
     return milliseconds(
         std::uniform_int_distribution<milliseconds::rep>(low.count(), high.count())(random_));
   };
   constexpr int MOST_DOUBLINGS = 20;
   milliseconds wait;
-  if (asked) {
-    // Compared as seconds: a server may ask for more than milliseconds can count.
-    const bool tooLong = std::chrono::duration<double>(*asked) > limits_.longestServerWait;
-    wait = tooLong ? limits_.longestServerWait : std::max<milliseconds>(*asked, limits_.firstWait);
+  if (requested) {
+    // Compared as seconds: a server may request more than milliseconds can count.
+    const bool tooLong = std::chrono::duration<double>(*requested) > limits_.longestServerWait;
+    wait =
+        tooLong ? limits_.longestServerWait : std::max<milliseconds>(*requested, limits_.firstWait);
     wait = between(wait, wait + wait / 10);
   } else {
     const int doublings = std::min(failures_, MOST_DOUBLINGS);

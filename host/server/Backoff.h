@@ -10,24 +10,25 @@
 
 namespace Norvik::Host {
 
-/// When something that fails may be tried again: behind each failure the wait doubles up to a
-/// limit, and a random part of it, up to a half, is left out, so that the agents of a server that
-/// comes back do not come all at once. Not for two threads at once.
+/// Decides when something that failed may be tried again. The wait doubles with each failure up to
+/// a limit, and is shortened at random by up to a half, so that the agents of a server do not all
+/// return at once after an outage. For one thread.
 class Backoff {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
   Backoff(const ServerLimits& limits, std::shared_ptr<const Clock> clock);
 
-  /// Nothing forbids a try now.
+  /// Whether an attempt is allowed now.
   bool IsDue() const { return clock_->Steady() >= next_; }
+  /// When the next attempt is allowed.
   TimePoint Next() const { return next_; }
 
   void Succeeded();
-  /// @param asked the wait that the server asks for; counts instead of the own one, within limits,
-  ///        and gets longer by up to a tenth
-  /// @return the wait
-  std::chrono::milliseconds Failed(boost::optional<std::chrono::seconds> asked);
+  /// @param requested the wait that the server requests; replaces the calculated one, within
+  ///        limits, and is extended at random by up to a tenth
+  /// @return the wait until the next attempt
+  std::chrono::milliseconds Failed(boost::optional<std::chrono::seconds> requested);
 
  private:
   const ServerLimits limits_;

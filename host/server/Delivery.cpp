@@ -36,8 +36,8 @@ Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> 
 
 Delivery::TimePoint Delivery::Round() {
   files_.NumberNewFiles();
-  const bool may = !stopped_ && server_.IsDue() && HasWork();
-  if (may && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
+  const bool isAllowed = !stopped_ && server_.IsDue() && HasWork();
+  if (isAllowed && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
   return stopped_ ? TimePoint::max() : NextTry();
 }
 
@@ -77,7 +77,7 @@ bool Delivery::SendStatuses(HttpClient& client) {
   return false;
 }
 
-/// Whether the round may go on. A stop of the agent is no failure of the server.
+/// Returns whether the round may continue. A stop of the agent is no failure of the server.
 bool Delivery::Record(const std::string& kind, const std::string& what, const Attempt& attempt) {
   if (attempt.result == Attempt::Result::Acknowledged) {
     NORVIK_DETAIL(boost::format("The server %1% has %2%") % session_->Origin() % what);

@@ -15,10 +15,10 @@
 
 namespace Norvik::Host {
 
-/// Brings to the server what waits for it: first the states of tasks, then the files of the outbox,
-/// the oldest first. Nothing is deleted before the server has acknowledged just that. A failure of
-/// the server ends the round; what the server refuses, and what is of the same kind and may build
-/// on it, waits alone. Each failure is logged with one line.
+/// Sends to the server what waits for it: first the states of tasks, then the files of the outbox,
+/// oldest first. Each item is deleted only after the server has acknowledged it. A failure of the
+/// server ends the round. An item that the server refuses delays only items of its kind, since they
+/// may build on it. Each failure is logged in one line.
 class Delivery {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
@@ -27,16 +27,16 @@ class Delivery {
   Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> session,
            std::shared_ptr<StatusQueue> queue, const std::atomic<bool>& stopped);
 
-  /// Delivers what may be delivered now. Not for two threads at once.
-  /// @return when there is more to do; `TimePoint::max()`: not before something new comes
+  /// Delivers what may be delivered now. Must not run on two threads at once.
+  /// @return when to call it again; `TimePoint::max()`: not before something new waits
   TimePoint Round();
 
-  // The rest is safe on any thread, beside a round too.
+  // The other methods are safe on any thread, also during a round.
 
-  /// Gives new files of the outbox names that no later one takes.
-  void TakeNewFiles() { files_.Number(); }
-  /// Sends the states of tasks that wait, on a client of the caller. A failure is logged.
-  /// @return none waits
+  /// Gives new files of the outbox unique names, so that no later file replaces them.
+  void NumberNewFiles() { files_.NumberNewFiles(); }
+  /// Sends the waiting states of tasks with the caller's client. A failure is logged.
+  /// @return whether all were sent
   bool SendStatuses(HttpClient& client);
 
  private:

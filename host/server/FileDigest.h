@@ -8,14 +8,14 @@
 
 namespace Norvik::Host {
 
-/// What tells a file's content from any other.
+/// Identifies the content of a file.
 struct FileDigest {
   std::uint64_t size = 0;
   std::string sha256;  ///< 64 hexadecimal digits, in lower case
 };
 
-/// Reads the file from its beginning, and leaves it there. Raises `std::system_error`, and
-/// `std::runtime_error` as soon as `stopped` is set.
+/// Reads the whole file, and sets its position back to the beginning. Throws `std::system_error` if
+/// that fails, and `std::runtime_error` as soon as `stopped` is set.
 FileDigest DigestOf(const Platform::FileDescriptor& file, const std::atomic<bool>& stopped);
 
 }  // namespace Norvik::Host

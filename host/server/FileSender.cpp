@@ -22,7 +22,7 @@ namespace fs = boost::filesystem;
 
 constexpr char NOT_SEALED[] = "is not given the file: it is not sealed";
 
-/// A name as a header carries it: all but letters, digits and "-._" as %XX.
+/// Encodes a name for a header: everything but letters, digits and "-._" as %XX.
 std::string PercentEncoded(const std::string& text) {
   static constexpr char HEX[] = "0123456789ABCDEF";
   static constexpr char PLAIN[] = "-._";
@@ -48,7 +48,7 @@ FileSender::FileSender(std::shared_ptr<ServerSession> session, const std::atomic
 Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
   try {
     if (!fs::exists(file.path)) return {};
-    // A run that could not seal its document, for want of a sound key, leaves a plain one.
+    // A run without a valid key cannot seal its document and leaves it in plain text.
     if (!Common::IsSealedFile(file.path))
       return {Attempt::Result::Refused, NOT_SEALED, boost::none};
     const auto opened = Platform::OpenRegularFile(file.path.string());

@@ -9,10 +9,10 @@
 
 namespace Norvik::Host {
 
-/// Sends a file of the outbox, from the disk, and deletes it once the server has acknowledged its
-/// size and its checksum. A file that is gone counts as acknowledged; one that is not sealed, or
-/// cannot be read or deleted, as refused. Memory does not grow with the file. Not for two threads
-/// at once.
+/// Sends a file of the outbox from the disk, and deletes it after the server has acknowledged its
+/// size and checksum. A file that no longer exists counts as acknowledged; one that is not sealed,
+/// or cannot be read or deleted, counts as refused. Memory does not grow with the file. For one
+/// thread.
 class FileSender {
  public:
   /// @param stopped ends the sending of a file; must outlive the sender

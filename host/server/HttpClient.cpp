@@ -23,7 +23,7 @@ constexpr std::size_t LONGEST_HEADERS = 64 << 10;
 constexpr std::size_t LONGEST_FAILURE = 300;
 constexpr long SLOWEST_BYTES_PER_SECOND = 1024;
 
-/// libcurl wants to be set up once, before any thread uses it.
+/// libcurl must be initialised once, before any thread uses it.
 struct CurlLibrary {
   CurlLibrary() {
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
@@ -62,7 +62,7 @@ class HeaderList {
   curl_slist* list_ = nullptr;
 };
 
-/// One request on its way, as the callbacks of libcurl see it.
+/// The request that is being sent, as the callbacks of libcurl see it.
 struct Transfer {
   Transfer(const HttpRequest& sent, const std::atomic<bool>& stop, std::size_t limit)
       : request(sent), stopped(stop), answerLimit(limit), fileLeft(sent.fileSize) {
@@ -79,9 +79,9 @@ struct Transfer {
   std::string failure;  ///< why a callback ended the transfer
 };
 
-// No exception may pass through libcurl, so each callback tells its failure by its result.
+// No exception may pass through libcurl, so each callback reports a failure by its return value.
 
-std::size_t TakeAnswer(char* data, std::size_t /*one*/, std::size_t size, void* context) {
+std::size_t ReceiveBody(char* data, std::size_t /*one*/, std::size_t size, void* context) {
   auto& transfer = *static_cast<Transfer*>(context);
   if (transfer.answer.size() + size > transfer.answerLimit) {
     transfer.failure = "the answer is longer than any should be";
@@ -91,7 +91,7 @@ std::size_t TakeAnswer(char* data, std::size_t /*one*/, std::size_t size, void* 
   return size;
 }
 
-std::size_t TakeHeader(char* /*data*/, std::size_t /*one*/, std::size_t size, void* context) {
+std::size_t ReceiveHeader(char* /*data*/, std::size_t /*one*/, std::size_t size, void* context) {
   auto& transfer = *static_cast<Transfer*>(context);
   transfer.headerBytes += size;
   if (transfer.headerBytes <= LONGEST_HEADERS) return size;
@@ -99,7 +99,7 @@ std::size_t TakeHeader(char* /*data*/, std::size_t /*one*/, std::size_t size, vo
   return 0;
 }
 
-std::size_t GiveFile(char* buffer, std::size_t /*one*/, std::size_t size, void* context) {
+std::size_t ReadFile(char* buffer, std::size_t /*one*/, std::size_t size, void* context) {
   auto& transfer = *static_cast<Transfer*>(context);
   try {
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, transfer.fileLeft));
@@ -113,7 +113,7 @@ std::size_t GiveFile(char* buffer, std::size_t /*one*/, std::size_t size, void* 
   return CURL_READFUNC_ABORT;
 }
 
-/// A connection that had been kept open may prove dead, and the request begins again on another.
+/// A kept connection may turn out to be dead; the request then starts again on another one.
 int SeekFile(void* context, curl_off_t offset, int origin) {
   auto& transfer = *static_cast<Transfer*>(context);
   if (origin != SEEK_SET || offset < 0) return CURL_SEEKFUNC_CANTSEEK;
@@ -123,7 +123,7 @@ int SeekFile(void* context, curl_off_t offset, int origin) {
   return CURL_SEEKFUNC_OK;
 }
 
-int LookWhetherStopped(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+int CheckStopped(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
   auto& transfer = *static_cast<Transfer*>(context);
   if (!transfer.stopped) return 0;
   transfer.failure = "the agent stops";
@@ -135,14 +135,15 @@ void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
   Set(handle, CURLOPT_URL, url.c_str());
   Set(handle, CURLOPT_PROTOCOLS_STR, scheme.c_str());
   Set(handle, CURLOPT_FOLLOWLOCATION, 0L);
-  // The environment of a service is no configuration.
+  // Ignore proxies from the environment: a service is configured by its configuration only.
   Set(handle, CURLOPT_PROXY, "");
   Set(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   Set(handle, CURLOPT_SSL_VERIFYPEER, 1L);
   Set(handle, CURLOPT_SSL_VERIFYHOST, 2L);
   if (caFile.empty()) return;
   Set(handle, CURLOPT_CAINFO, caFile.c_str());
-  // A folder of the system's authorities would count beside the file; not every build has one.
+  // The system's folder of authorities would be trusted, too. The option may be unsupported, so
+  // its result is ignored.
   curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
 }
 
@@ -161,7 +162,7 @@ void SetBody(CURL* handle, Transfer& transfer) {
   if (request.file) {
     Set(handle, CURLOPT_UPLOAD, 1L);
     Set(handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(request.fileSize));
-    Set(handle, CURLOPT_READFUNCTION, GiveFile);
+    Set(handle, CURLOPT_READFUNCTION, ReadFile);
     Set(handle, CURLOPT_READDATA, static_cast<void*>(&transfer));
     Set(handle, CURLOPT_SEEKFUNCTION, SeekFile);
     Set(handle, CURLOPT_SEEKDATA, static_cast<void*>(&transfer));
@@ -173,12 +174,12 @@ void SetBody(CURL* handle, Transfer& transfer) {
 }
 
 void SetCallbacks(CURL* handle, Transfer& transfer) {
-  Set(handle, CURLOPT_WRITEFUNCTION, TakeAnswer);
+  Set(handle, CURLOPT_WRITEFUNCTION, ReceiveBody);
   Set(handle, CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
-  Set(handle, CURLOPT_HEADERFUNCTION, TakeHeader);
+  Set(handle, CURLOPT_HEADERFUNCTION, ReceiveHeader);
   Set(handle, CURLOPT_HEADERDATA, static_cast<void*>(&transfer));
   Set(handle, CURLOPT_NOPROGRESS, 0L);
-  Set(handle, CURLOPT_XFERINFOFUNCTION, LookWhetherStopped);
+  Set(handle, CURLOPT_XFERINFOFUNCTION, CheckStopped);
   Set(handle, CURLOPT_XFERINFODATA, static_cast<void*>(&transfer));
 }
 
@@ -254,7 +255,7 @@ HttpAnswer HttpClient::Send(const HttpRequest& request) {
     SetCallbacks(handle, transfer);
     Set(handle, CURLOPT_HTTPHEADER, headers.Get());
     answer = Perform(handle, transfer);
-    // Nothing that the handle keeps may point to what ends here.
+    // The handle must not keep pointers to objects of this scope.
     curl_easy_reset(handle);
   } catch (const std::runtime_error& error) {
     answer.failure = error.what();

@@ -15,40 +15,40 @@ namespace Norvik::Host {
 
 /// A request. Its body is a text or a file.
 struct HttpRequest {
-  std::string method;  ///< "POST" or "PUT"
-  std::string path;    ///< from the first slash on, ready to be sent
-  std::vector<std::string> headers;
-  std::string body;
-  /// Sent from its present position on; it must have `fileSize` bytes from there. Null: no file.
+  std::string method;                ///< "POST" or "PUT"
+  std::string path;                  ///< begins with a slash; percent-encoded
+  std::vector<std::string> headers;  ///< "Name: value"
+  std::string body;                  ///< not used if there is a file
+  /// Not owned; sent from its current position, from which it must have `fileSize` bytes. Null: no
+  /// file.
   const Platform::FileDescriptor* file = nullptr;
   std::uint64_t fileSize = 0;
 };
 
-/// What came back.
 struct HttpAnswer {
-  long status = 0;  ///< 0: there was no whole answer
+  long status = 0;  ///< 0: no complete answer arrived
   std::string body;
-  boost::optional<std::chrono::seconds> retryAfter;
-  std::string failure;  ///< why there was no whole answer
+  boost::optional<std::chrono::seconds> retryAfter;  ///< the wait that the server requests
+  std::string failure;                               ///< why no complete answer arrived
 
   bool IsSuccess() const { return status >= 200 && status < 300; }
-  /// On one line, without the body: "answered 500", or the failure.
+  /// One line without the body: "answered 500" or "gave no answer (...)".
   std::string Text() const;
 };
 
-/// Sends requests to one server and bounds what it may do: its certificate is checked, it is never
-/// followed elsewhere, its time and the size of its answer are limited. Keeps connections open from
-/// one request to the next. Not for two threads at once.
+/// Sends requests to one server within limits: its certificate is verified, redirects are not
+/// followed, and the time and the size of its answer are limited. Keeps connections open between
+/// requests. For one thread.
 class HttpClient {
  public:
-  /// @param stopped ends a request that runs within a second, and every later one at once; must
+  /// @param stopped ends a running request within a second, and every later one at once; must
   ///        outlive the client
   HttpClient(const ServerOptions& options, const std::atomic<bool>& stopped);
   HttpClient(const HttpClient&) = delete;
   HttpClient& operator=(const HttpClient&) = delete;
   ~HttpClient();
 
-  /// Never raises but `std::bad_alloc`.
+  /// Waits for the answer. Throws only `std::bad_alloc`: a failure is part of the answer.
   HttpAnswer Send(const HttpRequest& request);
 
  private:

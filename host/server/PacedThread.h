@@ -11,13 +11,13 @@
 
 namespace Norvik::Host {
 
-/// A thread that does one piece of work over and over: when it is woken, and when the work itself
-/// wants to be done again. Sleeps in between. Safe on any thread.
+/// A thread that repeats one piece of work: when it is woken, and at the time that the work itself
+/// requests. Sleeps in between. Safe on any thread.
 class PacedThread {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
-  /// Answers when it is to be done next; `TimePoint::max()`: not before it is woken. What it raises
-  /// is logged and counts as that.
+  /// Returns the time of its next run; `TimePoint::max()`: not before the thread is woken. An
+  /// exception is logged and has the same effect.
   using Work = std::function<TimePoint()>;
 
   PacedThread(Work work, std::shared_ptr<const Clock> clock);
@@ -25,11 +25,11 @@ class PacedThread {
   PacedThread& operator=(const PacedThread&) = delete;
   ~PacedThread();
 
-  /// Begins with doing the work. Once.
+  /// Starts the thread, which runs the work at once. Has an effect only the first time.
   void Start();
-  /// Has the work done (again) as soon as the thread is free. Nothing before `Start`.
+  /// Runs the work again as soon as the thread is free. Has no effect before `Start`.
   void Wake();
-  /// Waits for work that runs; none is done afterwards. Not from inside the work.
+  /// Waits for work that runs; none runs afterwards. Must not be called from inside the work.
   void Stop();
 
  private:

@@ -35,8 +35,8 @@ ServerLink::ServerLink(const ServerOptions& options)
       session_(std::make_shared<ServerSession>(options, stopped_)),
       delivery_(options, session_, statuses_, stopped_),
       thread_([this] { return delivery_.Round(); }, options.clock) {
-  // What another process has left must not be replaced by what this one makes.
-  delivery_.TakeNewFiles();
+  // Files that another process has left must not be replaced by those of this one.
+  delivery_.NumberNewFiles();
 }
 
 ServerLink::~ServerLink() { Stop(); }
@@ -61,7 +61,7 @@ bool ServerLink::SendStatuses() {
 bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& response) {
   NORVIK_SCOPE();
   const bool forTasks = IsForTasks(request);
-  // A task whose state the server does not know yet would be given out once more.
+  // The server would send a task again whose state it does not know yet.
   if (forTasks && !SendStatuses()) return false;
   try {
     const auto client = session_->NewClient();
@@ -85,7 +85,7 @@ void ServerLink::ReportTaskStatus(const TaskResponseInfo& status) {
 
 void ServerLink::NewFileOnOutbox() {
   if (!started_) return;
-  delivery_.TakeNewFiles();
+  delivery_.NumberNewFiles();
   thread_.Wake();
 }
 

@@ -12,33 +12,33 @@
 
 namespace Norvik::Host {
 
-/// The road to the management server, over HTTPS, as docs/server-protocol.md describes it. Belongs
-/// into the service alone: one for a data folder. Safe on any thread.
+/// The connection to the management server over HTTPS, as docs/server-protocol.md describes it.
+/// At most one per data folder, in the service. Safe on any thread.
 ///
-/// Questions are asked on the thread that asks, also before `Start`. States of tasks wait in a file
-/// of the data folder; they and the files of the outbox are delivered between `Start` and `Stop`,
-/// by a thread that sleeps while there is nothing to do.
+/// Questions are sent on the caller's thread, also before `Start`. States of tasks wait in a file
+/// of the data folder; between `Start` and `Stop` they and the files of the outbox are delivered by
+/// a thread that sleeps while there is nothing to do.
 class ServerLink : public Common::ICommunicationSystem {
  public:
-  /// Sends nothing. Raises a subclass of `std::exception` if the states that wait cannot be read.
+  /// Sends nothing. Throws a subclass of `std::exception` if the waiting states cannot be read.
   explicit ServerLink(const ServerOptions& options);
   ServerLink(const ServerLink&) = delete;
   ServerLink& operator=(const ServerLink&) = delete;
   ~ServerLink() override;
 
-  /// Begins the delivery, with what waits already.
+  /// Starts the delivery, including what already waits.
   void Start();
-  /// Ends the delivery, and every question that is on its way, without waiting for the server; what
-  /// is not acknowledged stays. From then on questions find no answer. Final.
+  /// Ends the delivery and every pending question without waiting for the server. Items that are
+  /// not acknowledged stay. Later questions fail. Final.
   void Stop();
-  /// Sends the states that wait, on this thread, for a process that never starts the delivery.
-  /// False if some still wait.
+  /// Sends the waiting states on this thread, for a process that never starts the delivery. False
+  /// if some still wait.
   bool SendStatuses();
 
-  /// A failure is logged with one line.
+  /// Sends a question and waits for the answer. False after a failure, which is logged in one line.
   bool ProcessMessage(const Common::IRestRequest& request,
                       Common::IRestResponse& response) override;
-  /// A state that belongs to no task of the server is left out.
+  /// Ignores a state that belongs to no task of the server.
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
   void NewFileOnOutbox() override;
 

@@ -14,25 +14,24 @@
 
 namespace Norvik::Host {
 
-/// What no server may exceed, however it behaves, and how it is spared when it fails.
+/// Limits for any server, and the waits after its failures.
 struct ServerLimits {
   std::chrono::milliseconds connect{15'000};
-  /// For a request and its answer; the body of a file adds the time that it takes at
-  /// `bytesPerSecond`.
+  /// For a request and its answer. A file adds the time that it takes at `bytesPerSecond`.
   std::chrono::milliseconds request{60'000};
   std::size_t bytesPerSecond = 4096;
   std::size_t answerBytes = 1 << 20;
 
-  std::chrono::milliseconds firstWait{10'000};  ///< behind a failure; doubles with each further one
+  std::chrono::milliseconds firstWait{10'000};  ///< after a failure; doubles with each further one
   std::chrono::milliseconds longestWait{std::chrono::hours(1)};
   std::chrono::milliseconds longestServerWait{std::chrono::hours(24)};  ///< of `Retry-After`
 };
 
-/// What the road to a server is made from.
+/// How a connection to a server is made.
 struct ServerOptions {
-  std::string address;  ///< a name, an IPv4 or an IPv6 address
+  std::string address;  ///< a host name, an IPv4 or an IPv6 address
   std::uint16_t port = 443;
-  /// "https". Tests have "http"; no configuration leads there.
+  /// "https". Only tests use "http"; no configuration can.
   std::string scheme = "https";
   boost::filesystem::path caFile;  ///< PEM; empty: the certificates that the system trusts
   boost::filesystem::path dataFolder;
@@ -42,11 +41,11 @@ struct ServerOptions {
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 
-  /// As "https://mgmt.example.com:443".
+  /// "https://mgmt.example.com:443"
   std::string Origin() const;
 };
 
-/// What a configuration says of the server; the rest is left for the caller. Without an address
+/// The options that a configuration sets; the caller sets the others. An empty address means that
 /// there is no server.
 ServerOptions ServerOptionsOf(const Common::CommunicationsInfo& configuration);
 

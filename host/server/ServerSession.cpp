@@ -24,7 +24,7 @@ constexpr long NOT_YET = 202;
 constexpr std::size_t SHORTEST_TOKEN = 16;
 constexpr std::size_t LONGEST_TOKEN = 512;
 
-/// It goes into a header as it is.
+/// A token is sent in a header without encoding.
 bool IsToken(const std::string& text) {
   const auto isVisible = [](char c) { return c > 0x20 && c < 0x7F; };
   return text.size() >= SHORTEST_TOKEN && text.size() <= LONGEST_TOKEN &&
@@ -71,18 +71,18 @@ HttpAnswer ServerSession::Post(HttpClient& client, const std::string& resource,
   return Send(client, resource, JsonRequest("POST", body));
 }
 
-void ServerSession::TakeOn(const HttpAnswer& answer, const Identity& identity) {
-  if (answer.status == NOT_YET) throw std::runtime_error("it has still to decide");
+void ServerSession::FinishEnrolment(const HttpAnswer& answer, const Identity& identity) {
+  if (answer.status == NOT_YET) throw std::runtime_error("it has not decided yet");
   if (!answer.IsSuccess()) throw std::runtime_error("it " + answer.Text());
   const auto body = ParseAnswerBody(answer.body);
-  // A page that some box on the way puts in front of the net may well answer 200.
+  // The login page of a captive portal may answer 200, too.
   if (body.get("identifier", "") != identity.identifier) {
     throw std::runtime_error("its answer does not name the agent");
   }
   const std::string token = body.get("token", identity.token);
-  if (!IsToken(token)) throw std::runtime_error("the token in its answer is none");
+  if (!IsToken(token)) throw std::runtime_error("the token in its answer is invalid");
   options_.identity->Acknowledge(Origin(), token);
-  NORVIK_INFORMATION(boost::format("The server %1% has taken on this agent") % Origin());
+  NORVIK_INFORMATION(boost::format("The server %1% has enrolled this agent") % Origin());
 }
 
 bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::seconds>& retryAfter) {
@@ -92,11 +92,11 @@ bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::secon
   const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody()));
   retryAfter = answer.retryAfter;
   try {
-    TakeOn(answer, identity);
+    FinishEnrolment(answer, identity);
     return true;
   } catch (const std::exception& error) {
     if (!stopped_) {
-      NORVIK_WARNING(boost::format("The server %1% has not taken on this agent: %2%") % Origin() %
+      NORVIK_WARNING(boost::format("The server %1% has not enrolled this agent: %2%") % Origin() %
                      error.what());
     }
   }

@@ -12,8 +12,8 @@
 
 namespace Norvik::Host {
 
-/// This agent at its server: who it is there, and whether the server has taken it on. Safe on any
-/// thread.
+/// The requests of this agent to its server, under its identity, and its enrolment there. Safe on
+/// any thread.
 class ServerSession {
  public:
   /// @param stopped must outlive the session
@@ -23,19 +23,19 @@ class ServerSession {
   std::unique_ptr<HttpClient> NewClient() const;
   std::string Origin() const { return options_.Origin(); }
 
-  /// Has the server take on the agent, unless it did so already. A failure is logged.
-  /// @param retryAfter the wait that a server asks for that did not
+  /// Enrols the agent at the server, unless it is enrolled. False after a failure, which is logged.
+  /// @param retryAfter receives the wait that the server requests
   bool Enrol(HttpClient& client, boost::optional<std::chrono::seconds>& retryAfter);
 
-  /// Sends a request under the agent's identifier and token. A server that does not know them any
-  /// more has to be asked to take on the agent again.
-  /// @param resource the path behind that of the agent: "messages"
+  /// Sends a request with the agent's identifier and token. If the server rejects them, the agent
+  /// is no longer enrolled.
+  /// @param resource the path below that of the agent: "messages"; empty for the agent itself
   HttpAnswer Send(HttpClient& client, const std::string& resource, HttpRequest request);
-  /// The same with a JSON text.
+  /// Sends a JSON text by POST.
   HttpAnswer Post(HttpClient& client, const std::string& resource, const std::string& body);
 
  private:
-  void TakeOn(const HttpAnswer& answer, const Identity& identity);
+  void FinishEnrolment(const HttpAnswer& answer, const Identity& identity);
 
   const ServerOptions options_;
   const std::atomic<bool>& stopped_;

@@ -44,7 +44,7 @@ std::string JsonOf(const std::string& id, const TaskResponseInfo& status) {
   return node.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
-/// Empty id if the line is no state.
+/// The id is empty if the line is damaged.
 WaitingStatus ParseLine(const std::string& line) {
   const OrderedJson node = OrderedJson::parse(line, nullptr, false);
   if (!node.is_object() || !node.contains("id") || !node["id"].is_string()) return {};
@@ -71,7 +71,7 @@ void StatusQueue::Load() {
     }
   }
   if (damaged == 0) return;
-  // Or the next state would stand on the line that was cut.
+  // The file is rewritten: the next state must not be appended to an incomplete line.
   fileIsWhole_ = false;
   NORVIK_WARNING(boost::format("%1% states of tasks in %2% are damaged and left out") %
                  std::to_string(damaged) % file_.string());

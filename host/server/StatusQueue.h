@@ -11,30 +11,32 @@
 
 namespace Norvik::Host {
 
-/// A state of a task on its way to the server.
+/// A state of a task that waits for the server.
 struct WaitingStatus {
   std::string id;    ///< a UUID
   std::string json;  ///< the object that is sent
 };
 
-/// The states of tasks that the server has not acknowledged, in their order. A file keeps them, one
-/// JSON object a line, so that they outlive the process. Safe on any thread; one object a file.
+/// The states of tasks that the server has not acknowledged, in order. A file stores them, one JSON
+/// object per line, so that they outlive the process. Safe on any thread; one object per file.
 class StatusQueue {
  public:
   static constexpr std::size_t LIMIT = 10'000;
 
-  /// Takes what the file holds. A line that was cut is left out, with a line in the log. Raises a
-  /// subclass of `std::exception` if the file is there and cannot be read.
+  /// Loads the file. Damaged lines are left out, with a line in the log. Throws a subclass of
+  /// `std::exception` if the file exists and cannot be read.
+  /// @param limit the largest number of states that wait
   explicit StatusQueue(boost::filesystem::path file, std::size_t limit = LIMIT);
 
-  /// Appends. The file has it when this returns; if that fails it is logged, and the state waits in
-  /// memory. Beyond the limit the oldest goes, with a line in the log.
+  /// Appends a state. It is on the disk when this returns; if it cannot be stored, that is logged
+  /// and the state waits in memory. Beyond the limit the oldest state is dropped, with a line in
+  /// the log.
   void Add(const Common::TaskResponseInfo& status);
 
   bool IsEmpty() const;
-  /// The oldest, not more than `count`.
+  /// The oldest states, at most `count`.
   std::vector<WaitingStatus> First(std::size_t count) const;
-  /// Drops the state and all before it. False if there is none of this id.
+  /// Drops the state with this id and all before it. False if no state has this id.
   bool DropThrough(const std::string& id);
 
  private:
@@ -46,7 +48,7 @@ class StatusQueue {
   const std::size_t limit_;
   mutable std::mutex mutex_;
   std::deque<WaitingStatus> waiting_;
-  bool fileIsWhole_ = true;  ///< the file holds what `waiting_` does
+  bool fileIsWhole_ = true;  ///< the file holds the same states as `waiting_`
 };
 
 }  // namespace Norvik::Host

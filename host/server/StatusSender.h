@@ -10,14 +10,15 @@
 
 namespace Norvik::Host {
 
-/// Sends the states of tasks in their order. Safe on any thread.
+/// Sends the waiting states of tasks in order. Safe on any thread.
 class StatusSender {
  public:
-  static constexpr std::size_t BATCH = 50;
+  static constexpr std::size_t BATCH = 50;  ///< the largest number of states in a request
 
   StatusSender(std::shared_ptr<ServerSession> session, std::shared_ptr<StatusQueue> queue);
 
-  /// Sends until none waits or a batch fails; drops what the server acknowledges.
+  /// Sends batches until no state waits or a batch fails. Drops the states that the server
+  /// acknowledges. A batch that is too large for the server is halved for the next attempt.
   Attempt Send(HttpClient& client);
 
  private:

@@ -10,26 +10,26 @@
 
 namespace Norvik::Tests {
 
-/// A management server in this process, over HTTP or HTTPS, as docs/server-protocol.md wants it,
-/// until it is told to misbehave. Safe on any thread.
+/// A management server in this process, over HTTP or HTTPS. It follows docs/server-protocol.md
+/// unless its state has a fault. Safe on any thread.
 class ManagementServer {
  public:
   struct State {
-    /// What it answers to all but an enrolment; null: what it should. "status", "body", "sends"
-    /// ("cut", "endless" or "nothing"), "retryAfter", "resource" (part of the path concerned),
-    /// "keeps" (it keeps what came nevertheless).
+    /// How it answers every request but an enrolment; empty: as it should. Keys: "status", "body",
+    /// "sends" ("cut", "endless" or "nothing"), "retryAfter", "resource" (a part of the paths
+    /// concerned), "keeps" (it stores what it received nevertheless).
     nlohmann::json fault = nlohmann::json::object();
     std::map<std::string, std::string> answers = {{"tasks", R"({"tasks":[]})"}};
-    std::string token;                          ///< that it hands out; empty: it takes the agent's
-    int enrolmentStatus = 0;                    ///< 0: it takes on
-    std::map<std::string, std::string> agents;  ///< what each is known by
-    std::function<void()> onKept;               ///< behind each request that was kept
-    /// One for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "tasks {...}".
+    std::string token;        ///< given to agents that enrol; empty: they keep their own
+    int enrolmentStatus = 0;  ///< the answer to an enrolment; 0: it enrols the agent
+    std::map<std::string, std::string> agents;  ///< the authorization of each enrolled agent
+    std::function<void()> onKept;               ///< called after each request that was stored
+    /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "tasks {...}".
     std::vector<std::string> requests;
     bool closing = false;
   };
 
-  /// Without a certificate it speaks plain HTTP. Both files are PEM.
+  /// Serves plain HTTP without a certificate. Both files are PEM.
   explicit ManagementServer(const boost::filesystem::path& certificate = {},
                             const boost::filesystem::path& key = {});
   ~ManagementServer();
@@ -37,7 +37,7 @@ class ManagementServer {
   int Port() const;
   void Set(const std::function<void(State&)>& change);
   std::vector<std::string> Requests() const;
-  /// False if they do not come within half a minute.
+  /// False if they do not arrive within half a minute.
   bool WaitForRequests(std::size_t count) const;
 
  private:

@@ -33,13 +33,13 @@ TaskResponseInfo StatusOf(const std::string& requestId) {
   return status;
 }
 
-/// What a sealed file begins with.
+/// The first bytes of a sealed file.
 const std::string SEAL = "NRVKSEAL\x01";
 
-/// A server and an agent's side of the road to it, with an outbox of two kinds of files.
-struct Road {
-  explicit Road(const boost::filesystem::path& certificate = {},
-                const boost::filesystem::path& key = {})
+/// A server, and the agent's side of the connection to it, with an outbox of two kinds of files.
+struct DeliverySetup {
+  explicit DeliverySetup(const boost::filesystem::path& certificate = {},
+                         const boost::filesystem::path& key = {})
       : server(certificate, key) {
     options.address = "127.0.0.1";
     options.port = static_cast<std::uint16_t>(server.Port());
@@ -61,17 +61,17 @@ struct Road {
   }
   void Put(const std::string& name, const std::string& content) {
     WriteFile(options.outbox / name, content);
-    delivery->TakeNewFiles();
+    delivery->NumberNewFiles();
   }
   void PutSealed(const std::string& name, const std::string& content) { Put(name, SEAL + content); }
   void Report(const std::string& requestId) { queue->Add(StatusOf(requestId)); }
-  /// Seconds from now to the next round that it wants; -1 if it wants none.
+  /// Seconds from now to the next round; -1 if it needs none.
   double Round() {
     const auto next = delivery->Round();
     if (next == Delivery::TimePoint::max()) return -1;
     return std::chrono::duration<double>(next - clock->Steady()).count();
   }
-  /// Names under which the files were put.
+  /// The original names of the files.
   std::multiset<std::string> Waiting() const {
     std::multiset<std::string> names;
     for (const auto& name : FilesBelow(options.outbox)) {
@@ -79,8 +79,8 @@ struct Road {
     }
     return names;
   }
-  /// What is wrong with the server from now on; nothing else than what the row names.
-  void Spoil(const Json& row = Json::object()) {
+  /// Makes the server fail as the row says, and in no other way.
+  void Break(const Json& row = Json::object()) {
     server.Set([&](State& state) {
       state.fault = PartOf(row, "fault");
       state.enrolmentStatus = row.value("enrolmentStatus", 0);
@@ -98,14 +98,14 @@ struct Road {
   std::unique_ptr<Delivery> delivery;
 };
 
-class Deliveries : public StepsTest, public Road {
+class Deliveries : public StepsTest, public DeliverySetup {
  protected:
   Deliveries() {
-    Verb("put", &Road::PutSealed);
-    Verb("put without seal", &Road::Put);
-    Verb("status", &Road::Report);
-    Verb("restart", &Road::Restart);
-    Verb("server", &Road::Spoil);
+    Verb("put", &DeliverySetup::PutSealed);
+    Verb("put without seal", &DeliverySetup::Put);
+    Verb("status", &DeliverySetup::Report);
+    Verb("restart", &DeliverySetup::Restart);
+    Verb("server", &DeliverySetup::Break);
     Verb("pass", [this](long time) { clock->Move(std::chrono::seconds(time)); });
     Verb("set clock", [this](long time) { clock->SetTimeOfDay(START + time); });
     Verb("next round in",
@@ -121,62 +121,62 @@ class Deliveries : public StepsTest, public Road {
   const LogCapture log_;
 };
 
-TEST_P(Deliveries, BringWhatWaitsAndLoseNothing) { Follow(); }
+TEST_P(Deliveries, SendWhatWaitsAndLoseNothing) { Follow(); }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Deliveries, testing::ValuesIn(Cases("deliveries")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
-TEST(Delivery, LosesNothingToABadServerAndTellsOnOneLineWhatItDid) {
+TEST(Delivery, LosesNothingToABadServerAndReportsItInOneLine) {
   for (const Json& row : Cases("bad servers")) {
     SCOPED_TRACE(row["name"]);
-    Road road;
-    road.PutSealed("m.jsonkob", "one");
-    road.Report("a");
-    road.Spoil(row);
+    DeliverySetup setup;
+    setup.PutSealed("m.jsonkob", "one");
+    setup.Report("a");
+    setup.Break(row);
     const LogCapture log;
-    EXPECT_GT(road.Round(), 4.9);
+    EXPECT_GT(setup.Round(), 4.9);
     const std::string concerned = row["fault"].value("resource", "");
-    EXPECT_THAT(road.Waiting(), SizeIs(concerned == "statuses" ? 0 : 1));
-    EXPECT_EQ(road.queue->IsEmpty(), concerned == "files");
+    EXPECT_THAT(setup.Waiting(), SizeIs(concerned == "statuses" ? 0 : 1));
+    EXPECT_EQ(setup.queue->IsEmpty(), concerned == "files");
     EXPECT_THAT(log.Texts(3),
-                ElementsAre(AllOf(HasSubstr("The server " + road.options.Origin() + " "),
+                ElementsAre(AllOf(HasSubstr("The server " + setup.options.Origin() + " "),
                                   HasSubstr(row["reason"].get<std::string>()))));
-    road.Spoil();
-    road.clock->Move(10s);
-    EXPECT_EQ(road.Round(), -1);
-    EXPECT_THAT(road.Waiting(), SizeIs(0));
-    EXPECT_TRUE(road.queue->IsEmpty());
+    setup.Break();
+    setup.clock->Move(10s);
+    EXPECT_EQ(setup.Round(), -1);
+    EXPECT_THAT(setup.Waiting(), SizeIs(0));
+    EXPECT_TRUE(setup.queue->IsEmpty());
   }
 }
 
 TEST(ServerLink, DeliversFromStartToStopAndSleepsInBetween) {
-  Road road;
-  ServerLink link(road.options);
-  WriteFile(road.options.outbox / "m.jsonkob", SEAL + "one");
+  DeliverySetup setup;
+  ServerLink link(setup.options);
+  WriteFile(setup.options.outbox / "m.jsonkob", SEAL + "one");
   link.NewFileOnOutbox();
   link.ReportTaskStatus(StatusOf("first"));
   link.ReportTaskStatus(StatusOf(""));
-  EXPECT_THAT(road.server.Requests(), SizeIs(0));
+  EXPECT_THAT(setup.server.Requests(), SizeIs(0));
   link.Start();
-  ASSERT_TRUE(road.server.WaitForRequests(3));
-  WriteFile(road.options.outbox / "m.jsonkob", SEAL + "two");
+  ASSERT_TRUE(setup.server.WaitForRequests(3));
+  WriteFile(setup.options.outbox / "m.jsonkob", SEAL + "two");
   link.NewFileOnOutbox();
-  ASSERT_TRUE(road.server.WaitForRequests(4));
+  ASSERT_TRUE(setup.server.WaitForRequests(4));
   link.Stop();
-  EXPECT_THAT(road.server.Requests(),
+  EXPECT_THAT(setup.server.Requests(),
               ElementsAre("enrol", "statuses 7", "files m.jsonkob one", "files m.jsonkob two"));
 }
 
-TEST(ServerLink, AStopWaitsForNoServer) {
-  Road road;
+TEST(ServerLink, AStopDoesNotWaitForTheServer) {
+  DeliverySetup setup;
   std::promise<void> asked;
-  road.server.Set([&](State& state) {
+  setup.server.Set([&](State& state) {
     state.onKept = [&] { asked.set_value(); };
     state.fault = {{"status", 200}, {"sends", "nothing"}, {"keeps", true}};
   });
-  road.options.limits.request = 10min;
-  WriteFile(road.options.outbox / "m.jsonkob", SEAL + "one");
-  ServerLink link(road.options);
+  setup.options.limits.request = 10min;
+  WriteFile(setup.options.outbox / "m.jsonkob", SEAL + "one");
+  ServerLink link(setup.options);
   const LogCapture log;
   link.Start();
   asked.get_future().wait();
@@ -184,16 +184,16 @@ TEST(ServerLink, AStopWaitsForNoServer) {
   PendingTasksResponse answer;
   EXPECT_FALSE(link.ProcessMessage(PendingTasksRequest(), answer));
   EXPECT_THAT(log.Texts(3), ElementsAre(HasSubstr("the agent stops")));
-  EXPECT_THAT(road.Waiting(), SizeIs(1));
+  EXPECT_THAT(setup.Waiting(), SizeIs(1));
 }
 
-TEST(ServerLink, AsksTheServerAndBringsTheStatesOfTasksBeforeItAsksForMore) {
-  Road road;
-  road.server.Set([](State& state) {
+TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
+  DeliverySetup setup;
+  setup.server.Set([](State& state) {
     state.answers = {{"messages", R"({"result": 3, "message": "{\"available\":true}"})"},
                      {"tasks", R"({"tasks": [{"identifier": "t", "code": 5}]})"}};
   });
-  const auto link = std::make_shared<ServerLink>(road.options);
+  const auto link = std::make_shared<ServerLink>(setup.options);
   ProcessMessageRequest request;
   ProcessMessageResponse response;
   ASSERT_TRUE(link->ProcessMessage(request, response));
@@ -202,22 +202,22 @@ TEST(ServerLink, AsksTheServerAndBringsTheStatesOfTasksBeforeItAsksForMore) {
 
   RemoteTaskDownloader downloader(link, PRODUCT_KOB, {}, "agent", nullptr);
   link->ReportTaskStatus(StatusOf("r"));
-  road.server.Set([](State& state) { state.fault = {{"status", 500}, {"resource", "statuses"}}; });
+  setup.server.Set([](State& state) { state.fault = {{"status", 500}, {"resource", "statuses"}}; });
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
-  road.Spoil();
+  setup.Break();
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(1));
-  road.server.Set([](State& state) { state.answers["tasks"] = R"({"tasks": 5})"; });
+  setup.server.Set([](State& state) { state.answers["tasks"] = R"({"tasks": 5})"; });
   const LogCapture log;
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
-  EXPECT_THAT(log.Texts(3), ElementsAre("The server " + road.options.Origin() +
+  EXPECT_THAT(log.Texts(3), ElementsAre("The server " + setup.options.Origin() +
                                         " gave no answer to a question: tasks is no list"));
   const std::string tasks = R"(tasks {"agentIdentifier":"agent","product":1})";
-  EXPECT_THAT(road.server.Requests(),
+  EXPECT_THAT(setup.server.Requests(),
               ElementsAre("enrol", R"(messages {"code":0,"message":"","subcode":0})", "statuses 7",
                           tasks, tasks));
 }
 
-TEST(ServerLink, TrustsNobodyButTheConfiguredAuthorityAndTheRightName) {
+TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
   const TemporaryFolder folder;
   for (const auto& [name, alternative] :
        std::map<std::string, std::string>{{"right", "IP:127.0.0.1"},
@@ -235,13 +235,13 @@ TEST(ServerLink, TrustsNobodyButTheConfiguredAuthorityAndTheRightName) {
     SCOPED_TRACE(row["name"]);
     const std::string file = (folder / row["server"].get<std::string>()).string();
     const std::string trusted = row["trusted"];
-    Road road(file + ".pem", file + ".key");
-    if (!trusted.empty()) road.options.caFile = (folder / trusted).string() + ".pem";
-    ServerLink link(road.options);
+    DeliverySetup setup(file + ".pem", file + ".key");
+    if (!trusted.empty()) setup.options.caFile = (folder / trusted).string() + ".pem";
+    ServerLink link(setup.options);
     const LogCapture log;
     PendingTasksResponse answer;
     EXPECT_EQ(link.ProcessMessage(PendingTasksRequest(), answer), row["reached"].get<bool>());
-    EXPECT_THAT(road.server.Requests(), SizeIs(row["reached"] ? 2 : 0));
+    EXPECT_THAT(setup.server.Requests(), SizeIs(row["reached"] ? 2 : 0));
     EXPECT_THAT(log.Texts(3), SizeIs(row["reached"] ? 0 : 1));
   }
 }
