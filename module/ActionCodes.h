@@ -4,7 +4,7 @@
 
 namespace Norvik::KOB {
 
-/// Codes of this product.
+/// Action codes of this product.
 enum ActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 }  // namespace Norvik::KOB

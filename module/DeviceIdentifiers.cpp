@@ -11,23 +11,23 @@ namespace {
 
 using Common::ToUtf8;
 
-std::string FirstFilled(std::initializer_list<std::string> texts, const char* complaint) {
+std::string FirstNonEmpty(std::initializer_list<std::string> texts, const char* errorText) {
   for (const std::string& text : texts) {
     if (!text.empty()) return text;
   }
-  NORVIK_ERROR(complaint);
+  NORVIK_ERROR(errorText);
   return {};
 }
 
 }  // namespace
 
 std::string IdentifierForAsset(const IdentifierFacts& facts) {
-  return FirstFilled({facts.setup.baseboard.assetTag, ToUtf8(facts.setup.chassis.assetTag)},
-                     "Identifier for IdType::ASSET not found");
+  return FirstNonEmpty({facts.setup.baseboard.assetTag, ToUtf8(facts.setup.chassis.assetTag)},
+                       "Identifier for IdType::ASSET not found");
 }
 
 std::string IdentifierForSerial(const IdentifierFacts& facts) {
-  return FirstFilled(
+  return FirstNonEmpty(
       {facts.setup.system.serial, facts.setup.baseboard.serial, ToUtf8(facts.setup.chassis.serial)},
       "Identifier for IdType::SERIAL not found");
 }
@@ -38,8 +38,8 @@ std::string IdentifierForMac(const IdentifierFacts& facts) {
 
 std::string IdentifierForPc(const IdentifierFacts& facts) { return IdentifierForMac(facts); }
 
-// The two conditions below are deliberate, though between them they find nothing: servers know the
-// machines of these types by an empty identifier.
+// Deliberately, the loop conditions of the next two functions contradict each other or stop at
+// once, so the result is empty: servers know machines of these types by an empty identifier.
 
 std::string IdentifierForIP(const IdentifierFacts& facts) {
   std::string result;

@@ -12,7 +12,7 @@
 
 namespace Norvik::KOB {
 
-/// What a machine is known by.
+/// The kinds of identifier by which a server knows a machine.
 enum class IdType : int { PC = 0, MAC = 1, MIX = 2, ASSET = 3, SERIAL = 4, IP = 5 };
 
 struct IdentifierInfo {
@@ -20,13 +20,16 @@ struct IdentifierInfo {
   IdType type = IdType::MAC;
 };
 
-/// The facts that identifiers are made of. Refers to them: they must outlive it.
+/// The facts from which an identifier is built. Holds references: the facts must outlive it.
 struct IdentifierFacts {
   const Common::SetupInfo& setup;
   const std::list<Common::NetworkAdapterInfo>& networkAdapters;
   const wxString& hostName;
-  const wxString& identifier;  ///< the one found before; empty at first
+  const wxString& identifier;  ///< the one found earlier; empty at first
 };
+
+// Each returns the identifier in UTF-8, or "" if the facts hold none. The functions for `ASSET` and
+// `SERIAL` log an error in that case.
 
 std::string IdentifierForAsset(const IdentifierFacts& facts);
 std::string IdentifierForIP(const IdentifierFacts& facts);
@@ -35,7 +38,7 @@ std::string IdentifierForMix(const IdentifierFacts& facts);
 std::string IdentifierForPc(const IdentifierFacts& facts);
 std::string IdentifierForSerial(const IdentifierFacts& facts);
 
-/// The functions above by type.
+/// The functions above, by type.
 std::map<IdType, std::function<std::string(const IdentifierFacts&)>> CreateIdFunctionsMap();
 
 }  // namespace Norvik::KOB

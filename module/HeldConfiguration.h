@@ -11,25 +11,26 @@
 
 namespace Norvik::KOB {
 
-/// The text of `operator<<`, in any locale. A configuration has changed if this text has.
+/// What `operator<<` writes, independent of the locale. A configuration has changed if this text
+/// differs from the stored one.
 std::string ConfigurationText(const Common::KobConfigurationInfo& configuration);
 
-/// The copy of the agent's configuration that a class of actions works with. Any thread may call
-/// any member.
+/// An action class's own copy of the agent's configuration. Thread-safe.
 class HeldConfiguration {
  public:
   explicit HeldConfiguration(const Common::AgentConfigurationInfo& agent);
 
-  /// Takes over the profile and the module's configuration, and stores the text of the latter in
-  /// the agent data; a failure to store it is logged. Without a module's configuration, logs an
-  /// error and takes over the profile only.
+  /// Copies the profile and the module's configuration, and stores the text of the latter in the
+  /// agent data; a failure to store it is logged. If `agent` has no module configuration, logs an
+  /// error and copies the profile only.
   void Replace(const Common::AgentConfigurationInfo& agent,
                const std::weak_ptr<Common::IDataBase>& dataBase);
 
-  /// A copy: another thread may replace the configuration at any time.
+  /// A copy, because another thread may replace the configuration at any time. Empty if the agent
+  /// has none.
   boost::optional<Common::KobConfigurationInfo> Kob() const;
   std::uint32_t ProfileId() const;
-  /// As they were at construction: a later configuration does not replace them.
+  /// As they were at construction: `Replace` does not change them.
   const Common::CommunicationsInfo& Communications() const { return communications_; }
 
  private:

@@ -27,8 +27,8 @@ using std::chrono::system_clock;
 constexpr char FILE_INVENTORY_STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
 constexpr seconds FIRST_SCHEDULED_TOTAL{3};
 
-/// Looks for an execution that is pending from before a restart and writes it into the schedule.
-bool TakePendingExecution(const char* key, boost::optional<Common::ScheduleInfo>& schedule) {
+/// Writes an execution that was pending before a restart into the schedule. False if there is none.
+bool ApplyPendingExecution(const char* key, boost::optional<Common::ScheduleInfo>& schedule) {
   const auto next = Common::CheckInventoryNextExecutionReboot(key, schedule);
   if (next == system_clock::from_time_t(0)) return false;
   schedule->next = system_clock::to_time_t(next);
@@ -50,7 +50,7 @@ KOBModule::KOBModule(std::weak_ptr<Common::ModuleDependencies> dependencies)
   CreateActionRunner(handlers_, Common::COMMON_ACTION_NEW_CONFIGURATION,
                      &KOBModule::OnNewConfiguration, this);
 
-  // The order counts: a class takes over the codes that an earlier one registered.
+  // The order matters: a class replaces the handlers that an earlier one registered for its codes.
   const Common::ActionFactory factory =
       std::bind(&KOBModule::GetAction, this, std::placeholders::_1, std::placeholders::_2);
   remoteAdministration_ = std::make_unique<RemoteAdministration>(locked, factory, handlers_);
@@ -65,7 +65,7 @@ KOBModule::KOBModule(std::weak_ptr<Common::ModuleDependencies> dependencies)
 
 KOBModule::~KOBModule() {
   NORVIK_SCOPE();
-  // Deliberately not deleted: where a system has a watcher, its thread may still be inside.
+  // Deliberately not deleted: on a system with a watcher, its thread may still use the object.
   static_cast<void>(softwareChangesChecker_.release());
 }
 
@@ -115,7 +115,7 @@ Common::ActionResponse KOBModule::OnNewConfiguration(Common::ActionParameters& p
   if (!parameters.Exist(Common::COMMON_PARAMETER_CONFIGURATION)) {
     NORVIK_TRACE(">>");
     NORVIK_TRACE("There is not new configuration");
-    // Deliberately not a trace: this exit is to be seen at the usual level of a log.
+    // Deliberately not a trace: this exit must show at the default log level.
     NORVIK_INFORMATION("<<");
     return {};
   }
@@ -158,7 +158,7 @@ void KOBModule::CreateInventorySchedules() {
   const auto schedule = [&](const char* key, ActionCodes code,
                             boost::optional<Common::ScheduleInfo>& configured) {
     if (!configured) return;
-    if (TakePendingExecution(key, configured)) {
+    if (ApplyPendingExecution(key, configured)) {
       ReplacePeriodicAction(code, data, configured.get_ptr());
       return;
     }

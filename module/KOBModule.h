@@ -18,15 +18,15 @@ class RemoteAdministration;
 class SoftwareChangesChecker;
 
 /// The module as the host sees it: owns the action classes and the one map from action code to
-/// handler, takes the configuration, and installs the schedules of the inventories. Nothing starts
-/// before the host sends `COMMON_ACTION_INIT` or `COMMON_ACTION_NEW_CONFIGURATION`.
+/// handler, receives the configuration, and creates the schedules of the inventories. Nothing
+/// starts before the host sends `COMMON_ACTION_INIT` or `COMMON_ACTION_NEW_CONFIGURATION`.
 ///
-/// The same code serves the agent's service and each user's process; `processKind` tells them
-/// apart. Both share the agent database.
+/// The same code runs in the agent's service and in each user's process; `processKind`
+/// distinguishes them. Both share the agent database.
 class KOBModule final : public Common::IModule, public Common::ActionPerformerBase {
  public:
-  /// Raises `std::bad_weak_ptr` if the dependencies or a service that it asks have gone, and what
-  /// the database and the identification raise.
+  /// Throws `std::bad_weak_ptr` if the dependencies or a service that it uses no longer exist, and
+  /// what the database and the identification throw.
   explicit KOBModule(std::weak_ptr<Common::ModuleDependencies> dependencies);
   ~KOBModule() override;
 
@@ -58,7 +58,7 @@ class KOBModule final : public Common::IModule, public Common::ActionPerformerBa
 
 }  // namespace Norvik::KOB
 
-/// What a host calls after loading the library. The caller owns the object and deletes it while the
-/// dependencies still live. Raises what the constructor of `KOBModule` raises.
+/// Called by a host after it has loaded the library. The caller owns the object and must delete it
+/// while the dependencies still exist. Throws what the constructor of `KOBModule` throws.
 extern "C" NORVIK_COMMON_API Norvik::Common::IModule* GetAgentModuleObject(
     const std::weak_ptr<Norvik::Common::ModuleDependencies>& dependencies);

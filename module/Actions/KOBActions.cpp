@@ -36,16 +36,16 @@ KOBActions::KOBActions(const std::weak_ptr<Common::ModuleDependencies>& dependen
       now_(std::move(now)),
       configuration_(std::shared_ptr<Common::ModuleDependencies>(dependencies)->configuration) {
   NORVIK_SCOPE();
-  const auto serve = [&](unsigned int code, auto handler) {
+  const auto registerHandler = [&](unsigned int code, auto handler) {
     CreateActionRunner(handlers, code, handler, this);
   };
-  serve(Common::COMMON_ACTION_HARDWARE_CHANGES, &KOBActions::OnHardwareChangesDetected);
-  serve(Common::COMMON_ACTION_SOFTWARE_CHANGES, &KOBActions::OnSoftwareChangeDetected);
-  serve(ACTION_SHOW_MESSAGE, &KOBActions::OnShowMessage);
-  serve(ACTION_GET_PENDING_TASKS, &KOBActions::KOBGetPendingTasks);
-  serve(Common::COMMON_ACTION_GET_PENDING_TASKS, &KOBActions::KOBGetPendingTasks);
-  serve(ACTION_UPDATE_CONFIGURATION, &KOBActions::OnUpdateConfiguration);
-  serve(ACTION_SCHEDULE_TOTAL_INVENTORY, &KOBActions::OnScheduleTotalInventory);
+  registerHandler(Common::COMMON_ACTION_HARDWARE_CHANGES, &KOBActions::OnHardwareChangesDetected);
+  registerHandler(Common::COMMON_ACTION_SOFTWARE_CHANGES, &KOBActions::OnSoftwareChangeDetected);
+  registerHandler(ACTION_SHOW_MESSAGE, &KOBActions::OnShowMessage);
+  registerHandler(ACTION_GET_PENDING_TASKS, &KOBActions::KOBGetPendingTasks);
+  registerHandler(Common::COMMON_ACTION_GET_PENDING_TASKS, &KOBActions::KOBGetPendingTasks);
+  registerHandler(ACTION_UPDATE_CONFIGURATION, &KOBActions::OnUpdateConfiguration);
+  registerHandler(ACTION_SCHEDULE_TOTAL_INVENTORY, &KOBActions::OnScheduleTotalInventory);
   NORVIK_INFORMATION("KOB Service application created");
 }
 
@@ -91,7 +91,8 @@ void KOBActions::ReprogramInventory(std::int64_t last, std::int64_t period) {
   NORVIK_INFORMATION(boost::format("KOB incremental inventory execution will be in %1% seconds") %
                      std::to_string(remaining.count()));
   Common::AgentData data(dataBase, Common::AGENT_DATA_TABLE);
-  // Deliberately the code of software changes for hardware changes too: one later check is for all.
+  // Deliberately the code of software changes for hardware changes too: one later check covers
+  // both.
   ReplacePeriodicAction(Common::COMMON_ACTION_SOFTWARE_CHANGES, data, seconds(0), remaining);
 }
 
@@ -113,7 +114,7 @@ Common::ActionResponse KOBActions::OnShowMessage(Common::ActionParameters& param
   if (sessions.empty()) return FailMessage(parameters, NO_USERS);
   for (const auto& session : sessions) {
     SendMessageToSession(*processes, session.first, session.second, text);
-    // Deliberately once for each session, whether or not it took the message.
+    // Deliberately once per session, whether or not the message was delivered.
     SendStatusForProgrammedTask(parameters, TaskResponseInfo::TASK_FINISHED, nullptr);
   }
   return {};

@@ -14,19 +14,20 @@
 namespace Norvik::KOB {
 
 /// Actions that are neither inventories nor remote administration: messages to users, reactions to
-/// changes, pending tasks, the regular total inventory. Each runs once at a time; a second call
-/// gives up at once.
+/// changes, pending tasks, the regular total inventory. The handlers may be called on any
+/// thread. A second call of an action that is still running gives up at once; only the total
+/// inventory is then tried again later.
 class KOBActions final : public Common::ActionPerformerBase {
  public:
-  /// Gives the time of day. Called on any thread.
+  /// Returns the time of day. Called on any thread.
   using TimeSource = std::function<std::chrono::system_clock::time_point()>;
 
   KOBActions(const std::weak_ptr<Common::ModuleDependencies>& dependencies,
              const Common::ActionFactory& factory, Common::HandlerMap& handlers,
              TimeSource now = std::chrono::system_clock::now);
 
-  /// Takes an inventory if the configuration wants one on logon. Deliberately without an action
-  /// code, so that no request reaches it.
+  /// Starts an inventory if the configuration asks for one on logon. Deliberately has no action
+  /// code, so no request reaches it.
   Common::ActionResponse OnLogon(Common::ActionParameters& parameters);
 
  private:

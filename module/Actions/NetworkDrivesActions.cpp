@@ -14,7 +14,8 @@ namespace Norvik::KOB {
 
 namespace {
 
-// Keys of the messages, by which the receiver tells them from other uses of their codes.
+// Parameter keys of the messages. The receiver checks for them, because their codes have other
+// uses.
 constexpr char DRIVE[] = "getNetworkDrives";
 constexpr char REQUEST[] = "requestNetworkDrives";
 constexpr char TRUNCATE[] = "truncateNetDrivesTable";
@@ -22,7 +23,7 @@ constexpr char TRUNCATE[] = "truncateNetDrivesTable";
 constexpr std::int32_t KIND = 1;
 constexpr unsigned long long SERVICE_PROCESS = 0;
 
-/// What the log is told when a step fails: the text with the reason, and one for what has none.
+/// Log texts for a step that fails: one with room for the reason, one for an unknown reason.
 struct FailureTexts {
   const char* known;
   const char* unknown;
@@ -30,9 +31,9 @@ struct FailureTexts {
 
 constexpr FailureTexts SENDING = {"Sending IPC message : %s", "Unknown error sending IPC message"};
 
-/// The step's exceptions end here.
+/// Runs the step. An exception is logged and not passed on.
 template <class Step>
-void Guarded(const FailureTexts& texts, Step step) {
+void LogExceptions(const FailureTexts& texts, Step step) {
   try {
     step();
   } catch (const std::exception& error) {
@@ -56,16 +57,17 @@ NetworkDrivesActions::NetworkDrivesActions(std::weak_ptr<Common::ModuleDependenc
                                            Common::HandlerMap& handlers, MappedDrives mappedDrives)
     : ActionPerformerBase(Common::PRODUCT_KOB, factory, std::move(dependencies)),
       mappedDrives_(std::move(mappedDrives)) {
-  const auto serve = [&](ActionCodes code, auto handler) {
+  const auto registerHandler = [&](ActionCodes code, auto handler) {
     CreateActionRunner(handlers, code, handler, this);
   };
-  serve(ACTION_VALIDATE_NETWORK_DRIVES_KEY, &NetworkDrivesActions::OnValidateRegistryKey);
+  registerHandler(ACTION_VALIDATE_NETWORK_DRIVES_KEY, &NetworkDrivesActions::OnValidateRegistryKey);
   if (processKind != 0) {
-    serve(ACTION_NETWORK_DRIVES, &NetworkDrivesActions::OnUserGetNetworkList);
-    serve(ACTION_USER_NETWORK_DRIVES_LIST, &NetworkDrivesActions::OnUserListRequest);
+    registerHandler(ACTION_NETWORK_DRIVES, &NetworkDrivesActions::OnUserGetNetworkList);
+    registerHandler(ACTION_USER_NETWORK_DRIVES_LIST, &NetworkDrivesActions::OnUserListRequest);
   } else {
-    serve(ACTION_NETWORK_DRIVES, &NetworkDrivesActions::OnCoreSaveData);
-    serve(ACTION_TRUNCATE_NETWORK_DRIVES, &NetworkDrivesActions::OnTruncateNetDrivesTable);
+    registerHandler(ACTION_NETWORK_DRIVES, &NetworkDrivesActions::OnCoreSaveData);
+    registerHandler(ACTION_TRUNCATE_NETWORK_DRIVES,
+                    &NetworkDrivesActions::OnTruncateNetDrivesTable);
   }
 }
 
@@ -78,9 +80,9 @@ Common::ActionResponse NetworkDrivesActions::OnValidateRegistryKey(Common::Actio
 Common::ActionResponse NetworkDrivesActions::OnCoreSaveData(Common::ActionParameters& parameters) {
   NORVIK_SCOPE();
   if (parameters.Exist(DRIVE)) {
-    Guarded({"Can not deserialize NetworkDriveInfo: %s",
-             "Unknown error in deserialize Network Drives."},
-            [&] { SaveDrive(parameters); });
+    LogExceptions({"Can not deserialize NetworkDriveInfo: %s",
+                   "Unknown error in deserialize Network Drives."},
+                  [&] { SaveDrive(parameters); });
   } else {
     NORVIK_DETAIL("There are no Network Mapped Drives to report.");
     OnSystemRequestNetworkDrives();
@@ -90,7 +92,7 @@ Common::ActionResponse NetworkDrivesActions::OnCoreSaveData(Common::ActionParame
 
 void NetworkDrivesActions::OnSystemRequestNetworkDrives() {
   NORVIK_SCOPE();
-  Guarded(SENDING, [this] { SendToSessions(); });
+  LogExceptions(SENDING, [this] { SendToSessions(); });
 }
 
 void NetworkDrivesActions::SendToSessions() {
@@ -119,9 +121,9 @@ Common::ActionResponse NetworkDrivesActions::OnTruncateNetDrivesTable(
     return {};
   }
   NORVIK_DETAIL("IPC Received message");
-  Guarded({"Trying to truncate NetworkDrives table: %s",
-           "Unknown error trying to truncate NetworkDrives table"},
-          [] { NetworkDrivesHandler::TruncateNetworkDrivesTable(); });
+  LogExceptions({"Trying to truncate NetworkDrives table: %s",
+                 "Unknown error trying to truncate NetworkDrives table"},
+                [] { NetworkDrivesHandler::TruncateNetworkDrivesTable(); });
   return {};
 }
 
@@ -133,8 +135,8 @@ Common::ActionResponse NetworkDrivesActions::OnUserListRequest(
     return {};
   }
   NORVIK_DETAIL("IPC Received message");
-  Guarded({"Trying to get Network list: %s", "Unknown error trying to get Network list"},
-          [&] { OnUserGetNetworkList(parameters); });
+  LogExceptions({"Trying to get Network list: %s", "Unknown error trying to get Network list"},
+                [&] { OnUserGetNetworkList(parameters); });
   return {};
 }
 
@@ -151,7 +153,7 @@ Common::ActionResponse NetworkDrivesActions::OnUserGetNetworkList(Common::Action
 
 void NetworkDrivesActions::OnUserRequestTruncateNetDrivesTable() {
   NORVIK_SCOPE();
-  Guarded(SENDING, [this] { SendTruncation(); });
+  LogExceptions(SENDING, [this] { SendTruncation(); });
 }
 
 void NetworkDrivesActions::SendTruncation() {
@@ -162,7 +164,7 @@ void NetworkDrivesActions::SendTruncation() {
 void NetworkDrivesActions::SendInfoToCore(std::vector<NetworkDriveInfo>&& drives) {
   NORVIK_SCOPE();
   for (const NetworkDriveInfo& drive : drives) {
-    Guarded(SENDING, [&] { SendDrive(drive); });
+    LogExceptions(SENDING, [&] { SendDrive(drive); });
   }
 }
 

@@ -13,14 +13,14 @@
 namespace Norvik::KOB {
 
 /// Exchange of the mapped network drives between the users' processes, which see them, and the
-/// service, which keeps them. Each side registers the handlers of its own.
+/// service, which stores them. Each side registers its own handlers.
 ///
-/// A round: the service asks each user's process, or such a process acts by its timer. It has the
-/// service clear the store and then sends its drives, one message each; so the last user's drives
-/// take the place of all others. What goes wrong is logged, and the next round tries again.
+/// A round starts when the service asks each user's process, or by the timer of such a process. The
+/// process tells the service to clear the store and then sends its drives, one message each; so the
+/// drives of the last user replace all others. Failures are logged, and the next round tries again.
 class NetworkDrivesActions final : public Common::ActionPerformerBase {
  public:
-  /// Answers like `NetworkDrivesHandler::GetMappedDrivesFromAPI`.
+  /// Returns the same as `NetworkDrivesHandler::GetMappedDrivesFromAPI`.
   using MappedDrives = std::function<boost::optional<std::vector<NetworkDriveInfo>>()>;
 
   NetworkDrivesActions(std::weak_ptr<Common::ModuleDependencies> dependencies,
@@ -28,19 +28,19 @@ class NetworkDrivesActions final : public Common::ActionPerformerBase {
                        MappedDrives mappedDrives = &NetworkDrivesHandler::GetMappedDrivesFromAPI);
 
  private:
-  /// What the log is told of a message.
+  /// Log texts for a message that was sent and for one that was not.
   struct SendingTexts {
     const char* sent;
     const char* notSent;
   };
 
   Common::ActionResponse OnValidateRegistryKey(Common::ActionParameters& parameters);
-  // The service's side.
+  // In the service.
   Common::ActionResponse OnCoreSaveData(Common::ActionParameters& parameters);
   Common::ActionResponse OnTruncateNetDrivesTable(Common::ActionParameters& parameters);
   void OnSystemRequestNetworkDrives();
   void SendToSessions();
-  // The user's side.
+  // In a user's process.
   Common::ActionResponse OnUserGetNetworkList(Common::ActionParameters& parameters);
   Common::ActionResponse OnUserListRequest(Common::ActionParameters& parameters);
   void OnUserRequestTruncateNetDrivesTable();
@@ -51,7 +51,7 @@ class NetworkDrivesActions final : public Common::ActionPerformerBase {
 
   Common::IPCMessage SetUpIPCMessage(const unsigned int& code, const std::string& key,
                                      const std::string& value) const;
-  /// The id of the drive with this path.
+  /// The id under which a drive with this path is stored.
   unsigned long long hashCodeFromString(const std::string& path);
 
   MappedDrives mappedDrives_;

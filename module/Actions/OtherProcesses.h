@@ -7,11 +7,12 @@
 
 namespace Norvik::KOB {
 
-/// The way to the other processes of the agent; null if the communications have gone or have none.
+/// The IPC connection to the other processes of the agent; null if the communications no longer
+/// exist or do not offer one.
 std::shared_ptr<Common::ICommunicationIPC> OtherProcesses(
     const std::weak_ptr<Common::ICommunicationSystem>& communications);
 
-/// The same, but raises `std::bad_weak_ptr` in place of null.
+/// The same, but throws `std::bad_weak_ptr` instead of returning null.
 std::shared_ptr<Common::ICommunicationIPC> RequireOtherProcesses(
     const std::weak_ptr<Common::ICommunicationSystem>& communications);
 

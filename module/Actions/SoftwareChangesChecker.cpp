@@ -7,7 +7,7 @@ namespace Norvik::KOB {
 
 namespace {
 
-[[noreturn]] void Refuse() { throw std::runtime_error("not implemented yet"); }
+[[noreturn]] void ThrowNotImplemented() { throw std::runtime_error("not implemented yet"); }
 
 }  // namespace
 
@@ -18,13 +18,13 @@ SoftwareChangesChecker::SoftwareChangesChecker(
       factory_(factory) {}
 
 Common::ActionResponse SoftwareChangesChecker::StartRegistryCheck(Common::ActionParameters&) {
-  Refuse();
+  ThrowNotImplemented();
 }
-void SoftwareChangesChecker::WaitForKeyChange() { Refuse(); }
-void SoftwareChangesChecker::CloseHandlers() { Refuse(); }
-void SoftwareChangesChecker::OpenUserKeys() { Refuse(); }
-void SoftwareChangesChecker::OpenSystemKeys() { Refuse(); }
-void SoftwareChangesChecker::CreateEventHandlers() { Refuse(); }
-void SoftwareChangesChecker::CreateLastEventHandler() { Refuse(); }
+void SoftwareChangesChecker::WaitForKeyChange() { ThrowNotImplemented(); }
+void SoftwareChangesChecker::CloseHandlers() { ThrowNotImplemented(); }
+void SoftwareChangesChecker::OpenUserKeys() { ThrowNotImplemented(); }
+void SoftwareChangesChecker::OpenSystemKeys() { ThrowNotImplemented(); }
+void SoftwareChangesChecker::CreateEventHandlers() { ThrowNotImplemented(); }
+void SoftwareChangesChecker::CreateLastEventHandler() { ThrowNotImplemented(); }
 
 }  // namespace Norvik::KOB

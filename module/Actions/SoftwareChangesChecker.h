@@ -9,8 +9,8 @@
 
 namespace Norvik::KOB {
 
-/// Place of a watcher for changes of the installed software. This system has none: changes arrive
-/// as actions from outside, nothing calls the operations, and each of them refuses with a
+/// Interface of a watcher for changes of the installed software. This system has no such watcher:
+/// changes arrive as actions from outside. Nothing calls the operations, and each of them throws
 /// `std::runtime_error`. Registers no action.
 class SoftwareChangesChecker final : public Common::ActionPerformerBase {
  public:

@@ -107,7 +107,7 @@ void SurveyCompletionActions::ScheduleRetrySurvey(Common::ActionParameters& para
                                                   const std::string& detail) {
   NORVIK_SCOPE();
   if (attempts >= MAX_WAIT_ATTEMPTS) {
-    // Deliberately for good: later sessions of this process give up at once for the same cause.
+    // Deliberately not reset: later sessions of this process give up at once for the same cause.
     NORVIK_ERROR(boost::format("%1%. Max attempts reached") % reason);
     return;
   }

@@ -8,9 +8,9 @@
 
 namespace Norvik::KOB {
 
-/// Offers a user the completion survey when a session begins. A step that fails for now has the
-/// whole flow start again two minutes later, at most ten times for each cause until a survey has
-/// been shown.
+/// Offers a user the completion survey when a session begins. If a step fails temporarily, the
+/// whole flow starts again two minutes later, at most ten times per cause. Showing a survey resets
+/// the counts.
 class SurveyCompletionActions final : public Common::ActionPerformerBase {
  public:
   static constexpr unsigned char MAX_WAIT_ATTEMPTS = 10;
@@ -19,7 +19,7 @@ class SurveyCompletionActions final : public Common::ActionPerformerBase {
                           const Common::ActionFactory& factory, Common::HandlerMap& handlers);
 
  private:
-  /// Raises `boost::bad_get`, on the way to the last step, if the session is no unsigned 64-bit
+  /// Throws `boost::bad_get`, before the last step, if the session is not an unsigned 64-bit
   /// number.
   Common::ActionResponse OnValidateCompletionSurvey(Common::ActionParameters& parameters);
 

@@ -26,7 +26,8 @@ constexpr std::uint32_t SURVEY_REQUEST = 1003;
 constexpr std::uint32_t SURVEY_SUBCODE = 1;
 constexpr char URL_PARAMETER[] = "Url";
 
-/// No answer about a survey nests deeper; a hostile one must not exhaust the stack.
+/// No valid answer about a survey nests deeper. The limit keeps a hostile one from exhausting the
+/// stack.
 constexpr std::size_t MAX_NESTING = 100;
 
 ptree ReadAnswer(const std::string& text) {
@@ -39,9 +40,9 @@ ptree ReadAnswer(const std::string& text) {
   return tree;
 }
 
-/// The step's result; empty if it throws, which is logged with the message and the reason.
+/// The result of the step. If it throws, logs the message with the reason and returns nothing.
 template <class Step>
-auto Tried(const char* text, const std::string& message, Step step)
+auto ResultOrNone(const char* text, const std::string& message, Step step)
     -> boost::optional<decltype(step())> {
   try {
     return step();
@@ -51,13 +52,14 @@ auto Tried(const char* text, const std::string& message, Step step)
   }
 }
 
-/// The message in the server's answer; empty, with a line in the log, if there is none.
-boost::optional<std::string> Ask(Common::ICommunicationSystem& server, const std::string& agentId) {
+/// The message in the server's answer. Without an answer, logs a warning and returns nothing.
+boost::optional<std::string> RequestSurvey(Common::ICommunicationSystem& server,
+                                           const std::string& agentId) {
   Common::ProcessMessageRequest request;
   request.agentIdentifier = agentId;
   request.code = SURVEY_REQUEST;
   request.subcode = SURVEY_SUBCODE;
-  // A failure until an answer says otherwise: without one, nothing is filled in.
+  // Starts as a failure: without an answer, nothing is filled in.
   Common::ProcessMessageResponse response;
   response.result = 1;
   response.message = "the server did not answer";
@@ -102,14 +104,14 @@ boost::optional<std::string> SurveyCompletionManager::AskSurveyCompleted(
   if (!server) return boost::none;
 
   code = Code::CommunicationFailure;
-  const auto message = Ask(*server, agentId);
+  const auto message = RequestSurvey(*server, agentId);
   if (!message) return boost::none;
-  const auto tree = Tried("Unable to convert response to Json. Message: %1%. Error: %2%", *message,
-                          [&] { return ReadAnswer(*message); });
+  const auto tree = ResultOrNone("Unable to convert response to Json. Message: %1%. Error: %2%",
+                                 *message, [&] { return ReadAnswer(*message); });
   if (!tree) return boost::none;
   const auto survey =
-      Tried("Unable to convert response to SurveyResponseInfo. Message: %1%. Error: %2%", *message,
-            [&] { return Common::SurveyResponseInfo(*tree); });
+      ResultOrNone("Unable to convert response to SurveyResponseInfo. Message: %1%. Error: %2%",
+                   *message, [&] { return Common::SurveyResponseInfo(*tree); });
   if (!survey) return boost::none;
 
   // An empty tree becomes a survey that is not available.

@@ -9,15 +9,15 @@
 
 namespace Norvik::KOB {
 
-/// Why a decision about the survey has its result.
+/// The reason for the result of a decision about the survey.
 enum class SurveyResultCodes : int {
-  NoFailure = 0,             ///< an empty result then means that there is nothing more to do
-  DependencyExpired = 1,     ///< a service of the host is gone
+  NoFailure = 0,             ///< with an empty result: there is nothing more to do
+  DependencyExpired = 1,     ///< a service of the host no longer exists
   OSTypeNotReady = 2,        ///< the agent has not recorded its operating-system type yet
   CommunicationFailure = 3,  ///< the server or the user's process could not be reached
 };
 
-/// The decisions that lead to the survey. Each sets `code`, whatever it held before.
+/// The decisions that lead to the survey. Each sets `code` in any case.
 class SurveyCompletionManager {
  public:
   /// The survey of the agent's profile; empty if the profile has none.
@@ -35,7 +35,7 @@ class SurveyCompletionManager {
       SurveyResultCodes& code);
 
   /// Sends the survey to the user's process of the session, which shows it. False if the message
-  /// did not get there.
+  /// could not be delivered.
   static bool SendSurveyDialogMessage(
       const std::string& url, unsigned long long session,
       const std::weak_ptr<Common::ICommunicationSystem>& communications, SurveyResultCodes& code);

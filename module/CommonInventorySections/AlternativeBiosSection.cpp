@@ -29,12 +29,12 @@ using Platform::IoObject;
 
 constexpr char REPORT_COMMAND[] = "system_profiler -xml SPHardwareDataType";
 constexpr char REPORT_TYPE[] = "SPHardwareDataType";
-// Two blanks before "-l" are part of the command.
+// The two spaces before "-l" are part of the command.
 constexpr char REGISTRY_COMMAND[] = "ioreg -a  -l -p IODeviceTree -c IORegistryEntry";
 constexpr char FIRMWARE_MARK[] = "iBoot-";
 
-/// Deliberately summer time of one zone only, which is what the firmware's maker writes then: the
-/// server expects no date for any other.
+/// Deliberately only the summer time of one zone, which the firmware's maker writes: the server
+/// expects no date for any other.
 constexpr char TIME_STAMP_FORMAT[] = "%a %b %d %H:%M:%S PDT %Y ";
 
 IoObject FindPlatformExpert() {
@@ -44,7 +44,7 @@ IoObject FindPlatformExpert() {
       ::IOServiceGetMatchingService(port, ::IOServiceMatching("IOPlatformExpertDevice")));
 }
 
-/// Bytes of a property up to the first NUL; none if there is no such property, or no data in it.
+/// Bytes of a property up to the first NUL. Empty optional if the property is absent or not data.
 boost::optional<std::string> TextProperty(const IoObject& service, const char* name) {
   const CfRef<CFTypeRef> property(::IORegistryEntryCreateCFProperty(
       service.Get(), Platform::CfTextOf(name).Get(), kCFAllocatorDefault, 0));
@@ -80,7 +80,7 @@ void ReadFirmwareVersion(SmBiosInfo& result) {
   ptree tree;
   Common::MacXMLToJSONParser(Common::CommandRunner::ExecCommand(REGISTRY_COMMAND), tree)
       .Parse("plist");
-  // Raises without the property.
+  // Throws if the property is absent.
   const ptree& version =
       Common::MacXMLToJSONParser::SearchNode(tree, "system-firmware-version").value();
   for (const auto& text : Common::Base64Coder::DecodeStringBytes(version.data())) {

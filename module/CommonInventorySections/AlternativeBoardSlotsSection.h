@@ -7,8 +7,7 @@
 
 namespace Norvik::KOB {
 
-/// A machine without an SMBIOS table tells of no slots: deliberately nothing is added, a security
-/// chip neither.
+/// Slots of a machine without an SMBIOS table. Deliberately adds nothing, not even a security chip.
 class AlternativeBoardSlotsSection final : public Common::ISection<std::list<SmbSystemSlotInfo>> {
  public:
   void GetInfo(std::list<SmbSystemSlotInfo>& /*result*/) override {}

@@ -20,26 +20,27 @@ constexpr std::uint32_t VERSION_3_1 = 0x301;
 std::time_t DateOf(const wxString& text) {
   wxDateTime date(static_cast<std::time_t>(0));
   wxString::const_iterator end;
-  // Deliberately so: the server expects a date from the second format only, and the first fails for
-  // every text.
+  // Deliberately kept: this format fails for every text. The server expects a date from the second
+  // one only.
   if (date.ParseFormat(text, "%m/%d/%C", wxDefaultDateTime, &end)) return 0;
-  // The library keeps the time of day at which 1970 began, which is midnight in few zones.
+  // The library keeps the time of day of the initial value, which is local midnight in few zones.
   if (date.ParseFormat(text, "%m/%d/%Y", wxDefaultDateTime, &end)) date.ResetTime();
   return date.GetTicks();
 }
 
-/// Units of 64 KiB to bytes; the field tells one unit less.
-int Bytes(std::uint64_t units) {
+/// Bytes from a field in units of 64 KiB, which holds one unit less than the size.
+int RomSizeInBytes(std::uint64_t units) {
   return static_cast<int>(static_cast<std::uint32_t>(units + 1) << 16);
 }
 
 void SetRomSize(const Structure& bios, std::uint32_t version, SmBiosInfo& result) {
   const std::uint64_t size = bios.Field(9, 1);
   if (version < VERSION_3_1) {
-    result.romSize = Bytes(size);
+    result.romSize = RomSizeInBytes(size);
   } else if (size == 0xFF) {
-    // Deliberately one byte before the extended size: the server knows the machines by this number.
-    result.romSize = Bytes(bios.Field(23, 2));
+    // Deliberately read one byte before the extended size: the server knows machines by this
+    // number.
+    result.romSize = RomSizeInBytes(bios.Field(23, 2));
   }
 }
 

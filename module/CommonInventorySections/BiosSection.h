@@ -9,8 +9,8 @@
 
 namespace Norvik::KOB {
 
-/// Firmware, from the first structure of the SMBIOS table that names a vendor or, without one, the
-/// last. Raises `std::bad_weak_ptr` if the reader of the table has gone.
+/// Firmware, from the first BIOS structure of the SMBIOS table that names a vendor, or from the
+/// last one if none does. Throws `std::bad_weak_ptr` if the reader of the table no longer exists.
 class BiosSection final : public Common::ISection<SmBiosInfo> {
  public:
   explicit BiosSection(std::weak_ptr<Common::SmBios> smBios) : smBios_(std::move(smBios)) {}

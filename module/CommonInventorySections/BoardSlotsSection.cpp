@@ -27,8 +27,8 @@ constexpr std::uint32_t NO_STRUCTURE = 0xFFFFFFFF;
 constexpr unsigned char CHIP_SLOT = 193;
 constexpr unsigned char IN_USE = 4;
 
-/// Texts of codes that follow each other.
-struct Codes {
+/// Texts of consecutive codes.
+struct CodeRange {
   unsigned char first;
   std::size_t count;
   const char* const* texts;
@@ -76,25 +76,25 @@ constexpr const char* LATER_SLOTS[] = {"PC-98/C20",
                                        "PCI Express Gen 3 x4",
                                        "PCI Express Gen 3 x8",
                                        "PCI Express Gen 3 x16"};
-/// These two are no codes of the SMBIOS table: they stand for security chips.
+/// Codes outside the SMBIOS standard, used for security chips.
 constexpr const char* CHIPS[] = {"TPM Security Module", "Apple T2 Security Chip"};
-constexpr Codes TYPES[] = {{1, std::size(SLOTS), SLOTS},
-                           {160, std::size(LATER_SLOTS), LATER_SLOTS},
-                           {192, std::size(CHIPS), CHIPS}};
+constexpr CodeRange TYPES[] = {{1, std::size(SLOTS), SLOTS},
+                               {160, std::size(LATER_SLOTS), LATER_SLOTS},
+                               {192, std::size(CHIPS), CHIPS}};
 
-constexpr const char* USES[] = {"Other", "Unknown", "Available", "In use"};
+constexpr const char* USAGES[] = {"Other", "Unknown", "Available", "In use"};
 
-/// The text of a code; empty outside.
-wxString TextOf(unsigned char code, const Codes& codes) {
-  const std::size_t index = static_cast<std::size_t>(code) - codes.first;
-  return index < codes.count ? wxString(codes.texts[index]) : wxString();
+/// The text of a code; empty outside the range.
+wxString TextOf(unsigned char code, const CodeRange& range) {
+  const std::size_t index = static_cast<std::size_t>(code) - range.first;
+  return index < range.count ? wxString(range.texts[index]) : wxString();
 }
 
 int HandleOf(const Common::SmBios::CStruct& structure) {
   return static_cast<int>(structure.Field(2, 2));
 }
 
-/// Gives the chip at the end of the list the handle of its structure.
+/// If the last entry is a security chip, sets its handle from the SMBIOS table.
 void SetHandleOfChip(const Common::SmBios& smBios, SmbSystemSlotInfo& last) {
   Structures chips;
   smBios.GetStructData(CHIP_STRUCTURE, chips);
@@ -148,15 +148,15 @@ bool BoardSlotsSection::GetTpmInfo(std::list<SmbSystemSlotInfo>& result) {
 }
 
 wxString BoardSlotsSection::Type(unsigned char code) const {
-  for (const Codes& codes : TYPES) {
-    const wxString text = TextOf(code, codes);
+  for (const CodeRange& range : TYPES) {
+    const wxString text = TextOf(code, range);
     if (!text.empty()) return text;
   }
   return {};
 }
 
 wxString BoardSlotsSection::CurrentUsage(unsigned char code) const {
-  return TextOf(code, {1, std::size(USES), USES});
+  return TextOf(code, {1, std::size(USAGES), USAGES});
 }
 
 }  // namespace Norvik::KOB

@@ -12,20 +12,21 @@
 
 namespace Norvik::KOB {
 
-/// Slots of the board, from the SMBIOS table, and behind them the security chip, if the system
-/// tells of one.
+/// Slots of the board, from the SMBIOS table, followed by the security chip if the system reports
+/// one.
 class BoardSlotsSection final : public Common::ISection<std::list<SmbSystemSlotInfo>> {
  public:
   explicit BoardSlotsSection(std::weak_ptr<Common::SmBios> smBios) : smBios_(std::move(smBios)) {}
-  /// Raises `std::bad_weak_ptr` if the reader of the table has gone, and what `GetTpmInfo` raises.
+  /// Throws `std::bad_weak_ptr` if the reader of the table no longer exists, and what `GetTpmInfo`
+  /// throws.
   void GetInfo(std::list<SmbSystemSlotInfo>& result) override;
-  /// Appends the security chip, its `slotId` 0; false if there is none. Raises `ptree_bad_path` if
-  /// the system's answer is neither empty nor a report.
+  /// Appends the security chip with a `slotId` of 0. False if there is none. Throws
+  /// `ptree_bad_path` if the output of the system's tool is neither empty nor a report.
   bool GetTpmInfo(std::list<SmbSystemSlotInfo>& result);
 
-  /// Text of a type of slot; empty for a code that is not known.
+  /// Text of a slot type; empty for an unknown code.
   wxString Type(unsigned char code) const;
-  /// Text of a slot's use; empty for a code that is not known.
+  /// Text of a slot's usage; empty for an unknown code.
   wxString CurrentUsage(unsigned char code) const;
 
  private:

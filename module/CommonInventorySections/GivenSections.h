@@ -14,7 +14,7 @@
 
 namespace Norvik::KOB {
 
-/// Hands on a record that the agent gathered for itself.
+/// Returns a copy of a record that the agent gathered earlier for its own use.
 template <class Record>
 class GivenRecordSection final : public Common::ISection<Record> {
  public:
@@ -25,7 +25,7 @@ class GivenRecordSection final : public Common::ISection<Record> {
   Record record_;
 };
 
-/// Hands on records that the agent gathered for itself: appends them, in order.
+/// Appends, in order, copies of records that the agent gathered earlier for its own use.
 template <class Record>
 class GivenListSection final : public Common::ISection<std::list<Record>> {
  public:

@@ -27,7 +27,7 @@ constexpr char INSERT_SOFTWARE[] =
     "       '{5}', '{6}', {7}, '{8}',\n"
     "       '{9}', '{10}')";
 
-// Deliberately the date as decimal text, unlike the newer class: the form that this road has.
+// Deliberately the date as decimal text, unlike in KOBDataSourceV2: this path stores it so.
 std::vector<Common::V2::DataBaseValue> RowWithDateAsText(
     const Common::SoftwareRegisteredInfo& software) {
   auto row = RegisteredSoftwareRow(software);
@@ -39,9 +39,9 @@ std::int64_t SecondsOf(const KOBDataSource::TimePoint& time) {
   return duration_cast<seconds>(time.time_since_epoch()).count();
 }
 
-// A value that cannot be read counts as absent; this road has no log of its own for that.
+// A value that cannot be read counts as absent. This path deliberately does not log it.
 template <class Read>
-auto OrNull(Read read) -> decltype(read()) {
+auto NullOnError(Read read) -> decltype(read()) {
   try {
     return read();
   } catch (const std::exception&) {
@@ -87,15 +87,17 @@ bool KOBDataSource::updateScheduleInventoryID(const long long& id) {
 }
 
 std::unique_ptr<std::int64_t> KOBDataSource::getInventoryChangePeriod() const {
-  return OrNull([&] { return data_.GetInt64(COLUMN_NAME_INVENTORY_CHANGED_INVENTORY_PERIOD); });
+  return NullOnError(
+      [&] { return data_.GetInt64(COLUMN_NAME_INVENTORY_CHANGED_INVENTORY_PERIOD); });
 }
 
 std::unique_ptr<KOBDataSource::TimePoint> KOBDataSource::getLastInventoryChanged() const {
-  return OrNull([&] { return data_.GetDateTime(COLUMN_NAME_LAST_INVENTORY_CHANGED_INVENTORY); });
+  return NullOnError(
+      [&] { return data_.GetDateTime(COLUMN_NAME_LAST_INVENTORY_CHANGED_INVENTORY); });
 }
 
 std::unique_ptr<std::int64_t> KOBDataSource::getLastScheduleInventoryID() const {
-  return OrNull([&] { return data_.GetInt64(COLUMN_NAME_SCHEDULED_INVENTORY_ID); });
+  return NullOnError([&] { return data_.GetInt64(COLUMN_NAME_SCHEDULED_INVENTORY_ID); });
 }
 
 bool KOBDataSource::ReplaceRegistredSoftware(
@@ -105,7 +107,9 @@ bool KOBDataSource::ReplaceRegistredSoftware(
     Common::V2::DataBase dataBase;
     dataBase.ExecuteSentence("delete from KOB_REGISTERED_SOFTWARE");
     const std::string insert = INSERT_SOFTWARE;
-    for (const auto& one : software) dataBase.ExecuteSentence(insert, RowWithDateAsText(one));
+    for (const auto& program : software) {
+      dataBase.ExecuteSentence(insert, RowWithDateAsText(program));
+    }
     dataBase.Commit();
     return true;
   } catch (const std::exception& error) {
@@ -120,7 +124,7 @@ std::string KOBDataSource::GetRudStatus() {
     const auto table = dataBase->GetTable(TABLE_NAME_RUD_STATUS, 0, 0, 0);
     return table ? table->rows.at(0).at(STATE_NAME_COLUMN) : std::string();
   } catch (const std::exception&) {
-    return {};  // as absent: this road has no log of its own for that
+    return {};  // counts as absent, deliberately without a log entry
   }
 }
 

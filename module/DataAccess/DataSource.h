@@ -12,8 +12,8 @@
 
 namespace Norvik::KOB {
 
-/// The older road to the module's store. Making one seeds the store's defaults. Nothing here
-/// raises: a failure answers null, false or an empty text.
+/// The older access to the module's store. The constructor writes the defaults of values that are
+/// missing. The operations do not throw: they return null, false or an empty text on failure.
 class KOBDataSource {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
@@ -40,15 +40,15 @@ class KOBDataSource {
   std::unique_ptr<TimePoint> getLastInventoryChanged() const;
   std::unique_ptr<std::int64_t> getLastScheduleInventoryID() const;
 
-  /// Replaces the whole table, or leaves it as it was. A list with two records that the table
-  /// takes for the same is refused.
+  /// Replaces the whole table, or leaves it as it was. Refuses a list with two records of the same
+  /// key. False on failure, which is logged.
   bool ReplaceRegistredSoftware(const std::vector<Common::SoftwareRegisteredInfo>& software);
 
-  /// The name of the file inventory's state in its older table, "" if there is none.
+  /// The name of the file inventory's state in its older table; "" without one.
   std::string GetRudStatus();
 
-  /// True from the first second behind the last change until the period is over, both as they
-  /// stood when this object was made.
+  /// True from the first second after the last change until the period is over. Both values are
+  /// those that the constructor read.
   bool checkWaitingPeriod() const;
   /// Seconds since the last change.
   std::int64_t waitingTime() const;

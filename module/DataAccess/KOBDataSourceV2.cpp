@@ -91,8 +91,8 @@ long long EpochSecondsOf(const KOBDataSourceV2::TimePoint& time) {
   return duration_cast<seconds>(time.time_since_epoch()).count();
 }
 
-// Deliberately 32 bits wide: readers of the table expect the values of all keys but one so.
-unsigned int ShortSecondsOf(const KOBDataSourceV2::TimePoint& time) {
+// Deliberately cut to 32 bits: readers of the table expect that of all keys but one.
+unsigned int EpochSeconds32(const KOBDataSourceV2::TimePoint& time) {
   return static_cast<unsigned int>(EpochSecondsOf(time));
 }
 
@@ -104,7 +104,7 @@ constexpr char INSERT_REGISTERED_SOFTWARE[] =
 }  // namespace
 
 bool KOBDataSourceV2::updateLastInventoryChanged(const TimePoint& time) {
-  return Update(LAST_INVENTORY_CHANGED, ShortSecondsOf(time));
+  return Update(LAST_INVENTORY_CHANGED, EpochSeconds32(time));
 }
 
 bool KOBDataSourceV2::updateInventoryChangedPeriod(const unsigned int& seconds) {
@@ -116,7 +116,7 @@ bool KOBDataSourceV2::updateScheduleInventoryID(const unsigned int& id) {
 }
 
 bool KOBDataSourceV2::updateRudCompletoLastInventory(const TimePoint& time) {
-  return Update(RUD_LAST_INVENTORY, ShortSecondsOf(time));
+  return Update(RUD_LAST_INVENTORY, EpochSeconds32(time));
 }
 
 bool KOBDataSourceV2::updateDateTimeLastInventory(const TimePoint& time) {
@@ -147,7 +147,7 @@ unsigned int KOBDataSourceV2::getLastScheduleInventoryID() { return Get(SCHEDULE
 
 unsigned int KOBDataSourceV2::getRudCompletoLastInventory() { return Get(RUD_LAST_INVENTORY); }
 
-// Deliberately zeros, also for the period: the default of an hour is KOBDataSource's to write.
+// Deliberately zeros, also for the period: KOBDataSource writes the default of an hour.
 void KOBDataSourceV2::checkKOBDataTable() {
   if (getLastInventoryChanged() == 0) updateLastInventoryChanged(TimePoint());
   if (getLastScheduleInventoryID() == 0) updateScheduleInventoryID(0);
@@ -161,7 +161,9 @@ bool KOBDataSourceV2::ReplaceRegistredSoftware(
     Common::V2::DataBase::ClearTable("KOB_REGISTERED_SOFTWARE");
     Common::V2::DataBase dataBase;
     const std::string insert = INSERT_REGISTERED_SOFTWARE;
-    for (const auto& one : software) dataBase.ExecuteSentence(insert, RegisteredSoftwareRow(one));
+    for (const auto& program : software) {
+      dataBase.ExecuteSentence(insert, RegisteredSoftwareRow(program));
+    }
     dataBase.Commit();
     return true;
   } catch (const std::exception& error) {

@@ -8,9 +8,10 @@
 namespace Norvik::KOB {
 
 /// The module's named values (table "KOB_DATA", every value a decimal text) and the last known
-/// software (table "KOB_REGISTERED_SOFTWARE"). Nothing here raises: a failure is logged as an error
-/// and answered by false or 0, so a getter's 0 is an absent key, a failure or a stored 0.
-/// Safe on any thread; times are kept as whole seconds since the epoch.
+/// software (table "KOB_REGISTERED_SOFTWARE"). The operations do not throw: they log a
+/// failure as an error and return false or 0, so a getter returns 0 for an absent key, a failure or
+/// a stored 0. Thread-safe. Times are stored as whole seconds since the epoch, the period in
+/// seconds.
 class KOBDataSourceV2 {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
@@ -31,11 +32,12 @@ class KOBDataSourceV2 {
   static unsigned int getLastScheduleInventoryID();
   static unsigned int getRudCompletoLastInventory();
 
-  /// Writes a 0 for each that reads as 0: the last change, the schedule's id, the period, the last
-  /// total file inventory.
+  /// Writes 0 for each of these values that reads as 0: the last change, the schedule's id, the
+  /// period, the last total file inventory.
   static void checkKOBDataTable();
 
-  /// Replaces the whole table. Of records that the table takes for the same, the first stays.
+  /// Replaces the whole table. Of several records with the same key, the first stays. After a
+  /// failure the table may be empty.
   static bool ReplaceRegistredSoftware(const std::vector<Common::SoftwareRegisteredInfo>& software);
 };
 

@@ -16,7 +16,7 @@ constexpr char SELECT[] = "select id, Unit, Path, Server from KOB_NETWORK_DRIVES
 constexpr char INSERT[] =
     "insert into KOB_NETWORK_DRIVES( id, Unit, Path, Server) values(%1%, '%2%', '%3%', '%4%')";
 constexpr char DELETE[] = "delete from KOB_NETWORK_DRIVES";
-// Deliberately "Create" for reading and writing alike: those who watch logs look for this text.
+// Deliberately "Create" for reading and writing alike: log monitors search for this text.
 constexpr char ERROR[] = "Error Create Network Drives Table: %1%";
 
 NetworkDriveInfo DriveOf(const Common::V2::DataBaseRow& row) {

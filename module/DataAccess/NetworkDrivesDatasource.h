@@ -7,12 +7,12 @@
 
 namespace Norvik::KOB::V2 {
 
-/// The table of the network drives that users reported. Each call is a batch of its own; none
-/// raises: a failure is logged.
+/// The table of the network drives that users reported. Each call is its own transaction. Never
+/// throws: a failure is logged.
 class NetworkDrivesDatasource {
  public:
-  /// Nothing if the table is empty or cannot be read. An id comes back by its low 32 bits,
-  /// widened with their sign.
+  /// Empty optional if the table is empty or cannot be read. Of an id only the low 32 bits come
+  /// back, sign-extended.
   static boost::optional<std::vector<NetworkDriveInfo>> Get();
   /// Replaces a drive of the same id. False on failure.
   static bool Set(const NetworkDriveInfo& drive);

@@ -8,7 +8,7 @@
 
 namespace Norvik::KOB {
 
-/// Of the row below, from 0.
+/// Index of the install date in the row below, from 0.
 constexpr std::size_t INSTALL_DATE_COLUMN = 3;
 
 /// The ten values of a row of "KOB_REGISTERED_SOFTWARE", in the order is_patch, name,

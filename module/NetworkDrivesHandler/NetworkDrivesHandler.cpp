@@ -9,7 +9,8 @@ using Drives = std::vector<NetworkDriveInfo>;
 
 boost::optional<Drives> NetworkDrivesHandler::GetMappedDrivesFromAPI() {
   NORVIK_DETAIL("Not implemented for this SO");
-  // Deliberately not nothing: a user without drives still clears what the service holds.
+  // Deliberately an empty list and not an empty optional: a user without drives still clears what
+  // the service holds.
   return Drives();
 }
 

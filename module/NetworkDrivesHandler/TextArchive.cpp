@@ -16,8 +16,8 @@ namespace {
 
 using boost::archive::archive_exception;
 
-/// Boost's own reader makes room for any length that a text is said to have, and takes the length
-/// for read when the text ends before. This one believes what is there.
+/// Boost's own reader allocates whatever length the archive claims for a string, and does not
+/// notice if the archive ends before it. This one checks the length against the bytes that remain.
 class BoundedTextArchive : public boost::archive::text_iarchive_impl<BoundedTextArchive> {
  public:
   explicit BoundedTextArchive(std::istringstream& text)
@@ -47,7 +47,7 @@ class BoundedTextArchive : public boost::archive::text_iarchive_impl<BoundedText
 template <class Record>
 std::string Serialize(const Record& record) {
   std::ostringstream text;
-  // The process at the other end may group digits otherwise, or not at all.
+  // The other process may have another locale, which groups digits differently or not at all.
   text.imbue(std::locale::classic());
   boost::archive::text_oarchive(text) << record;
   return text.str();

@@ -4,13 +4,13 @@
 
 namespace Norvik::KOB {
 
-/// A record as a text archive of Boost, the form in which it travels between processes. The sources
-/// hold these two for `NetworkDriveInfo`.
+/// A record as a Boost text archive, the form in which it is sent between processes. Both functions
+/// are instantiated for `NetworkDriveInfo` only.
 template <class Record>
 std::string Serialize(const Record& record);
 
-/// The record of an archive. Raises `boost::archive::archive_exception` for a text that is none.
-/// Needs no more memory than the text itself, whatever lengths it claims.
+/// The record in an archive. Throws `boost::archive::archive_exception` if the text is not an
+/// archive. Needs no more memory than the text itself, whatever lengths the text claims.
 template <class Record>
 Record Deserialize(const std::string& archive);
 

@@ -27,7 +27,7 @@ bool UnixPrinters::RemovePrinter(std::string& name) {
   NORVIK_INFORMATION(boost::format("Removing printer %1%.") % name);
   const auto removal = Common::CommandRunner::ExecChange(ShellLine("lpadmin -x %1%", name));
   const bool isLeft = CheckPrinter(ListQueues(), name);
-  // A removal that was only noted counts as done.
+  // In a rehearsal the removal is only noted, so it counts as done.
   if (isLeft && !removal.onlyNoted) {
     NORVIK_ERROR(boost::format("The %1% printer could not be removed.") % name);
     return false;

@@ -4,13 +4,13 @@
 
 namespace Norvik::KOB {
 
-/// Printer queues of CUPS.
+/// The printer queues of CUPS. Runs the tools of the print service.
 class UnixPrinters {
  public:
-  /// Removes the queue. False if it is still there, and also if there was none of that name.
+  /// Removes the queue. False if it is still there or if no queue has that name; both are logged.
   bool RemovePrinter(std::string& name);
 
-  /// Whether a list holds the name. Each line of it is a queue and a ":".
+  /// Whether a list holds the name. Each line of the list is the name of a queue and a ":".
   bool CheckPrinter(const std::string& list, const std::string& name);
 };
 
