@@ -69,7 +69,7 @@ void ReadBootRomVersion(SmBiosInfo& result) {
   const ptree report = ProfilerReportOf(REPORT_COMMAND);
   for (const auto& [typeName, type] : report.get_child("array")) {
     if (type.get("_dataType", "") != REPORT_TYPE) continue;
-    for (const auto& [itemName, item] : ChildOrNothing(type, "_items")) {
+    for (const auto& [itemName, item] : ChildOrEmpty(type, "_items")) {
       const auto version = item.get_optional<std::string>("boot_rom_version");
       if (version) result.version = Common::WxStringFromStdString(*version);
     }

@@ -130,7 +130,7 @@ bool BoardSlotsSection::GetTpmInfo(std::list<SmbSystemSlotInfo>& result) {
   const ptree report = ReadProfilerReport(output);
   for (const auto& [typeName, type] : report.get_child("array")) {
     if (type.get("_dataType", "") != CHIP_TYPE) continue;
-    const ptree& items = ChildOrNothing(type, "_items");
+    const ptree& items = ChildOrEmpty(type, "_items");
     if (items.empty()) continue;
     const auto name = items.front().second.get_optional<std::string>("ibridge_model_name");
     if (!name) {

@@ -34,21 +34,21 @@ constexpr Attribute ATTRIBUTES[] = {
 void ReadProperty(const std::string& line, SharedResourceInfo& share) {
   for (const auto& [label, member] : ATTRIBUTES) {
     if (line.find(label) == std::string::npos) continue;
-    // Deliberately with the blank behind the label: the server knows the paths so.
+    // Deliberately keeps the space after the label: the server expects it in paths.
     share.*member = WxStringFromStdString(boost::algorithm::erase_first_copy(line, label));
     return;
   }
 }
 
 void ReadProperties(std::string properties, SharedResourceInfo& share) {
-  // A value that is long or holds a blank stands on the line below its attribute.
+  // A value that is long or contains a space stands on the line after its attribute.
   boost::algorithm::replace_all(properties, ":\n", ":");
   std::istringstream stream(properties);
   for (std::string line; std::getline(stream, line);) ReadProperty(line, share);
 }
 
 std::string ReadPropertiesOf(const std::string& name) {
-  // Deliberately without quoting what the shell would read in a name: the command is agreed so.
+  // Deliberately without escaping the name for the shell: the command line is fixed.
   RunToFile((boost::format(PROPERTIES_COMMAND) % name).str());
   return ReadToolFile(PROPERTIES_FILE);
 }
@@ -65,7 +65,7 @@ std::list<SharedResourceInfo> ReadShares(const std::string& names,
     ReadProperties(propertiesOf(line), share);
     if (share.name.empty()) continue;
     share.type = "Shared Folder";
-    // Deliberately these five letters and not a folder: the server shows them.
+    // Deliberately this text and not a folder: the server shows it.
     if (share.path.empty()) share.path = "$HOME";
     shares.push_back(std::move(share));
   }

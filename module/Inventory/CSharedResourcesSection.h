@@ -9,16 +9,18 @@
 
 namespace Norvik::KOB {
 
-/// Folders that the machine shares. Leaves the files "/tmp/shareList" and "/tmp/propertyShare".
+/// Folders that the machine shares. Leaves behind the files "/tmp/shareList" and
+/// "/tmp/propertyShare".
 class CSharedResourcesSection final : public Common::ISection<std::list<SharedResourceInfo>> {
  public:
   void GetInfo(std::list<SharedResourceInfo>& result) override;
 };
 
+/// Returns what the system's tool prints of the share with that name.
 using PropertiesOfShare = std::function<std::string(const std::string& name)>;
 
-/// The shares of a list of names, one a line. `propertiesOf` is asked for each line, also an empty
-/// one, which is no share.
+/// The shares in a list of names, one per line. Calls `propertiesOf` for each line, even for an
+/// empty one, which yields no share.
 std::list<SharedResourceInfo> ReadShares(const std::string& names,
                                          const PropertiesOfShare& propertiesOf);
 

@@ -27,19 +27,20 @@ constexpr char DISK_FILE[] = "/tmp/diskInfo.plist";
 constexpr char DISK_COMMAND[] =
     "rm /tmp/diskInfo.plist;diskutil info -plist %s > /tmp/diskInfo.plist";
 
-IoObject Below(unsigned int& entry, const char* className) {
+/// The first entry of a class below an entry; empty if there is none.
+IoObject FindDescendant(unsigned int& entry, const char* className) {
   return IoObject(AppleFundation::FindRecursiveChildren(entry, className));
 }
 
-/// The disc in the drive; none without one.
+/// The disc in the drive; empty without one.
 IoObject MediumOf(IoObject& services) {
-  const IoObject client = Below(services.Ref(), "IODVDMediaBSDClient");
+  const IoObject client = FindDescendant(services.Ref(), "IODVDMediaBSDClient");
   IoObject medium;
   if (client) IORegistryEntryGetParentEntry(client.Get(), kIOServicePlane, medium.Out());
   return medium;
 }
 
-/// The dictionary that `diskutil` has written; null if there is none.
+/// The dictionary that `diskutil` wrote; null if there is none.
 CfRef<CFDictionaryRef> ReadDiskFile() {
   const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
       kCFAllocatorDefault, Platform::CfTextOf(DISK_FILE).Get(), kCFURLPOSIXPathStyle, false));
@@ -68,7 +69,7 @@ void AddDisk(CdromInfo& record) {
   record.logicalDisks.push_back(DiskFrom(dictionary.Ref()));
   const wxString kinds =
       AppleFundation::GetCFDictionaryStringProperty(dictionary.Ref(), "OpticalDeviceType");
-  // Deliberately with the blanks around the commas: the server knows them so.
+  // Deliberately keeps the spaces around the commas: the server expects them.
   for (const wxString& kind : wxSplit(kinds, ',', '\0')) record.features.insert(kind);
 }
 
@@ -105,16 +106,17 @@ void GetCdromDiskInfo(unsigned int& entry, CdromInfo& record) {
   record.serial = drive.Text("Serial Number");
   record.busType = drive.Text("Physical Interconnect");
 
-  IoObject services = Below(entry, "IODVDServices");
-  // Deliberately emptied if the services have no such key: "Unknown" means that there are none.
+  IoObject services = FindDescendant(entry, "IODVDServices");
+  // Deliberately empty if the services have no such key: "Unknown" means that there are no
+  // services.
   if (services) record.mediaType = RegistryProperties(services.Get()).Text("device-type");
-  const IoObject nub = Below(entry, "IOSCSIPeripheralDeviceNub");
+  const IoObject nub = FindDescendant(entry, "IOSCSIPeripheralDeviceNub");
   record.manufacturer = RegistryProperties(nub.Get()).Text("Vendor Identification");
 
   const IoObject medium = MediumOf(services);
   record.pnpDeviceId += "/dev/";
   record.pnpDeviceId += RegistryProperties(medium.Get()).Text("BSD Name");
-  // Deliberately without a disc as well; the tool then only removes what an earlier run has left.
+  // Deliberately also without a disc: the command then only removes the file of an earlier run.
   AddDisk(record);
 }
 

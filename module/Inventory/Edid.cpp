@@ -10,13 +10,13 @@ namespace Norvik::KOB {
 
 namespace {
 
-/// A part of a text, as far as the text goes.
-std::string Part(const std::string& text, std::size_t at, std::size_t length) {
+/// A part of a text; shorter or empty where the text ends.
+std::string Substring(const std::string& text, std::size_t at, std::size_t length) {
   return at < text.size() ? text.substr(at, length) : std::string();
 }
 
 Descriptor::Kind KindOf(const std::string& tag) {
-  // Deliberately one kind: a display without a serial number may tell it as a plain text.
+  // Deliberately one kind: some displays report their serial number as plain text.
   if (tag == "fe" || tag == "ff") return Descriptor::SERIAL;
   return tag == "fc" ? Descriptor::NAME : Descriptor::OTHER;
 }
@@ -59,8 +59,8 @@ std::string getProductCode(const std::string& text) {
 }
 
 std::string getEDIDVersion(const std::string& text) {
-  return std::to_string(hex2num(Part(text, 0, 2))) + "." +
-         std::to_string(hex2num(Part(text, 2, 2)));
+  return std::to_string(hex2num(Substring(text, 0, 2))) + "." +
+         std::to_string(hex2num(Substring(text, 2, 2)));
 }
 
 std::string getName(const std::vector<Descriptor>& descriptors) {
@@ -70,17 +70,17 @@ std::string getName(const std::vector<Descriptor>& descriptors) {
 
 std::string getSerial(const std::vector<Descriptor>& descriptors, const std::string& text) {
   const Descriptor* const serial = FirstOf(descriptors, Descriptor::SERIAL);
-  // Deliberately in the order of the digits, though the block holds the low byte first: the server
-  // knows the displays by these numbers.
+  // Deliberately in the order of the digits, although the block stores the low byte first: the
+  // server knows displays by these numbers.
   return serial ? serial->text : std::to_string(hex2num(text));
 }
 
 std::int32_t getDate(const std::string& text) {
-  const int week = hex2num(Part(text, 0, 2));
-  const int year = hex2num(Part(text, 2, 2)) + 1990;
+  const int week = hex2num(Substring(text, 0, 2));
+  const int year = hex2num(Substring(text, 2, 2)) + 1990;
   std::tm fields{};
   fields.tm_mday = 1;
-  // Deliberately four weeks to a month: week 52 lies in the next year.
+  // Deliberately four weeks per month, so week 52 lies in the next year.
   fields.tm_mon = week / 4;
   fields.tm_year = year - 1900;
   return static_cast<std::int32_t>(std::mktime(&fields));

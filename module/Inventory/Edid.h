@@ -6,10 +6,10 @@
 
 namespace Norvik::KOB {
 
-// Decoders of a display's EDID block as hexadecimal text: two lower-case digits for each byte,
-// without separators. They read no text past its end; what is missing there counts as empty.
+// Decoders of a display's EDID block as hexadecimal text: two lower-case digits per byte, without
+// separators. They never read past the end of a text; what is missing counts as empty.
 
-/// Value of leading hexadecimal digits: 2147483647 for a greater one, 0 without a digit.
+/// Value of the leading hexadecimal digits, limited to the range of the result; 0 without a digit.
 std::int32_t hex2num(const std::string& text);
 
 /// A display descriptor.
@@ -17,24 +17,25 @@ struct Descriptor {
   enum Kind : std::int32_t { SERIAL = 1, NAME = 2, OTHER = 3 };
 
   std::int32_t kind = OTHER;
-  std::string text;  ///< as the display stores it, line end, blanks and NULs included
+  std::string text;  ///< as the display stores it, with line end, spaces and NULs
 };
 
-/// Decodes a descriptor of 36 digits. Raises `std::out_of_range` for fewer than six.
+/// Decodes a descriptor of 36 digits. Throws `std::out_of_range` for fewer than six.
 Descriptor getDescriptor(const std::string& text);
 
-/// Three letters, packed into four digits. A code that is none gives a character beside "A" to "Z".
+/// The three letters that are packed into four digits. An invalid code yields a character outside
+/// "A" to "Z".
 std::string getIDManufacturer(const std::string& text);
-/// The four digits, the last two first. A digit that is missing becomes a NUL.
+/// The four digits with the two bytes swapped. A missing digit becomes a NUL.
 std::string getProductCode(const std::string& text);
-/// Version and revision out of four digits: "1.4".
+/// Version and revision from four digits, as "1.4".
 std::string getEDIDVersion(const std::string& text);
-/// The first text of kind `NAME`.
+/// The text of the first descriptor of kind `NAME`; "" without one.
 std::string getName(const std::vector<Descriptor>& descriptors);
-/// The first text of kind `SERIAL`; the number in the eight digits, if there is none.
+/// The text of the first descriptor of kind `SERIAL`; without one, the number in the eight digits.
 std::string getSerial(const std::vector<Descriptor>& descriptors, const std::string& text);
-/// First second of the month of manufacture, in local time, out of week and year in two digits
-/// each. Seconds since the epoch, cut to 32 bits.
+/// First second of the month of manufacture, in local time, from two digits of week and two of
+/// year. Seconds since the epoch, cut to 32 bits.
 std::int32_t getDate(const std::string& text);
 
 }  // namespace Norvik::KOB

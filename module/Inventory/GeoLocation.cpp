@@ -14,7 +14,7 @@ namespace {
 constexpr int ROUNDS = 5;
 constexpr std::chrono::seconds ROUND{1};
 
-std::optional<Platform::LocationFix> AwaitFix(const Platform::LocationService& service) {
+std::optional<Platform::LocationFix> WaitForFix(const Platform::LocationService& service) {
   auto fix = service.CurrentFix();
   for (int round = 0; !fix && round < ROUNDS; ++round) {
     Platform::WaitClock::Current().SleepFor(ROUND);
@@ -26,7 +26,7 @@ std::optional<Platform::LocationFix> AwaitFix(const Platform::LocationService& s
 GeoLocationPoint PointFrom(const Platform::LocationFix& fix) {
   GeoLocationPoint point;
   point.height = fix.altitude;
-  // Deliberately the speed: this is the field by which the server shows it.
+  // Deliberately the speed: the server shows it from this field.
   point.acceleration = fix.speed;
   point.latitude = fix.latitude;
   point.longitude = fix.longitude;
@@ -42,9 +42,9 @@ GeoLocationPoint GeoLocation::GetLocation() {
   }
   Platform::LocationService service;
   service.Start();
-  const auto fix = AwaitFix(service);
+  const auto fix = WaitForFix(service);
   if (!fix) {
-    // Deliberately without an end of the search, which goes with the service.
+    // Deliberately no call of Stop: the destructor of the service ends the search.
     NORVIK_WARNING("The agent can't find the location of this device.");
     NORVIK_WARNING(
         "Please check if your device has at least the WiFi on and the permissions are set "

@@ -4,10 +4,10 @@
 
 namespace Norvik::KOB {
 
-/// Asks the system for one position of the machine.
+/// Gets one position of the machine from the system.
 class GeoLocation {
  public:
-  /// Waits for at most five seconds. The zero point if the machine does not tell.
+  /// Blocks for at most five seconds. Returns the zero point if the system reports no position.
   GeoLocationPoint GetLocation();
 };
 

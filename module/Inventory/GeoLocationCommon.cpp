@@ -10,12 +10,12 @@ namespace Norvik::KOB {
 GeoLocationPoint GeoLocationCommon::GetLocation() const {
   GeoLocationPoint point;
   try {
-    auto answer = std::async(std::launch::async, [this] { return GetLocationAsync(); });
-    if (answer.wait_for(limit_) == std::future_status::timeout) {
+    auto location = std::async(std::launch::async, [this] { return GetLocationAsync(); });
+    if (location.wait_for(limit_) == std::future_status::timeout) {
       NORVIK_ERROR("Unable to get location information");
       NORVIK_DETAIL("possible memory leak");
     } else {
-      point = answer.get();
+      point = location.get();
     }
   } catch (...) {
     NORVIK_ERROR("Unable to get location information unknown ex");

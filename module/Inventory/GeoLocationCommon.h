@@ -6,17 +6,17 @@
 
 namespace Norvik::KOB {
 
-/// Where the machine is. The zero point stands for an unknown place.
+/// The location of the machine. The zero point stands for an unknown location.
 class GeoLocationCommon {
  public:
-  /// @param limit how long an answer is awaited; only tests have another one
+  /// @param limit how long to wait for a position; only tests change it
   explicit GeoLocationCommon(std::chrono::milliseconds limit = std::chrono::minutes(5))
       : limit_(limit) {}
 
-  /// Asks on a thread of its own and logs every failure. Never raises. After the limit it gives up
-  /// the answer, but still waits until the thread has ended.
+  /// Gets the position on its own thread and logs every failure. Never throws. After the limit it
+  /// discards the result, but still waits for the thread to end.
   GeoLocationPoint GetLocation() const;
-  /// Asks on this thread.
+  /// Gets the position on the calling thread.
   GeoLocationPoint GetLocationAsync() const;
 
  private:

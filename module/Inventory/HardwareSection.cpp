@@ -23,10 +23,10 @@ constexpr HardwareField FIELDS[] = {{"_name", &HardwareInfo::name},
                                     {"f_manufacturer", &HardwareInfo::manufacturer},
                                     {"g_location_id", &HardwareInfo::pnpDeviceId}};
 
-/// The nearest node of a name, from a node on; each node that is left is logged. Null if there is
-/// none.
+/// The first node with this name, starting at `node` and going on with `next`. Logs each node that
+/// it skips. Null if there is no such node.
 template <class Next>
-const wxXmlNode* Walk(const wxXmlNode* node, const char* name, Next next) {
+const wxXmlNode* FindNode(const wxXmlNode* node, const char* name, Next next) {
   while (node && node->GetName() != name) {
     NORVIK_INFORMATION(Common::ToUtf8(node->GetName()));
     node = next(*node);
@@ -34,15 +34,15 @@ const wxXmlNode* Walk(const wxXmlNode* node, const char* name, Next next) {
   return node;
 }
 
-/// The devices of the first bus. Null in a report whose first array is another one, as the words of
-/// its command: deliberately, the server expects no devices out of such a report.
+/// The devices of the first bus. Deliberately null if the first array of the report is a different
+/// one, such as the arguments of its command: the server expects no devices from such a report.
 const wxXmlNode* DevicesOf(const wxXmlNode* root) {
   const auto down = [](const wxXmlNode& node) { return node.GetChildren(); };
   const auto on = [](const wxXmlNode& node) { return node.GetNext(); };
-  const wxXmlNode* node = Walk(root, "key", down);
-  node = Walk(node, "array", on);
-  node = Walk(node, "key", down);
-  return Walk(node, "array", on);
+  const wxXmlNode* node = FindNode(root, "key", down);
+  node = FindNode(node, "array", on);
+  node = FindNode(node, "key", down);
+  return FindNode(node, "array", on);
 }
 
 wxString TextOf(const wxXmlNode* element) {
@@ -62,8 +62,8 @@ HardwareInfo HardwareFrom(const wxXmlNode& device) {
   return hardware;
 }
 
-/// The report; not `IsOk` if there is none, or none that the library can bear: it takes a tree
-/// apart by recursion.
+/// The report. Not `IsOk` if there is none or if it nests too deep for the library, which destroys
+/// a tree recursively.
 wxXmlDocument ReadReport() {
   const wxLogNull quiet;
   if (!Common::IsReadableXml(ReadToolFile(REPORT_FILE))) return {};

@@ -20,13 +20,13 @@ namespace {
 using boost::property_tree::ptree;
 using Common::WxStringFromStdString;
 
-// The blank at the end is part of the commands.
+// The space at the end is part of the commands.
 constexpr char USB_COMMAND[] = "system_profiler -xml SPUSBDataType ";
 constexpr char BLUETOOTH_COMMAND[] = "system_profiler -xml SPBluetoothDataType ";
 constexpr char LAYOUT_COMMAND[] =
     R"(defaults read ~/Library/Preferences/com.apple.HIToolbox.plist AppleSelectedInputSources | egrep -w 'KeyboardLayout Name')";
 
-/// Keys under which a bus tells of a device.
+/// Keys of a device in the report of a bus.
 struct DeviceKeys {
   const char* type;
   const char* product;
@@ -37,7 +37,7 @@ constexpr DeviceKeys USB = {"USB", "product_id", "vendor_id", "manufacturer"};
 constexpr DeviceKeys BLUETOOTH = {"Bluetooth", "device_productID", "device_addr",
                                   "device_manufacturer"};
 
-bool NamesKeyboard(const std::string& name) {
+bool IsKeyboardName(const std::string& name) {
   return boost::algorithm::to_lower_copy(name, std::locale::classic()).find("keyboard") !=
          std::string::npos;
 }
@@ -74,10 +74,10 @@ void KeyboardSection::GetInfo(std::list<KeyboardInfo>& result) {
 
 void KeyboardSection::GetUSBInfo(std::list<KeyboardInfo>& result) {
   const ptree report = ProfilerReportOf(USB_COMMAND);
-  for (const auto& [typeName, type] : ChildOrNothing(report, "array")) {
-    for (const auto& [busName, bus] : ChildOrNothing(type, "_items")) {
-      for (const auto& [deviceName, device] : ChildOrNothing(bus, "_items")) {
-        if (!NamesKeyboard(device.get("_name", ""))) continue;
+  for (const auto& [typeName, type] : ChildOrEmpty(report, "array")) {
+    for (const auto& [busName, bus] : ChildOrEmpty(type, "_items")) {
+      for (const auto& [deviceName, device] : ChildOrEmpty(bus, "_items")) {
+        if (!IsKeyboardName(device.get("_name", ""))) continue;
         result.push_back(KeyboardFrom(device, USB, GetLayout()));
       }
     }
@@ -86,12 +86,12 @@ void KeyboardSection::GetUSBInfo(std::list<KeyboardInfo>& result) {
 
 void KeyboardSection::GetBluetoothInfo(std::list<KeyboardInfo>& result) {
   const ptree report = ProfilerReportOf(BLUETOOTH_COMMAND);
-  for (const auto& [typeName, type] : ChildOrNothing(report, "array")) {
-    // Deliberately spelled so: the server expects no keyboards out of reports that say "_items".
-    for (const auto& [itemName, item] : ChildOrNothing(type, "_itmes")) {
-      for (const auto& [entryName, entry] : ChildOrNothing(item, "device_title")) {
+  for (const auto& [typeName, type] : ChildOrEmpty(report, "array")) {
+    // Deliberately misspelled: the server expects no keyboards from reports that say "_items".
+    for (const auto& [itemName, item] : ChildOrEmpty(type, "_itmes")) {
+      for (const auto& [entryName, entry] : ChildOrEmpty(item, "device_title")) {
         for (const auto& [name, device] : entry) {
-          if (!NamesKeyboard(name)) continue;
+          if (!IsKeyboardName(name)) continue;
           result.push_back(KeyboardFrom(device, BLUETOOTH, GetLayout()));
         }
       }

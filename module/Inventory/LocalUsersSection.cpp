@@ -12,7 +12,7 @@ namespace Norvik::KOB {
 
 namespace {
 
-/// Some account databases leave a text out altogether.
+/// Empty for null: some account databases leave a text out.
 wxString TextOf(const char* text) {
   return text ? Common::WxStringFromStdString(text) : wxString();
 }

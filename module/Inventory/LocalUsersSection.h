@@ -7,8 +7,9 @@
 
 namespace Norvik::KOB {
 
-/// The accounts and groups of the machine, those of the system included. Appends exactly one
-/// record, which holds them all.
+/// All accounts and groups of the machine, including those of the system. Appends exactly one
+/// record, which holds them all. Not thread-safe: reads the process-wide lists of accounts and
+/// groups.
 class LocalUsersSection final : public Common::ISection<std::list<LocalUserInfo>> {
  public:
   void GetInfo(std::list<LocalUserInfo>& result) override;

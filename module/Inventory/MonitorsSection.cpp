@@ -20,10 +20,10 @@ constexpr char EDID_COMMAND[] =
     R"(ioreg -l | grep IODisplayEDID | sed -e's/<//g' -e's/>//g' -e's/ //g' | awk -F= '{print $2}')";
 constexpr char DISPLAYS_REPORT_COMMAND[] = "system_profiler -xml SPDisplaysDataType";
 
-/// Vendor of a display that tells nothing of itself: "unkn" as hexadecimal text.
+/// Vendor of a display that does not identify itself: "unkn" as hexadecimal text.
 constexpr char UNKNOWN_VENDOR[] = "756e6b6e";
 
-/// A display may store any bytes.
+/// Accepts any bytes, because a display may store any.
 wxString TextOf(const std::string& bytes) {
   return Common::WxStringFromStdString(Common::EncodeUtf8Characters(bytes));
 }
@@ -49,22 +49,22 @@ MonitorInfo MonitorFromReport(const ptree& display) {
   const std::string manufacturer = getIDManufacturer(text("_spdisplays_display-vendor-id"));
   MonitorInfo monitor;
   monitor.manufacturer = TextOf(manufacturer);
-  // Deliberately read as three letters: the server knows the models of this source so.
+  // Deliberately decoded as three letters: the server knows models from this source by them.
   monitor.model = TextOf(manufacturer +
                          getIDManufacturer(getProductCode(text("_spdisplays_display-product-id"))));
   monitor.name = TextOf(text("_name"));
   monitor.serial = TextOf(text("_spdisplays_display-serial-number"));
-  // Deliberately the decimal numbers as if they were hexadecimal digits: dates stay comparable
-  // with those that the server has.
+  // Deliberately reads decimal numbers as hexadecimal digits: dates stay comparable with those that
+  // the server has.
   monitor.date = getDate(text("_spdisplays_display-week") + text("_spdisplays_display-year"));
   return monitor;
 }
 
-/// False if a display without a vendor ends the list.
+/// False if a display of unknown vendor ended the list.
 bool AddFromReport(const ptree& report, std::list<MonitorInfo>& result) {
-  for (const auto& [typeName, type] : ChildOrNothing(report, "array")) {
-    for (const auto& [itemName, item] : ChildOrNothing(type, "_items")) {
-      for (const auto& [displayName, display] : ChildOrNothing(item, "spdisplays_ndrvs")) {
+  for (const auto& [typeName, type] : ChildOrEmpty(report, "array")) {
+    for (const auto& [itemName, item] : ChildOrEmpty(type, "_items")) {
+      for (const auto& [displayName, display] : ChildOrEmpty(item, "spdisplays_ndrvs")) {
         if (display.get("_spdisplays_display-vendor-id", "") == UNKNOWN_VENDOR) return false;
         result.push_back(MonitorFromReport(display));
       }
@@ -86,7 +86,7 @@ void MonitorsSection::GetInfo(std::list<MonitorInfo>& result) {
   if (!lines.empty()) {
     ReadEdidLines(lines, result);
   } else if (!AddFromReport(ProfilerReportOf(DISPLAYS_REPORT_COMMAND), result)) {
-    // Deliberately a stop without a word: displays behind an unknown one are not told either.
+    // Deliberately returns without the closing trace: displays after an unknown one are left out.
     return;
   }
   NORVIK_TRACE("<<");

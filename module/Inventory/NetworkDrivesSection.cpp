@@ -23,14 +23,14 @@ using boost::property_tree::ptree;
 constexpr char COMMAND[] = "system_profiler SPNetworkVolumeDataType -xml";
 constexpr const char* NETWORK_TYPES[] = {"smbfs", "nfs", "afpfs", "cifs", "autofs"};
 
-bool IsOfNetwork(std::string type) {
+bool IsNetworkFileSystem(std::string type) {
   boost::algorithm::to_lower(type, std::locale::classic());
   return std::any_of(std::begin(NETWORK_TYPES), std::end(NETWORK_TYPES),
                      [&](const char* known) { return type.find(known) != std::string::npos; });
 }
 
 void AddVolume(const ptree& volume, std::list<NetworkDriveInfo>& result) {
-  if (!IsOfNetwork(volume.get("spnetworkvolume_fstypename", ""))) return;
+  if (!IsNetworkFileSystem(volume.get("spnetworkvolume_fstypename", ""))) return;
   NetworkDriveInfo drive;
   drive.path = Common::trim_copy(volume.get("spnetworkvolume_mntfromname", ""));
   drive.unit = Common::trim_copy(volume.get("spnetworkvolume_fsmtnonname", ""));
@@ -47,7 +47,7 @@ void AddVolume(const ptree& volume, std::list<NetworkDriveInfo>& result) {
 
 std::string ServerOfVolume(const std::string& source) {
   const std::size_t at = source.rfind('@');
-  // Deliberately: the server knows the volumes of NFS and autofs by their whole source.
+  // Deliberately the whole source: the server knows volumes of NFS and autofs by it.
   if (at == std::string::npos) return source;
   return source.substr(at + 1, source.find('/', at) - at - 1);
 }
@@ -56,8 +56,8 @@ void NetworkDrivesSection::GetInfo(std::list<NetworkDriveInfo>& result) {
   NORVIK_SCOPE();
   try {
     const ptree report = ProfilerReportOf(COMMAND);
-    for (const auto& [typeName, type] : ChildOrNothing(report, "array")) {
-      for (const auto& [itemName, item] : ChildOrNothing(type, "_items")) AddVolume(item, result);
+    for (const auto& [typeName, type] : ChildOrEmpty(report, "array")) {
+      for (const auto& [itemName, item] : ChildOrEmpty(type, "_items")) AddVolume(item, result);
     }
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format("Error getting network drives info: %1%") % error.what());

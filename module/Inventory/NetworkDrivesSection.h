@@ -11,7 +11,7 @@
 
 namespace Norvik::KOB {
 
-/// Mounted network volumes. Never raises: a failure is logged and ends the list.
+/// Mounted network volumes. Never throws: a failure is logged and ends the list.
 class NetworkDrivesSection final : public Common::ISection<std::list<NetworkDriveInfo>> {
  public:
   explicit NetworkDrivesSection(std::weak_ptr<Common::IDataBase> dataBase)
@@ -22,8 +22,8 @@ class NetworkDrivesSection final : public Common::ISection<std::list<NetworkDriv
   std::weak_ptr<Common::IDataBase> dataBase_;
 };
 
-/// The server in the source of a volume: what stands between the last "@" and the next "/". A
-/// source without "@" counts whole.
+/// The server in the source of a volume: the text between the last "@" and the next "/". Without
+/// "@", the whole source.
 std::string ServerOfVolume(const std::string& source);
 
 }  // namespace Norvik::KOB

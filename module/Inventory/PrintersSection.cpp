@@ -16,9 +16,9 @@ constexpr char PRINTERS_FILE[] = "/etc/cups/printers.conf";
 
 wxString WordText(const std::string& word) { return Common::WxStringFromStdString(word); }
 
-/// The words of a line, split as wxStringTokenizer does by default: with a delimiter that is no
-/// white space, there is an empty word between two delimiters. Unlike there, the time does not grow
-/// with the square of the line.
+/// The words of a line, split like the default mode of wxStringTokenizer: if one of the delimiters
+/// is not white space, there is an empty word between two delimiters. The time is linear in the
+/// length of the line, unlike that of wxStringTokenizer.
 class LineWords {
  public:
   LineWords(const std::string& line, const char* delimiters, bool keepEmpty)
@@ -28,7 +28,7 @@ class LineWords {
         end_(line.find_last_not_of(delimiters) + 1) {}
 
   bool HasMore() const { return at_ < end_; }
-  /// Empty behind the last word.
+  /// Empty after the last word.
   std::string Next() {
     if (!HasMore()) return {};
     if (!keepEmpty_) at_ = line_.find_first_not_of(delimiters_, at_);
@@ -55,7 +55,7 @@ void ForEachLine(std::istream& stream, Read read) {
   }
 }
 
-/// Reads `printers.conf` word by word. A keyword counts wherever it stands on its line.
+/// Reads `printers.conf` word by word. A keyword counts at any position in a line.
 class PrintersReader {
  public:
   PrintersReader(const DriverOfPrinter& driverOf, std::list<PrinterInfo>& printers)
@@ -75,7 +75,7 @@ class PrintersReader {
     } else if (word == "DeviceURI") {
       current_.port = WordText(rest.Next());
     } else if (word == "Info") {
-      // Deliberately a blank before the first word as well: the server knows it so.
+      // Deliberately a space before the first word as well: the server expects it.
       while (rest.HasMore()) current_.description += " " + WordText(rest.Next());
     } else if (word == "MakeModel") {
       current_.manufacturer = WordText(rest.Next());
@@ -125,7 +125,7 @@ void PrintersSection::GetInfo(std::list<PrinterInfo>& result) {
 }
 
 wxString PrintersSection::GetDriver(const wxString& name) {
-  // Deliberately by the locale, not as UTF-8: the print service names its files so.
+  // Deliberately in the encoding of the locale, not UTF-8: the print service names its files so.
   const wxCharBuffer path = ("/etc/cups/ppd/" + name + ".ppd").mb_str(wxConvLibc);
   std::ifstream description(Platform::MachinePath(path.data() ? path.data() : ""));
   return ReadDriverName(description);

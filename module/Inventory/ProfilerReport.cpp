@@ -17,10 +17,10 @@ ptree ProfilerReportOf(const char* command) {
   return ReadProfilerReport(Common::CommandRunner::ExecCommand(command));
 }
 
-const ptree& ChildOrNothing(const ptree& node, const char* name) {
-  static const ptree nothing;
+const ptree& ChildOrEmpty(const ptree& node, const char* name) {
+  static const ptree empty;
   const auto child = node.get_child_optional(name);
-  return child ? *child : nothing;
+  return child ? *child : empty;
 }
 
 }  // namespace Norvik::KOB

@@ -5,14 +5,14 @@
 
 namespace Norvik::KOB {
 
-/// The tree of a `system_profiler -xml` output: its child "array" holds one dictionary for each
-/// type of data, with the type's records under "_items". Without "array" for any other text.
+/// The tree of a `system_profiler -xml` output. Its child "array" holds one dictionary per data
+/// type, with the records of the type under "_items". For any other text the tree has no "array".
 boost::property_tree::ptree ReadProfilerReport(const std::string& output);
-/// The same of what a command prints.
+/// The same for the output of a command, which this function runs.
 boost::property_tree::ptree ProfilerReportOf(const char* command);
 
-/// The child of a name; a node without children if there is none.
-const boost::property_tree::ptree& ChildOrNothing(const boost::property_tree::ptree& node,
-                                                  const char* name);
+/// The child with this name; an empty node if there is none. The result is valid as long as `node`.
+const boost::property_tree::ptree& ChildOrEmpty(const boost::property_tree::ptree& node,
+                                                const char* name);
 
 }  // namespace Norvik::KOB

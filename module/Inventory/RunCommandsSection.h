@@ -8,7 +8,8 @@
 
 namespace Norvik::KOB {
 
-/// Commands that run at start or logon. This system has no such list: the result is left unchanged.
+/// Commands that run at start or logon. This system has no such list: `GetInfo` logs a warning and
+/// adds nothing.
 class RunCommandsSection final : public Common::ISection<std::list<RunCommandInfo>> {
  public:
   void GetInfo(std::list<RunCommandInfo>& /*result*/) override {

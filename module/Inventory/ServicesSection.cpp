@@ -29,11 +29,11 @@ std::string FileName(const wxString& path) {
 }
 
 std::vector<wxString> NamesIn(const wxString& folder) {
-  const wxLogNull quiet;  // a folder that is not there is no fault
+  const wxLogNull quiet;  // a missing folder is not an error
   std::vector<wxString> names;
   const wxDir directory(folder);
   wxString name;
-  // Asked first, since a search in a folder that could not be opened is a fault in itself.
+  // Checked first: a search in a folder that could not be opened would be an error of its own.
   bool found = directory.IsOpened() && directory.GetFirst(&name, "", FILES_WITHOUT_LINKS);
   for (; found; found = directory.GetNext(&name)) names.push_back(name);
   return names;
@@ -55,7 +55,7 @@ void ServicesSection::GetInfo(std::list<ServiceInfo>& result) {
     const wxString folder =
         Common::WxStringFromStdString(Platform::MachinePath(Common::ToUtf8(folders.front())));
     for (const wxString& name : NamesIn(folder)) {
-      // Deliberately anywhere in the name, so that a copy that was set aside is listed as well.
+      // Deliberately anywhere in the name, so that a renamed copy is listed as well.
       if (name.rfind(".plist") != wxString::npos) ParsePList(result, folder + "/" + name);
     }
   }
@@ -77,7 +77,7 @@ void ServicesSection::ParsePList(std::list<ServiceInfo>& result, const wxString&
   service.name = Common::WxStringFromStdString(file.Text("Label"));
   service.displayName = service.name;
   service.command = Common::WxStringFromStdString(command);
-  // Deliberately by the key alone: a "Disabled" of false reads as disabled, as the server knows it.
+  // Deliberately by the presence of the key: the server expects a "Disabled" of false as disabled.
   service.startupMode = file.Has("Disabled") ? "Disabled" : "Enabled";
   service.state = processOfProgram_.count(command) > 0 ? "Running" : "Stopped";
   if (!service.name.empty()) result.push_back(std::move(service));

@@ -11,9 +11,9 @@
 
 namespace Norvik::KOB {
 
-/// Daemons of the system, from the property lists of launchd. A daemon runs if a process has the
-/// very path of its command as its program. Keep one object for one state of the machine: a program
-/// that was seen once counts as running as long as the object lives.
+/// Daemons of the system, from the property lists of launchd. A daemon counts as running if the
+/// program of a process has exactly the path of its command. Use one object per inventory: it never
+/// forgets a program that it once saw running.
 class ServicesSection final : public Common::ISection<std::list<ServiceInfo>> {
  public:
   void GetInfo(std::list<ServiceInfo>& result) override;

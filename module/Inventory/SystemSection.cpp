@@ -62,7 +62,7 @@ void SystemSection::GetInfo(SystemInfo& result) {
 }
 
 void SystemSection::SetUserName(SystemInfo& result) {
-  // Deliberately every type of entry, the start of the system among them.
+  // Deliberately every type of entry, including the start of the system.
   long long newest = std::numeric_limits<std::int32_t>::min();
   Platform::LoginRecords records;
   while (const utmpx* const entry = records.Next()) {

@@ -5,12 +5,12 @@
 
 namespace Norvik::KOB {
 
-/// What the system tells of itself. What a tool prints is kept as it comes, line ends included; a
-/// tool that is missing leaves its field empty.
+/// Facts that the system reports about itself. The output of a tool is kept unchanged, with its
+/// line ends. A missing tool leaves its field empty.
 class SystemSection final : public Common::ISection<SystemInfo> {
  public:
   void GetInfo(SystemInfo& result) override;
-  /// The user of the newest record of logins; left as it is if there is none.
+  /// Sets the user of the newest login record; unchanged if there is none.
   void SetUserName(SystemInfo& result);
 };
 

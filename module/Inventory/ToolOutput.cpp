@@ -16,7 +16,7 @@ wxString OutputOf(const char* command) {
 }
 
 void RunToFile(const std::string& command) {
-  // It changes nothing but a file of the collector's own.
+  // Not a change of the system: it only writes a file of the collector.
   Platform::GetSystemChanges()->Note({Platform::RehearsedStep::ASKED, command});
   [[maybe_unused]] const int status = ::system(command.c_str());
 }

@@ -6,13 +6,13 @@
 
 namespace Norvik::KOB {
 
-/// What a line for the shell prints, kept as it comes; empty if its tool is missing.
+/// The unchanged output of a shell command line; empty if its tool is missing.
 wxString OutputOf(const char* command);
 
-/// Runs a line through the shell, for a tool that writes a file: what becomes of it shows there.
+/// Runs a shell command line whose tool writes a file. Reports no failure: the file shows it.
 void RunToFile(const std::string& command);
 
-/// The whole of a file; empty if it cannot be opened.
+/// The whole content of a file; empty if it cannot be opened.
 std::string ReadToolFile(const char* path);
 
 }  // namespace Norvik::KOB

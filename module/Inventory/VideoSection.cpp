@@ -36,7 +36,7 @@ constexpr char DRIVER_VERSION_COMMAND[] =
 constexpr double UTILIZATION_PER_PERCENT = 10'000'000.0;
 constexpr double PERCENT = 100.0;
 
-/// None if the machine has no accelerator.
+/// Iterator over the accelerators; empty if the machine has none.
 IoObject Accelerators() {
   IoObject iterator;
   const CFMutableDictionaryRef matching = IOServiceMatching(ACCELERATOR_CLASS);
@@ -44,7 +44,7 @@ IoObject Accelerators() {
   return iterator;
 }
 
-/// What accelerator and parent tell of themselves; false if the record is to be left out.
+/// Fills the record from the accelerator and its parent. False if the record must be left out.
 bool ReadDevice(const IoObject& accelerator, VideoInfo& video) {
   RegistryProperties properties(accelerator.Get());
   if (!properties) return false;
@@ -60,8 +60,9 @@ bool ReadDevice(const IoObject& accelerator, VideoInfo& video) {
   return video.driverName != "com.unknown.bundle" && video.chipset != "Unknown Unknown";
 }
 
-/// Each report is run again for every accelerator: no collector keeps what a tool printed.
-void AskTools(VideoInfo& video) {
+/// Fills what is missing from reports. Runs each of them again for every accelerator, because no
+/// collector caches the output of a tool.
+void FillFromTools(VideoInfo& video) {
   if (video.manufacturer.empty()) video.manufacturer = OutputOf(VENDOR_COMMAND);
   if (video.chipset.empty()) video.chipset = video.name = OutputOf(CHIPSET_COMMAND);
   video.date = 0;
@@ -69,7 +70,7 @@ void AskTools(VideoInfo& video) {
   video.version = OutputOf(DRIVER_VERSION_COMMAND);
 }
 
-/// None if the key is absent or holds no number.
+/// Empty optional if the key is absent or its value is not a number.
 std::optional<double> NumberOf(CFDictionaryRef dictionary, const char* key) {
   const CFTypeRef value = CFDictionaryGetValue(dictionary, Platform::CfTextOf(key).Get());
   if (!value || CFGetTypeID(value) != CFNumberGetTypeID()) return {};
@@ -98,7 +99,7 @@ void VideoSection::GetInfo(std::list<VideoInfo>& result) {
   while (const IoObject accelerator{IOIteratorNext(accelerators.Get())}) {
     VideoInfo video;
     if (!ReadDevice(accelerator, video)) continue;
-    AskTools(video);
+    FillFromTools(video);
     result.push_back(std::move(video));
   }
 }
@@ -110,7 +111,7 @@ void GetGPUList(unsigned int& parent, std::list<unsigned int>& out) {
   if (parent != IO_OBJECT_NULL) {
     IORegistryEntryGetChildIterator(parent, kIOServicePlane, iterator.Out());
   }
-  // Deliberately in the place of the parent's children: all accelerators are wanted.
+  // Deliberately replaces the iterator over the parent's children: the result is all accelerators.
   iterator = Accelerators();
   if (!iterator) return;
   while (const io_object_t accelerator = IOIteratorNext(iterator.Get())) {

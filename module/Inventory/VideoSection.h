@@ -7,18 +7,19 @@
 
 namespace Norvik::KOB {
 
-/// Graphics accelerators. What the I/O registry does not tell as text comes from reports, whose
-/// first match stands for every accelerator, with the blank before it and the line end behind it.
+/// Graphics accelerators. What the I/O registry does not hold as text comes from reports. The first
+/// match of a report is used for every accelerator, with the space before it and the line end after
+/// it.
 class VideoSection final : public Common::ISection<std::list<VideoInfo>> {
  public:
   void GetInfo(std::list<VideoInfo>& result) override;
 };
 
-// Two aids for those who look into a machine; the inventory calls neither.
+// Diagnostic functions, which the inventory does not call.
 
 /// Appends every accelerator of the machine, whatever its parent. The caller owns the handles.
 void GetGPUList(unsigned int& parent, std::list<unsigned int>& out);
-/// Writes the use of every accelerator that tells it to the system's log.
+/// Writes the utilization of every accelerator that reports it to the system's log.
 void displayGraphicsInfo();
 
 }  // namespace Norvik::KOB
