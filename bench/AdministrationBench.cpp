@@ -1,6 +1,6 @@
-// Listings of remote administration, as a request runs them: the files of a large folder, the
-// connections in what a busy machine's `netstat` prints, and this machine's processes without the
-// cost of `ps`, which cannot be started here.
+// Listings of remote administration, run as a request runs them: the files of a large folder, the
+// connections in the output of a busy machine's `netstat`, and this machine's processes. The cost
+// of `ps` is not included, because it cannot be started here.
 
 #include <benchmark/benchmark.h>
 
@@ -33,8 +33,8 @@ class Machine {
   }
 
   boost::filesystem::path Root() const { return folder_ / "root"; }
-  /// Rows of the answer.
-  std::int64_t Ask(KOB::ActionCodes code, const wxString& path = "") {
+  /// Runs a request and returns the number of rows in its response.
+  std::int64_t CountRows(KOB::ActionCodes code, const wxString& path = "") {
     Common::ActionParameters parameters;
     parameters.Set("path", path);
     return static_cast<std::int64_t>(handlers_.at(code)(parameters).table.Rows().size());
@@ -56,7 +56,7 @@ void ListFiles(benchmark::State& state) {
     WriteFile(machine.Root() / "large" / ("document-" + std::to_string(number) + ".txt"), "");
   }
   for (auto _ : state) {
-    if (machine.Ask(KOB::ACTION_LIST_FILES, "/large") != state.range(0) + 1) {
+    if (machine.CountRows(KOB::ACTION_LIST_FILES, "/large") != state.range(0) + 1) {
       state.SkipWithError("not all files are listed");
     }
   }
@@ -78,7 +78,7 @@ void ListNetworkConnections(benchmark::State& state) {
   WriteFile(tool, "#!/bin/sh\ncat '" + (machine.Root() / "connections").string() + "'\n");
   boost::filesystem::permissions(tool, boost::filesystem::owner_all);
   for (auto _ : state) {
-    if (machine.Ask(KOB::ACTION_LIST_NETWORK_CONNECTIONS) != state.range(0) + 1) {
+    if (machine.CountRows(KOB::ACTION_LIST_NETWORK_CONNECTIONS) != state.range(0) + 1) {
       state.SkipWithError("not all connections are listed");
     }
   }
@@ -89,7 +89,7 @@ BENCHMARK(ListNetworkConnections)->Arg(1000)->Arg(50000)->Unit(benchmark::kMilli
 void ListProcessesWithoutPs(benchmark::State& state) {
   Machine machine;
   std::int64_t processes = 0;
-  for (auto _ : state) processes += machine.Ask(KOB::ACTION_LIST_PROCESSES) - 1;
+  for (auto _ : state) processes += machine.CountRows(KOB::ACTION_LIST_PROCESSES) - 1;
   state.counters["PerProcess"] = benchmark::Counter(
       static_cast<double>(processes), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }

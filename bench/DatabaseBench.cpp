@@ -1,7 +1,7 @@
-// Inserts of file inventory rows through `ExecuteSentence`, beside SQLite's C interface with a
-// prepared statement. Both write the same rows into the same table of a database of the agent's
-// schema, under the same settings, in one transaction; the values are made anew for each row, as
-// the store of the file inventory does.
+// Inserts of file inventory rows through `ExecuteSentence`, compared with SQLite's C interface and
+// a prepared statement. Both write the same rows into the same table of a database with the agent's
+// schema, with the same settings, in one transaction. The values are created for each row, as in
+// the store of the file inventory.
 
 #include <benchmark/benchmark.h>
 

@@ -5,7 +5,7 @@
 
 #include "module/Inventory/MonitorsSection.h"
 
-// Decoding the EDID blocks of 10,000 displays, one a line as `ioreg` prints them.
+// Decodes the EDID blocks of 10,000 displays, one per line as `ioreg` prints them.
 
 namespace {
 

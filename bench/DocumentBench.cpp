@@ -10,8 +10,8 @@
 #include "module/IncrementalInventory/Entities/DeletedRecord.h"
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
-// One large inventory, as a workstation of a developer has it, rendered and read back. The rendered
-// bytes per second of both writers are those of the same document.
+// One large inventory, like that of a developer's workstation, rendered and read back. Both writers
+// render the same document, so their bytes per second can be compared.
 
 namespace {
 
@@ -96,7 +96,7 @@ void BuildAndRender(benchmark::State& state) {
 }
 BENCHMARK(BuildAndRender)->Unit(benchmark::kMillisecond);
 
-/// As an incremental run reads the document before.
+/// Reads the document as an incremental run reads the previous one.
 void ReadBack(benchmark::State& state) {
   const std::string text = json::JSON(LargeInventory()).strUgly();
   for (auto _ : state) {
@@ -108,7 +108,7 @@ void ReadBack(benchmark::State& state) {
 }
 BENCHMARK(ReadBack)->Unit(benchmark::kMillisecond);
 
-/// The worst case of the scan: every record is found at the far end.
+/// The worst case of the comparison: every record is found at the far end of the list.
 void CompareReversed(benchmark::State& state) {
   using namespace Norvik::KOB;
   const InventoryKOBInfo previous = LargeInventory();

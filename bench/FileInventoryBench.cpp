@@ -1,5 +1,5 @@
-// One part of a file inventory per call, for bench/file-inventory: PROGRAM PART TREE. Prints the
-// processor time of the part, what it worked on and the peak memory of the process as JSON.
+// Runs one part of a file inventory, for bench/file-inventory: PROGRAM PART TREE. Prints the
+// processor time of the part, the amount of its work and the peak memory of the process as JSON.
 
 #include <sys/resource.h>
 
@@ -52,7 +52,7 @@ long PeakKilobytes() {
 
 struct Result {
   double seconds;
-  std::size_t count;  ///< files that the part worked on, or bytes of its text
+  std::size_t count;  ///< files that the part processed, or bytes that it wrote
 };
 
 Result Timed(const std::function<std::size_t()>& part) {
@@ -85,7 +85,7 @@ Result MeasureWalk(FakeHost&, const std::string& tree) {
   });
 }
 
-/// A save into tables that hold the same scan already.
+/// Saves into tables that already hold the same scan.
 Result MeasureSave(FakeHost&, const std::string& tree) {
   RudBuffer buffer = Scan(tree);
   RudDataSource::SaveBuffer(buffer, false);
@@ -139,7 +139,7 @@ Result MeasureDifferences(FakeHost&, const std::string& tree) {
   });
 }
 
-/// Leaves the document as it is, so that its making is all that is measured.
+/// Leaves the document unchanged, so that only its creation is measured.
 class NoPipeline final : public Common::IFilePipeline {
  public:
   using Path = boost::filesystem::path;
@@ -186,7 +186,7 @@ Result MeasureRender(FakeHost&, const std::string& tree) {
   return Timed([&] { return document.strUgly().size(); });
 }
 
-/// The same bytes, but for escapes, without a value tree.
+/// Writes the same bytes except for escapes, without a value tree.
 Result MeasureAppend(FakeHost&, const std::string& tree) {
   RudBuffer buffer = Scan(tree);
   const auto& files = buffer.GetBufferFile();
@@ -213,7 +213,7 @@ std::size_t CountOfFiles() {
   return static_cast<std::size_t>(boost::get<int>(rows.at(0).at(0)));
 }
 
-/// Runs an inventory from the request to the outbox.
+/// Runs a whole inventory, from the request to the outbox.
 void Run(FakeHost& host, Common::IModule& module, unsigned int code) {
   Common::ModuleAction action = module.GetAction(code, {});
   action.handler(action.parameters);
@@ -238,7 +238,7 @@ Result MeasureTotal(FakeHost& host, const std::string& tree) {
   });
 }
 
-/// Gives one file in a hundred another time.
+/// Changes the modification time of every hundredth file.
 void ChangeSome(const std::string& tree) {
   std::size_t number = 0;
   for (const auto& entry : boost::filesystem::recursive_directory_iterator(tree)) {

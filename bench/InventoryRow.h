@@ -4,7 +4,7 @@
 
 namespace Norvik::Bench {
 
-/// One file of a file inventory, as its table keeps it.
+/// One row of the table of a file inventory.
 struct InventoryRow {
   unsigned int pathId;
   unsigned int extensionId;

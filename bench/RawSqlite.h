@@ -7,8 +7,8 @@
 
 namespace Norvik::Bench {
 
-/// Inserts through SQLite's own C interface and one prepared statement: the measure that the
-/// database layer is held against. Raises `std::runtime_error` on failure.
+/// Inserts through SQLite's own C interface and one prepared statement: the baseline of the
+/// database layer. Throws `std::runtime_error` on failure.
 class RawSqlite {
  public:
   explicit RawSqlite(const std::string& file);

@@ -10,9 +10,9 @@
 #include "platform/compat/Registry.h"
 #include "support/MacRecording.h"
 
-// The two readers of an I/O registry, over one of 8 MB as a machine with much attached prints it,
-// and the daemons of a machine that has a thousand. "memory" is what the tree takes, in sizes of
-// the text.
+// The two readers of an I/O registry, for the 8 MB of a machine with many devices, and the
+// collector of daemons for a machine with a thousand. "memory" is the size of the tree divided by
+// the size of the text.
 
 namespace {
 
@@ -42,7 +42,7 @@ Json Device(int number, std::vector<Json> children) {
 
 std::string TextOf(const Json& entry) { return PropertyListOf(RegistryEntry(entry)); }
 
-/// A tree whose last entry is the one that is looked for.
+/// A tree whose last entry is the one that the benchmark searches for.
 std::string Recording() {
   const std::size_t deviceSize = TextOf(Device(1000, {})).size() - PropertyList("").size();
   std::vector<Json> level(recordingSize / deviceSize * (width - 1) / width);
@@ -66,7 +66,8 @@ std::size_t UsedMemory() {
   return info.uordblks + info.hblkhd;
 }
 
-/// Runs `read`, which keeps its tree until it has called its argument, and shows time and memory.
+/// Runs `read` and reports time and memory. `read` must keep its tree until it has called its
+/// argument.
 template <class Read>
 void Measure(benchmark::State& state, const Read& read) {
   const std::string text = Recording();

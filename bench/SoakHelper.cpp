@@ -16,7 +16,7 @@
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 
-// The parts of script/soak that speak or load what no command does. Prints one line of figures.
+// The load of script/soak that no command of the agent creates. Prints one line of figures.
 
 namespace {
 
@@ -27,7 +27,7 @@ double SecondsSince(steady_clock::time_point start) {
   return std::chrono::duration<double>(steady_clock::now() - start).count();
 }
 
-/// Queues one-shot actions from several threads and counts how often each of them ran.
+/// Queues one-shot actions from several threads and checks that each of them ran exactly once.
 int QueueActions(std::size_t count, std::size_t threads) {
   const Tests::TestDatabase dataBase;
   Host::ActionSystem system{Common::AgentData(dataBase, "DATA")};
@@ -55,7 +55,7 @@ int QueueActions(std::size_t count, std::size_t threads) {
   return once == count ? 0 : 1;
 }
 
-/// A user's process that reports drives, so many a second.
+/// Acts as a user's process that reports drives at the given rate.
 int ReportDrives(const std::string& socket, unsigned long long user, unsigned long long count,
                  unsigned long long perSecond) {
   Host::IpcUser service(socket);
@@ -76,7 +76,7 @@ int ReportDrives(const std::string& socket, unsigned long long user, unsigned lo
   }
   std::cout << "{\"sent\": " << count << ", \"seconds\": " << SecondsSince(start) << "}"
             << std::endl;
-  // Until the script has counted what arrived.
+  // Waits until the script has counted what arrived.
   std::cin.get();
   return 0;
 }

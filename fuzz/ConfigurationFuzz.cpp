@@ -4,12 +4,12 @@
 
 #include "host/configuration/ConfigurationFile.h"
 
-/// The text as a configuration.
+/// Parses the input as a configuration. Only `ConfigurationError` may be thrown.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     Norvik::Host::ParseConfiguration(std::string(data, data + size));
   } catch (const Norvik::Host::ConfigurationError&) {
-    // Told to who gave it.
+    // Expected: the agent reports it to the user.
   }
   return 0;
 }

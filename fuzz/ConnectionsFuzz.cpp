@@ -5,7 +5,7 @@
 #include "Quiet.h"
 #include "module/Actions/Mac/ToolText.h"
 
-/// The text as what `netstat` prints, and as what `ps` does.
+/// Parses the input as the output of `netstat` and as that of `ps`.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Norvik::Fuzz::Quiet quiet;
   const std::string text(data, data + size);

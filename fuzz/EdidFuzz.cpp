@@ -6,7 +6,8 @@
 
 #include "module/Inventory/MonitorsSection.h"
 
-/// The EDID blocks of `ioreg`, one a line. A line that is too short raises, and nothing else may.
+/// Decodes the input as the EDID blocks of `ioreg`, one per line. A line that is too short throws
+/// `std::out_of_range`; nothing else may be thrown.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::list<Norvik::KOB::MonitorInfo> monitors;
   try {

@@ -4,7 +4,7 @@
 
 #include "host/ipc/Frames.h"
 
-// Frames of the local socket, in the pieces in which a stream may bring them.
+/// Reads the input as frames of the local socket, in small pieces as a stream may deliver them.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace Norvik::Host;
   constexpr std::size_t LIMIT = 1 << 16;
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
     }
   } catch (const FrameError&) {
-    // What the peer of a broken stream gets to hear.
+    // Expected: the agent reports it to the peer.
   }
   return 0;
 }

@@ -7,7 +7,7 @@
 #include "module/Entities/NetworkDriveInfo.h"
 #include "module/NetworkDrivesHandler/TextArchive.h"
 
-/// The archive of a drive, as any user's process can send it to the service.
+/// Reads the input as the archive of a drive, which any user's process can send to the service.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace Norvik::KOB;
   try {

@@ -5,7 +5,7 @@
 
 #include "module/Inventory/PrintersSection.h"
 
-/// The text as a `printers.conf`, and as the description of a driver.
+/// Reads the input as a `printers.conf` and as the description of a driver.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(data, data + size);
   std::istringstream configuration(text);

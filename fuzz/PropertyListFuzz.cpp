@@ -7,8 +7,8 @@
 #include "Quiet.h"
 #include "common/apple/MacXMLToJSONParser.h"
 
-/// A report of a tool. Whatever it holds, reading it does not raise, and what is found in the tree
-/// is in the tree.
+/// Parses the input as the report of a tool. For any input: parsing does not throw, the tree has at
+/// most one child, and the search stays within the tree.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Norvik::Fuzz::Quiet quiet;
   const std::string text(data, data + size);

@@ -6,7 +6,7 @@
 
 namespace Norvik::Fuzz {
 
-/// Keeps the log of the code under test off the screen, from its construction on.
+/// Discards the log of the code under test, from construction on.
 struct Quiet {
   Quiet() { Common::Logger::SetInstance(std::make_shared<Sink>()); }
 

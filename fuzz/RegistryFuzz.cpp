@@ -6,8 +6,8 @@
 #include "platform/compat/CfObjects.h"
 #include "platform/compat/Registry.h"
 
-/// A recording of an I/O registry. Whatever it holds, every entry is found again from its parent,
-/// its properties become objects, and giving them back leaves none.
+/// Reads the input as a recorded I/O registry. For any input: every child has its entry as parent,
+/// its properties convert to objects, and no object is left after their release.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace Norvik::Platform;
   const Registry registry({reinterpret_cast<const char*>(data), size});

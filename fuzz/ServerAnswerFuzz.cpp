@@ -6,8 +6,8 @@
 #include "common/rest/PendingTasks.h"
 #include "host/server/AnswerBody.h"
 
-// Answers of a server, to each of the questions. One that is none raises what the road to the
-// server catches.
+/// Parses the input as the answer of a server to each of the requests. An invalid answer throws
+/// what the server connection catches.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace Norvik;
   Common::PendingTasksResponse tasks;
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
       response->Assign(Host::ParseAnswerBody(std::string(data, data + size)));
     } catch (const std::exception&) {
-      // The answer is left aside.
+      // Expected: the agent ignores the answer.
     }
   }
   return 0;

@@ -6,7 +6,8 @@
 
 #include "module/Inventory/CSharedResourcesSection.h"
 
-/// The list of shares up to the first NUL, and behind it the properties of each.
+/// Reads the input as the list of shares up to the first NUL, and the rest as the properties of
+/// each.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(data, data + size);
   const std::size_t end = std::min(text.find('\0'), text.size());

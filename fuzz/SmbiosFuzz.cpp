@@ -8,7 +8,7 @@
 #include "common/identification/SmBios.h"
 #include "module/CommonInventorySections/BiosSection.h"
 
-/// Two bytes of version, and behind them a raw table.
+/// Reads the input as two bytes of version followed by a raw table.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Norvik::Fuzz::Quiet quiet;
   if (size < 2) return 0;

@@ -15,8 +15,8 @@ extern char** environ;
 
 namespace Norvik::Tests {
 
-/// A program that runs beside the test, its output and errors in a file. It is killed at the end of
-/// the scope.
+/// A program that runs during the test, with its output and errors in a file. The destructor kills
+/// it.
 class BackgroundProcess {
  public:
   BackgroundProcess(std::vector<std::string> words, const boost::filesystem::path& output)
@@ -43,7 +43,8 @@ class BackgroundProcess {
   void Signal(int signal) const {
     if (id_ > 0) ::kill(id_, signal);
   }
-  /// Waits for its end; the exit code, 128 plus the signal that ended it, or -1 if it does not run.
+  /// Waits for its end. Returns the exit code, 128 plus the signal that ended it, or -1 if it does
+  /// not run.
   int Wait() {
     int status = 0;
     if (id_ <= 0 || ::waitpid(id_, &status, 0) != id_) return -1;

@@ -10,13 +10,14 @@
 
 #include "support/Files.h"
 
-/// Cases that stand in data files: a test gives the function, the file its arguments and results.
+/// Test cases in data files: a test names the function, the file its arguments and results.
+/// tests/README.md describes the formats.
 namespace Norvik::Tests {
 
-/// Keeps the order of the keys: where it stands for a property list that counts.
+/// Keeps the order of the keys, which matters in property lists.
 using Json = nlohmann::ordered_json;
 
-/// A data file below tests/; it is read once.
+/// A data file below tests/; read once per process.
 inline const Json& DataOf(const std::string& file) {
   static std::map<std::string, Json> files;
   const auto [found, isNew] = files.try_emplace(file);
@@ -24,19 +25,19 @@ inline const Json& DataOf(const std::string& file) {
   return found->second;
 }
 
-/// What an object has under a key; an empty object if it has nothing.
+/// The value of an object under a key; an empty object without one.
 inline const Json& PartOf(const Json& object, const char* key) {
   static const Json none = Json::object();
   return object.contains(key) ? object[key] : none;
 }
 
-/// A value as a failure shows it; bytes that are no UTF-8 do not stop that.
+/// A value as a failure shows it; invalid UTF-8 is replaced.
 inline std::string Shown(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-/// A cell in which each character stands for the byte of its number, as JSON has no other bytes, or
-/// a list of such cells, each with how often it comes.
+/// A cell of bytes: a text in which each character stands for the byte of that code, because JSON
+/// cannot hold other bytes; or a list of `[cell, count]`, repeated and joined.
 struct Bytes : std::string {
   Bytes(std::string bytes = {}) : std::string(std::move(bytes)) {}
   friend void from_json(const Json& cell, Bytes& bytes) {
@@ -65,8 +66,8 @@ struct Bytes : std::string {
   }
 };
 
-/// Holds a function against rows: the cells of a row are the arguments and, last, the result. A
-/// name may stand in front.
+/// Checks a function against rows: the cells of a row are the arguments followed by the expected
+/// result. A name may precede them.
 template <class Result, class... Arguments>
 void ExpectRows(const Json& rows, Result (*function)(Arguments...)) {
   EXPECT_FALSE(rows.empty());
@@ -80,7 +81,7 @@ void ExpectRows(const Json& rows, Result (*function)(Arguments...)) {
   }
 }
 
-/// The message of the exception of a type that an action raises; "" if it raises none.
+/// The message of the exception of type `Error` that an action throws; "" if it throws none.
 template <class Error, class Action>
 std::string MessageOf(Action action) {
   try {
@@ -91,7 +92,7 @@ std::string MessageOf(Action action) {
   return {};
 }
 
-/// Of objects just the keys that are wanted, at any depth.
+/// The value reduced to the keys that the wanted value has, at any depth.
 inline Json Chosen(const Json& actual, const Json& wanted) {
   Json chosen = actual;
   if (actual.is_object() && wanted.is_object()) {

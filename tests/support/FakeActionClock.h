@@ -7,7 +7,7 @@
 
 namespace Norvik::Tests {
 
-/// Both clocks stand still until they are moved.
+/// Both clocks stand still until a test moves them.
 class FakeActionClock : public Host::Clock {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
@@ -22,7 +22,7 @@ class FakeActionClock : public Host::Clock {
     now_ += time.count();
     steady_ += time.count();
   }
-  /// What an administrator does.
+  /// Changes the time of day only, as an administrator does.
   void SetTimeOfDay(long seconds) { now_ = seconds; }
 
  private:

@@ -162,7 +162,7 @@ std::vector<std::string> NamesIn(const fs::path& folder) {
 
 }  // namespace Norvik::Tests
 
-// A module lets its change checker go without deleting it, on purpose.
+// A module deliberately does not delete its change checker.
 extern "C" __attribute__((used, visibility("default"))) const char* __lsan_default_suppressions() {
   return "leak:SoftwareChangesChecker\n";
 }

@@ -20,7 +20,7 @@
 
 namespace Norvik::Tests {
 
-/// Records what is started, in order, and runs nothing by itself but `RunAction`.
+/// Records what is started, in order. Runs actions only in `RunAction` and `RunWaiting`.
 class FakeActionSystem final : public Common::IActionSystem {
  public:
   struct Started {
@@ -31,7 +31,7 @@ class FakeActionSystem final : public Common::IActionSystem {
     Common::ActionTiming timing;    ///< of "create" and "replace"
   };
 
-  /// Codes are told by the name of the action, so give it the actions of a loaded module.
+  /// Codes are derived from the name of the action, so the actions must come from a loaded module.
   void AddSchedule(const Common::Schedule& schedule) override {
     Record({"schedule", schedule.code, {}, {}, {}});
   }
@@ -48,15 +48,15 @@ class FakeActionSystem final : public Common::IActionSystem {
     Record({"replace", code, std::move(action), {}, timing});
   }
 
-  /// All that was started since the last `Forget`, one text each: "run 32004", "queue 1036",
+  /// Everything that was started since the last `Forget`, one text each: "run 32004", "queue 1036",
   /// "once 1071 +60", "create 1072 every 432000", "replace 1036 every 3600".
   std::vector<std::string> Texts() const;
   const std::vector<Started>& All() const { return started_; }
-  /// The last one with the code.
+  /// The last one with the code. Throws `std::logic_error` if there is none.
   const Started& Last(unsigned int code) const;
   void Forget() { started_.clear(); }
 
-  /// Runs the actions that wait to run (queued, or once without delay), the oldest first.
+  /// Runs the waiting actions (queued, or once without delay), the oldest first.
   void RunWaiting();
 
   /// Called once, when the next action is started.
@@ -69,7 +69,7 @@ class FakeActionSystem final : public Common::IActionSystem {
   std::deque<Common::ModuleAction> waiting_;
 };
 
-/// The server and the users' processes.
+/// Stands for the server and the users' processes.
 class FakeCommunications final : public Common::ICommunicationSystem,
                                  public Common::ICommunicationIPC {
  public:
@@ -82,13 +82,13 @@ class FakeCommunications final : public Common::ICommunicationSystem,
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;
   std::map<unsigned long long, Common::IPCSessionData> GetSessions() override { return sessions; }
 
-  /// Statuses since the last call, in order: "7", "8 reason".
+  /// Returns and removes the statuses since the last call, in order: "7", "8 reason".
   std::vector<std::string> TakeStatuses();
 
-  std::string answer;                 ///< body of the server's answers; empty: there is no server
+  std::string answer;  ///< body of the server's answers; if empty, there is no server
   std::vector<std::string> requests;  ///< bodies of the requests
   std::map<unsigned long long, Common::IPCSessionData> sessions;
-  bool accepts = true;               ///< answer of `Send`
+  bool accepts = true;               ///< result of `Send`
   std::function<void()> onNextSend;  ///< called once
   std::vector<std::pair<unsigned long long, Common::IPCMessage>> sent;
   std::vector<Common::TaskResponseInfo> statuses;
@@ -97,7 +97,7 @@ class FakeCommunications final : public Common::ICommunicationSystem,
 
 class FakeIdentification final : public Common::IIdentificationSystem {
  public:
-  /// Raises `std::runtime_error` with the text of `failure`, if there is one.
+  /// Throws `std::runtime_error` with the text of `failure`, unless that is empty.
   Common::FirstInventoryInfo GetFirstInventoryInfo() override;
   std::weak_ptr<Common::SmBios> GetSmBios() override { return smBios; }
   std::string GetAgentIdentifier() override { return identifier; }
@@ -110,7 +110,7 @@ class FakeIdentification final : public Common::IIdentificationSystem {
   std::string failure;
 };
 
-/// Passes each step on to the pipeline that it replaces, unless that step is to fail.
+/// Forwards each step to the pipeline that it replaces, except the step that must fail.
 class FaultPipeline final : public Common::IFilePipeline {
  public:
   using Path = boost::filesystem::path;
@@ -142,9 +142,9 @@ class FaultPipeline final : public Common::IFilePipeline {
   std::shared_ptr<Common::IFilePipeline> next_;
 };
 
-/// All that a module needs of its host, under control of a test, in a data folder of its own. Puts
-/// itself in the place of the process's data folder, log, file pipeline and database, and brings
-/// back what was there at its end. The module must be gone before.
+/// Everything that a module needs from its host, controlled by a test, in its own data folder.
+/// Replaces the process's data folder, log, file pipeline and database, and restores them at the
+/// end. The module must be destroyed first.
 class FakeHost {
  public:
   explicit FakeHost(int processKind = 0);
@@ -152,12 +152,12 @@ class FakeHost {
 
   std::weak_ptr<Common::ModuleDependencies> Dependencies() const { return dependencies; }
   boost::filesystem::path Folder() const { return database.Folder(); }
-  // Folders of the module's files; made if they are missing.
+  // Folders of the module's files; created if they are missing.
   boost::filesystem::path Outbox() const;
   boost::filesystem::path Work() const;
   boost::filesystem::path Previous() const;
-  /// The one document of the outbox, decrypted and unpacked. Raises if there is none or it cannot
-  /// be opened.
+  /// The only document in the outbox, decrypted and unpacked. Throws if there is not exactly one or
+  /// it cannot be opened.
   std::string DeliveredDocument() const;
 
   TestDatabase database;
@@ -174,7 +174,7 @@ class FakeHost {
   std::shared_ptr<Common::IFilePipeline> previousPipeline_;
 };
 
-/// Names in a folder, sorted; none if it does not exist.
+/// Names in a folder, sorted; empty if it does not exist.
 std::vector<std::string> NamesIn(const boost::filesystem::path& folder);
 
 }  // namespace Norvik::Tests

@@ -21,7 +21,7 @@ inline void WriteFile(const boost::filesystem::path& path, const std::string& co
   std::ofstream(path.string(), std::ios::binary) << content;
 }
 
-/// Permissions of what is there; 0 if nothing is.
+/// Permission bits of a path; 0 if it does not exist.
 inline unsigned int ModeOf(const boost::filesystem::path& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777u : 0;
@@ -39,16 +39,16 @@ inline std::set<std::string> FilesBelow(const boost::filesystem::path& folder) {
   return files;
 }
 
-/// Folders that a walk from the root has to leave out so that it finds nothing but what lies below
-/// the folder: all that lies beside the way to it now.
+/// Folders that a walk from the root must exclude to find only what lies below the folder: all
+/// entries next to a component of its path at the time of the call.
 inline std::vector<std::string> AllBut(const boost::filesystem::path& folder) {
   std::vector<std::string> others;
-  boost::filesystem::path way = "/";
+  boost::filesystem::path parent = "/";
   for (const auto& step : folder.relative_path()) {
-    for (const auto& entry : boost::filesystem::directory_iterator(way)) {
-      if (entry.path() != way / step) others.push_back(entry.path().string());
+    for (const auto& entry : boost::filesystem::directory_iterator(parent)) {
+      if (entry.path() != parent / step) others.push_back(entry.path().string());
     }
-    way /= step;
+    parent /= step;
   }
   return others;
 }

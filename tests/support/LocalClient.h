@@ -13,11 +13,11 @@
 
 namespace Norvik::Tests {
 
-/// A client of a local socket that sends whatever bytes a test wants.
+/// A client of a local socket that sends arbitrary bytes.
 class LocalClient {
  public:
   explicit LocalClient(const std::string& path) : socket_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
-    std::signal(SIGPIPE, SIG_IGN);  // a closed connection is an answer here
+    std::signal(SIGPIPE, SIG_IGN);  // a closed connection is an expected result
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof(address.sun_path) - 1);
@@ -28,12 +28,12 @@ class LocalClient {
   }
 
   bool IsConnected() const { return connected_; }
-  /// False once the other side has hung up.
+  /// False after the other side has closed the connection.
   bool Send(const std::string& bytes) const {
     return ::send(socket_.Get(), bytes.data(), bytes.size(), 0) ==
            static_cast<ssize_t>(bytes.size());
   }
-  /// At least one byte; empty when the other side has hung up.
+  /// At least one byte; empty after the other side has closed the connection, or after 20 seconds.
   std::string Receive() const {
     char bytes[4096];
     const ssize_t length = ::recv(socket_.Get(), bytes, sizeof(bytes), 0);
@@ -46,7 +46,7 @@ class LocalClient {
   bool connected_ = false;
 };
 
-/// Waits until the condition holds; false if it takes too long.
+/// Waits until the condition holds. False if it does not within the limit.
 template <class Condition>
 bool Eventually(Condition condition, std::chrono::seconds limit = std::chrono::seconds(60)) {
   const auto end = std::chrono::steady_clock::now() + limit;

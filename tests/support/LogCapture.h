@@ -11,7 +11,7 @@
 
 namespace Norvik::Tests {
 
-/// Takes the place of the process's logger for a scope and keeps what is logged.
+/// Replaces the process's logger for a scope and records what is logged. Thread-safe.
 class LogCapture {
  public:
   struct Line {

@@ -12,8 +12,8 @@
 
 namespace Norvik::Tests {
 
-/// An entry of a recorded I/O registry and what stands below it, in the form of the recording:
-/// `["Class", {"property": ...}, child, ...]`. The class is the name as well, if none is given.
+/// An entry of a recorded I/O registry with its children, converted to the form of the recording
+/// from `["Class", {"property": ...}, child, ...]`. The name defaults to the class.
 inline Json RegistryEntry(const Json& entry) {
   Json list = {{"IORegistryEntryName", entry[0]}, {"IOObjectClass", entry[0]}};
   if (entry.size() > 1) list.update(entry[1]);
@@ -23,7 +23,7 @@ inline Json RegistryEntry(const Json& entry) {
   return list;
 }
 
-/// A recorded Mac that a test writes itself and puts in force.
+/// A recorded Mac that a test creates and activates.
 class MacRecording {
  public:
   MacRecording& Add(const std::string& name, const std::string& content) {
@@ -36,7 +36,7 @@ class MacRecording {
     boost::filesystem::permissions(folder_ / "bin" / name, boost::filesystem::owner_all);
     return *this;
   }
-  /// What the program of a call prints: a text, or a property list from any other value.
+  /// Sets what the program of a call prints: a text, or a property list from any other value.
   MacRecording& AddAnswer(const std::string& call, const Json& answer) {
     const std::string file = std::to_string(++answers_);
     Add("data/" + file, answer.is_string() ? answer.get<std::string>() : PropertyListOf(answer));

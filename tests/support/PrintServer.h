@@ -14,8 +14,8 @@
 
 namespace Norvik::Tests {
 
-/// A print server of the test's own, as whoever runs the test: all that it has lies in a temporary
-/// folder, it listens on a socket there, and for as long as it lives the clients ask no other.
+/// A private print server, run by the account of the test. Its files and its socket lie in a
+/// temporary folder. While it exists, the clients of this process use no other server.
 class PrintServer {
  public:
   /// @param removalAllowed whether its queues can be removed
@@ -32,8 +32,8 @@ class PrintServer {
         folder_ / "output");
   }
   ~PrintServer() {
-    // In a shell: a test may have `kill` of its own program replaced. Without a number it would
-    // reach everybody.
+    // Uses the shell, because a test may have replaced `kill` in its own program. The check keeps
+    // it from signalling every process.
     if (process_->Id() > 0) {
       Common::CommandRunner::ExecCommand("kill " + std::to_string(process_->Id()));
       process_->Wait();
@@ -41,7 +41,7 @@ class PrintServer {
     ::unsetenv("CUPS_SERVER");
   }
 
-  /// Whether it answers; waits for that.
+  /// Waits until the server responds. False if it does not in time.
   bool IsRunning() const {
     return Eventually([] {
       const std::string state = Common::CommandRunner::ExecCommand("LC_ALL=C lpstat -r");
@@ -54,7 +54,7 @@ class PrintServer {
   std::string Queues() const { return Common::CommandRunner::ExecCommand("lpstat -v"); }
 
  private:
-  /// A file of print-server/, in which "$" stands for the folder.
+  /// Writes a file of print-server/ with "$" replaced by the temporary folder.
   void Write(const std::string& name, const std::string& source) {
     const auto text = ContentOf(NORVIK_SOURCE_DIR "/tests/support/print-server/" + source);
     WriteFile(folder_ / name, boost::replace_all_copy(text, "$", folder_.Path().string()));

@@ -6,7 +6,7 @@
 namespace Norvik::Tests {
 
 /// A value of a property list as the tools of macOS print it. `{"$data": "AAEC"}` is an element of
-/// that name, `{"$": "<x/>"}` goes in as it stands; so do the references in texts.
+/// that name. `{"$": "<x/>"}` is inserted unchanged; so are character references in texts.
 inline std::string ListValue(const nlohmann::ordered_json& value) {
   const auto element = [](const std::string& name, const std::string& content) {
     return "<" + name + ">" + content + "</" + name + ">\n";
@@ -27,7 +27,7 @@ inline std::string ListValue(const nlohmann::ordered_json& value) {
   return element("dict", content);
 }
 
-/// A whole list around the text of its value.
+/// A whole property list with this text as its value.
 inline std::string PropertyList(const std::string& value) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST "
          "1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist "
@@ -35,7 +35,7 @@ inline std::string PropertyList(const std::string& value) {
          value + "</plist>\n";
 }
 
-/// A whole list from a value in JSON.
+/// A whole property list from a value in JSON.
 inline std::string PropertyListOf(const nlohmann::ordered_json& value) {
   return PropertyList(ListValue(value));
 }

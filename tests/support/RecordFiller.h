@@ -12,7 +12,7 @@
 #include "support/Json.h"
 #include "support/Surroundings.h"
 
-/// Records with values in all fields: their tables are walked to fill and to change them.
+/// Fills and changes records through their field tables.
 namespace tests {
 
 template <class T>
@@ -25,8 +25,8 @@ T ReadBack(const std::string& text) {
   return T(ParseJson(text));
 }
 
-/// Gives each field a value of its own. Texts hold characters that JSON must escape and characters
-/// outside of ASCII.
+/// Gives each field a distinct value. Texts hold characters that JSON must escape and characters
+/// outside ASCII.
 class Filler {
  public:
   explicit Filler(int start = 0) : next_(start) {}
@@ -93,8 +93,8 @@ T Filled() {
   return record;
 }
 
-/// Calls `action(key, changed)` for each field, with a record that differs from the filled one in
-/// this field alone.
+/// Calls `action(key, changed)` for each field, with a record that differs from the filled one only
+/// in this field.
 template <class T, class Action>
 void ForEachChange(Action action) {
   const auto change = [&](const auto& field) {

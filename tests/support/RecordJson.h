@@ -8,7 +8,7 @@
 
 namespace Norvik::Tests {
 
-/// A record as a document holds it.
+/// A record in the form of a document.
 template <class Record>
 Json JsonOf(const Record& record) {
   return Json::parse(json::RecordToJson(record).strUgly());

@@ -8,10 +8,10 @@
 
 #include "support/RecordFiller.h"
 
-/// Tests that every record passes, so that a record is tested by naming it.
+/// Tests for every record type. A record is tested by adding it to the list of types.
 namespace tests {
 
-/// Names the tests of a list of records after the records.
+/// Names the typed tests after their records.
 struct RecordName {
   template <class T>
   static std::string GetName(int /*index*/) {

@@ -12,8 +12,9 @@
 
 namespace Norvik::Tests {
 
-/// Documents to hold against the schemas of docs/schema, all in one run of the validator, since
-/// that starts slowly. A schema is named as its file: "inventory", "incremental-inventory".
+/// Checks documents against the schemas of docs/schema, all in one run of the validator, because
+/// that starts slowly. The name of a schema is that of its file: "inventory",
+/// "incremental-inventory".
 class SchemaCheck {
  public:
   void Add(const std::string& schema, const std::string& name, const std::string& text) {
@@ -21,7 +22,8 @@ class SchemaCheck {
     WriteFile(folder_ / schema / name, text);
   }
 
-  /// Lines of the validator, as in "inventory/NAME#/bios/date: 'x' is not of type 'integer'".
+  /// Output lines of the validator, such as "inventory/NAME#/bios/date: 'x' is not of type
+  /// 'integer'".
   std::set<std::string> Problems(const std::string& options = {}) const {
     const std::string prefix = folder_.Path().string() + "/";
     Common::Execute validator("'" NORVIK_PYTHON "' -I -W ignore '" NORVIK_SOURCE_DIR
@@ -40,7 +42,7 @@ class SchemaCheck {
   TemporaryFolder folder_;
 };
 
-/// Expects a document that its schema allows.
+/// Expects that the schema allows the document.
 inline void ExpectValid(const std::string& schema, const std::string& text) {
   SchemaCheck check;
   check.Add(schema, "document", text);

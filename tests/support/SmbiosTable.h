@@ -10,8 +10,8 @@ namespace Norvik::Tests {
 
 using SmbiosBytes = std::vector<std::uint8_t>;
 
-/// Fields from a list of bytes, or from bytes by their offset: `{"length": 27, "4": 1, "8": [0,
-/// 1]}`.
+/// The fields of a structure, from a list of bytes or from bytes by offset: `{"length": 27, "4": 1,
+/// "8": [0, 1]}`.
 inline SmbiosBytes FieldsOf(const Json& fields) {
   if (fields.is_array()) return fields;
   SmbiosBytes bytes(fields["length"].get<std::size_t>() - 4);
@@ -23,7 +23,8 @@ inline SmbiosBytes FieldsOf(const Json& fields) {
   return bytes;
 }
 
-/// A table as firmware lays it out, from structures in the form `[type, handle, fields, text...]`.
+/// A raw table as firmware stores it, from structures in the form `[type, handle, fields,
+/// text...]`.
 inline SmbiosBytes SmbiosTableOf(const Json& structures) {
   SmbiosBytes table;
   const auto add = [&](const auto& bytes) {

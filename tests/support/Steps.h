@@ -12,21 +12,22 @@
 
 namespace Norvik::Tests {
 
-/// Tests that a data file tells as rows of a name and steps. A step is a verb, the arguments of its
-/// function and, if that gives one, the result.
+/// Base of tests whose rows in a data file have a name and steps. A step is a verb, the arguments
+/// of its function and, if the function returns a value, the expected result.
 class StepsTest : public testing::TestWithParam<Json> {
  protected:
   template <class Function>
   void Verb(const char* verb, Function function) {
-    Learn(verb, std::function(std::move(function)));
+    AddVerb(verb, std::function(std::move(function)));
   }
-  /// A function of a base of the test.
+  /// The same for a member function of a base of the test.
   template <class Base, class Result, class... Arguments>
   void Verb(const char* verb, Result (Base::*function)(Arguments...)) {
     Verb(verb, [=](Arguments... arguments) -> Result {
       return (dynamic_cast<Base&>(*this).*function)(arguments...);
     });
   }
+  /// Runs the steps of the row.
   void Follow() const {
     const Json& steps = GetParam()["steps"];
     for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -39,7 +40,7 @@ class StepsTest : public testing::TestWithParam<Json> {
 
  private:
   template <class Result, class... Arguments>
-  void Learn(const char* verb, std::function<Result(Arguments...)> function) {
+  void AddVerb(const char* verb, std::function<Result(Arguments...)> function) {
     verbs_[verb] = [=](Json cells) {
       using Tuple = std::tuple<std::decay_t<Arguments>...>;
       if constexpr (std::is_void_v<Result>) {

@@ -19,10 +19,10 @@
 
 #include "platform/FileDescriptor.h"
 
-/// What a test changes of its process, each for as long as the object lives.
+/// Changes of the process for the lifetime of an object.
 namespace Norvik::Tests {
 
-/// Does something at the end of its scope.
+/// Runs a function at the end of its scope.
 class Scope {
  public:
   explicit Scope(std::function<void()> atEnd) : atEnd_(std::move(atEnd)) {}
@@ -34,7 +34,7 @@ class Scope {
   const std::function<void()> atEnd_;
 };
 
-/// Local time is that of a zone; at the end, that of the machine.
+/// Sets the time zone; the end of the scope restores that of the machine.
 struct TimeZone : Scope {
   explicit TimeZone(const char* zone)
       : Scope([] {
@@ -46,7 +46,7 @@ struct TimeZone : Scope {
   }
 };
 
-/// A write beyond the size fails as it does on a full disk.
+/// Lets a write beyond the file size fail as on a full disk.
 struct FullDisk : Scope {
   explicit FullDisk(rlim_t size) : Scope([] { SetLimit(RLIM_INFINITY); }) { SetLimit(size); }
 
@@ -60,8 +60,8 @@ struct FullDisk : Scope {
   }
 };
 
-/// Collectors write files of fixed names in /tmp. Tests that reach them hold this, so that those of
-/// other programs that run at the same time wait.
+/// Collectors write files with fixed names in /tmp. Tests of these collectors hold this lock, so
+/// that test programs that run at the same time wait.
 class FixedFilesLock {
  public:
   FixedFilesLock() { ::flock(file_.Get(), LOCK_EX); }
@@ -76,14 +76,14 @@ class FixedFilesLock {
 
 namespace tests {
 
-/// The C locale.
+/// Sets the C locale; the end of the scope sets "C".
 struct ScopedLocale : Norvik::Tests::Scope {
   explicit ScopedLocale(const char* name) : Scope([] { std::setlocale(LC_ALL, "C"); }) {
     if (!std::setlocale(LC_ALL, name)) ADD_FAILURE() << "no locale " << name;
   }
 };
 
-/// The process's C++ locale and that of standard output write 1.234,5.
+/// Sets the process's C++ locale and that of standard output to one that writes 1.234,5.
 struct CommaLocale : Norvik::Tests::Scope {
   CommaLocale() : Scope([] { Use(std::locale::classic()); }) {
     Use(std::locale(std::locale::classic(), new Punctuation));

@@ -9,7 +9,7 @@
 
 namespace Norvik::Tests {
 
-/// An empty folder of its own for a test, removed with all that is in it at the end of the scope.
+/// A new empty folder, removed with its content at the end of the scope.
 class TemporaryFolder {
  public:
   TemporaryFolder() {

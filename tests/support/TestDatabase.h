@@ -10,7 +10,8 @@
 
 namespace Norvik::Tests {
 
-/// A fresh agent database in a temporary folder; the process's database while it lives.
+/// A new agent database in a temporary folder. While the object exists, it is the process's
+/// database.
 class TestDatabase {
  public:
   TestDatabase() { Open(); }
@@ -24,7 +25,7 @@ class TestDatabase {
 
   void Open() { dataBase_ = std::make_shared<Common::AgentDatabase>(folder_.Path()); }
   void Close() { dataBase_.reset(); }
-  /// What a new start of the process finds.
+  /// Closes and opens the database, as a new start of the process does.
   void Reopen() {
     Close();
     Open();
