@@ -9,7 +9,7 @@ namespace {
 using testing::ElementsAre;
 using namespace Tests;
 
-/// Codes that a fresh instance serves, ascending.
+/// Codes that a new module serves, in ascending order.
 std::vector<unsigned int> ServedCodes(int processKind) {
   FakeHost host(processKind);
   ModuleUnderTest module(host);

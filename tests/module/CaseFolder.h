@@ -11,16 +11,16 @@
 
 namespace Norvik::Tests {
 
-/// One of the cases of a data file: an object with the list "cases".
+/// A case of a data file, which is an object with the list "cases".
 struct Case {
-  std::string file;  ///< its name without ".json"
-  Json entry;        ///< what the case says and, for what it does not, what stands in its file
+  std::string file;  ///< the name of the file without ".json"
+  Json entry;        ///< the keys of the case and, as defaults, those of its file
 
   const std::string& Name() const { return entry["name"].get_ref<const std::string&>(); }
   friend void PrintTo(const Case& shown, std::ostream* stream) { *stream << shown.Name(); }
 };
 
-/// The cases of all files of a folder below tests/, sorted by the files.
+/// The cases of all files in a folder below tests/, sorted by file.
 inline std::vector<Case> CasesIn(const std::string& folder) {
   std::vector<Case> cases;
   for (const auto& name : FilesBelow(NORVIK_SOURCE_DIR "/tests/" + folder)) {
@@ -36,7 +36,7 @@ inline std::vector<Case> CasesIn(const std::string& folder) {
   return cases;
 }
 
-/// In a value of a case, "see: name" stands for what the case, or its file, has under the name.
+/// Replaces each "see: name" in a value by the value of the case, or of its file, under that name.
 inline Json Resolved(Json value, const Json& entry) {
   if (value.is_string() && value.get_ref<const std::string&>().rfind("see: ", 0) == 0) {
     return Resolved(entry.at(value.get<std::string>().substr(5)), entry);

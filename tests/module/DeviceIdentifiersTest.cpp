@@ -15,7 +15,7 @@ const std::map<std::string, IdType> TYPES = {{"asset", IdType::ASSET}, {"ip", Id
                                              {"mac", IdType::MAC},     {"mix", IdType::MIX},
                                              {"pc", IdType::PC},       {"serial", IdType::SERIAL}};
 
-/// What each type finds on a machine of this setup with these adapters, and what is logged.
+/// The identifier of each type for this setup and these adapters, and the logged errors.
 Json IdentifiersOf(const Json& setup, const Json& adapters, const std::string& identifier) {
   std::list<Common::NetworkAdapterInfo> records;
   for (const Json& adapter : adapters) records.emplace_back(tests::ParseJson(adapter.dump()));

@@ -8,7 +8,7 @@
 
 namespace tests {
 
-/// An inventory with a value of its own in each field of each section.
+/// An inventory with a distinct value in each field of each section.
 inline Norvik::KOB::InventoryKOBInfo FilledInventory() {
   Norvik::KOB::InventoryKOBInfo inventory;
   Filler filler;
@@ -16,7 +16,7 @@ inline Norvik::KOB::InventoryKOBInfo FilledInventory() {
   return inventory;
 }
 
-/// Records of different numbers have different identities.
+/// A filled record. Records with different numbers have different keys.
 template <class T>
 T Numbered(int number) {
   T record;
@@ -24,7 +24,7 @@ T Numbered(int number) {
   return record;
 }
 
-/// The record with a change in the last field that does not identify it.
+/// A copy of the record with a change in the last field that is not part of its key.
 template <class T>
 T ChangedOutsideKey(const T& record) {
   T result = record;
@@ -37,7 +37,7 @@ T ChangedOutsideKey(const T& record) {
   return result;
 }
 
-/// A document that is kept with a line for each section, in one line as it is written.
+/// A stored document, which has one line per section, joined into one line as the writer writes it.
 inline std::string GoldenText(const std::string& path) {
   std::ifstream file(path);
   std::string text;

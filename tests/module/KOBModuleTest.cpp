@@ -16,19 +16,19 @@ using namespace Tests;
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
-/// A row tells of a process of the module: what happens before an action, what this starts, lines
-/// of the log with their levels, and in how many seconds the first time of a periodic action comes.
+/// A row is a process with steps: what happens before an action, what the action starts, log lines
+/// with their levels, and the range of seconds until the first run of a periodic action.
 class ModuleSchedules : public testing::TestWithParam<Json> {
  protected:
-  /// Of each schedule the period and in how many seconds it begins.
-  Common::AgentConfigurationInfo ConfigurationOf(const Json& told) const {
+  /// Each schedule is its period and the seconds until its start.
+  Common::AgentConfigurationInfo ConfigurationOf(const Json& wanted) const {
     Common::AgentConfigurationInfo configuration;
-    if (told.is_null()) return configuration;
+    if (wanted.is_null()) return configuration;
     configuration.kob.emplace();
     auto& kob = *configuration.kob;
     const auto set = [&](const char* key, boost::optional<Common::ScheduleInfo>& schedule) {
-      if (!told.contains(key)) return;
-      schedule = Common::ScheduleInfo{told[key][0], start_ + told[key][1].get<std::int64_t>()};
+      if (!wanted.contains(key)) return;
+      schedule = Common::ScheduleInfo{wanted[key][0], start_ + wanted[key][1].get<std::int64_t>()};
     };
     set("inventory", kob.inventorySchedule);
     set("changed files", kob.fileInventoryIncrementalSchedule);
@@ -49,7 +49,7 @@ class ModuleSchedules : public testing::TestWithParam<Json> {
     if (step.contains("sql")) TestDatabase::Run(step["sql"]);
     host_.actions->Forget();
   }
-  void Take(const Json& step) {
+  void Perform(const Json& step) {
     Prepare(step);
     module_->Run(step["code"], step.contains("with")
                                    ? WithConfiguration(ConfigurationOf(step["with"]))
@@ -78,21 +78,21 @@ class ModuleSchedules : public testing::TestWithParam<Json> {
  private:
   const std::time_t start_ = system_clock::to_time_t(system_clock::now());
   FakeHost host_{GetParam().value("processKind", 0)};
-  /// Loaded with its first action, so that a step may change the host before.
+  /// Loaded at the first step, so that this step can change the host first.
   std::optional<ModuleUnderTest> module_;
 };
 
 TEST_P(ModuleSchedules, FollowTheConfigurationAndSurviveARestart) {
   for (const Json& step : GetParam()["steps"]) {
     SCOPED_TRACE(Shown(step));
-    Take(step);
+    Perform(step);
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ModuleSchedules, testing::ValuesIn(DataOf("module/schedules.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
-TEST(UnfinishedFileInventory, IsResumedAtTheStartIfItsTableTellsOfIt) {
+TEST(UnfinishedFileInventory, IsResumedAtTheStartIfItsTableHoldsIt) {
   for (const int processKind : {0, 1}) {
     for (int status = V2::RudStatusNone; status <= V2::RudStatusPrinting + 1; ++status) {
       SCOPED_TRACE(status);

@@ -55,8 +55,9 @@ struct InventoryUnderTest {
   }
   fs::path PreviousDocument() const { return host.Previous() / DocumentName(); }
 
-  /// Errors that were logged behind the collectors: what these miss is not this machine's fault.
-  std::vector<std::string> Complaints() const {
+  /// Errors that were logged after the collectors ran. Those of the collectors depend on the
+  /// machine.
+  std::vector<std::string> LoggedErrors() const {
     std::vector<std::string> texts;
     for (const auto& line : log->Lines()) {
       if (line.text.rfind("Retrieving ", 0) == 0) texts.clear();
@@ -65,7 +66,7 @@ struct InventoryUnderTest {
     return texts;
   }
 
-  /// The section names of the log, in order.
+  /// The section names in the log, in order.
   static std::string Retrieved(const LogCapture& capture) {
     std::string names;
     for (const auto& text : capture.Texts(5)) {
@@ -183,8 +184,8 @@ TEST_F(KobInventoryTest, ADeviceWithoutItsIdentificationHasAnEmptyGuidAndItsTime
   EXPECT_LE(taken, std::chrono::system_clock::now());
 }
 
-/// A row tells what comes before a run, what lies where, and what comes of the run. A folder is
-/// null, a link tells its target.
+/// A row holds what happens before a run, the files at their places, and the outcome. As a file,
+/// null is a folder and `{"link": target}` a symbolic link.
 struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
   fs::path Place(const std::string& place) const {
     const auto name = Common::HostInfoProvider::GetHostName();
@@ -248,9 +249,9 @@ TEST_P(InventoryRuns, SendWhatTheyCanAndSayWhatTheyCannot) {
   Generate(row.value("incremental", false));
   const auto reported = progress->All();
   ExpectReason(row, reported);
-  std::vector<Matcher<std::string>> complaints;
-  for (const std::string text : PartOf(row, "complaints")) complaints.push_back(HasSubstr(text));
-  EXPECT_THAT(Complaints(), ElementsAreArray(complaints));
+  std::vector<Matcher<std::string>> errors;
+  for (const std::string text : PartOf(row, "errors")) errors.push_back(HasSubstr(text));
+  EXPECT_THAT(LoggedErrors(), ElementsAreArray(errors));
   for (const std::string line : PartOf(row, "logs")) {
     EXPECT_TRUE(log->Holds(line[0] - '0', line.substr(2))) << line;
   }

@@ -11,7 +11,7 @@
 
 namespace Norvik::Tests {
 
-/// A module loaded the way a host does it.
+/// A module, created as a host creates it.
 class ModuleUnderTest {
  public:
   explicit ModuleUnderTest(FakeHost& host) : module_(::GetAgentModuleObject(host.Dependencies())) {}
@@ -22,7 +22,7 @@ class ModuleUnderTest {
     Common::ModuleAction action = module_->GetAction(code, parameters);
     return action.handler(action.parameters);
   }
-  /// Name of a served code; empty for one that nothing is registered for.
+  /// Name of the action of a code; empty if the module does not serve the code.
   std::string NameOf(unsigned int code) { return module_->GetAction(code, {}).name; }
 
  private:

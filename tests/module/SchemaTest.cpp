@@ -24,7 +24,7 @@ std::string Golden(const std::string& folder) {
   return GoldenText(NORVIK_SOURCE_DIR "/tests/module/" + folder + "Entities/small-document.json");
 }
 
-/// What a section tells if all its records are created, deleted or updated.
+/// Marks all records of a section as created, deleted or updated.
 template <class Section>
 void Change(const Section& section, const std::string& change,
             IncrementalInventoryKOBInfo& changes) {
@@ -78,9 +78,9 @@ PlainJson DocumentOf(const std::string& schema) {
   return PlainJson::parse(schema == FULL ? JsonText(FilledInventory()) : JsonText(AllChanges()));
 }
 
-/// Spoils a value in a way and gives what is wrong then, as `FirstWords` does; nothing if the value
-/// cannot be spoiled so.
-Lines Spoil(PlainJson& value, const std::string& way, const std::string& place) {
+/// Corrupts a value in the given way and returns the expected errors in the form of `FirstWords`;
+/// empty if the value cannot be corrupted so.
+Lines Corrupt(PlainJson& value, const std::string& way, const std::string& place) {
   const PlainJson old = value;
   Lines wrong;
   if (way == "kind") {
@@ -92,7 +92,7 @@ Lines Spoil(PlainJson& value, const std::string& way, const std::string& place) 
   } else if (way == "emptied" && old.is_structured()) {
     value.clear();
     for (const auto& item : old.items()) wrong.insert("'" + item.key() + "'");
-    // The parts of an incremental document hold just the sections that tell something.
+    // The parts of an incremental document hold only sections with changes.
     const std::string name = place.substr(place.find('#') + 1);
     const bool isPart = name == "/create" || name == "/delete" || name == "/update";
     if (old.is_array() || isPart) wrong = {value.dump()};
@@ -100,19 +100,20 @@ Lines Spoil(PlainJson& value, const std::string& way, const std::string& place) 
   return wrong;
 }
 
-/// Spoils all values that stand so deep in a document: one that is spoiled hides those in it.
-void SpoilAt(int depth, PlainJson& value, const std::string& way, const std::string& place,
-             Lines& problems) {
+/// Corrupts all values at one depth of a document. Only one depth, because a corrupt value hides
+/// those inside it.
+void CorruptAt(int depth, PlainJson& value, const std::string& way, const std::string& place,
+               Lines& problems) {
   if (depth == 0) {
-    for (const auto& wrong : Spoil(value, way, place)) problems.insert(place + ": " + wrong);
+    for (const auto& wrong : Corrupt(value, way, place)) problems.insert(place + ": " + wrong);
   } else if (value.is_structured()) {
     for (auto& [key, inner] : value.items()) {
-      SpoilAt(depth - 1, inner, way, place + "/" + key, problems);
+      CorruptAt(depth - 1, inner, way, place + "/" + key, problems);
     }
   }
 }
 
-/// The first word of what is wrong is the value or the key that is.
+/// Cuts each error after its first word, which is the wrong value or key.
 Lines FirstWords(const Lines& problems) {
   Lines words;
   for (const auto& line : problems)
@@ -121,13 +122,13 @@ Lines FirstWords(const Lines& problems) {
 }
 
 TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
-  Lines expected = {"incremental-inventory/emptied-0#: {}"};  // it tells of no change either
+  Lines expected = {"incremental-inventory/emptied-0#: {}"};  // it holds no changes either
   for (const std::string schema : {FULL, INCREMENTAL}) {
     for (const std::string way : {"kind", "fraction", "emptied"}) {
       for (int depth = 0; depth < 7; ++depth) {
         const std::string name = way + "-" + std::to_string(depth);
         PlainJson document = DocumentOf(schema);
-        SpoilAt(depth, document, way, schema + "/" + name + "#", expected);
+        CorruptAt(depth, document, way, schema + "/" + name + "#", expected);
         check.Add(schema, name, document.dump());
       }
     }
@@ -136,7 +137,7 @@ TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
   EXPECT_GT(expected.size(), 1500u);
 }
 
-TEST_F(SchemaTest, RefusesWhatNoDocumentMaySay) {
+TEST_F(SchemaTest, RefusesWhatNoDocumentMayHold) {
   Lines expected;
   const Tests::Json rows = Tests::DataOf("module/schema-refusals.json");
   for (const PlainJson row : rows) {

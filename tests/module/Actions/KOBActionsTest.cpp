@@ -18,7 +18,7 @@ using std::chrono::milliseconds;
 using std::chrono::system_clock;
 using TextList = std::vector<std::string>;
 
-/// Actions whose clock stands still, beside the module that they get theirs from.
+/// An instance of `KOBActions` with a fixed clock; the module supplies the actions that it starts.
 class KOBActionsTest : public testing::Test {
  protected:
   FakeHost host;

@@ -28,7 +28,7 @@ NetworkDriveInfo Drive(const std::string& unit, const std::string& path,
   return drive;
 }
 
-/// One process's half of the exchange.
+/// One of the two processes of the exchange.
 struct Side {
   explicit Side(int kind, boost::optional<Drives> drives = Drives()) : host(kind) {
     actions = std::make_unique<NetworkDrivesActions>(
@@ -40,7 +40,7 @@ struct Side {
     auto parameters = WithText(key, Common::WxStringFromStdString(value));
     handlers.at(code)(parameters);
   }
-  void Take(const Messages& messages) {
+  void Receive(const Messages& messages) {
     for (const auto& [session, message] : messages) Run(message.code, message.key, message.value);
   }
 
@@ -79,7 +79,7 @@ TEST(NetworkDrivesActions, ARoundReplacesTheTableByTheUsersDrives) {
   Side service(0);
   for (std::size_t i = 0; i < rounds.size(); ++i) {
     EXPECT_THAT(rounds[i], SizeIs(1 + rows[i]["drives"].size())) << rows[i]["name"];
-    service.Take(rounds[i]);
+    service.Receive(rounds[i]);
     EXPECT_EQ(Stored(), rows[i]["stored"].get<TextList>()) << rows[i]["name"];
   }
   EXPECT_THAT(service.host.log.Texts(2), IsEmpty());
@@ -96,7 +96,7 @@ TEST(NetworkDrivesActions, AnArchiveThatDoesNotParseStoresNothing) {
   for (const char* length : {"5000000000", "18446744073709551615", "99999999999999999999", "-1"}) {
     archives.push_back(start + length + " unit");
   }
-  // The archive ends with a line end, which nothing needs.
+  // The archive ends with a line end that the reader does not need.
   for (std::size_t cut = 0; cut + 1 < whole.size(); ++cut) archives.push_back(whole.substr(0, cut));
   Side service(0);
   for (const auto& archive : archives) service.Run(32001, "getNetworkDrives", archive);

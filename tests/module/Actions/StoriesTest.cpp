@@ -22,10 +22,10 @@ using Common::V2::DataBase;
 using std::chrono::system_clock;
 using TextList = std::vector<std::string>;
 
-/// Something that a step meets while it lives.
+/// A fault during a step; it ends with the object.
 using Fault = std::shared_ptr<void>;
 
-/// Another connection writes, and nobody waits for it as long as in earnest.
+/// Another connection holds a write lock. The busy timeout is short.
 Fault HeldDatabase(FakeHost&) {
   auto other = std::make_shared<DataBase>();
   TestDatabase::Run("PRAGMA busy_timeout=20");
@@ -37,7 +37,7 @@ Fault DiskThatSavingFills(FakeHost& host) {
   return std::make_shared<FullDisk>(fs::file_size(host.database.File().string() + "-wal") + 400000);
 }
 
-Fault DiskThatIsFullBehindTheDocument(FakeHost& host) {
+Fault DiskThatIsFullAfterTheDocument(FakeHost& host) {
   auto full = std::make_shared<std::unique_ptr<FullDisk>>();
   host.pipeline->beforeStep = [full](const std::string& step) {
     if (step == "compress") *full = std::make_unique<FullDisk>(10);
@@ -54,11 +54,11 @@ Fault MissingTable(FakeHost&) {
 const std::map<std::string, Fault (*)(FakeHost&)> FAULTS = {
     {"a database that another process holds", HeldDatabase},
     {"a disk that saving fills", DiskThatSavingFills},
-    {"a disk that is full behind the document", DiskThatIsFullBehindTheDocument},
+    {"a disk that is full after the document", DiskThatIsFullAfterTheDocument},
     {"a table that is missing", MissingTable},
 };
 
-/// A wanted text may end with "*": whatever follows.
+/// Whether a text equals the wanted one. "*" at the end of the wanted one matches any rest.
 bool Fits(const std::string& text, const std::string& wanted) {
   return wanted.back() == '*' ? text.rfind(wanted.substr(0, wanted.size() - 1), 0) == 0
                               : text == wanted;
@@ -74,7 +74,7 @@ std::string ValueText(const Common::ActionPropertyValue& value) {
   return boost::apply_visitor(text, value);
 }
 
-/// What was started, with its parameters.
+/// The started actions with their parameters.
 TextList StartedBy(const FakeActionSystem& actions) {
   TextList texts = actions.Texts();
   for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -85,8 +85,8 @@ TextList StartedBy(const FakeActionSystem& actions) {
   return texts;
 }
 
-/// A module on a host of its own and a folder, which is all that an inventory of files finds.
-/// stories/README.md tells what can be set and what is told.
+/// A module with its own host and a folder, the only one that an inventory of files scans.
+/// stories/README.md describes the settings and the outcome.
 class Story {
  public:
   explicit Story(const Json& entry) : host_(entry.value("processKind", 0)) {
@@ -107,31 +107,31 @@ class Story {
     SetStores(step);
   }
 
-  /// All that comes of a step, part by part.
-  Json Take(const Json& step) {
+  /// Runs a step and returns its outcome by part.
+  Json Perform(const Json& step) {
     const std::size_t logged = host_.log.Lines().size();
     progress_->Take();
-    Json told = Json::object();
+    Json outcome = Json::object();
     try {
       Run(step);
     } catch (const std::exception& error) {
-      told["raises"] = boost::core::demangle(typeid(error).name());
+      outcome["throws"] = boost::core::demangle(typeid(error).name());
     }
     fault_.reset();
     host_.pipeline->beforeStep = nullptr;
-    told["steps"] = std::exchange(host_.pipeline->calls, {});
-    told["started"] = StartedBy(*host_.actions);
+    outcome["steps"] = std::exchange(host_.pipeline->calls, {});
+    outcome["started"] = StartedBy(*host_.actions);
     host_.actions->Forget();
-    if (host_.communications) TellOfCommunications(told);
-    told["recorded"] = Recorded();
-    told["states"] = TakeStates();
-    told["files"] = TestDatabase::Run("select 1 from RUD2_LAST_INVENTORY").size();
-    told["drives"] = TestDatabase::Run("select 1 from KOB_NETWORK_DRIVES").size();
-    told["delivered"] = TakeDelivered();
-    told["left"] = NamesIn(host_.Work()).size();
-    if (step.contains("progress")) told["progress"] = Progress();
-    told["log"] = LogSince(logged, step.value("log", TextList()), step.value("wholeLog", 0));
-    return told;
+    if (host_.communications) AddCommunications(outcome);
+    outcome["recorded"] = Recorded();
+    outcome["states"] = TakeStates();
+    outcome["files"] = TestDatabase::Run("select 1 from RUD2_LAST_INVENTORY").size();
+    outcome["drives"] = TestDatabase::Run("select 1 from KOB_NETWORK_DRIVES").size();
+    outcome["delivered"] = TakeDelivered();
+    outcome["left"] = NamesIn(host_.Work()).size();
+    if (step.contains("progress")) outcome["progress"] = Progress();
+    outcome["log"] = LogSince(logged, step.value("log", TextList()), step.value("wholeLog", 0));
+    return outcome;
   }
 
  private:
@@ -164,7 +164,7 @@ class Story {
     module_->Run(step["run"], ParametersOf(PartOf(step, "with")));
   }
 
-  /// What the server says to a question about the survey.
+  /// Sets the answer of the server to a request about the survey.
   void Answer(const std::string& message) {
     host_.communications->answer = Json{{"result", 0}, {"message", message}}.dump();
   }
@@ -197,7 +197,7 @@ class Story {
     if (gone == "communications") host_.communications.reset();
   }
 
-  /// Lets another thread ask, once, at a moment of the step.
+  /// Lets another thread run actions, once, at the given moment of the step.
   void Meanwhile(const Json& other) {
     const auto ask = [=] {
       const auto run = [&] {
@@ -242,20 +242,20 @@ class Story {
     on("fault", [&](const std::string& name) { fault_ = FAULTS.at(name)(host_); });
   }
 
-  void TellOfCommunications(Json& told) {
+  void AddCommunications(Json& outcome) {
     FakeCommunications& communications = *host_.communications;
     TextList sent;
     for (const auto& [session, message] : std::exchange(communications.sent, {})) {
       sent.push_back(std::to_string(session) + " " + std::to_string(message.kind) + " " +
                      std::to_string(message.code) + " " + message.key + "=" + message.value);
     }
-    told["sent"] = sent;
-    told["statuses"] = communications.TakeStatuses();
-    told["requests"] = std::exchange(communications.requests, {});
-    told["announced"] = std::exchange(communications.newFiles, 0);
+    outcome["sent"] = sent;
+    outcome["statuses"] = communications.TakeStatuses();
+    outcome["requests"] = std::exchange(communications.requests, {});
+    outcome["announced"] = std::exchange(communications.newFiles, 0);
   }
 
-  /// Keys of the times that were written by now.
+  /// Keys of the times that were written since the last call.
   TextList Recorded() const {
     TextList keys;
     for (const char* key : {"KOB_INVENTORY", "RUD_INVENTORY", "RUD_INVENTORY_INCREMENTAL"}) {
@@ -275,7 +275,8 @@ class Story {
     return states;
   }
 
-  /// The files of the document in the outbox, as "status name", or how many there are of many.
+  /// Removes the document from the outbox and returns its files as "status name", or their number
+  /// if it is over 100.
   Json TakeDelivered() const {
     TextList files;
     if (NamesIn(host_.Outbox()).empty()) return files;
@@ -305,20 +306,20 @@ class Story {
     return texts;
   }
 
-  /// The wanted lines, as far as there are such in their order, and all others of these levels.
+  /// The wanted lines that were logged in this order, and all other lines up to a level.
   TextList LogSince(std::size_t first, const TextList& wanted, int levels) const {
-    TextList told;
+    TextList found;
     auto next = wanted.begin();
     const auto lines = host_.log.Lines();
     for (auto line = lines.begin() + static_cast<long>(first); line != lines.end(); ++line) {
       const std::string text = std::to_string(line->level) + " " + line->text;
       if (next != wanted.end() && Fits(text, *next)) {
-        told.push_back(*next++);
+        found.push_back(*next++);
       } else if (line->level <= levels) {
-        told.push_back(text);
+        found.push_back(text);
       }
     }
-    return told;
+    return found;
   }
 
   const std::time_t begun_ = std::time(nullptr);
@@ -329,7 +330,7 @@ class Story {
   Fault fault_;
 };
 
-/// Parts by their names, without those that are empty.
+/// The parts in the order of their names, without empty ones.
 std::string Sorted(const Json& parts) {
   nlohmann::json sorted = nlohmann::json::object();
   for (const auto& [part, what] : parts.items()) {
@@ -340,7 +341,7 @@ std::string Sorted(const Json& parts) {
 
 class Stories : public testing::TestWithParam<Case> {};
 
-TEST_P(Stories, GoAsTheyAreTold) {
+TEST_P(Stories, HaveTheExpectedOutcome) {
   const Json& entry = GetParam().entry;
   Story story(entry);
   for (const Json& row : Resolved(entry.value("steps", Json::parse("[{}]")), entry)) {
@@ -351,7 +352,7 @@ TEST_P(Stories, GoAsTheyAreTold) {
     if (step.contains("log")) wanted["log"] = step["log"];
     if (step.contains("progress")) wanted["progress"] = Resolved(step["progress"], entry);
     for (int left = step.value("times", 1); left > 0; --left) {
-      EXPECT_EQ(Sorted(story.Take(step)), Sorted(wanted)) << Shown(row) << left;
+      EXPECT_EQ(Sorted(story.Perform(step)), Sorted(wanted)) << Shown(row) << left;
     }
   }
 }

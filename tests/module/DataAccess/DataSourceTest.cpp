@@ -32,7 +32,7 @@ TEST(KOBDataSource, SharesItsValuesWithTheNewerStore) {
   EXPECT_EQ(Newer::getInventoryChangePeriod(), 60U);
   EXPECT_EQ(Newer::getLastInventoryChanged(), 1700000000U);
   EXPECT_EQ(Newer::getLastScheduleInventoryID(), 12U);
-  // Also a zero stands.
+  // A stored zero is kept.
   Newer::updateInventoryChangedPeriod(0);
   EXPECT_THAT(KOBDataSource(database).getInventoryChangePeriod(), Pointee(0));
 }
@@ -80,7 +80,7 @@ Common::SoftwareRegisteredInfo Editor(const std::string& version) {
 }
 
 TEST(RegisteredSoftware, IsReplacedInOneBatchByEitherStore) {
-  // Unlike the newer store the older one refuses a duplicate, and the rows before are still there.
+  // Unlike the newer store, the older one refuses a duplicate and keeps the previous rows.
   const struct {
     std::function<bool(const SoftwareList&)> replace;
     bool takesDuplicates;

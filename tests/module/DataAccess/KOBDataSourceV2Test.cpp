@@ -18,14 +18,14 @@ using namespace testing;
 using Store = KOBDataSourceV2;
 using Tests::TestDatabase;
 
-/// The texts of its failures stand in a data file.
+/// A named value. The log texts of its failures are in a data file.
 struct Value {
   const char* key;
   std::function<bool(std::uint64_t)> update;
   std::function<unsigned int()> get;
 };
 
-/// An update by a time, which is to be cut to seconds.
+/// Updates with a time that must be cut to whole seconds.
 std::function<bool(std::uint64_t)> Timed(bool (*update)(const Store::TimePoint&)) {
   return [=](std::uint64_t sinceEpoch) {
     return update(system_clock::from_time_t(static_cast<std::time_t>(sinceEpoch)) +

@@ -25,7 +25,7 @@ TEST(InventoryReaderTest, ReadsWhatWasWrittenRecordByRecord) {
   InventoryKOBInfo withoutLists = FilledInventory();
   withoutLists.software.clear();
   withoutLists.location = {};
-  // What the writer lets through, in any place of what is read at once.
+  // Odd bytes that the writer accepts, at every position of the read buffer.
   InventoryKOBInfo withOddBytes = withoutLists;
   std::string& oddBytes = withOddBytes.networkDrives.front().path;
   for (int i = 0; i < 2000; ++i) {

@@ -45,7 +45,7 @@ std::string VersionsOfDeleted(const Deleted& deleted) {
   return words;
 }
 
-/// What was created, updated and deleted between two lists. Expects that these stay unchanged.
+/// What was created, updated and deleted between two lists. Expects that the lists stay unchanged.
 template <template <class...> class Container>
 std::vector<std::string> Compared(const std::string& before, const std::string& now) {
   using Features = Container<FeaturesInfo>;

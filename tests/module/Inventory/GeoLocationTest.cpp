@@ -17,7 +17,7 @@ namespace {
 using namespace Norvik::Tests;
 using namespace Norvik::KOB;
 
-/// Time that passes only while somebody waits.
+/// A clock that advances only during a wait.
 class DrivenClock : public Norvik::Platform::WaitClock {
  public:
   explicit DrivenClock(void (*onSleep)()) : onSleep_(onSleep) {}

@@ -38,9 +38,9 @@ namespace {
 using namespace Tests;
 using SharedSmBios = std::shared_ptr<Common::SmBios>;
 
-struct Told {
+struct Collected {
   Json records;
-  std::string raised;  ///< type of the exception
+  std::string exception;  ///< type of the exception
 };
 
 template <class Value>
@@ -48,7 +48,7 @@ Json RecordsOf(const Value& value) {
   return JsonOf(value);
 }
 
-/// It is no part of a document itself.
+/// `SystemInfo` has no JSON form of its own.
 Json RecordsOf(const SystemInfo& info) {
   const auto text = [](const wxString& it) { return Json(Common::ToUtf8(it)); };
   return {{"domain", text(info.domain)},
@@ -62,47 +62,47 @@ Json RecordsOf(const SystemInfo& info) {
 }
 
 template <class Section, class Value>
-Told Ask(Section section, void (Section::*getInfo)(Value&)) {
-  Told told;
+Collected Collect(Section section, void (Section::*getInfo)(Value&)) {
+  Collected collected;
   Value value;
   try {
     (section.*getInfo)(value);
   } catch (const std::exception& error) {
-    told.raised = boost::core::demangle(typeid(error).name());
+    collected.exception = boost::core::demangle(typeid(error).name());
   }
-  told.records = RecordsOf(value);
-  if (!told.records.is_array()) told.records = Json::array({told.records});
-  return told;
+  collected.records = RecordsOf(value);
+  if (!collected.records.is_array()) collected.records = Json::array({collected.records});
+  return collected;
 }
 
 template <class Section>
-Told AskOf(const SharedSmBios& smBios) {
+Collected CollectFrom(const SharedSmBios& smBios) {
   if constexpr (std::is_default_constructible_v<Section>) {
-    return Ask(Section(), &Section::GetInfo);
+    return Collect(Section(), &Section::GetInfo);
   } else if constexpr (std::is_constructible_v<Section, SharedSmBios>) {
-    return Ask(Section(smBios), &Section::GetInfo);
+    return Collect(Section(smBios), &Section::GetInfo);
   } else {
-    return Ask(Section({}), &Section::GetInfo);
+    return Collect(Section({}), &Section::GetInfo);
   }
 }
 
-const std::map<std::string, Told (*)(const SharedSmBios&)> SECTIONS = {
-    {"bios", AskOf<BiosSection>},
-    {"bios-without-smbios", AskOf<AlternativeBiosSection>},
-    {"board-slots", AskOf<BoardSlotsSection>},
-    {"cdrom", AskOf<CdromSection>},
-    {"hardware", AskOf<HardwareSection>},
-    {"keyboard", AskOf<KeyboardSection>},
-    {"monitors", AskOf<MonitorsSection>},
-    {"network-drives", AskOf<NetworkDrivesSection>},
-    {"printers", AskOf<PrintersSection>},
-    {"services", AskOf<ServicesSection>},
-    {"shares", AskOf<CSharedResourcesSection>},
-    {"system", AskOf<SystemSection>},
-    {"video", AskOf<VideoSection>},
+const std::map<std::string, Collected (*)(const SharedSmBios&)> SECTIONS = {
+    {"bios", CollectFrom<BiosSection>},
+    {"bios-without-smbios", CollectFrom<AlternativeBiosSection>},
+    {"board-slots", CollectFrom<BoardSlotsSection>},
+    {"cdrom", CollectFrom<CdromSection>},
+    {"hardware", CollectFrom<HardwareSection>},
+    {"keyboard", CollectFrom<KeyboardSection>},
+    {"monitors", CollectFrom<MonitorsSection>},
+    {"network-drives", CollectFrom<NetworkDrivesSection>},
+    {"printers", CollectFrom<PrintersSection>},
+    {"services", CollectFrom<ServicesSection>},
+    {"shares", CollectFrom<CSharedResourcesSection>},
+    {"system", CollectFrom<SystemSection>},
+    {"video", CollectFrom<VideoSection>},
 };
 
-/// The system's records of logins: type, time and user.
+/// The system's login records, from type, time and user.
 std::string LoginsOf(const Json& logins) {
   std::string records;
   for (const Json& login : logins) {
@@ -125,7 +125,7 @@ std::vector<Case> AllCases() {
   return cases;
 }
 
-/// The working directory is a folder of the test's: a collector leaves a file there.
+/// Runs in a temporary working directory, because a collector leaves a file there.
 class Sections : public testing::TestWithParam<Case> {
  protected:
   Sections() {
@@ -160,16 +160,16 @@ class Sections : public testing::TestWithParam<Case> {
   MacRecording recording_;
 };
 
-TEST_P(Sections, TellWhatTheMachineHas) {
+TEST_P(Sections, ReportWhatTheMachineHas) {
   const Json& entry = GetParam().entry;
   const LogCapture log;
   const auto smBios = std::make_shared<Common::SmBios>(entry.value("smBiosVersion", 0x301u),
                                                        SmbiosTableOf(PartOf(entry, "smBios")));
-  const Told told = SECTIONS.at(GetParam().file)(smBios);
+  const Collected collected = SECTIONS.at(GetParam().file)(smBios);
   const Json wanted = entry.value("records", Json::array());
-  EXPECT_EQ(Shown(Chosen(told.records, wanted)), Shown(wanted));
-  EXPECT_THAT(told.raised, testing::EndsWith(entry.value("raises", "")));
-  EXPECT_EQ(told.raised.empty(), !entry.contains("raises")) << told.raised;
+  EXPECT_EQ(Shown(Chosen(collected.records, wanted)), Shown(wanted));
+  EXPECT_THAT(collected.exception, testing::EndsWith(entry.value("throws", "")));
+  EXPECT_EQ(collected.exception.empty(), !entry.contains("throws")) << collected.exception;
   for (const auto& [level, texts] : PartOf(entry, "log").items()) {
     std::vector<testing::Matcher<std::string>> beginnings;
     for (const std::string text : texts) beginnings.push_back(testing::StartsWith(text));
@@ -234,7 +234,7 @@ TEST(LocalUsersSection, GivesOneRecordWithAllAccounts) {
   }
 }
 
-TEST(VideoSection, TheAidsListAndShowEveryAccelerator) {
+TEST(VideoSection, TheDiagnosticFunctionsReportEveryAccelerator) {
   MacRecording recording;
   recording.AddRegistry(Json::parse(R"(["Root", {},
       ["A", {"IOObjectInherits": ["IOAccelerator"], "PerformanceStatistics": {
@@ -255,8 +255,8 @@ TEST(VideoSection, TheAidsListAndShowEveryAccelerator) {
   EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
 }
 
-/// Local time of the date that firmware with the text tells, in the zone of this process, as the
-/// library has asked for it once; or the number that stands for none.
+/// The date of firmware with this text as local time in the zone of this process, which the library
+/// reads only once; or the number that stands for no date.
 std::string DateIn(const std::string& text) {
   const Json firmware = {0, 0, {1, 0, 0, 0, 2}, "Fjord Inc.", text};
   const auto smBios =

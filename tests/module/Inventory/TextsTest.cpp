@@ -36,7 +36,7 @@ std::vector<std::string> PrinterP(const Bytes& lines) {
   return {printer[1], printer[2], printer[4]};
 }
 
-/// The last name wins.
+/// The last driver name in the description.
 std::string DriverNameIn(const Bytes& description) {
   std::istringstream stream(description);
   return std::string(ReadDriverName(stream).utf8_str());
@@ -70,33 +70,33 @@ std::vector<std::string> NameAndSerial(const std::vector<std::pair<int, std::str
 }
 
 template <auto function>
-void Hold(const Json& rows) {
+void CheckRows(const Json& rows) {
   ExpectRows(rows, function);
 }
 
 const std::pair<const char*, void (*)(const Json&)> TABLES[] = {
-    {"configurations of printers", Hold<PrintersIn>},
-    {"lines of a printer: description, port, manufacturer", Hold<PrinterP>},
-    {"names of drivers", Hold<DriverNameIn>},
-    {"keyboard layouts", Hold<ReadKeyboardLayout>},
-    {"servers of volumes", Hold<ServerOfVolume>},
-    {"properties of shares: description, path", Hold<ShareWith>},
-    {"numbers", Hold<hex2num>},
-    {"manufacturers", Hold<getIDManufacturer>},
-    {"product codes", Hold<getProductCode>},
-    {"versions", Hold<getEDIDVersion>},
-    {"descriptors: kind, text", Hold<KindAndText>},
-    {"dates", Hold<DateOf>},
-    {"names and serial numbers", Hold<NameAndSerial>}};
+    {"configurations of printers", CheckRows<PrintersIn>},
+    {"lines of a printer: description, port, manufacturer", CheckRows<PrinterP>},
+    {"names of drivers", CheckRows<DriverNameIn>},
+    {"keyboard layouts", CheckRows<ReadKeyboardLayout>},
+    {"servers of volumes", CheckRows<ServerOfVolume>},
+    {"properties of shares: description, path", CheckRows<ShareWith>},
+    {"numbers", CheckRows<hex2num>},
+    {"manufacturers", CheckRows<getIDManufacturer>},
+    {"product codes", CheckRows<getProductCode>},
+    {"versions", CheckRows<getEDIDVersion>},
+    {"descriptors: kind, text", CheckRows<KindAndText>},
+    {"dates", CheckRows<DateOf>},
+    {"names and serial numbers", CheckRows<NameAndSerial>}};
 
-TEST(SectionTexts, TellWhatTheirReadersFindInThem) {
+TEST(SectionTexts, AreReadAsExpected) {
   const TimeZone utc("UTC0");
   Json tables = DataOf("module/Inventory/texts.json");
   tables.update(DataOf("module/Inventory/edid.json"));
   EXPECT_EQ(tables.size(), std::size(TABLES));
-  for (const auto& [name, hold] : TABLES) {
+  for (const auto& [name, check] : TABLES) {
     SCOPED_TRACE(name);
-    hold(tables[name]);
+    check(tables[name]);
   }
   EXPECT_THROW(getDescriptor("00000"), std::out_of_range);
 }

@@ -78,7 +78,7 @@ TEST_F(FileSchemaTest, RefusesWhatNoDocumentMayHold) {
   }
 }
 
-/// Every key but those that stand only for some files is in each object.
+/// Every key is required, except those that only some files have.
 TEST_F(FileSchemaTest, RefusesAnObjectWithoutOneOfItsKeys) {
   const PlainJson total = PlainJson::parse(Total());
   Lines expected;

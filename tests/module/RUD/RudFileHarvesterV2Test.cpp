@@ -20,7 +20,7 @@ namespace fs = boost::filesystem;
 using namespace Tests;
 using namespace testing;
 
-/// A folder and the walk of it.
+/// A folder and its scan.
 struct FileWalk {
   FileWalk() {
     config[ExcludePath];
@@ -38,7 +38,7 @@ struct FileWalk {
     harvester.Harvester();
     return harvester.GetBuffer().GetBufferFile();
   }
-  /// Paths below the root of what the scan keeps.
+  /// Paths of the files that the scan keeps, relative to the root.
   std::vector<std::string> Names() {
     std::vector<std::string> names;
     for (const auto& file : Scan()) {
@@ -58,7 +58,7 @@ struct FileWalk {
 
 struct FileHarvesterTest : testing::Test, FileWalk {};
 
-/// In a walk "$" stands for the folder that is walked.
+/// In a row, "$" stands for the scanned folder.
 TEST(FileHarvester, KeepsFilesByTheirNamesTheirPlacesAndItsConfiguration) {
   const std::map<std::string, ConfigScan> sets = {
       {"excluded folders", ExcludePath}, {"excluded files", ExcludeFile}, {"roots", IncludePath}};
@@ -165,11 +165,11 @@ TEST_F(FileHarvesterTest, AFolderMayBeClosedAndAnotherVanishOnTheWay) {
   }
   fs::permissions(folder.Path(), fs::all_all);
   fs::permissions(root, fs::all_all);
-  // Runs as an ordinary user, who may not open the folder, also if root runs the test.
+  // Runs as an ordinary user, who may not open the folder, even if root runs the test.
   const auto self = ::geteuid();
   ASSERT_EQ(self == 0 ? ::seteuid(65534) : 0, 0);
   const Scope asBefore([=] { EXPECT_EQ(::seteuid(self), 0); });
-  // As soon as one of the folders cannot be opened, the other one is removed.
+  // Removes the other folder as soon as one of them cannot be opened.
   Common::Logger::SetInstance(std::make_shared<ListeningLogger>([&](const std::string& text) {
     if (text.find("Permission denied") == std::string::npos) return;
     for (const char* name : {"1", "2"}) {

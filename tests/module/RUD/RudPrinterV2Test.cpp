@@ -23,7 +23,7 @@ using namespace testing;
 
 class RudPrinterTest : public testing::Test {
  protected:
-  /// The document, with 0 for the time of its making.
+  /// The document with 0 as the time of its creation.
   std::string Print(bool incremental) {
     const auto result = RudPrinter::GenerateJSON("guid \"1\"", incremental);
     EXPECT_EQ(result.extension(), ".jsonrud");
@@ -71,7 +71,7 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(4), Each("RUD incremental empty. Without changes.")));
 }
 
-/// Records each wait in place of sleeping, and calls a function.
+/// Records each wait instead of sleeping, and calls a function.
 struct Sleeper final : Platform::WaitClock {
   void SleepFor(std::chrono::milliseconds duration) override {
     seconds.push_back(duration / std::chrono::seconds(1));
@@ -81,7 +81,7 @@ struct Sleeper final : Platform::WaitClock {
   std::function<void(std::size_t wait)> meanwhile = [](std::size_t) {};
 };
 
-/// Throws an error out of the store where the store logs it.
+/// Throws from the place where the store logs its error.
 struct Leak final : Common::Logger {
   void Log(Level level, const std::string& text, const char*, int, const char*) override {
     if (text.rfind("Error GetLastInventory", 0) == 0) throw soci::soci_error("held");

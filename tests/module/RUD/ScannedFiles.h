@@ -8,7 +8,7 @@
 
 namespace Norvik::Tests {
 
-/// A file with the extension EXE that a scan came across.
+/// A file with the extension EXE that a scan found.
 struct ScannedFile {
   std::string name;
   std::int64_t time = 1000;
@@ -16,7 +16,7 @@ struct ScannedFile {
   std::string folder = "/it's";
   boost::optional<RudFileDetails> details = boost::none;
   bool isExecutable = false;
-  std::string path = {};  ///< empty: made of folder and name
+  std::string path = {};  ///< if empty, built from folder and name
 };
 
 inline KOB::V2::RudBuffer ScanOf(const std::vector<ScannedFile>& files) {

@@ -77,7 +77,7 @@ void AdministeredMachine::AddRecordedTool(const std::string& path, const std::st
 struct AdministeredMachine::Outcome {
   Lines answer;  ///< table, success, text, statuses
   Lines ran;
-  Lines calls;  ///< and events
+  Lines calls;  ///< system calls and Apple events
   Lines rest;
 
   Lines All() const {
@@ -89,7 +89,7 @@ struct AdministeredMachine::Outcome {
   }
 };
 
-AdministeredMachine::Lines AdministeredMachine::TakeRan() {
+AdministeredMachine::Lines AdministeredMachine::TakeToolCalls() {
   Lines ran;
   std::istringstream calls(ContentOf(folder / "ran"));
   for (std::string call; std::getline(calls, call);) ran.push_back(call);
@@ -106,7 +106,7 @@ AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const T
   const auto response = module.Run(code, parameters);
   Outcome outcome;
   Lines& answer = outcome.answer = RowsOf(response.table);
-  // A folder is listed in the order of its file system.
+  // A listing has the order of the file system, which varies.
   if (code == ACTION_LIST_FILES || code == ACTION_LIST_FOLDERS) {
     std::sort(answer.begin() + (response.table.HasTitles() ? 1 : 0), answer.end());
   }
@@ -114,7 +114,7 @@ AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const T
   if (response.text) answer.push_back("text " + *response.text);
   for (const auto& status : host.communications->TakeStatuses())
     answer.push_back("status " + status);
-  outcome.ran = TakeRan();
+  outcome.ran = TakeToolCalls();
   outcome.calls = std::exchange(changes->made, {});
   for (const auto& event : Platform::TakeSentAppleEvents()) {
     outcome.calls.push_back("event " + event.eventClass + " " + event.eventId);
@@ -130,7 +130,7 @@ AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const T
   return outcome;
 }
 
-AdministeredMachine::Lines AdministeredMachine::Ask(unsigned int code, const Texts& texts) {
+AdministeredMachine::Lines AdministeredMachine::Request(unsigned int code, const Texts& texts) {
   return Run(code, texts).All();
 }
 
@@ -153,11 +153,11 @@ AdministeredMachine::Outcome AdministeredMachine::Rehearse(unsigned int code, co
 }
 
 std::pair<AdministeredMachine::Lines, AdministeredMachine::Lines>
-AdministeredMachine::RehearseAndAsk(unsigned int code, const Texts& texts) {
+AdministeredMachine::RehearseAndRequest(unsigned int code, const Texts& texts) {
   std::vector<RehearsedStep> steps;
   Outcome rehearsed = Rehearse(code, texts, steps);
   auto files = FilesBelow(folder.Path());
-  const Lines done = Ask(code, texts);
+  const Lines done = Request(code, texts);
   for (const auto& step : steps) {
     if (step.kind == RehearsedStep::REMOVAL && step.failure.empty()) {
       EXPECT_EQ(fs::symlink_status(step.text).type(), fs::file_not_found) << step.text;
@@ -166,13 +166,13 @@ AdministeredMachine::RehearseAndAsk(unsigned int code, const Texts& texts) {
       Common::CommandRunner::ExecCommand(step.text);
     }
   }
-  rehearsed.ran = TakeRan();
+  rehearsed.ran = TakeToolCalls();
   const auto left = FilesBelow(folder.Path());
   EXPECT_TRUE(std::includes(left.begin(), left.end(), files.begin(), files.end())) << code;
   return {rehearsed.All(), done};
 }
 
-void AdministeredMachine::Follow(const std::string& file) {
+void AdministeredMachine::RunRequests(const std::string& file) {
   std::ifstream stream(NORVIK_SOURCE_DIR "/tests/module/Actions/Mac/requests/" + file);
   ASSERT_TRUE(stream) << file;
   Lines request;
@@ -180,13 +180,13 @@ void AdministeredMachine::Follow(const std::string& file) {
     if (!line.empty()) {
       request.push_back(line);
     } else if (!request.empty()) {
-      FollowOne(std::exchange(request, {}));
+      RunRequest(std::exchange(request, {}));
     }
   }
 }
 
-void AdministeredMachine::FollowOne(const Lines& lines) {
-  std::map<char, Lines> marked;  ///< by their first character; the outcome has none
+void AdministeredMachine::RunRequest(const Lines& lines) {
+  std::map<char, Lines> marked;  ///< by first character; outcome lines under a space
   for (const auto& line : lines) {
     const bool isMarked = line.find_first_of("#<>~") == 0;
     marked[isMarked ? line[0] : ' '].push_back(
@@ -202,7 +202,7 @@ void AdministeredMachine::FollowOne(const Lines& lines) {
         replace_all_copy(parameter.substr(equals + 1), "\\n", "\n");
   }
   const auto code = static_cast<unsigned int>(std::stoul(marked['>'].at(0)));
-  const auto [rehearsed, done] = RehearseAndAsk(code, texts);
+  const auto [rehearsed, done] = RehearseAndRequest(code, texts);
   const Lines& expected = marked[marked['~'].empty() ? ' ' : '~'];
   EXPECT_EQ(boost::join(rehearsed, "\n"), boost::join(expected, "\n")) << name << ", rehearsed";
   EXPECT_EQ(boost::join(done, "\n"), boost::join(marked[' '], "\n")) << name;

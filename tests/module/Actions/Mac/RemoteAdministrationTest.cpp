@@ -38,7 +38,7 @@ constexpr unsigned int ALL[] = {1011, 1013, 1012, 1002, 1003, 1000, 1019, 1020, 
 constexpr const char* NAMES[] = {"cmd",  "type", "name", "password", "domain", "id",
                                  "path", "file", "ext",  "date",     "Guid"};
 
-/// Counts statuses that come from several threads.
+/// Counts statuses from several threads.
 struct CountingCommunications final : Common::ICommunicationSystem {
   bool ProcessMessage(const Common::IRestRequest&, Common::IRestResponse&) override {
     return false;
@@ -60,7 +60,7 @@ std::string Login(short type, int id, const std::string& line, const std::string
 }
 
 TEST_F(RemoteAdministrationTest, WhatIsRefusedOrLacksAParameterDoesNothing) {
-  Follow("refused.txt");
+  RunRequests("refused.txt");
 }
 
 TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
@@ -129,7 +129,7 @@ TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
                   "  '-r locked') echo 'sharing: unable to remove' ;;\n"
                   "  '-r kept') ;;\n"
                   "  *) sed -i \"/^name:.$2$/d\" \"$M/shares\" ;;\nesac");
-  Follow("shares.txt");
+  RunRequests("shares.txt");
   EXPECT_TRUE(host.log.Holds(4, "Removing the shared resource: old books"));
   EXPECT_TRUE(host.log.Holds(
       4, "The resource was successfully deleted, starting KOB incremental inventory"));
@@ -137,23 +137,23 @@ TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
 
 TEST_F(RemoteAdministrationTest, AnAgentGoesOnlyByItsOwnIdentifier) {
   AddRecordedTool("bin/sh");
-  Follow("agent.txt");
+  RunRequests("agent.txt");
   AddFile("root/opt/local/norvik/UninstallZebAgent.sh");
-  EXPECT_EQ(Ask(1070, {{"Guid", "agent-1"}}),
+  EXPECT_EQ(Request(1070, {{"Guid", "agent-1"}}),
             (Lines{"ran sh /opt/local/norvik/UninstallZebAgent.sh",
                    "ran sh /opt/local/norvik/UninstallAgent.sh"}));
   EXPECT_TRUE(host.log.Holds(4, "Starting ZEB agent uninstall"));
   EXPECT_TRUE(host.log.Holds(4, "Starting agent uninstall"));
   host.identification.reset();
   const std::string reason = "Uninstall aborted: parameters not available";
-  EXPECT_EQ(Ask(1070, {{"Guid", ""}}), (Lines{"status 8 " + reason, "error " + reason}));
+  EXPECT_EQ(Request(1070, {{"Guid", ""}}), (Lines{"status 8 " + reason, "error " + reason}));
 }
 
 TEST_F(RemoteAdministrationTest, WithoutACheckOnlyDocumentsGo) {
   for (const auto& place : {host.Outbox(), host.Previous(), host.Work()}) {
     for (const char* name : {"a.jsonkob", "b.jsonrud", "jsonkob"}) WriteFile(place / name, "x");
   }
-  EXPECT_EQ(RehearseAndAsk(1073), std::make_pair(Lines{}, Lines{}));
+  EXPECT_EQ(RehearseAndRequest(1073), std::make_pair(Lines{}, Lines{}));
   EXPECT_EQ(NamesIn(host.Outbox()), (Lines{"b.jsonrud", "jsonkob"}));
   EXPECT_EQ(NamesIn(host.Previous()), (Lines{"b.jsonrud", "jsonkob"}));
   EXPECT_EQ(NamesIn(host.Work()).size(), 3U);
@@ -165,12 +165,12 @@ TEST_F(RemoteAdministrationTest, ServicesAreListedWithoutTheirDescriptionAndCont
              <key>Label</key><string>org.example.sample</string>
              <key>Program</key><string>/usr/libexec/sampled</string></dict></plist>)");
   AddRecordedTool("bin/launchctl", "echo refused; exit 1");
-  Follow("services.txt");
+  RunRequests("services.txt");
 }
 
 TEST_F(RemoteAdministrationTest, ConnectionsAreThoseOfTheInternetSection) {
   AddTool("root/usr/sbin/netstat", "[ \"$*\" = -aW ] && cat \"$M/input\"");
-  Follow("connections.txt");
+  RunRequests("connections.txt");
   EXPECT_TRUE(host.log.Holds(5, "Error in netstat parser"));
   EXPECT_TRUE(host.log.Holds(5, "udp4 0 0 *.5353 *.* "));
   const std::string text = "Active Internet connections (including servers)\n\na b c d e\n";
@@ -209,14 +209,14 @@ TEST_F(RemoteAdministrationTest, FoldersAreListed) {
   fs::create_directory_symlink("in", folder / "root/link");
   fs::last_write_time(folder / "root/in/café", 1767225600);
   fs::last_write_time(folder / "root/in/.hidden", -1);
-  Follow("listings.txt");
+  RunRequests("listings.txt");
 }
 
 TEST_F(RemoteAdministrationTest, FilesAreDeletedAndAFailureReportsEachOfThem) {
   for (const char* name : {"a", "b", "c|d", "quo\"te '\n"}) AddFile(std::string("root/x/") + name);
   fs::create_directories(folder / "root/x/empty");
   AddFile("root/full/a");
-  Follow("deletions.txt");
+  RunRequests("deletions.txt");
   EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"full/a"});
 }
 
@@ -229,12 +229,13 @@ TEST_F(RemoteAdministrationTest, AnExtensionGoesFromTheUsersFolders) {
     return Lines{"status 7", "status 2",
                  "warning Directory " + missing + " does not exist or is not accessible"};
   };
-  EXPECT_EQ(RehearseAndAsk(1001, {{"ext", "tmp"}}), std::make_pair(ends("/home"), ends("/home")));
+  EXPECT_EQ(RehearseAndRequest(1001, {{"ext", "tmp"}}),
+            std::make_pair(ends("/home"), ends("/home")));
   EXPECT_EQ(FilesBelow(folder / "root"),
             (std::set<std::string>{"Users/ada/a.txt", "Users/c.tmp", "Library/d.tmp"}));
   AddFile("root/home/e.txt");
   fs::remove_all(folder / "root/Users");
-  EXPECT_EQ(Ask(1001, {{"ext", ".txt"}}), ends("/Users"));
+  EXPECT_EQ(Request(1001, {{"ext", ".txt"}}), ends("/Users"));
   EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"Library/d.tmp"});
   EXPECT_TRUE(host.log.Holds(4, "Delete extension .txt finished"));
 }
@@ -255,7 +256,7 @@ TEST_F(RemoteAdministrationTest, ProcessesAreListedAndUnknownFactsAreMarked) {
               {"pid": 0, "name": "kernel"}, {"pid": 1077}])");
   AddTool("root/bin/ps", "[ \"$*\" = '-o %cpu -p 1' ] && printf '%%CPU\\n  1.5\\n'");
   const tests::CommaLocale comma;
-  Follow("processes.txt");
+  RunRequests("processes.txt");
   EXPECT_TRUE(host.log.Holds(5, "PID 1077: could not read memory via proc_pid_rusage"));
 }
 
@@ -264,15 +265,15 @@ TEST_F(RemoteAdministrationTest, ARealProcessIsListedAndKilled) {
   const std::string id = std::to_string(sleeper.Id());
   changes->killable = sleeper.Id();
   EXPECT_THAT(
-      Ask(1011),
+      Request(1011),
       testing::Contains(testing::MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
-  EXPECT_EQ(Ask(1012, {{"id", id}}), Lines{"kill " + id + " 9"});
+  EXPECT_EQ(Request(1012, {{"id", id}}), Lines{"kill " + id + " 9"});
   EXPECT_EQ(sleeper.Wait(), 128 + SIGKILL);
 }
 
 TEST_F(RemoteAdministrationTest, ProgramsRunByTheirTypeAndSoftwareIsRemovedByThem) {
   AddRecordedTool("bin/setup", "exit $1");
-  Follow("programs.txt");
+  RunRequests("programs.txt");
   EXPECT_TRUE(host.log.Holds(5, "There are missing parameters"));
   EXPECT_TRUE(host.log.Holds(4, "Execution Result:3"));
 }
@@ -309,11 +310,11 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   const Lines expected = {"Id|Status|UserName|DomainName|ClientName|StationName|Type",
                           "501|1|ada|" + names + "console", "77|1||" + names + "ttys001",
                           "9|1|bob|192.0.2.7" + names + fullLine};
-  EXPECT_EQ(Ask(1024), expected);
+  EXPECT_EQ(Request(1024), expected);
   std::future<Lines> second;
   {
     Platform::LoginRecords other;
-    second = std::async(std::launch::async, [&] { return Ask(1024); });
+    second = std::async(std::launch::async, [&] { return Request(1024); });
     EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
     for (int left = 4; left > 0; --left) EXPECT_NE(other.Next(), nullptr) << left;
   }
@@ -322,10 +323,10 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
 }
 
 TEST_F(RemoteAdministrationTest, PowerAndLogOutAreEventsToTheSystemAndTheClockIsSetInWholeSeconds) {
-  Follow("power-refused.txt");
+  RunRequests("power-refused.txt");
   Platform::SetAppleEventAnswer(0);
   changes->clockCanBeSet = true;
-  Follow("power.txt");
+  RunRequests("power.txt");
   EXPECT_TRUE(host.log.Holds(5, "The time  to set is: tomorrow"));
   EXPECT_TRUE(host.log.Holds(5, "Hora 1767225600"));
 }

@@ -23,14 +23,14 @@ TEST_F(UnixPrintersTest, APrinterIsRemovedAndAnInventoryFollows) {
   AddFile("queues", "device for Laser_2: ipp://192.0.2.9/q\ndevice for stuck: usb://x\n");
   AddTool("bin/lpstat", "[ \"$1\" = -v ] && cat \"$M/queues\"");
   AddRecordedTool("bin/lpadmin", "[ \"$2\" = stuck ] || sed -i \"/for $2:/d\" \"$M/queues\"");
-  Follow("printers.txt");
+  RunRequests("printers.txt");
   EXPECT_TRUE(host.log.Holds(4, "Removing printer Laser_2."));
   EXPECT_TRUE(
       host.log.Holds(4, "Printer removed successfully, starting KOB incremental inventory"));
 }
 
 TEST_F(UnixPrintersTest, AQueueOfARealServerGoesUnlessTheServerRefusesThat) {
-  // Where a daemon's PATH has it.
+  // The recorded machine finds its tools in bin/.
   boost::filesystem::create_directory(folder / "bin");
   boost::filesystem::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");
   {
@@ -38,13 +38,13 @@ TEST_F(UnixPrintersTest, AQueueOfARealServerGoesUnlessTheServerRefusesThat) {
     ASSERT_TRUE(server.IsRunning());
     server.AddQueue("Laser_2");
     server.AddQueue("Laser");
-    EXPECT_EQ(Ask(1030, {{"name", "Laser"}}), (Lines{"status 7", "status 2", "once 1036 +60"}));
+    EXPECT_EQ(Request(1030, {{"name", "Laser"}}), (Lines{"status 7", "status 2", "once 1036 +60"}));
     EXPECT_EQ(server.Queues(), "device for Laser_2: /dev/null\n");
   }
   const PrintServer server(false);
   ASSERT_TRUE(server.IsRunning());
   server.AddQueue("Laser");
-  EXPECT_EQ(Ask(1030, {{"name", "Laser"}}),
+  EXPECT_EQ(Request(1030, {{"name", "Laser"}}),
             (Lines{"status 7", "status 8 Failed to remove printer: Laser",
                    "error The Laser printer could not be removed."}));
   EXPECT_EQ(server.Queues(), "device for Laser: /dev/null\n");
