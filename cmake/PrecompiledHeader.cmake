@@ -1,14 +1,14 @@
-# One precompiled header (PrecompiledHeader.h) for all boxes and one for the tests. A compiler loads it only where the macros
-# given on the command line are those that it was made with, so everything that uses it is compiled with
-# the definitions of all libraries in it.
+# One precompiled header (PrecompiledHeader.h) for all boxes and one for the tests. A compiler loads it
+# only if the macros on the command line are the same as when it was made, so every target that uses it
+# is compiled with the definitions of all libraries in it.
 option(NORVIK_PRECOMPILED_HEADER "Compile the headers of libraries once" ON)
 
 add_library(norvik_library_headers INTERFACE)
 target_link_libraries(norvik_library_headers INTERFACE norvik_wx Boost::filesystem Boost::serialization
   nlohmann_json::nlohmann_json Threads::Threads)
 
-# norvik_precompiled_header(NAME [HEADERS header...] [LINKS library...]): the target that compiles one,
-# with further headers and the libraries that they belong to.
+# norvik_precompiled_header(NAME [HEADERS header...] [LINKS library...]): a target that compiles such a
+# header, with additional headers and the libraries that they belong to.
 function(norvik_precompiled_header name)
   cmake_parse_arguments(ARG "" "" "HEADERS;LINKS" ${ARGN})
   file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/${name}.cpp" CONTENT "")
@@ -22,14 +22,14 @@ if(NORVIK_PRECOMPILED_HEADER)
   norvik_precompiled_header(norvik_headers)
 endif()
 
-# norvik_use_precompiled_header(TARGET NAME)
+# norvik_use_precompiled_header(TARGET NAME): compiles TARGET with the precompiled header NAME.
 function(norvik_use_precompiled_header target name)
   if(NOT NORVIK_PRECOMPILED_HEADER)
     return()
   endif()
   target_link_libraries(${target} PRIVATE norvik_library_headers)
   target_precompile_headers(${target} REUSE_FROM ${name})
-  # The code of a program must be as position-independent as that of the header.
+  # A program must be compiled with the same -fPIC as the header; CMake would give it -fPIE.
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "EXECUTABLE")
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)

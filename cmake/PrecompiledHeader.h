@@ -1,5 +1,5 @@
 // Headers of libraries that many sources include, compiled once and then loaded by each source. A
-// source still includes what it uses: the preset `work` compiles without this file.
+// source still includes what it uses: the preset `tidy` compiles without this file.
 #include <algorithm>
 #include <atomic>
 #include <boost/algorithm/string/predicate.hpp>
