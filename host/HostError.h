@@ -5,15 +5,15 @@
 
 namespace Norvik::Host {
 
-/// The user asked for something that cannot be: a wrong option, key or value. Its text names the
-/// option or key and what it wants, on one line.
+/// The user gave an invalid option, key or value. The text is one line that names it and says what
+/// is expected.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// What an exception says, on one line. One of a file names the file and the reason, without the
-/// library's own words.
+/// The text of an exception on one line. For a file system error: the file and the reason, without
+/// the words of the library.
 std::string ReasonOf(const std::exception& error);
 
 }  // namespace Norvik::Host

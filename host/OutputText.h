@@ -6,13 +6,13 @@
 
 namespace Norvik::Host {
 
-/// Keeps the order of keys, so that answers read the same each time.
+/// Keeps the order of keys, so that output is always the same.
 using OrderedJson = nlohmann::ordered_json;
 
-/// The JSON on one line, with a newline at its end. Bytes that are not UTF-8 are replaced.
+/// The JSON on one line with a trailing newline. Bytes that are not UTF-8 are replaced.
 std::string JsonLine(const OrderedJson& value);
 
-/// As "2026-01-31T23:59:58Z".
+/// "2026-01-31T23:59:58Z"
 std::string TimeText(std::chrono::system_clock::time_point time);
 
 }  // namespace Norvik::Host

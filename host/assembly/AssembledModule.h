@@ -11,7 +11,7 @@
 
 namespace Norvik::Host {
 
-/// What a module works with, each part ready. None is null.
+/// The parts that a module works with, ready to use. No pointer is null.
 struct AgentParts {
   Common::AgentConfigurationInfo configuration;
   bool userProcess = false;
@@ -21,16 +21,16 @@ struct AgentParts {
   std::shared_ptr<HostActions> actions;
 };
 
-/// A loaded module, with the parts that it works with.
+/// A loaded module with its parts.
 struct AssembledModule {
-  // In the order in which they need each other; the module goes first.
+  // Each member needs those above it, so the module is destroyed first.
   AgentParts parts;
   std::shared_ptr<Common::IIdentificationSystem> identification;
   std::shared_ptr<Common::ModuleDependencies> dependencies;
   std::unique_ptr<Common::IModule> module;
 };
 
-/// Loads the module and connects it with its parts. Throws as `LoadModule` does.
+/// Loads the module and connects it with its parts. Throws what `LoadModule` throws.
 std::unique_ptr<AssembledModule> AssembleModule(const boost::filesystem::path& file,
                                                 AgentParts parts);
 

@@ -9,13 +9,13 @@
 
 namespace Norvik::Host {
 
-/// The agent's communications, as the module sees them: the road to the server and the one to the
-/// other processes of the agent, each only while there is one. Without a server documents stay in
-/// the outbox and questions find no answer; without other processes nobody is connected. States of
-/// tasks also go to the log and to the progress listener.
+/// The agent's communications, as the module sees them: the connection to the server and those to
+/// the other processes of the agent, while they exist. Without a server, documents stay in the
+/// outbox and questions fail; without other processes, there are no sessions. States of tasks also
+/// go to the log and to the progress listener. Safe on any thread.
 class Communications : public Common::ICommunicationSystem, public Common::ICommunicationIPC {
  public:
-  /// Before the module runs an action. Null: there is none.
+  /// To be called before the module runs an action. Null: no server.
   void SetServer(std::shared_ptr<Common::ICommunicationSystem> server);
   void SetProcesses(std::shared_ptr<Common::ICommunicationIPC> processes);
 

@@ -14,13 +14,13 @@ struct LogLine {
   const std::string& text;
 };
 
-/// Gets every line of every level, on the thread that logs it. Must not raise, nor log.
+/// Gets every line of every level, on the thread that logs it. Must not throw, nor log.
 using LogListener = std::function<void(const LogLine&)>;
 
-/// Lets a listener see what goes to a log.
+/// Passes each line to a log and to a listener.
 class ListeningLogger : public Common::Logger {
  public:
-  /// @param log      may be null: then the lines go to the listener alone
+  /// @param log      may be null: then only the listener gets the lines
   /// @param listener may be empty
   ListeningLogger(std::shared_ptr<Common::Logger> log, LogListener listener);
 
@@ -32,7 +32,7 @@ class ListeningLogger : public Common::Logger {
   const LogListener listener_;
 };
 
-/// Makes a logger the process's own for a scope.
+/// Makes a logger that of the process for a scope.
 class LoggerScope {
  public:
   explicit LoggerScope(std::shared_ptr<Common::Logger> logger);

@@ -4,7 +4,7 @@
 
 namespace Norvik::Host {
 
-/// The module's actions by name. The host meets the module by these codes alone.
+/// The codes of the module's actions: all that the host knows of the module's own actions.
 enum ModuleActionCodes : unsigned int { NORVIK_KOB_ACTION_CODES(NORVIK_ACTION_ENUMERATOR) };
 
 }  // namespace Norvik::Host

@@ -24,12 +24,12 @@ std::string LoaderReason() {
 }
 
 EntryFunction FindEntry(const boost::filesystem::path& file) {
-  // With a folder in its name, so that the loader looks nowhere else.
+  // An absolute path, so that the loader searches no other folder.
   const std::string path = boost::filesystem::absolute(file).string();
   void* const library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!library) throw std::runtime_error("cannot load the module: " + LoaderReason());
   void* const symbol = ::dlsym(library, ENTRY_FUNCTION);
-  if (!symbol) throw std::runtime_error(path + " is no module: " + LoaderReason());
+  if (!symbol) throw std::runtime_error(path + " is not a module: " + LoaderReason());
   return reinterpret_cast<EntryFunction>(symbol);
 }
 
@@ -44,7 +44,7 @@ std::unique_ptr<IModule> LoadModule(const boost::filesystem::path& file,
                                     const std::weak_ptr<ModuleDependencies>& dependencies) {
   const EntryFunction entry = FindEntry(file);
   std::unique_ptr<IModule> module(entry(dependencies));
-  if (!module) throw std::runtime_error(file.string() + " gave no module object");
+  if (!module) throw std::runtime_error(file.string() + " returned no module object");
   return module;
 }
 

@@ -8,12 +8,12 @@
 
 namespace Norvik::Host {
 
-/// The module's file that belongs to this program: `../lib` beside the executable.
+/// The module that belongs to this program: in `lib` next to the folder of the executable.
 boost::filesystem::path DefaultModuleFile();
 
-/// Loads a module and makes its object. The file stays loaded until the process ends, because
-/// functions and types of it may outlive the object. Raises `std::runtime_error` with the reason
-/// that the system's loader or the module gave.
+/// Loads a module and creates its object. The library stays loaded until the process ends, because
+/// its functions and types may outlive the object. Throws `std::runtime_error` with the reason of
+/// the system's loader, or what the module throws.
 std::unique_ptr<Common::IModule> LoadModule(
     const boost::filesystem::path& file,
     const std::weak_ptr<Common::ModuleDependencies>& dependencies);

@@ -15,7 +15,7 @@ namespace Norvik::Host {
 
 namespace {
 
-/// The same channel under a number that no tool inherits.
+/// A duplicate of a channel that child processes do not inherit.
 Platform::FileDescriptor CopyOf(int channel) {
   return Platform::FileDescriptor(::fcntl(channel, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
@@ -32,7 +32,7 @@ std::string ContentOf(const Platform::FileDescriptor& file) {
 void FillStandardChannels() {
   for (const int channel : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(channel, F_GETFD) >= 0) continue;
-    // The lowest free number is given, which is this one. Not for writing: that shall fail.
+    // `open` returns the lowest free number, which is this one. Read-only, so that writing fails.
     Platform::FileDescriptor filled(::open("/dev/null", O_RDONLY));
     static_cast<void>(filled.Release());
   }
@@ -47,7 +47,7 @@ int OwnErrors::sync() {
     Platform::WriteAll(channel_, text.data(), text.size());
     return 0;
   } catch (const std::exception&) {
-    return -1;  // the stream is then bad, as any that cannot write
+    return -1;  // sets the stream's bad state
   }
 }
 
@@ -67,8 +67,7 @@ ToolErrors::~ToolErrors() {
     std::istringstream lines(ContentOf(kept_));
     for (std::string line; std::getline(lines, line);) NORVIK_DETAIL(line);
   } catch (const std::exception& error) {
-    NORVIK_WARNING(boost::format("What tools printed on the error channel is lost: %1%") %
-                   error.what());
+    NORVIK_WARNING(boost::format("The error output of tools is lost: %1%") % error.what());
   }
 }
 

@@ -7,12 +7,13 @@
 
 namespace Norvik::Host {
 
-/// Fills the place of each standard channel that the program was started without, or a file of the
-/// agent would take it: what is read there has an end, and what is written there fails.
+/// Opens a replacement for each standard channel that is closed at the start of the program;
+/// otherwise a file of the agent would get its number. Reading there finds the end of the file, and
+/// writing fails.
 void FillStandardChannels();
 
-/// What the program itself says on the error channel it was started with, line by line, wherever
-/// that of the tools leads meanwhile.
+/// A stream to the error channel that the program was started with, even while `ToolErrors`
+/// redirects that of the tools. Writes when it is flushed.
 class OwnErrors : private std::stringbuf, public std::ostream {
  public:
   OwnErrors();
@@ -23,8 +24,8 @@ class OwnErrors : private std::stringbuf, public std::ostream {
   const Platform::FileDescriptor channel_;
 };
 
-/// Has what tools of this process print on its error channel go to the log at level 5 instead, when
-/// the scope ends. One at a time.
+/// Redirects the error channel of this process for a scope, and logs what tools printed there at
+/// level 5 when the scope ends. At most one at a time.
 class ToolErrors {
  public:
   ToolErrors();
@@ -33,7 +34,7 @@ class ToolErrors {
   ~ToolErrors();
 
  private:
-  Platform::FileDescriptor former_;  ///< not open: nothing has been changed
+  Platform::FileDescriptor former_;  ///< not open: the channel is not redirected
   Platform::FileDescriptor kept_;
 };
 

@@ -23,7 +23,7 @@ namespace {
 using namespace Common;
 using Json = nlohmann::json;
 
-/// One place of the configuration: a value and the key that leads to it.
+/// A value of the configuration, with its full key.
 struct Place {
   const Json& value;
   std::string key;
@@ -39,7 +39,7 @@ struct Place {
 using Reader = std::function<void(const Place&)>;
 using Readers = std::map<std::string, Reader>;
 
-/// Reads an object of which each key has a reader; any other key is refused.
+/// Reads an object with the reader of each key. Refuses any other key.
 void ReadObject(const Place& place, const Readers& readers) {
   if (!place.value.is_object()) place.Refuse("an object");
   for (const auto& item : place.value.items()) {
@@ -61,7 +61,7 @@ Reader WholeNumber(Number& target, std::int64_t lowest, std::int64_t highest) {
     const std::string wanted =
         "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
     if (!place.value.is_number_integer()) place.Refuse(wanted);
-    // What fits no signed word comes as an unsigned one, which is too large for every key.
+    // A number beyond the signed range is parsed as unsigned and is too large for every key.
     const bool fits = !place.value.is_number_unsigned() ||
                       place.value.get<std::uint64_t>() <= static_cast<std::uint64_t>(highest);
     const std::int64_t number = fits ? place.value.get<std::int64_t>() : highest;
@@ -86,7 +86,7 @@ Reader Text(std::string& target) {
   };
 }
 
-/// What goes into the place of the host in an address of the web, and nothing around it.
+/// The host part of a URL, without anything around it.
 Reader HostName(std::string& target) {
   return [&target](const Place& place) {
     Text(target)(place);
@@ -167,7 +167,7 @@ Readers ReadersOf(AgentConfigurationInfo& target) {
       {"survey", Survey(target.survey)}};
 }
 
-/// Parses, and refuses a key that stands twice in one object: the parser alone would take the last.
+/// Refuses a key that an object contains twice: the parser alone would use the last one.
 Json ParseConfigurationJson(const std::string& text) {
   std::vector<std::set<std::string>> open;
   const auto watch = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
@@ -180,7 +180,7 @@ Json ParseConfigurationJson(const std::string& text) {
     return true;
   };
   try {
-    // Of any depth: this parser does not recurse, and no value that nests is accepted.
+    // Without a limit of depth: this parser does not recurse, and no reader accepts deep nesting.
     return json::ReadBounded<Json>(text, text.size(), watch);
   } catch (const json::ReadError& error) {
     if (error.reason == json::ReadError::Reason::NotJson) {

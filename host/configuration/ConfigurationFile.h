@@ -8,33 +8,33 @@
 
 namespace Norvik::Host {
 
-/// A configuration says something that it may not. The text names the key, as in
-/// "inventorySchedule.periodSeconds", and what it wants.
+/// A configuration is invalid. The text names the key, such as "inventorySchedule.periodSeconds",
+/// and says what is expected.
 class ConfigurationError : public UsageError {
  public:
   using UsageError::UsageError;
 };
 
-/// What holds for every key that a configuration leaves out. Always has this product's record.
+/// The values of all keys that a configuration leaves out. Its `kob` is always set.
 Common::AgentConfigurationInfo DefaultConfiguration();
 
-/// Reads a configuration (JSON; every key optional). Raises `ConfigurationError` for an unknown or
-/// repeated key, a wrong type or a value out of range.
+/// Parses a configuration (JSON; every key is optional). Its `kob` is always set. Throws
+/// `ConfigurationError` for an unknown or repeated key, a wrong type or a value out of range.
 Common::AgentConfigurationInfo ParseConfiguration(const std::string& text);
 
-/// A configuration file and what it says.
+/// The text of a configuration file, and the configuration in it.
 struct ConfigurationFile {
   std::string text;
   Common::AgentConfigurationInfo configuration;
 };
 
-/// The same from a file, with the file's name before the text of an error. Raises `UsageError` also
-/// for a file that cannot be read.
+/// Reads and parses a file. Throws `UsageError` if it cannot be read, and `ConfigurationError`,
+/// with the file's name before the text, if it is invalid.
 ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file);
 
-/// What an agent goes by: the given file unless its name is empty, else the stored one, else the
-/// defaults. Raises `UsageError` for a given file, another `std::runtime_error` for the stored one,
-/// which the agent wrote itself.
+/// The configuration of an agent: from the given file unless its name is empty, else from the
+/// stored one if it exists, else the defaults. Throws `UsageError` for an invalid or unreadable
+/// given file, and another `std::runtime_error` for the stored one, which the agent wrote itself.
 Common::AgentConfigurationInfo ReadConfiguration(const boost::filesystem::path& given,
                                                  const boost::filesystem::path& stored);
 

@@ -59,7 +59,7 @@ void CheckAdditional(const TextList& extensions, Warnings& warnings) {
   const auto counting = ScanRules::AdditionalExtensions(extensions);
   for (const auto& extension : extensions) {
     if (counting.count(extension) > 0) continue;
-    warnings.push_back({"additionalExtensions", extension, "does not count here"});
+    warnings.push_back({"additionalExtensions", extension, "has no effect here"});
   }
 }
 

@@ -7,16 +7,16 @@
 
 namespace Norvik::Host {
 
-/// Something in a valid configuration that will surprise.
+/// An entry of a valid configuration that probably does not do what is intended.
 struct ConfigurationWarning {
   std::string key;    ///< "excludedPaths"
-  std::string value;  ///< the entry; empty if it is one that is missing
-  std::string text;
+  std::string value;  ///< the entry; empty if an entry is missing
+  std::string text;   ///< completes a sentence that begins with the entry or the key
 };
 
-/// What of a configuration of the file inventory can match nothing or works otherwise than it
-/// looks, and what of the server's cannot work. Looks at this machine's folders. The configuration
-/// must have this product's record.
+/// The settings of the file inventory that match nothing or have another effect than expected, and
+/// those of the server that cannot work. Checks the folders and files of this machine. The
+/// configuration's `kob` must be set.
 std::vector<ConfigurationWarning> WarningsOf(const Common::AgentConfigurationInfo& configuration);
 
 }  // namespace Norvik::Host

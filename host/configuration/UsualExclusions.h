@@ -4,14 +4,14 @@
 
 namespace Norvik::Host {
 
-/// A folder that a scan of the disk had better leave out on this system.
+/// A folder that a file inventory should not scan on this system.
 struct UsualExclusion {
   const char* folder;
-  const char* reason;  ///< what a scan would do there, as in "would list its files twice"
+  const char* reason;  ///< "a scan would list its files twice"
 };
 
-/// Those of this system, whether they exist on this machine or not. The default configuration
-/// leaves them out.
+/// The exclusions of this system, whether the folders exist on this machine or not. The default
+/// configuration contains them.
 const std::vector<UsualExclusion>& UsualExclusions();
 
 }  // namespace Norvik::Host

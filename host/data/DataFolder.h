@@ -6,13 +6,13 @@
 
 namespace Norvik::Host {
 
-/// Where the agent of this user keeps its data unless it is told otherwise. Raises
-/// `std::runtime_error` if the user has no home.
+/// The data folder of this user's agent, unless an option names another. Throws
+/// `std::runtime_error` if the user has no home folder.
 boost::filesystem::path DefaultDataFolder();
-/// The home of this user. Raises `std::runtime_error` if there is none.
+/// The home folder of this user. Throws `std::runtime_error` if there is none.
 boost::filesystem::path HomeFolder();
 
-// Files of the data folder.
+// Files and folders in the data folder.
 inline constexpr char LOCK_FILE[] = "agent.lock";
 inline constexpr char IDENTITY_FILE[] = "identity.json";
 inline constexpr char STATUSES_FILE[] = "statuses.jsonl";
@@ -21,10 +21,11 @@ inline constexpr char LOG_FOLDER[] = "log";
 inline constexpr char LOG_FILE[] = "agent.log";
 inline constexpr char KEY_FOLDER[] = "keys";
 
-/// Keeps other agents away from a data folder while it lives; the end of the process frees it in
-/// any case. Raises `std::runtime_error` if another process has it.
+/// Locks a data folder against other agents while it exists. The end of the process releases the
+/// lock in any case.
 class DataFolderLock {
  public:
+  /// Throws `std::runtime_error` if another process holds the lock or the file cannot be opened.
   /// @param folder must exist
   explicit DataFolderLock(const boost::filesystem::path& folder);
 

@@ -24,7 +24,7 @@ constexpr const char* DOCUMENT_FOLDERS[] = {"work", "previous", "outbox"};
 
 constexpr char PREFIX[] = ".rehearsal-";
 
-/// Keeps copies from being made while others are swept away: one that is new is not in use yet.
+/// Prevents that a copy is made while old ones are removed: a new copy is not locked yet.
 class SweepLock {
  public:
   explicit SweepLock(const fs::path& folder)
@@ -45,7 +45,7 @@ bool IsInUse(const fs::path& copy) {
   }
 }
 
-/// In the data folder itself if there is one, since what it holds is not for others to see.
+/// Inside the data folder, if it exists, since its content is private.
 fs::path MakeFolder(const fs::path& original) {
   const fs::path place = fs::is_directory(original) ? original : fs::temp_directory_path();
   std::string pattern = (place / PREFIX).string() + "XXXXXX";
@@ -55,7 +55,8 @@ fs::path MakeFolder(const fs::path& original) {
   return fs::canonical(pattern);
 }
 
-/// @param wanted which names to take; what is no regular file is passed over
+/// Copies the regular files with their times.
+/// @param wanted returns whether to copy a file of this name
 template <class Predicate>
 void CopyFiles(const fs::path& from, const fs::path& to, Predicate wanted) {
   if (!fs::is_directory(from)) return;

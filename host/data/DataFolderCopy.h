@@ -7,12 +7,12 @@
 
 namespace Norvik::Host {
 
-/// A copy of a data folder to try things on, removed at its end: the database as it stands now, the
-/// identity, the configuration, the public keys, and the documents. Private keys stay where they
-/// are, and so does the log. The original may be in use by an agent, or not exist yet.
+/// A temporary copy of a data folder, removed by the destructor: the current database, the
+/// identity, the configuration, the public keys and the documents, but neither private keys nor the
+/// log. The original may be in use by an agent, or not exist yet.
 class DataFolderCopy {
  public:
-  /// Raises a subclass of `std::exception` if something cannot be copied.
+  /// Throws a subclass of `std::exception` if something cannot be copied.
   explicit DataFolderCopy(const boost::filesystem::path& original);
   DataFolderCopy(const DataFolderCopy&) = delete;
   DataFolderCopy& operator=(const DataFolderCopy&) = delete;
@@ -24,10 +24,11 @@ class DataFolderCopy {
   void CopyFrom(const boost::filesystem::path& original) const;
 
   boost::filesystem::path path_;
-  std::unique_ptr<const DataFolderLock> lock_;  ///< tells that the copy is in use
+  std::unique_ptr<const DataFolderLock> lock_;  ///< marks the copy as in use
 };
 
-/// Removes the copies in a data folder whose process was killed. What cannot be removed stays.
+/// Removes the copies in a data folder whose process was killed. Copies that cannot be removed
+/// stay, without an error.
 void RemoveLeftCopies(const boost::filesystem::path& dataFolder);
 
 }  // namespace Norvik::Host

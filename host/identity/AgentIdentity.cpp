@@ -64,7 +64,7 @@ boost::optional<Identity> ReadIdentity(const fs::path& file) {
     return Parse(text);
   } catch (const std::exception&) {
     throw std::runtime_error("the identity in " + file.string() +
-                             " is damaged; without the file a new one would be made");
+                             " is damaged; if the file is removed, a new one is created");
   }
 }
 

@@ -9,8 +9,8 @@
 
 namespace Norvik::Host {
 
-/// The agent's identity, and the facts of the machine, which are gathered once in a process, when
-/// they are first asked for.
+/// The agent's identity, and the facts of the machine. The facts are gathered once in a process, at
+/// the first call that needs them. Safe on any thread.
 class MachineFacts : public Common::IIdentificationSystem {
  public:
   explicit MachineFacts(std::shared_ptr<const AgentIdentity> identity);

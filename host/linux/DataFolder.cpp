@@ -6,7 +6,7 @@ namespace Norvik::Host {
 
 boost::filesystem::path DefaultDataFolder() {
   const char* const state = std::getenv("XDG_STATE_HOME");
-  // A relative folder there is to be ignored, by the convention of that variable.
+  // The convention of this variable requires that a relative path is ignored.
   if (state && *state == '/') return boost::filesystem::path(state) / "norvik";
   return HomeFolder() / ".local" / "state" / "norvik";
 }

@@ -2,7 +2,7 @@
 
 namespace Norvik::Host {
 
-// No tool is common to the desktops of this system: what the process prints has to do.
+// The desktops of this system have no common tool; the process prints the text in any case.
 void ShowNotice(const std::string& /*text*/) {}
 
 }  // namespace Norvik::Host

@@ -8,7 +8,7 @@ namespace Norvik::Host {
 
 void ShowNotice(const std::string& text) {
   Platform::ChildCommand command;
-  // The text is an argument of the script and never becomes part of it.
+  // The text is passed as an argument, so that it cannot become part of the script.
   command.words = {"/usr/bin/osascript",
                    "-e",
                    "on run texts",

@@ -30,7 +30,7 @@ struct Agent {
 std::string TextAt(const OrderedJson& request, const char* key) {
   const auto found = request.find(key);
   if (found == request.end() || !found->is_string()) {
-    throw UsageError(std::string("the request wants a text under \"") + key + "\"");
+    throw UsageError(std::string("the request needs a text under \"") + key + "\"");
   }
   return found->get<std::string>();
 }
@@ -83,7 +83,7 @@ OrderedJson Configure(const Agent& agent, const OrderedJson& request) {
 
 using Handler = OrderedJson (*)(const Agent&, const OrderedJson&);
 
-OrderedJson Perform(const Agent& agent, const std::string& text) {
+OrderedJson Dispatch(const Agent& agent, const std::string& text) {
   static const std::map<std::string, Handler> handlers = {
       {"status", Status}, {"notify", Notify}, {"message", Message}, {"configure", Configure}};
   const auto request = OrderedJson::parse(text, nullptr, false);
@@ -108,7 +108,7 @@ AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<ICommunicationIPC>
 std::string AgentRequests::Answer(const std::string& request, const std::string& from) const {
   OrderedJson answer;
   try {
-    answer = Perform({host_, *processes_, *progress_}, request);
+    answer = Dispatch({host_, *processes_, *progress_}, request);
   } catch (const UsageError& error) {
     answer = Refusal(error, from, true);
   } catch (const std::exception& error) {

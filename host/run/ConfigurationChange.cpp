@@ -13,7 +13,7 @@ using namespace Common;
 
 namespace {
 
-/// The part of a configuration that the agent looks at only when it starts.
+/// The part of a configuration that the agent reads only when it starts.
 auto FixedPart(const AgentConfigurationInfo& configuration) {
   const SurveyInfo survey = configuration.survey.get_value_or({});
   const CommunicationsInfo& server = configuration.communications;
@@ -26,7 +26,7 @@ auto FixedPart(const AgentConfigurationInfo& configuration) {
 
 void ApplyConfiguration(AgentHost& host, const AgentConfigurationInfo& configuration) {
   if (FixedPart(configuration) != FixedPart(host.Configuration())) {
-    NORVIK_INFORMATION("The new server and survey hold from the next start of the agent on");
+    NORVIK_INFORMATION("The new server and survey take effect at the next start of the agent");
   }
   ActionParameters parameters;
   parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);

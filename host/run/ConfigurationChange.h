@@ -6,12 +6,12 @@
 
 namespace Norvik::Host {
 
-/// Hands a configuration to the module of a running agent. What it says of the server and of the
-/// survey holds from the next start on, and the log says so if it has changed.
+/// Passes a configuration to the module of a running agent. Changes of the server and of the survey
+/// take effect at the next start; the log says so.
 void ApplyConfiguration(AgentHost& host, const Common::AgentConfigurationInfo& configuration);
 
-/// The same for the text of one, which is stored in the data folder first. Raises `UsageError` for
-/// a wrong one, and another subclass of `std::exception` if it cannot be stored.
+/// Parses a configuration, stores its text in the data folder and applies it. Throws `UsageError`
+/// if it is invalid, and another subclass of `std::exception` if it cannot be stored.
 void StoreConfiguration(AgentHost& host, const std::string& text);
 
 }  // namespace Norvik::Host

@@ -5,8 +5,8 @@
 
 namespace Norvik::Host {
 
-/// Waits for the signals that a running agent obeys. While it lives SIGTERM, SIGINT and SIGHUP do
-/// nothing else, and SIGPIPE nothing at all. One at a time in a process.
+/// Waits for the signals that a running agent handles. While it exists, SIGTERM, SIGINT and SIGHUP
+/// have no other effect, and SIGPIPE is ignored. At most one at a time in a process.
 class StopSignals {
  public:
   StopSignals();
@@ -14,8 +14,8 @@ class StopSignals {
   StopSignals& operator=(const StopSignals&) = delete;
   ~StopSignals();
 
-  /// Waits on this thread until SIGTERM or SIGINT comes, or has come since the construction, and
-  /// answers which. SIGHUP calls `onHangUp`, which must not raise.
+  /// Waits on this thread for SIGTERM or SIGINT, and returns which arrived; a signal since the
+  /// construction counts. Calls `onHangUp` for each SIGHUP; it must not throw.
   int Wait(const std::function<void()>& onHangUp);
 
  private:
