@@ -34,7 +34,7 @@ TEST(ActionTable, TheModuleNamesItsProductAndItsFilesAndWarnsOfAnUnknownCode) {
   EXPECT_THAT(host.log.Texts(3), ElementsAre("No handler is registered for the action 32019"));
 }
 
-TEST(ActionTable, TheInventoryTakesOverTheUpdateOfTheConfiguration) {
+TEST(ActionTable, TheInventoryReplacesTheUpdateOfTheConfiguration) {
   FakeHost host;
   ModuleUnderTest module(host);
   const auto stored = [&] {

@@ -29,7 +29,7 @@ Json IdentifiersOf(const Json& setup, const Json& adapters, const std::string& i
   return found;
 }
 
-TEST(DeviceIdentifiersTest, EachTypeLooksAtFactsOfItsOwn) {
+TEST(DeviceIdentifiersTest, EachTypeUsesItsOwnFacts) {
   ExpectRows(DataOf("module/device-identifiers.json"), IdentifiersOf);
 }
 

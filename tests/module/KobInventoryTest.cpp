@@ -238,7 +238,7 @@ struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
   }
 };
 
-TEST_P(InventoryRuns, SendWhatTheyCanAndSayWhatTheyCannot) {
+TEST_P(InventoryRuns, SendWhatTheyCanAndLogWhatTheyCannot) {
   const Json& row = GetParam();
   if (row.contains("after")) Generate(false);
   if (row.value("after", "") == "a change") host.identification->first.networkAdapters.pop_back();

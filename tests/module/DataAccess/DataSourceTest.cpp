@@ -37,7 +37,7 @@ TEST(KOBDataSource, SharesItsValuesWithTheNewerStore) {
   EXPECT_THAT(KOBDataSource(database).getInventoryChangePeriod(), Pointee(0));
 }
 
-TEST(KOBDataSource, WaitsFromTheFirstSecondBehindAChangeUntilThePeriodIsOver) {
+TEST(KOBDataSource, WaitsFromTheFirstSecondAfterAChangeUntilThePeriodIsOver) {
   const TestDatabase database;
   for (const int sinceChange : {-50, 50, 300}) {
     Newer::updateInventoryChangedPeriod(200);
@@ -48,7 +48,7 @@ TEST(KOBDataSource, WaitsFromTheFirstSecondBehindAChangeUntilThePeriodIsOver) {
   }
 }
 
-TEST(KOBDataSource, AnswersNullFalseOrNothingWithoutItsTablesOrItsDatabase) {
+TEST(KOBDataSource, ReturnsNullFalseOrNothingWithoutItsTablesOrItsDatabase) {
   const LogCapture log;
   TestDatabase database;
   KOBDataSource store(database);

@@ -67,7 +67,7 @@ TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKeyAndAllButOneIn32Bits
   }
 }
 
-TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
+TEST(KOBDataSourceV2, LogsAFailureAndReturnsFalseOrZero) {
   const TestDatabase database;
   TestDatabase::Run(
       "create trigger Refuse before insert on KOB_DATA begin select raise(abort, 'refused'); end");
@@ -85,7 +85,7 @@ TEST(KOBDataSourceV2, LogsAFailureAndAnswersFalseOrZero) {
   }
 }
 
-TEST(KOBDataSourceV2, ReadsAValueThatIsNoNumberAsZeroAndSaysSo) {
+TEST(KOBDataSourceV2, ReadsAValueThatIsNoNumberAsZeroAndLogsThat) {
   const TestDatabase database;
   for (const char* text : {"", "x", "99999999999999999999"}) {
     TestDatabase::Run("insert or replace into KOB_DATA(name, value) values('{1}', '{2}')",

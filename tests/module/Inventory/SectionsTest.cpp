@@ -207,7 +207,7 @@ TEST(SystemSection, NamesThisHostAndTheTime) {
   EXPECT_LE(info.collectionTime, std::time(nullptr));
 }
 
-TEST(LocalUsersSection, GivesOneRecordWithAllAccounts) {
+TEST(LocalUsersSection, AddsOneRecordWithAllAccounts) {
   std::list<LocalUserInfo::UserSettings> accounts;
   while (const passwd* const entry = ::getpwent()) {
     auto& account = accounts.emplace_back();

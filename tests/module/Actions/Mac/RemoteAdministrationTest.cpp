@@ -135,7 +135,7 @@ TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
       4, "The resource was successfully deleted, starting KOB incremental inventory"));
 }
 
-TEST_F(RemoteAdministrationTest, AnAgentGoesOnlyByItsOwnIdentifier) {
+TEST_F(RemoteAdministrationTest, AnAgentIsRemovedOnlyByItsOwnIdentifier) {
   AddRecordedTool("bin/sh");
   RunRequests("agent.txt");
   AddFile("root/opt/local/norvik/UninstallZebAgent.sh");
@@ -187,7 +187,7 @@ TEST(ToolText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
   }
 }
 
-TEST_F(RemoteAdministrationTest, WhatGoesWrongWithTheSiblingAgentIsLoggedOnly) {
+TEST_F(RemoteAdministrationTest, AFailureOfTheSiblingAgentIsOnlyLogged) {
   ZebAgentUninstaller().UninstallZebAgent();
   EXPECT_TRUE(host.log.Holds(4, "The ZEB agent is not installed"));
   boost::filesystem::create_directories(folder / "root/opt/local");
@@ -220,7 +220,7 @@ TEST_F(RemoteAdministrationTest, FilesAreDeletedAndAFailureReportsEachOfThem) {
   EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"full/a"});
 }
 
-TEST_F(RemoteAdministrationTest, AnExtensionGoesFromTheUsersFolders) {
+TEST_F(RemoteAdministrationTest, FilesOfAnExtensionAreRemovedFromTheUsersFolders) {
   for (const char* path : {"Users/ada/deep/a.tmp", "Users/Shared/b.tmp", "Users/ada/a.txt",
                            "Users/c.tmp", "Library/d.tmp"}) {
     AddFile(std::string("root/") + path);

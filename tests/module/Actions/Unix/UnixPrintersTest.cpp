@@ -29,7 +29,7 @@ TEST_F(UnixPrintersTest, APrinterIsRemovedAndAnInventoryFollows) {
       host.log.Holds(4, "Printer removed successfully, starting KOB incremental inventory"));
 }
 
-TEST_F(UnixPrintersTest, AQueueOfARealServerGoesUnlessTheServerRefusesThat) {
+TEST_F(UnixPrintersTest, AQueueOfARealServerIsRemovedUnlessTheServerRefuses) {
   // The recorded machine finds its tools in bin/.
   boost::filesystem::create_directory(folder / "bin");
   boost::filesystem::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");

@@ -127,7 +127,7 @@ TEST_F(RudDataSourceTest, EachReadFindsItsRowsByKey) {
   }
 }
 
-TEST_F(RudDataSourceTest, AFailureIsLoggedAndAnswered) {
+TEST_F(RudDataSourceTest, AFailureIsLoggedAndReturned) {
   EXPECT_TRUE(SaveScan({{"kept", 1, 1}}, false));
   TestDatabase::Run("drop table RUD2_FILE_PATH_TEMP");
   EXPECT_FALSE(SaveScan({{"a", 1, 1}}, true));
