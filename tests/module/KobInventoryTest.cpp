@@ -109,7 +109,7 @@ TEST_F(KobInventoryTest, ATotalInventoryStandsSealedInTheOutbox) {
   EXPECT_TRUE(log->Holds(3, "Not implemented"));  // the startup commands
 }
 
-TEST_F(KobInventoryTest, TheSectionsAreAskedForInTheirOrderAndFirstThoseThatOthersNeed) {
+TEST_F(KobInventoryTest, TheSectionsAreRetrievedInOrderAndFirstThoseThatOthersNeed) {
   Generate(false);
   EXPECT_EQ(Retrieved(host.log),
             "network adapters section, setup section, operating system section, system section, "
@@ -150,8 +150,8 @@ TEST_F(KobInventoryTest, AFailureInTheMiddleOfASectionEndsItsProgress) {
   const ProgressRecording progress;
   const Platform::RecordedMachine machine(NORVIK_SOURCE_DIR "/tests/machines/nonsense-firmware");
   Generate(false);
-  ASSERT_EQ(Complaints().size(), 1u);
-  EXPECT_THAT(Complaints()[0], HasSubstr("Unable to generate kob inventory: "));
+  ASSERT_EQ(LoggedErrors().size(), 1u);
+  EXPECT_THAT(LoggedErrors()[0], HasSubstr("Unable to generate kob inventory: "));
   const auto texts = progress->All();
   EXPECT_EQ(texts.at(texts.size() - 2), "+ bios");
   EXPECT_EQ(texts.back(), "- bios");
@@ -204,7 +204,7 @@ struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
       WriteFile(place, content.get<Bytes>());
     }
   }
-  /// A fallback is reported with the line of the log that says why.
+  /// The progress reports a fallback with the log line that gives the reason.
   void ExpectReason(const Json& row, const std::vector<std::string>& reported) const {
     std::vector<std::string> reasons;
     for (const auto& text : reported) {
@@ -212,9 +212,8 @@ struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
     }
     std::vector<std::string> wanted;
     if (row.value("fallsBack", false)) {
-      const auto complaints = Complaints();
-      wanted = {complaints.empty() ? row["logs"][0].get<std::string>().substr(2)
-                                   : complaints.back()};
+      const auto errors = LoggedErrors();
+      wanted = {errors.empty() ? row["logs"][0].get<std::string>().substr(2) : errors.back()};
     }
     EXPECT_EQ(reasons, wanted);
   }

@@ -11,8 +11,8 @@
 
 namespace Norvik::Tests {
 
-/// Keeps what is reported, as texts: "run begins", "+ setup, portConnectors" and "- setup, ..." for
-/// a section, "> saving" and "< saving" for a phase, "copy", "copy fails", ...
+/// Records the progress as texts: "run begins", "+ setup, portConnectors" and "- setup, ..." for a
+/// section, "> saving" and "< saving" for a phase, "copy", "copy fails" and so on. Thread-safe.
 class ProgressRecorder : public Common::IProgressListener {
  public:
   using RunInfo = Common::RunInfo;
@@ -56,16 +56,17 @@ class ProgressRecorder : public Common::IProgressListener {
     Keep(run, std::string(NAMES[step.kind]) + (step.done ? "" : " fails"));
   }
 
-  /// Of all runs, in order.
+  /// The texts of all runs, in order.
   Texts All() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return all_;
   }
-  /// By the numbers of the runs, 0 for what is outside of them.
+  /// The texts by number of the run; 0 for those outside a run.
   std::map<std::uint64_t, Texts> ByRun() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return byRun_;
   }
+  /// Returns and removes the texts of all runs.
   Texts Take() {
     const std::lock_guard<std::mutex> lock(mutex_);
     byRun_.clear();
@@ -84,7 +85,7 @@ class ProgressRecorder : public Common::IProgressListener {
   std::map<std::uint64_t, Texts> byRun_;
 };
 
-/// Keeps what is reported while it lives.
+/// Records the progress during its lifetime.
 class ProgressRecording {
  public:
   ProgressRecorder* operator->() const { return recorder_.get(); }

@@ -298,7 +298,7 @@ class Story {
     return files;
   }
 
-  /// All but the sections.
+  /// The reported progress without the sections.
   TextList Progress() const {
     TextList texts = progress_->All();
     const auto isSection = [](const std::string& text) { return text[0] == '+' || text[0] == '-'; };
