@@ -14,7 +14,7 @@ namespace {
 
 using namespace Common;
 
-/// A disk or a part of one, by its identifier.
+/// Disks and partitions, by identifier.
 using Devices = std::map<std::string, Entries>;
 
 Devices ParseDevices(const std::string& text) {
@@ -37,8 +37,8 @@ Devices ParseDevices(const std::string& text) {
   return devices;
 }
 
-/// A value, unless it says that there is none.
-std::string Told(const Entries& entries, std::initializer_list<const char*> keys) {
+/// The first value that is present and not "Not applicable".
+std::string KnownValue(const Entries& entries, std::initializer_list<const char*> keys) {
   for (const char* key : keys) {
     std::string value = ValueOf(entries, key);
     if (!value.empty() && !boost::starts_with(value, "Not applicable")) return value;
@@ -52,12 +52,12 @@ bool IsYes(const Entries& entries, const char* key) {
 
 /// From "500.3 GB (500277790720 Bytes) (exactly ...)".
 std::uint64_t BytesOf(const Entries& entries, std::initializer_list<const char*> keys) {
-  const std::string value = Told(entries, keys);
+  const std::string value = KnownValue(entries, keys);
   const auto bracket = value.find('(');
   return bracket == std::string::npos ? 0 : LeadingNumber(value.substr(bracket + 1));
 }
 
-/// "disk0" of "disk0s2"; the "s" of the word itself is none.
+/// "disk0" of "disk0s2"; the search starts after the word "disk", which contains an "s".
 std::string WholeOf(const std::string& identifier) {
   const auto slice = identifier.find('s', std::min<std::size_t>(identifier.size(), 4));
   return identifier.substr(0, slice);
@@ -68,7 +68,7 @@ bool IsPhysical(const Entries& entries) {
          ValueOf(entries, "Protocol") != "Disk Image";
 }
 
-/// The physical disk that a device stands on; a container stands on a part of one.
+/// The physical disk of a device; that of a container is the disk of its partition.
 std::string PhysicalDiskOf(const Entries& entries,
                            const std::map<std::string, std::string>& stores) {
   const std::string store = ValueOf(entries, "APFS Physical Store");
@@ -78,7 +78,7 @@ std::string PhysicalDiskOf(const Entries& entries,
   return below.empty() ? whole : WholeOf(below);
 }
 
-/// The stores of the containers, which not every volume of them tells.
+/// The partition of each container; not all volumes in a container report it.
 std::map<std::string, std::string> StoresOf(const Devices& devices) {
   std::map<std::string, std::string> stores;
   for (const auto& device : devices) {
@@ -92,8 +92,8 @@ PhysicalDiskInfo DiskOf(const std::string& identifier, const Entries& entries) {
   PhysicalDiskInfo disk;
   disk.pnpDeviceId = identifier;
   disk.sizeBytes = BytesOf(entries, {"Disk Size", "Total Size"});
-  disk.busType = Told(entries, {"Protocol"});
-  disk.model = Told(entries, {"Device / Media Name"});
+  disk.busType = KnownValue(entries, {"Protocol"});
+  disk.model = KnownValue(entries, {"Device / Media Name"});
   const std::string solid = ValueOf(entries, "Solid State");
   if (solid == "Yes") disk.mediaType = "SSD";
   if (solid == "No") disk.mediaType = "HDD";
@@ -102,16 +102,16 @@ PhysicalDiskInfo DiskOf(const std::string& identifier, const Entries& entries) {
 
 DiskPartitionInfo PartitionOf(const std::string& identifier, const Entries& entries) {
   DiskPartitionInfo partition;
-  partition.device = Told(entries, {"Device Node"});
+  partition.device = KnownValue(entries, {"Device Node"});
   partition.index = LeadingNumber(identifier.substr(identifier.rfind('s') + 1));
-  partition.type = Told(entries, {"Partition Type", "Content (IOContent)"});
-  partition.offsetBytes = LeadingNumber(Told(entries, {"Partition Offset"}));
+  partition.type = KnownValue(entries, {"Partition Type", "Content (IOContent)"});
+  partition.offsetBytes = LeadingNumber(KnownValue(entries, {"Partition Offset"}));
   partition.sizeBytes = BytesOf(entries, {"Disk Size", "Total Size"});
-  partition.label = Told(entries, {"Volume Name"});
+  partition.label = KnownValue(entries, {"Volume Name"});
   partition.bootable = ValueOf(entries, "Bootable") == "Is bootable";
-  partition.fileSystemType = Told(entries, {"Type (Bundle)"});
+  partition.fileSystemType = KnownValue(entries, {"Type (Bundle)"});
   partition.readOnly = IsYes(entries, "Media Read-Only");
-  partition.uuid = Told(entries, {"Disk / Partition UUID"});
+  partition.uuid = KnownValue(entries, {"Disk / Partition UUID"});
   return partition;
 }
 
@@ -121,11 +121,11 @@ LogicalDiskInfo VolumeOf(const Entries& entries) {
       BytesOf(entries, {"Container Total Space", "Volume Total Space", "Disk Size", "Total Size"});
   volume.freeBytes = WholeGibibytes(
       BytesOf(entries, {"Container Free Space", "Volume Free Space", "Volume Available Space"}));
-  volume.mountPoint = Told(entries, {"Mount Point"});
-  volume.volumeName = Told(entries, {"Volume Name"});
-  volume.fileSystemType = Told(entries, {"Type (Bundle)"});
-  volume.fileSystemName = Told(entries, {"File System Personality", "Name (User Visible)"});
-  volume.device = Told(entries, {"Device Node"});
+  volume.mountPoint = KnownValue(entries, {"Mount Point"});
+  volume.volumeName = KnownValue(entries, {"Volume Name"});
+  volume.fileSystemType = KnownValue(entries, {"Type (Bundle)"});
+  volume.fileSystemName = KnownValue(entries, {"File System Personality", "Name (User Visible)"});
+  volume.device = KnownValue(entries, {"Device Node"});
   return volume;
 }
 

@@ -7,8 +7,8 @@
 
 namespace Norvik::Machine {
 
-/// The physical disks in the text of `diskutil info -all`, with their partitions and the volumes
-/// that are mounted from them, those in containers too. Disk images are none.
+/// The physical disks in the output of `diskutil info -all`, without disk images, with their
+/// partitions and the volumes mounted from them, including those in containers.
 std::vector<Common::PhysicalDiskInfo> ParseDiskutilInfo(const std::string& text);
 
 }  // namespace Norvik::Machine

@@ -11,7 +11,7 @@ namespace {
 
 bool IsOctal(char c) { return c >= '0' && c <= '7'; }
 
-/// Blanks and backslashes stand as three octal digits behind a backslash.
+/// Blanks and backslashes are escaped as a backslash and three octal digits.
 std::string OctalUnescaped(const std::string& text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -28,7 +28,7 @@ std::string OctalUnescaped(const std::string& text) {
   return result;
 }
 
-/// The file systems of which parts are volumes of their own.
+/// File systems whose parts are volumes of their own.
 bool HasSubvolumes(const Mount& mount) { return mount.fileSystem == "btrfs"; }
 
 }  // namespace

@@ -26,7 +26,7 @@ bool ParseHex(const std::string& text, Number& number) {
   return result.ec == std::errc() && result.ptr == end;
 }
 
-/// An IPv4 address as the kernel prints it: the word as it lies in memory.
+/// An IPv4 address that the kernel prints as the number in memory, in network byte order.
 std::string Ipv4Text(std::uint32_t word) {
   in_addr address{};
   address.s_addr = word;
@@ -91,7 +91,7 @@ ByInterface ParseNetstatRoutes(const std::string& text) {
     if (title != words.end()) interfaceColumn = static_cast<std::size_t>(title - words.begin());
     if (words.empty() || words[0] != "default") continue;
     if (interfaceColumn < 2 || words.size() <= interfaceColumn) continue;
-    // A gateway like "link#12" is no address; "%en0" behind an address names its interface.
+    // A gateway like "link#12" is no address; "%en0" after an address names its interface.
     const std::string gateway = words[1].substr(0, words[1].find('%'));
     if (gateway.find('#') == std::string::npos) AddOnce(gateways[words[interfaceColumn]], gateway);
   }

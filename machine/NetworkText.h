@@ -8,37 +8,40 @@
 
 namespace Norvik::Machine {
 
-/// A list of texts for each network interface, in order and without repetitions.
+// Parsers of the texts in which systems report their network. All accept any text and skip lines
+// that they do not understand.
+
+/// The texts of each network interface, in order and without repetitions.
 using ByInterface = std::map<std::string, std::vector<std::string>>;
 
-/// The same texts as the records take them.
+/// Converts UTF-8 texts to the strings of the records.
 std::vector<wxString> Wide(const std::vector<std::string>& texts);
 
-/// Gateways in the text of /proc/net/route.
+/// The gateways in /proc/net/route.
 ByInterface ParseRoutes(const std::string& text);
-/// Gateways of the default route in the text of /proc/net/ipv6_route.
+/// The gateways of the default route in /proc/net/ipv6_route.
 ByInterface ParseIpv6Routes(const std::string& text);
-/// Default gateways in the text of `netstat -rn`.
+/// The default gateways in the output of `netstat -rn`.
 ByInterface ParseNetstatRoutes(const std::string& text);
 
-/// Addresses in the text of /proc/net/if_inet6, without the temporary ones, which the system
-/// changes by itself.
+/// The addresses in /proc/net/if_inet6, sorted, without temporary ones, which the system changes by
+/// itself.
 std::map<std::string, std::vector<Common::IpAddressInfo>> ParseIpv6Addresses(
     const std::string& text);
 
 struct ResolverFile {
   std::vector<std::string> servers;
-  std::string domain;  ///< the domain, else the first of the search list
+  std::string domain;  ///< the domain, or else the first entry of the search list
 };
 ResolverFile ParseResolverFile(const std::string& text);
 
-/// DHCP servers of the interfaces in the text of a lease file of dhclient; the last lease counts.
+/// The DHCP server of each interface in a lease file of dhclient; the last lease counts.
 std::map<std::string, std::string> ParseDhcpLeases(const std::string& text);
 
-/// VLAN numbers of the interfaces in the text of /proc/net/vlan/config.
+/// The VLAN number of each interface in /proc/net/vlan/config.
 std::map<std::string, std::uint64_t> ParseVlans(const std::string& text);
 
-/// Names of the hardware ports by device, in the text of `networksetup -listallhardwareports`.
+/// The name of each device's hardware port in the output of `networksetup -listallhardwareports`.
 std::map<std::string, std::string> ParseHardwarePorts(const std::string& text);
 
 }  // namespace Norvik::Machine

@@ -21,7 +21,7 @@ std::string FirstOf(const Entries& entries, std::initializer_list<const char*> k
   return {};
 }
 
-/// Makers by the code that such processors tell in place of a name.
+/// Some processors report a code in place of the manufacturer's name.
 std::string ImplementerName(const std::string& code) {
   static const std::map<std::string, std::string> names = {
       {"0x41", "ARM"},    {"0x42", "Broadcom"}, {"0x43", "Cavium"}, {"0x48", "HiSilicon"},
@@ -63,7 +63,7 @@ std::vector<ProcessorPackage> ParseCpuInfo(const std::string& text) {
   std::map<std::uint64_t, std::set<std::string>> cores;
   for (const auto& entries : ParseParagraphs(text, ':')) {
     const std::string number = ValueOf(entries, "processor");
-    // Some systems end with a paragraph about the board; others number with letters before.
+    // Some systems end with a paragraph about the board, or add one with a number only.
     if (number.empty() || entries.size() < 2) continue;
     const std::uint64_t index = LeadingNumber(ValueOf(entries, "physical id"));
     const auto found = packages.find(index);

@@ -7,18 +7,18 @@
 
 namespace Norvik::Machine {
 
-/// A package as /proc/cpuinfo tells of it.
+/// A processor package in /proc/cpuinfo.
 struct ProcessorPackage {
   Common::ProcessorInfo info;
-  /// Number of its first logical processor, under which /sys tells more.
+  /// The number of its first logical processor, which names its folder below /sys.
   std::uint64_t firstProcessor = 0;
 };
 
-/// The packages of the text of /proc/cpuinfo, in the order of their numbers, whichever family of
-/// processors wrote it.
+/// The packages in /proc/cpuinfo, in the order of their numbers, in the format of any processor
+/// family.
 std::vector<ProcessorPackage> ParseCpuInfo(const std::string& text);
 
-/// Bytes of a cache size like "32K" or "1M"; 0 for anything else.
+/// A cache size like "32K" or "1M" in bytes; 0 for anything else.
 std::uint64_t ParseCacheSize(const std::string& text);
 
 }  // namespace Norvik::Machine

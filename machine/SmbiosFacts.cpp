@@ -45,22 +45,23 @@ std::uint8_t ByteAt(const Structure& structure, std::size_t offset) {
   return static_cast<std::uint8_t>(structure.Field(offset, 1));
 }
 
-/// The first three groups of a UUID are little-endian in the table.
+/// Empty if the manufacturer has set none. The first three groups of a UUID are little-endian in
+/// the table.
 wxString UuidAt(const Structure& structure, std::size_t offset) {
   if (structure.Length() < offset + 16) return {};
   static constexpr std::size_t ORDER[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
   std::string text;
-  bool told = false;
+  bool isSet = false;
   for (std::size_t i = 0; i < 16; ++i) {
     const std::uint8_t byte = ByteAt(structure, offset + ORDER[i]);
-    told = told || (byte != 0 && byte != 0xFF);
+    // All zeros or all ones: not set.
+    isSet = isSet || (byte != 0 && byte != 0xFF);
     char digits[3];
     std::snprintf(digits, sizeof(digits), "%02x", byte);
     if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
     text += digits;
   }
-  // All zeros or all ones: the maker has set none.
-  return told ? WxStringFromStdString(text) : wxString();
+  return isSet ? WxStringFromStdString(text) : wxString();
 }
 
 void ReadBaseboard(const Structure& structure, SmbBaseboardInfo& board) {
@@ -72,7 +73,7 @@ void ReadBaseboard(const Structure& structure, SmbBaseboardInfo& board) {
 }
 
 void ReadChassis(const Structure& structure, SmbChassisInfo& chassis) {
-  // The highest bit tells of a lock, not of the type.
+  // The highest bit reports a lock and is not part of the type.
   chassis.type = ByteAt(structure, 0x05) & 0x7F;
   chassis.typeName = WxStringFromStdString(ChassisTypeName(chassis.type));
   chassis.manufacturer = TextAt(structure, 0x04);
@@ -84,7 +85,7 @@ void ReadChassis(const Structure& structure, SmbChassisInfo& chassis) {
   chassis.thermalState = ByteAt(structure, 0x0B);
   chassis.securityStatus = ByteAt(structure, 0x0C);
   chassis.oemInformation = static_cast<std::uint32_t>(structure.Field(0x0D, 4));
-  // Behind a list of contained elements: their number and the length of each.
+  // The list of contained elements precedes it: their number times the length of each.
   const std::size_t elements = ByteAt(structure, 0x13) * std::size_t{ByteAt(structure, 0x14)};
   chassis.sku = TextAt(structure, 0x15 + elements);
 }
@@ -203,7 +204,7 @@ SetupInfo SetupOf(const SmBios& smBios) {
   const auto boards = AllOf(smBios, BASEBOARD);
   const auto chassis = AllOf(smBios, CHASSIS);
   const auto systems = AllOf(smBios, SYSTEM);
-  // The first of a type is the machine's own; further ones are of inserted modules.
+  // The first structure of a type describes the machine; further ones describe inserted modules.
   if (!boards.empty()) ReadBaseboard(*boards.front(), setup.baseboard);
   if (!chassis.empty()) ReadChassis(*chassis.front(), setup.chassis);
   if (!systems.empty()) ReadSystem(*systems.front(), setup.system);

@@ -5,8 +5,8 @@
 
 namespace Norvik::Machine {
 
-// Names of codes of the SMBIOS standard. Empty for a code that the standard does not have, and for
-// those that mean "other", "unknown" or "none".
+// The names of codes in the SMBIOS standard. Empty for codes that the standard does not define, and
+// for those that mean "other", "unknown" or "none".
 
 std::string ChassisTypeName(std::uint8_t type);
 std::string ConnectorName(std::uint8_t type);

@@ -7,24 +7,25 @@
 
 namespace Norvik::Machine {
 
-/// The small files in which a system tells of itself, below a root that is "/" for the machine's
-/// own. Whatever is missing or unreadable is empty or 0.
+/// The small files in which a system describes itself. Paths are absolute and are looked up below
+/// the root. A result is empty or 0 if the file is missing or cannot be read; nothing throws.
 class SystemFiles {
  public:
+  /// @param root "/" for the files of this machine
   explicit SystemFiles(boost::filesystem::path root = "/");
 
-  /// The whole file as it is, up to 1 MiB.
+  /// The content of a file of up to 1 MiB; empty for a larger one.
   std::string Bytes(const std::string& path) const;
-  /// The same without the blanks at both ends, in UTF-8.
+  /// The content in UTF-8, without blanks at both ends.
   std::string Text(const std::string& path) const;
   /// The decimal number at the beginning of the file.
   std::uint64_t Number(const std::string& path) const;
   bool Exists(const std::string& path) const;
-  /// Names in a folder, sorted.
+  /// The names in a folder, sorted.
   std::vector<std::string> Names(const std::string& folder) const;
-  /// Where a link leads, as it stands in the link; empty for what is no link.
+  /// The target of a symbolic link as the link states it; empty if the path is not a link.
   std::string LinkText(const std::string& path) const;
-  /// The path with every link followed, below the root.
+  /// The path with all links resolved, including the root.
   std::string Resolved(const std::string& path) const;
 
  private:
@@ -33,7 +34,7 @@ class SystemFiles {
   const boost::filesystem::path root_;
 };
 
-/// The zone of local time, as in "Europe/Oslo"; empty if the system does not tell.
+/// The zone of the local time, such as "Europe/Oslo"; empty if the system does not report it.
 std::string TimeZoneOf(const SystemFiles& files);
 
 }  // namespace Norvik::Machine

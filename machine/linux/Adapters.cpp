@@ -16,7 +16,7 @@ using namespace Common;
 constexpr std::uint64_t ETHERNET = 1;
 constexpr std::uint64_t LOOPBACK = 772;
 
-/// What the files of the whole system tell, by interface.
+/// Facts from files that describe all interfaces, by interface.
 struct NetworkFacts {
   ByInterface gateways;
   std::map<std::string, std::vector<IpAddressInfo>> ipv6;
@@ -63,7 +63,8 @@ std::string TypeOf(const SystemFiles& files, const std::string& folder, std::uin
   return hardware == ETHERNET ? "Ethernet" : "";
 }
 
-/// The lease of systemd's network service, which names the interface by its number.
+/// The server of the lease of systemd's network service, whose file is named by the interface's
+/// number.
 std::string LeaseServer(const SystemFiles& files, const std::string& folder) {
   const std::string number = files.Text(folder + "ifindex");
   const std::string lease = files.Bytes("/run/systemd/netif/leases/" + number);
@@ -80,7 +81,7 @@ void AddNetwork(const NetworkFacts& facts, NetworkAdapterInfo& adapter) {
   adapter.addresses = Find(facts.ipv4, adapter.name);
   for (const auto& address : Find(facts.ipv6, adapter.name)) adapter.addresses.push_back(address);
   adapter.gateways = Wide(Find(facts.gateways, adapter.name));
-  // The system asks them over whichever interface leads out.
+  // The servers apply to the whole system; list them with the interfaces that have a gateway.
   if (!adapter.gateways.empty()) adapter.dnsServers = Wide(facts.dnsServers);
   adapter.vlan = Find(facts.vlans, adapter.name);
 }
@@ -104,9 +105,9 @@ NetworkAdapterInfo AdapterOf(const SystemFiles& files, const NetworkFacts& facts
   return adapter;
 }
 
-/// Interfaces that are no part of the machine: the loopback, the outer end of a container's pair,
-/// which has a name by chance, and what the kernel offers but nobody uses.
-bool IsNoAdapter(const SystemFiles& files, const NetworkAdapterInfo& adapter) {
+/// Interfaces that do not belong to the machine: the loopback, the host's end of a container's
+/// pair, whose name is random, and unused ones that the kernel offers.
+bool IsIgnored(const SystemFiles& files, const NetworkAdapterInfo& adapter) {
   if (adapter.hardwareType == LOOPBACK || boost::starts_with(adapter.name, "veth")) return true;
   const bool isDevice = files.Exists("/sys/class/net/" + adapter.name + "/device");
   const bool isMade = adapter.type != "Ethernet" && !adapter.type.empty();
@@ -121,7 +122,7 @@ std::vector<NetworkAdapterInfo> GatherAdapters(const SystemFiles& files) {
   for (const auto& name : files.Names("/sys/class/net")) {
     if (!files.Exists("/sys/class/net/" + name + "/type")) continue;
     NetworkAdapterInfo adapter = AdapterOf(files, facts, name);
-    if (!IsNoAdapter(files, adapter)) adapters.push_back(std::move(adapter));
+    if (!IsIgnored(files, adapter)) adapters.push_back(std::move(adapter));
   }
   return adapters;
 }

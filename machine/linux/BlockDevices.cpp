@@ -24,7 +24,8 @@ std::string FirstText(const SystemFiles& files, const std::string& folder,
   return {};
 }
 
-/// The unit serial number page of a SCSI device: four bytes of header, then the text.
+/// From the page with the unit serial number of a SCSI device: a header of four bytes, then the
+/// text.
 std::string ScsiSerial(const SystemFiles& files, const std::string& folder) {
   const std::string page = files.Bytes(folder + "device/vpd_pg80");
   return page.size() > 4 ? trim_copy(EncodeUtf8Characters(page.substr(4))) : std::string();
@@ -35,7 +36,7 @@ std::map<std::string, std::string> DeviceRecord(const SystemFiles& files,
   return ParseDeviceRecord(files.Bytes("/run/udev/data/b" + number));
 }
 
-/// The device manager writes blanks and the like as \x20.
+/// The device manager escapes blanks and other characters as \x20.
 std::string Unescaped(const std::string& text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -95,7 +96,7 @@ BlockDisk DiskOf(const SystemFiles& files, const std::string& name) {
   info.sizeBytes = files.Number(folder + "size") * SECTOR;
   info.busType = BusTypeOf(files.Resolved(folder));
   info.manufacturer = FirstText(files, folder, {"device/vendor"});
-  // Some buses put a number there.
+  // Some buses report a number here.
   if (boost::starts_with(info.manufacturer, "0x")) info.manufacturer.clear();
   info.model = FirstText(files, folder, {"device/model", "device/name"});
   info.serial = FirstText(files, folder, {"device/serial", "serial"});
@@ -111,13 +112,13 @@ bool IsLayered(const std::string& name) {
   return boost::starts_with(name, "dm-") || boost::starts_with(name, "md");
 }
 
-bool IsNoDisk(const std::string& name) {
+bool IsIgnored(const std::string& name) {
   const auto begins = [&](const char* prefix) { return boost::starts_with(name, prefix); };
   return begins("loop") || begins("ram") || begins("zram") || begins("sr") || begins("fd") ||
          begins("nbd");
 }
 
-/// Numbers of the devices that a layered device stands on, however many layers down.
+/// Collects the numbers of all devices below a layered device, in all layers.
 void CollectBelow(const SystemFiles& files, const std::string& name, int depth,
                   std::vector<std::string>& numbers) {
   constexpr int DEEPEST = 8;
@@ -128,7 +129,7 @@ void CollectBelow(const SystemFiles& files, const std::string& name, int depth,
   }
 }
 
-/// A layered device belongs to the first disk that it stands on.
+/// A layered device belongs to the first disk below it.
 void AttachLayered(const SystemFiles& files, const std::string& name,
                    std::vector<BlockDisk>& disks) {
   std::vector<std::string> below;
@@ -150,7 +151,7 @@ std::vector<BlockDisk> ReadBlockDisks(const SystemFiles& files) {
   std::vector<BlockDisk> disks;
   const auto names = files.Names(BLOCK_FOLDER);
   for (const auto& name : names) {
-    if (IsNoDisk(name) || IsLayered(name)) continue;
+    if (IsIgnored(name) || IsLayered(name)) continue;
     BlockDisk disk = DiskOf(files, name);
     if (disk.info.sizeBytes > 0) disks.push_back(std::move(disk));
   }
@@ -169,7 +170,7 @@ std::map<std::string, std::string> ParseDeviceRecord(const std::string& text) {
 }
 
 std::string BusTypeOf(const std::string& devicePath) {
-  // In this order: a USB disk is also a SCSI one.
+  // The order matters: a USB disk is also a SCSI disk.
   static constexpr struct {
     const char* part;
     const char* name;

@@ -9,22 +9,22 @@
 
 namespace Norvik::Machine {
 
-/// A disk and the numbers of the block devices that stand on it: itself, its partitions, and what
-/// is layered on top of them.
+/// A disk, and the numbers of the block devices on it: the disk itself, its partitions, and the
+/// devices layered on them.
 struct BlockDisk {
   Common::PhysicalDiskInfo info;
-  std::vector<std::string> deviceNumbers;  ///< as in "8:1"
+  std::vector<std::string> deviceNumbers;  ///< "8:1"
 };
 
-/// The disks below /sys/block with their partitions. Memory disks, loops, optical drives and
-/// devices without a medium are none; layered devices belong to their disks.
+/// The disks below /sys/block with their partitions, without memory disks, loop devices, optical
+/// drives and devices without a medium. Layered devices belong to their disks.
 std::vector<BlockDisk> ReadBlockDisks(const SystemFiles& files);
 
-/// What the device manager knows of a block device: the keys of its "E:" lines. Takes the text of a
-/// file of /run/udev/data.
+/// The properties of a block device in a file of /run/udev/data: the entries of its "E:" lines.
 std::map<std::string, std::string> ParseDeviceRecord(const std::string& text);
 
-/// How a disk is attached, by the path of its device below /sys/devices; empty if that tells not.
+/// How a disk is attached, from the path of its device below /sys/devices; empty if the path does
+/// not show it.
 std::string BusTypeOf(const std::string& devicePath);
 
 }  // namespace Norvik::Machine

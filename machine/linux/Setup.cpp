@@ -57,7 +57,7 @@ void CompleteSetup(const SystemFiles& files, SetupInfo& setup) {
   }
   setup.modelIdentifier = WxStringFromStdString(setup.system.product);
   if (!setup.modelIdentifier.empty()) return;
-  // Boards without such tables; the text there ends with a NUL.
+  // Boards without these tables have a device tree, whose text ends with a NUL.
   const std::string model = files.Text("/proc/device-tree/model");
   setup.modelIdentifier = WxStringFromStdString(model.substr(0, model.find('\0')));
 }

@@ -59,7 +59,7 @@ void ReadLink(const ifaddrs& item, NetworkAdapterInfo& adapter) {
   adapter.speedMbps = data.ifi_baudrate / BITS_PER_MEGABIT;
 }
 
-/// The system makes such addresses anew by itself.
+/// The system replaces temporary addresses by itself.
 bool IsTemporary(const char* name, const sockaddr_in6& address) {
   const Platform::FileDescriptor socket(::socket(AF_INET6, SOCK_DGRAM, 0));
   in6_ifreq request{};
@@ -92,7 +92,7 @@ void ReadIpv6(const ifaddrs& item, NetworkAdapterInfo& adapter) {
   adapter.addresses.push_back({text, std::to_string(PrefixLength(item.ifa_netmask))});
 }
 
-/// The hardware's interfaces. Tunnels and the like come and go with what uses them.
+/// The interfaces of the hardware. Others, such as tunnels, come and go with their users.
 Adapters HardwareAdapters() {
   const auto ports = ParseHardwarePorts(
       CommandRunner::ExecCommand("/usr/sbin/networksetup -listallhardwareports"));

@@ -5,7 +5,7 @@ namespace Norvik::Machine {
 
 Common::MemoryInfo GatherMemory() {
   Common::MemoryInfo memory;
-  // No swap: the system makes and removes its swap files as it needs them.
+  // No swap: the system creates and removes swap files as it needs them.
   memory.totalBytes = SysctlNumber("hw.memsize");
   memory.pageBytes = SysctlNumber("hw.pagesize");
   return memory;

@@ -24,7 +24,7 @@ wxString BootVolume() {
   return ::statfs("/", &volume) == 0 ? WxStringFromStdString(volume.f_mntfromname) : wxString();
 }
 
-/// The setup assistant leaves this file when it is done.
+/// The setup assistant creates this file when it has finished.
 boost::optional<long long> InstallDate() {
   struct stat state {};
   if (::stat("/var/db/.AppleSetupDone", &state) != 0) return boost::none;

@@ -10,7 +10,7 @@ namespace {
 using Platform::CfRef;
 using Platform::IoObject;
 
-/// Null if there is no service or property.
+/// Null if the service or the property does not exist.
 CfRef<CFTypeRef> Property(const IoObject& service, const char* name) {
   if (!service) return {};
   return CfRef<CFTypeRef>(IORegistryEntryCreateCFProperty(
@@ -25,7 +25,7 @@ std::string BytesOf(CFDataRef data) {
 }  // namespace
 
 std::string RegistryProperty(const char* serviceClass, const char* property) {
-  // The call takes over the matching dictionary. Port 0 is the default one in every release.
+  // The call takes ownership of the matching dictionary. Port 0 is the default in every release.
   const IoObject service(
       IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(serviceClass)));
   const auto value = Property(service, property);

@@ -9,7 +9,7 @@ namespace {
 
 using namespace Common;
 
-/// Texts of the platform's own device stand there as data that ends with a NUL.
+/// A property of the platform's device. Its texts are stored as data that ends with a NUL.
 std::string ExpertText(const char* property) {
   const std::string bytes = RegistryProperty("IOPlatformExpertDevice", property);
   return trim_copy(EncodeUtf8Characters(bytes.substr(0, bytes.find('\0'))));

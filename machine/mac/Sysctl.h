@@ -5,7 +5,7 @@
 
 namespace Norvik::Machine {
 
-/// A value that the kernel keeps under a name; empty or 0 if it has none.
+/// The kernel's value of a name; empty or 0 if it has none.
 std::string SysctlText(const char* name);
 std::uint64_t SysctlNumber(const char* name);
 
