@@ -63,7 +63,7 @@ std::vector<ProcessorPackage> ParseCpuInfo(const std::string& text) {
   std::map<std::uint64_t, std::set<std::string>> cores;
   for (const auto& entries : ParseParagraphs(text, ':')) {
     const std::string number = ValueOf(entries, "processor");
-    // Some systems end with a paragraph about the board, or add one with a number only.
+    // Skip the paragraph about the board at the end, and any that has only a number.
     if (number.empty() || entries.size() < 2) continue;
     const std::uint64_t index = LeadingNumber(ValueOf(entries, "physical id"));
     const auto found = packages.find(index);

@@ -12,28 +12,28 @@ namespace {
 using namespace Norvik::Machine;
 using namespace Norvik::Tests;
 
-Json ToldOf(const ProcessorPackage& package) {
-  Json told = JsonOf(package.info);
-  told["firstProcessor"] = package.firstProcessor;
-  return told;
+Json FoundIn(const ProcessorPackage& package) {
+  Json found = JsonOf(package.info);
+  found["firstProcessor"] = package.firstProcessor;
+  return found;
 }
-Json ToldOf(const Mount& mount) {
+Json FoundIn(const Mount& mount) {
   return {{"deviceNumber", mount.deviceNumber},
           {"mountPoint", mount.mountPoint},
           {"fileSystem", mount.fileSystem},
           {"source", mount.source}};
 }
 template <class Value>
-Json ToldOf(const std::vector<Value>& values) {
-  Json told = Json::array();
-  for (const Value& value : values) told.push_back(ToldOf(value));
-  return told;
+Json FoundIn(const std::vector<Value>& values) {
+  Json found = Json::array();
+  for (const Value& value : values) found.push_back(FoundIn(value));
+  return found;
 }
 
 Json AddressesIn(const std::string& text) {
-  Json told;
-  for (const auto& [name, addresses] : ParseIpv6Addresses(text)) told[name] = JsonOf(addresses);
-  return told;
+  Json found;
+  for (const auto& [name, addresses] : ParseIpv6Addresses(text)) found[name] = JsonOf(addresses);
+  return found;
 }
 Json ResolverIn(const std::string& text) {
   const ResolverFile file = ParseResolverFile(text);
@@ -42,7 +42,7 @@ Json ResolverIn(const std::string& text) {
 
 const std::map<std::string, Json (*)(const std::string&)> READERS = {
     {"cache size", [](const std::string& text) { return Json(ParseCacheSize(text)); }},
-    {"cpuinfo", [](const std::string& text) { return ToldOf(ParseCpuInfo(text)); }},
+    {"cpuinfo", [](const std::string& text) { return FoundIn(ParseCpuInfo(text)); }},
     {"dhcp leases", [](const std::string& text) { return Json(ParseDhcpLeases(text)); }},
     {"diskutil", [](const std::string& text) { return JsonOf(ParseDiskutilInfo(text)); }},
     {"entries", [](const std::string& text) { return Json(ParseEntries(text, '=')); }},
@@ -53,10 +53,10 @@ const std::map<std::string, Json (*)(const std::string&)> READERS = {
     {"addresses of version 6", AddressesIn},
     {"leading number", [](const std::string& text) { return Json(LeadingNumber(text)); }},
     {"mac address", [](const std::string& text) { return Json(PlainMacAddress(text)); }},
-    {"mounts", [](const std::string& text) { return ToldOf(ParseMountInfo(text)); }},
+    {"mounts", [](const std::string& text) { return FoundIn(ParseMountInfo(text)); }},
     {"resolver file", ResolverIn},
     {"vlans", [](const std::string& text) { return Json(ParseVlans(text)); }},
-    {"volumes", [](const std::string& text) { return ToldOf(VolumesOf(ParseMountInfo(text))); }},
+    {"volumes", [](const std::string& text) { return FoundIn(VolumesOf(ParseMountInfo(text))); }},
     {"without quotes", [](const std::string& text) { return Json(WithoutQuotes(text)); }},
 };
 
@@ -68,18 +68,18 @@ std::string TextOf(const Json& text) {
   return lines;
 }
 
-TEST(Texts, TellWhatTheirReadersFindInThem) {
+TEST(Texts, AreParsedByTheirReaders) {
   const Json tables = DataOf("machine/texts.json");
   EXPECT_EQ(tables.size(), READERS.size());
   for (const auto& [reader, rows] : tables.items()) {
     for (const Json& row : rows) {
-      const Json told = READERS.at(reader)(TextOf(row[0]));
-      EXPECT_EQ(Shown(Chosen(told, row[1])), Shown(row[1])) << reader << ": " << row[0];
+      const Json found = READERS.at(reader)(TextOf(row[0]));
+      EXPECT_EQ(Shown(Chosen(found, row[1])), Shown(row[1])) << reader << ": " << row[0];
     }
   }
 }
 
-TEST(MountText, FreeSpaceIsToldInWholeGibibytes) {
+TEST(MountText, FreeSpaceIsRoundedToWholeGibibytes) {
   EXPECT_EQ(WholeGibibytes((5ull << 30) - 1), 4ull << 30);
   EXPECT_EQ(WholeGibibytes(5ull << 30), 5ull << 30);
 }

@@ -29,12 +29,12 @@ constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
 const std::string KEY = PeriodicKey(CODE);
 
-/// The first time is told in seconds behind the start.
+/// @param next the first time, in seconds after the start
 ActionTiming Timing(long period, long next) {
   return {seconds(period), system_clock::time_point(seconds(START + next))};
 }
 
-/// Work that lasts until it is let go.
+/// Work that lasts until it is released.
 class LongWork {
  public:
   void Do() {
@@ -56,7 +56,7 @@ struct ActionsUnderTest {
     system_ = std::make_unique<ActionSystem>(Data(), clock_);
     system_->SetActionFactory([this](unsigned int, const ActionParameters&) { return Counting(); });
   }
-  /// What a new start of the process finds, behind a clean stop and a while.
+  /// Simulates a clean stop of the process, and a new start after a while.
   void Restart(long downTime) {
     system_.reset();
     clock_->Move(seconds(downTime));
@@ -91,7 +91,7 @@ struct ActionsUnderTest {
     AgentData data = Data();
     system_->ReplacePeriodic(CODE, Counting(), data, Timing(period, next));
   }
-  /// Lets the time pass; answers how often the action ran since the last time that it was asked.
+  /// Lets the time pass; returns how often the action ran since the last call.
   int RunsWithin(long time) {
     clock_->Move(seconds(time));
     system_->CheckClock();
@@ -111,7 +111,7 @@ struct ActionsUnderTest {
 
 struct ActionSystemTest : testing::Test, ActionsUnderTest {};
 
-TEST_F(ActionSystemTest, AOneShotRunsOnceBehindItsDelayWithItsParameters) {
+TEST_F(ActionSystemTest, AOneShotRunsOnceAfterItsDelayWithItsParameters) {
   wxString text;
   ModuleAction action = Counting();
   action.handler = [&, count = action.handler](ActionParameters& parameters) {
@@ -144,7 +144,7 @@ TEST_F(ActionSystemTest, RunsOnTheCallingThreadAndLetsTheExceptionOut) {
   EXPECT_THROW(system_->RunAction(failing), std::logic_error);
 }
 
-TEST_F(ActionSystemTest, WhatAHandlerLetsEscapeIsLoggedWithItsCodeAndTheThreadsLiveOn) {
+TEST_F(ActionSystemTest, AnExceptionOfAHandlerIsLoggedWithItsCodeAndTheThreadsContinue) {
   for (std::size_t i = 0; i < 2 * ActionSystem::THREADS; ++i) {
     RunOnce([] { throw std::runtime_error("broken"); });
     RunOnce([] { throw 7; });
@@ -156,13 +156,13 @@ TEST_F(ActionSystemTest, WhatAHandlerLetsEscapeIsLoggedWithItsCodeAndTheThreadsL
   EXPECT_EQ(log_.Texts(Logger::LEVEL_ERROR).size(), 4 * ActionSystem::THREADS);
 }
 
-TEST_F(ActionSystemTest, AnActionWithoutAHandlerIsAnsweredByADefaultResponseAndOneWarning) {
+TEST_F(ActionSystemTest, AnActionWithoutAHandlerReturnsADefaultResponseWithOneWarning) {
   const ActionResponse response = system_->RunAction(ModuleAction());
   EXPECT_FALSE(response.success);
   EXPECT_EQ(log_.Texts(Logger::LEVEL_WARNING).size(), 1u);
 }
 
-/// Times are in seconds, those of the clock and first ones behind the start.
+/// Times are in seconds. Times of the clock and first times count from the start.
 struct Timetable : StepsTest, ActionsUnderTest {
   Timetable() {
     Verb("once", [this](long delay) { system_->RunOneShot(CODE, Counting(), seconds(delay)); });
@@ -202,7 +202,7 @@ TEST_F(ActionSystemTest, ARunIsMarkedInTheStateAsLongAsItLasts) {
   EXPECT_EQ(Stored(KEY), "100 1000100");
 }
 
-TEST_F(ActionSystemTest, AHandlerMayInstallItsOwnActionAnew) {
+TEST_F(ActionSystemTest, AHandlerMayInstallItsOwnActionAgain) {
   for (const bool replace : {true, false}) {
     AgentData data = Data();
     const long now = system_clock::to_time_t(clock_->Now()) - START;
@@ -232,7 +232,7 @@ TEST_F(ActionSystemTest, RunsOfOneActionDoNotOverlap) {
   first.LetGo();
   system_->WaitIdle();
   EXPECT_EQ(most, 1);
-  EXPECT_EQ(runs_, 2);  // that one, and one for those that it kept from starting
+  EXPECT_EQ(runs_, 2);  // the long run, and one for all that became due during it
 }
 
 TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue) {
@@ -270,7 +270,7 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
 TEST_F(ActionSystemTest, SerialActionsRunInTheirOrderOneAtATime) {
   const std::shared_ptr<ActionSystem> system(std::move(system_));
   const auto serial = std::make_shared<SerialActions>(system);
-  std::string order;  // not synchronised: nothing else guards it than the order
+  std::string order;  // needs no lock if the actions run one at a time
   std::string done;
   std::promise<void> release;
   for (const char* text : {"a", "b", "x", "c"}) {
@@ -281,7 +281,7 @@ TEST_F(ActionSystemTest, SerialActionsRunInTheirOrderOneAtATime) {
     };
     serial->Add(CODE, Action(work), [&, text] { done += text; });
   }
-  // Behind all that was handed to the threads so far.
+  // Runs after everything that was posted to the threads so far.
   system->QueueAction(Action([&] { release.set_value(); }));
   system->WaitIdle();
   EXPECT_EQ(order, "abxc");

@@ -47,7 +47,7 @@ TEST(ConfigurationFile, ReadsEveryKey) {
   EXPECT_TRUE(configuration.survey->onLinux);
 }
 
-TEST(ConfigurationFile, AWrongValueIsToldWithItsKeyAndWhatItWants) {
+TEST(ConfigurationFile, AnInvalidValueIsReportedWithItsKeyAndWhatIsExpected) {
   for (const Json& row : DataOf("host/configuration/refused-configurations.json")) {
     EXPECT_THAT(MessageOf<ConfigurationError>([&] { ParseConfiguration(row[0].get<Bytes>()); }),
                 StartsWith(row[1].get<std::string>()))
@@ -55,7 +55,7 @@ TEST(ConfigurationFile, AWrongValueIsToldWithItsKeyAndWhatItWants) {
   }
 }
 
-TEST(ConfigurationFile, AFileThatIsTooLargeIsToldByItsName) {
+TEST(ConfigurationFile, AFileThatIsTooLargeIsReportedByItsName) {
   const TemporaryFolder folder;
   WriteFile(folder / "agent.json", std::string(2 << 20, ' '));
   EXPECT_THAT(MessageOf<UsageError>([&] { ReadConfigurationFile(folder / "agent.json"); }),

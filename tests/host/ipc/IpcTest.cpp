@@ -34,14 +34,14 @@ std::string FrameOf(const IPCMessage& message) {
   return EncodeFrame(FrameKind::MESSAGE, EncodeMessage(message));
 }
 
-/// A frame of a row: just bytes, a kind and its content, or a message.
+/// The bytes of a frame in a row: the bytes themselves, a kind and its content, or a message.
 std::string BytesOf(const Json& frame) {
   if (frame.is_string()) return frame.get<Bytes>();
   if (frame.size() > 2) return FrameOf({frame[0], frame[1], frame[2], frame[3].get<Bytes>()});
   return EncodeFrame(static_cast<FrameKind>(frame[0].get<std::string>()[0]), frame[1].get<Bytes>());
 }
 
-/// Messages that came in; those of a held receiver wait to be handled.
+/// Received messages. While it is held, they wait to be handled.
 class Inbox {
  public:
   void Add(const IPCMessage& message, std::function<void()> handled) {
@@ -103,13 +103,13 @@ class Ipc : public testing::Test {
   std::unique_ptr<IpcService> service_;
 };
 
-TEST_F(Ipc, EachMisdeedLeavesOneLineThatSaysWhatAndFromWhomAndHurtsNobodyElse) {
+TEST_F(Ipc, EachViolationIsLoggedInOneLineWithItsSenderAndHarmsNoOtherConnection) {
   ServiceLimits limits;
   limits.connection.frameTime = milliseconds(100);
   StartService(limits);
   const LocalClient honest(Socket());
   ASSERT_TRUE(honest.Send(JOINED));
-  for (const Json& row : DataOf("host/ipc/misdeeds.json")) {
+  for (const Json& row : DataOf("host/ipc/violations.json")) {
     SCOPED_TRACE(row["name"]);
     const std::size_t before = Warnings().size();
     std::string bytes;
@@ -142,7 +142,7 @@ TEST_F(Ipc, AUserWhoConnectsTenThousandTimesIsRefusedWithOneLine) {
   ASSERT_EQ(Warnings().size(), 1u);
   EXPECT_THAT(Warnings().front(), AllOf(HasSubstr("user " + std::to_string(::geteuid())),
                                         HasSubstr("the user opened 50 in this minute")));
-  EXPECT_EQ(sessionStarts_, 1);  // a user is asked once in a minute, however often it joins
+  EXPECT_EQ(sessionStarts_, 1);  // at most once in a minute, however often a user joins
   EXPECT_TRUE(user->Send(TRUNCATE, IpcUser::SERVICE));
   EXPECT_TRUE(Eventually([&] { return inbox_.Count() == 1; }));
 }
@@ -183,7 +183,7 @@ TEST_F(Ipc, ASlowReaderIsCutOffAndTheOthersAreServed) {
   EXPECT_TRUE(Eventually([&] { return userInbox_.Count() == 1; }));
 }
 
-TEST_F(Ipc, MessagesThatAreNotHandledHoldBackTheirSenderAndNoneIsLost) {
+TEST_F(Ipc, UnhandledMessagesMakeTheirSenderWaitAndAreNotLost) {
   ServiceLimits limits;
   limits.connection.waitingBytes = 1000;
   StartService(limits);
@@ -208,7 +208,7 @@ TEST_F(Ipc, MessagesThatAreNotHandledHoldBackTheirSenderAndNoneIsLost) {
   }
 }
 
-TEST_F(Ipc, AUserFindsTheServiceAgainAndTakesOnlyWhatIsAllowed) {
+TEST_F(Ipc, AUserReconnectsToTheServiceAndAcceptsOnlyAllowedMessages) {
   const auto user = MakeUser();
   EXPECT_FALSE(user->Send(TRUNCATE, IpcUser::SERVICE));
   for (const std::size_t round : {1u, 2u}) {
@@ -228,12 +228,12 @@ TEST_F(Ipc, AUserFindsTheServiceAgainAndTakesOnlyWhatIsAllowed) {
   }
 }
 
-TEST_F(Ipc, OneAgentServesASocketAndWhatADeadOneLeftIsTakenOver) {
+TEST_F(Ipc, OneAgentServesASocketAndTheSocketOfADeadOneIsReplaced) {
   StartService();
   EXPECT_THROW(IpcService{Socket()}, std::runtime_error);
   EXPECT_EQ(AskAgent(Socket(), "\"x\""), "\"x\" of " + SELF);
   const auto left = folder_ / "left";
-  boost::filesystem::rename(Socket(), left);  // as after a kill: it stays behind
+  boost::filesystem::rename(Socket(), left);  // as after a kill, which leaves the socket
   service_.reset();
   boost::filesystem::rename(left, Socket());
   EXPECT_THROW(AskAgent(Socket(), "x"), NoAnswer);
@@ -257,17 +257,17 @@ TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
   }
   int status = 0;
   ::waitpid(child, &status, 0);
-  // Who cannot become another user can only show that the own one is answered.
+  // Without the right to change the user, the test can only show that its own user is served.
   EXPECT_EQ(WEXITSTATUS(status), canChange ? 0 : 1);
   const std::string refusal = "The process of user 65534, process " + std::to_string(child) +
                               " sent a request, which only root and the user of the service may; "
                               "the connection is closed";
   const std::vector<std::string> refusals(canChange ? 1 : 0, refusal);
-  // The connection ends a moment before the log says why.
+  // The connection ends shortly before the log says why.
   EXPECT_TRUE(Eventually([&] { return Warnings() == refusals; })) << Warnings().size();
 }
 
-TEST(RateLimit, TheFirstRefusalOfEachSpanStandsOut) {
+TEST(RateLimit, TheFirstRefusalOfEachSpanIsMarked) {
   using Verdict = RateLimit::Verdict;
   RateLimit limit(2, std::chrono::seconds(60));
   std::string seen;
