@@ -32,7 +32,7 @@ class ListeningLogger : public Common::Logger {
   const LogListener listener_;
 };
 
-/// Makes a logger that of the process for a scope.
+/// Installs a logger for the process. The end of the scope restores the previous one.
 class LoggerScope {
  public:
   explicit LoggerScope(std::shared_ptr<Common::Logger> logger);

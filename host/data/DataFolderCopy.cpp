@@ -24,7 +24,7 @@ constexpr const char* DOCUMENT_FOLDERS[] = {"work", "previous", "outbox"};
 
 constexpr char PREFIX[] = ".rehearsal-";
 
-/// Prevents that a copy is made while old ones are removed: a new copy is not locked yet.
+/// Prevents a copy from being made while old ones are removed: a new copy is not locked yet.
 class SweepLock {
  public:
   explicit SweepLock(const fs::path& folder)
