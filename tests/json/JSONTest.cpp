@@ -66,6 +66,7 @@ TEST(JSONTest, AnIndentedTextLosesTwoCharactersOfIndentAtTheClosingBrace) {
             "{\n  \"a\" : {\n    \"b\" : 1\n  },\n  \"c\" : [null, null]\n}");
   EXPECT_EQ(json["a"].dump(1, "    ", "\n"), "{\n    \"b\" : 1\n  }");
   EXPECT_EQ(json["a"].dump(1, "\t", "\n"), "{\n\t\"b\" : 1\n}");
+  EXPECT_EQ(json["c"].dump(0, "  ", "\n"), "[null,null]");
 }
 
 TEST(JSONTest, AValueIsWhatItWasLastUsedAs) {

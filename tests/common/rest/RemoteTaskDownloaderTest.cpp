@@ -58,6 +58,10 @@ std::vector<std::string> Fetched(const Json& answer) {
 
 TEST(RemoteTaskDownloader, GivesTheGoodTasksAndTellsTheServerOfTheOthers) {
   ExpectRows(DataOf("common/rest/remote-tasks.json"), Fetched);
+  const auto taskOf = [](std::size_t length) {
+    return Json{{"identifier", std::string(length, 'x')}, {"code", 1}};
+  };
+  EXPECT_EQ(Fetched({{"tasks", {taskOf(200), taskOf(201)}}}).size(), 1u);
   EXPECT_TRUE(RemoteTaskDownloader(nullptr, PRODUCT_KOB, {}, "", nullptr).GetSchedules().empty());
 }
 

@@ -1,7 +1,10 @@
 #include "host/server/ServerLink.h"
 
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <future>
 
@@ -24,6 +27,17 @@ using testing::SizeIs;
 using State = ManagementServer::State;
 
 constexpr long START = 1'767'225'600;
+std::atomic<int> syncs{0};  ///< in this process
+
+}  // namespace
+
+/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
+extern "C" int fsync(int file) {
+  ++syncs;
+  return static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+namespace {
 
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
@@ -249,7 +263,9 @@ TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
 TEST(StatusQueue, OutlivesAnyEndOfTheProcessAndIsBounded) {
   const TemporaryFolder folder;
   const auto file = folder / "statuses.jsonl";
+  const int before = syncs;
   StatusQueue(file).Add(StatusOf("a"));
+  EXPECT_EQ(syncs, before + 1);
   WriteFile(file, ContentOf(file) + "{\"id\": \"cut");
   const LogCapture log;
   StatusQueue(file, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));

@@ -58,7 +58,15 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   for (const bool incremental : {false, true}) {
     EXPECT_EQ(RudPrinter::GenerateJSON("g", incremental), "");
   }
-  SaveScan({{"one"}}, false);
+  SaveScan({{"one"}, {"two", 0, 0, "/b"}}, false);
+  // The second row cannot be read.
+  TestDatabase::Run("alter table RUD2_FILE_PATH rename to stored");
+  TestDatabase::Run(
+      "create view RUD2_FILE_PATH as select id, "
+      "iif(id = 2, abs(-9223372036854775806 - id), path) as path from stored");
+  EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
+  TestDatabase::Run("drop view RUD2_FILE_PATH");
+  TestDatabase::Run("alter table stored rename to RUD2_FILE_PATH");
   TestDatabase::Run("update RUD2_LAST_INVENTORY set id_company_name=0");
   TestDatabase::Run("alter table RUD2_FILE_EXTENSION drop column extension");
   TestDatabase::Run("alter table RUD2_FILE_EXTENSION add column extension INTEGER");
@@ -66,9 +74,10 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   TestDatabase::Run("drop table RUD2_FILE_COMPANY");
   EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
   EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
-  EXPECT_THAT(host.log.Texts(2), ElementsAre(StartsWith("Creating JSOn of RUD - "),
+  EXPECT_THAT(host.log.Texts(2), ElementsAre(StartsWith("Error GetLastInventory: "),
+                                             StartsWith("Creating JSOn of RUD - "),
                                              StartsWith("Error GetLastInventory: ")));
-  EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(4), Each("RUD incremental empty. Without changes.")));
+  EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(5), Each("RUD incremental empty. Without changes.")));
 }
 
 /// Records each wait instead of sleeping, and calls a function.
