@@ -80,7 +80,7 @@ JSON ValueToJson(const Value& value) {
   return written;
 }
 
-/// Replaces the elements by `read(child)` for each child of a node; by nothing if the node is null.
+/// Replaces the elements by `read(child)` for each child of the node; clears them if it is null.
 template <class Tree, class Container, class Read>
 void ReadElements(const Tree* list, Container& elements, Read read) {
   elements.clear();

@@ -4,6 +4,9 @@
 
 #include "common/records/InventoryRecord.h"
 
+// The members of InventoryRecord.h, for the sources that instantiate them: the Records.cpp of each
+// folder of records.
+
 namespace Norvik::Common {
 
 template <class T>

@@ -20,8 +20,8 @@ struct TextCodec<wxString> {
   static std::string Encode(const wxString& text) { return Norvik::Common::ToUtf8(text); }
 };
 
-/// Byte string that is written by way of a wide text: bytes that are not UTF-8 make it empty, where
-/// a plain one has them escaped.
+/// Byte string that is written by way of a wide text: one that is not valid UTF-8 is written empty.
+/// A plain field writes its invalid bytes as escapes instead.
 struct WideTextFormat : PlainFormat {
   void Write(JSON& target, const std::string& bytes) const {
     WriteValue(target, Norvik::Common::WxStringFromStdString(bytes));
