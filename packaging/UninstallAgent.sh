@@ -1,7 +1,7 @@
 #!/bin/sh
-# Takes the agent off this machine and leaves its data folder. Started by hand, or by the server's
-# action 1070 from inside the service: so the files go first, and the service is stopped last, which
-# may end this script too.
+# Removes the agent from this machine and leaves its data folder. Started by hand, or by the server's
+# action 1070 from inside the service: so the files are removed first and the service is stopped last,
+# which may end this script too.
 set -u
 home=$(cd "$(dirname "$0")" && pwd)
 [ -x "$home/bin/norvik-agent" ] || { echo "UninstallAgent: no agent beside $0" >&2; exit 1; }
@@ -10,7 +10,7 @@ remove_tree() {
   rm -rf "$home/bin/norvik-agent" "$home"/lib/libNorvik* "$home/lib/cmake/NorvikAgent" \
     "$home/include/norvik-agent" "$home/share/norvik-agent" "$home/share/doc/norvik-agent"
   rm -f "$home/UninstallAgent.sh"
-  # Whatever else stands there is not ours.
+  # Only empty folders: other files there are not ours.
   find "$home" -depth -type d -empty -delete
 }
 
@@ -22,7 +22,7 @@ case "$(uname -s)" in
     launchctl bootout system/com.norvik.agent ;;
   *)
     if dpkg-query -W norvik-agent >/dev/null 2>&1; then
-      # Outside of the service, which the removal of the package stops.
+      # Outside of the service, because the removal of the package stops that.
       if [ -d /run/systemd/system ]; then
         exec systemd-run --collect --quiet dpkg --remove norvik-agent
       fi

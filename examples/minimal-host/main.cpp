@@ -1,8 +1,8 @@
-// The least host that gets an inventory out of the module:
+// The smallest host that takes an inventory with the module:
 //
 //   minimal-host DATA_FOLDER    takes one inventory of this machine and prints its document
 //
-// Read it from the bottom up. docs/embedding.md tells what a real host does besides.
+// Read it from the bottom up. docs/embedding.md describes what else a real host does.
 #include <dlfcn.h>
 #include <sys/utsname.h>
 
@@ -33,8 +33,8 @@ namespace fs = boost::filesystem;
 
 constexpr unsigned int TOTAL_INVENTORY = 1071;  // docs/embedding.md lists the codes
 
-/// Runs what the module starts. A real host has threads and timers; here whatever is to run at once
-/// waits until `RunWaiting`, because it must not run inside the call that starts it.
+/// Runs what the module starts. A real host has threads and timers; here an immediate action waits
+/// until `RunWaiting`, because it must not run inside the call that starts it.
 class Actions final : public IActionSystem {
  public:
   ActionResponse RunAction(ModuleAction action) override {
@@ -44,7 +44,7 @@ class Actions final : public IActionSystem {
   void RunOneShot(unsigned int, ModuleAction action, std::chrono::seconds delay) override {
     if (delay.count() == 0) QueueAction(std::move(action));
   }
-  // This program ends before anything is due.
+// This program ends before any of these is due.
   void CreatePeriodic(unsigned int, ModuleAction, AgentData&, const ActionTiming&) override {}
   void ReplacePeriodic(unsigned int, ModuleAction, AgentData&, const ActionTiming&) override {}
   void AddSchedule(const Schedule&) override {}
@@ -57,7 +57,7 @@ class Actions final : public IActionSystem {
   std::deque<ModuleAction> waiting_;
 };
 
-/// Who this agent is. What it tells of the machine goes into the document.
+/// The identity of this agent. The document contains its facts of the machine.
 class Identity final : public IIdentificationSystem {
  public:
   FirstInventoryInfo GetFirstInventoryInfo() override {
@@ -72,14 +72,15 @@ class Identity final : public IIdentificationSystem {
   }
   std::weak_ptr<SmBios> GetSmBios() override { return smBios_; }
   std::string GetAgentIdentifier() override { return "minimal-host"; }
-  // Inventories wait as long as it is empty.
+// Without a token the module takes no inventory.
   std::string GetToken() override { return "none"; }
 
  private:
   std::shared_ptr<SmBios> smBios_ = std::make_shared<SmBios>();
 };
 
-/// No server and no processes of users. With users' processes this is an `ICommunicationIPC` too.
+/// No server and no processes of users. A host with users' processes also implements
+/// `ICommunicationIPC` here.
 class Communications final : public ICommunicationSystem {
  public:
   bool ProcessMessage(const IRestRequest&, IRestResponse&) override { return false; }
@@ -99,7 +100,7 @@ std::unique_ptr<IModule> Load(const char* file, std::weak_ptr<ModuleDependencies
   return std::unique_ptr<IModule>(entry(dependencies));
 }
 
-/// The documents of the outbox, which were sealed with a key of this data folder.
+/// Prints the documents of the outbox, which were sealed with a key of this data folder.
 void PrintDocuments(const fs::path& dataFolder) {
   const fs::path opened = dataFolder / "opened.zip";
   for (const auto& entry : fs::directory_iterator(Paths(Paths::OUTBOX, true).AppData())) {
@@ -110,13 +111,13 @@ void PrintDocuments(const fs::path& dataFolder) {
 }
 
 void TakeInventory(const fs::path& dataFolder) {
-  // 1. What is set for the whole process.
+// 1. The settings of the whole process.
   if (!std::setlocale(LC_CTYPE, "C.UTF-8")) std::setlocale(LC_CTYPE, "UTF-8");
   Paths::SetDataFolder(dataFolder);
   Paths(Paths::DATA, true);
   Logger::SetInstance(MakeFileLogger(dataFolder / "agent.log", Logger::LEVEL_DETAIL));
 
-  // 2. The services. The database comes first, so that it goes last.
+// 2. The services. The database is made first, so that it is destroyed last.
   const auto dataBase = std::make_shared<AgentDatabase>(dataFolder);
   const auto actions = std::make_shared<Actions>();
   const auto identity = std::make_shared<Identity>();
@@ -128,7 +129,7 @@ void TakeInventory(const fs::path& dataFolder) {
   dependencies->communications = communications;
   dependencies->dataBase = dataBase;
 
-  // 3. The module, which goes before the services do.
+// 3. The module, which is destroyed before the services.
   const auto module = Load(MODULE_FILE, dependencies);
   actions->RunAction(module->GetAction(COMMON_ACTION_INIT, {}));
   actions->RunAction(module->GetAction(TOTAL_INVENTORY, {}));
