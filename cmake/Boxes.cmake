@@ -1,6 +1,6 @@
-# A box is one top-level folder with one object library. Its sources see the headers of the boxes
-# that they are given and of no other: every box has an include root of its own, which holds just
-# a link to its folder, so an include against the dependency rule does not compile.
+# A box is one top-level folder with one object library. Its sources can include headers only of the
+# boxes named in USES: every box has its own include root, which holds only a link to its folder, so an
+# include against the dependency rule does not compile.
 
 # norvik_box(NAME [USES box...] [LINKS target...])
 #   NAME  folder in the source tree; the object library is called norvik_NAME
@@ -21,8 +21,8 @@ function(norvik_box name)
   endforeach()
 endfunction()
 
-# norvik_part(NAME BOX folder...): an include root that holds just these folders of a box. Its name can
-# follow USES.
+# norvik_part(NAME BOX folder...): an include root with only these folders of a box. NAME can be used in
+# USES.
 function(norvik_part name box)
   set(root "${CMAKE_BINARY_DIR}/boxes/${name}/${box}")
   file(MAKE_DIRECTORY "${root}")
@@ -31,9 +31,9 @@ function(norvik_part name box)
   endforeach()
 endfunction()
 
-# Sources of the current folder and below it: without the subfolders named after EXCLUDE, and only
-# those named after ONLY, if there are any. A folder mac/ or linux/ holds what only one system compiles;
-# linux/ stands for all systems but macOS.
+# norvik_sources(RESULT [EXCLUDE folder...] [ONLY folder...]): sources of the current folder and below
+# it, without the subfolders of EXCLUDE or with only those of ONLY. Only one system compiles a folder
+# mac/ or linux/; linux/ stands for all systems but macOS.
 function(norvik_sources result)
   cmake_parse_arguments(ARG "" "" "EXCLUDE;ONLY" ${ARGN})
   file(GLOB_RECURSE found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")

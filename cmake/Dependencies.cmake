@@ -20,13 +20,13 @@ target_include_directories(norvik_wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
 target_compile_definitions(norvik_wx INTERFACE ${wxWidgets_DEFINITIONS})
 target_link_libraries(norvik_wx INTERFACE ${wxWidgets_LIBRARIES})
 
-# SOCI's package carries no CMake description.
+# SOCI's package has no CMake description.
 add_library(norvik_soci INTERFACE)
 target_include_directories(norvik_soci SYSTEM INTERFACE "${SOCI_INCLUDE_DIR}" "${SOCI_INCLUDE_DIR}/soci")
 target_link_libraries(norvik_soci INTERFACE
   "${SOCI_SQLITE3_LIBRARY}" "${SOCI_CORE_LIBRARY}" SQLite::SQLite3)
 
-# What the operating system of a Mac answers. Elsewhere platform/compat answers, under Apple's names.
+# Apple's frameworks. On other systems platform/compat implements them under Apple's names.
 add_library(norvik_apple INTERFACE)
 if(APPLE)
   target_link_libraries(norvik_apple INTERFACE "-framework IOKit" "-framework CoreFoundation"

@@ -1,8 +1,8 @@
-# `cmake --install` and the packages. The tree can stand anywhere: programs find their libraries and
-# the module beside them, and the CMake package finds itself.
+# `cmake --install` and the packages. The tree can be moved: programs find their libraries and the
+# module by relative paths, and so does the CMake package.
 include(CMakePackageConfigHelpers)
 
-# Where the system's service manager looks for the agent.
+# Where the descriptions of the services expect the agent.
 set(NORVIK_HOME /opt/local/norvik)
 if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${NORVIK_HOME}")
@@ -11,8 +11,8 @@ endif()
 install(TARGETS norvik-agent NorvikAgentCommon NorvikKOB
   RUNTIME DESTINATION bin LIBRARY DESTINATION lib)
 
-# Headers for those who embed the module. The rest of common/ is its own affair: what shows the
-# database library, how records are compiled, and what a collector needs of a Mac.
+# Headers for other hosts of the module. Left out are private headers of common/: those that include the
+# database library, the one that compiles records, and the parsers of Apple's formats.
 set(headers include/norvik-agent)
 install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
   PATTERN common/apple EXCLUDE
@@ -32,8 +32,8 @@ write_basic_package_version_file("${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.c
 install(FILES "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake"
   "${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.cmake" DESTINATION lib/cmake/NorvikAgent)
 
-# The services name the programs by their place, so the system learns of them only from a tree that
-# stands there. `file(INSTALL)` heeds DESTDIR.
+# The descriptions of the services contain the path of the programs, so they are installed into the
+# system only with a tree at that path. `file(INSTALL)` respects DESTDIR.
 if(APPLE)
   set(services "packaging/macos/com.norvik.agent.plist" /Library/LaunchDaemons
     "packaging/macos/com.norvik.agent.user.plist" /Library/LaunchAgents)

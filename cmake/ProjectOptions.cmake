@@ -20,7 +20,7 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 set(NORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 if(NORVIK_SANITIZE)
-  # What the sanitizers find fails the test that ran into it.
+  # A finding of a sanitizer fails the test that caused it.
   add_compile_options(-fsanitize=${NORVIK_SANITIZE} -fno-sanitize-recover=all
     -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${NORVIK_SANITIZE})
@@ -33,8 +33,8 @@ endif()
 
 find_program(NORVIK_CCACHE ccache)
 if(NORVIK_CCACHE)
-  # A precompiled header is compared by its content, and paths are taken below the source tree, so that
-  # two checkouts share what they compiled.
+  # Precompiled headers are compared by content and paths are relative to the source tree, so that two
+  # checkouts share compiled sources.
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros
     "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" "${NORVIK_CCACHE}")
 endif()
@@ -43,9 +43,9 @@ endif()
 add_library(norvik_warnings INTERFACE)
 target_compile_options(norvik_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-# Boost 1.74's reader of JSON still uses what its own headers call deprecated.
+# The JSON parser of Boost 1.74 uses names that Boost itself marks as deprecated.
 target_compile_definitions(norvik_warnings INTERFACE BOOST_BIND_GLOBAL_PLACEHOLDERS)
-# GCC 12 believes that boost::variant's assignment reads what it has not set.
+# GCC 12 wrongly reports that the assignment of boost::variant reads uninitialised memory.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(norvik_warnings INTERFACE -Wno-maybe-uninitialized)
 endif()

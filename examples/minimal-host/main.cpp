@@ -44,7 +44,7 @@ class Actions final : public IActionSystem {
   void RunOneShot(unsigned int, ModuleAction action, std::chrono::seconds delay) override {
     if (delay.count() == 0) QueueAction(std::move(action));
   }
-// This program ends before any of these is due.
+  // This program ends before any of these is due.
   void CreatePeriodic(unsigned int, ModuleAction, AgentData&, const ActionTiming&) override {}
   void ReplacePeriodic(unsigned int, ModuleAction, AgentData&, const ActionTiming&) override {}
   void AddSchedule(const Schedule&) override {}
@@ -72,7 +72,7 @@ class Identity final : public IIdentificationSystem {
   }
   std::weak_ptr<SmBios> GetSmBios() override { return smBios_; }
   std::string GetAgentIdentifier() override { return "minimal-host"; }
-// Without a token the module takes no inventory.
+  // Without a token the module takes no inventory.
   std::string GetToken() override { return "none"; }
 
  private:
@@ -111,13 +111,13 @@ void PrintDocuments(const fs::path& dataFolder) {
 }
 
 void TakeInventory(const fs::path& dataFolder) {
-// 1. The settings of the whole process.
+  // 1. The settings of the whole process.
   if (!std::setlocale(LC_CTYPE, "C.UTF-8")) std::setlocale(LC_CTYPE, "UTF-8");
   Paths::SetDataFolder(dataFolder);
   Paths(Paths::DATA, true);
   Logger::SetInstance(MakeFileLogger(dataFolder / "agent.log", Logger::LEVEL_DETAIL));
 
-// 2. The services. The database is made first, so that it is destroyed last.
+  // 2. The services. The database is made first, so that it is destroyed last.
   const auto dataBase = std::make_shared<AgentDatabase>(dataFolder);
   const auto actions = std::make_shared<Actions>();
   const auto identity = std::make_shared<Identity>();
@@ -129,7 +129,7 @@ void TakeInventory(const fs::path& dataFolder) {
   dependencies->communications = communications;
   dependencies->dataBase = dataBase;
 
-// 3. The module, which is destroyed before the services.
+  // 3. The module, which is destroyed before the services.
   const auto module = Load(MODULE_FILE, dependencies);
   actions->RunAction(module->GetAction(COMMON_ACTION_INIT, {}));
   actions->RunAction(module->GetAction(TOTAL_INVENTORY, {}));

@@ -1,5 +1,5 @@
-// Preloaded into the agent by script/crash-drill. Numbers the calls that make something last, once
-// before and once after each, notes them in a file, and kills the process at one of them.
+// Preloaded into the agent by script/crash-drill. Numbers the points before and after each call
+// that makes a change durable, writes them to a file, and kills the process at one of them.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -24,7 +24,7 @@ Function* Next(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/// Programs that the agent starts have the library too, and are left alone.
+/// Programs that the agent starts have the library loaded too, and are not killed.
 bool IsTheAgent() {
   static const bool isAgent = std::string(program_invocation_short_name) == PROGRAM;
   return isAgent;

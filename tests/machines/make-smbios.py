@@ -2,8 +2,8 @@
 """Writes MACHINE/smbios.bin from MACHINE/smbios.json, as in: make-smbios.py intel-t2
 
 The description has the version ([3, 2]) and the structures in table order: type, handle, the fields
-behind the header in hexadecimal, and the texts. "length" gives a wrong length byte and "cut" drops
-bytes from the end of the table, for machines whose firmware is damaged.
+after the header in hexadecimal, and the texts. "length" sets a wrong length byte and "cut" removes bytes
+from the end of the table, for machines whose firmware is damaged.
 """
 import json
 import pathlib
@@ -23,7 +23,7 @@ def checksum(data):
 
 
 def short_entry_point(major, minor, table, count):
-    """The form of SMBIOS 2: a second anchor with a checksum of its own inside."""
+    """The entry point of SMBIOS 2: it contains a second anchor with its own checksum."""
     inner = b"_DMI_\0" + struct.pack("<HIHB", len(table), 0xE0000, count, major * 16 + minor)
     inner = inner[:5] + bytes([checksum(inner)]) + inner[6:]
     outer = b"_SM_\0" + struct.pack("<BBBHB5x", 31, major, minor, 256, 0) + inner

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Holds documents against the schemas of docs/schema.
+"""Validates documents against the schemas of docs/schema.
 
-Prints a line "WHERE: PROBLEM" for each problem. Exits with 0 if there is none, 1 if there are
-some, 2 on wrong use. Needs the package jsonschema.
+Prints a line "WHERE: PROBLEM" for each problem. Exits with 0 if there are no problems, 1 if
+there are some, 2 on wrong use. Needs the package jsonschema.
 """
 import argparse
 import json
@@ -16,7 +16,7 @@ FILLED = ("measured", "constant", "never")
 
 
 def join(base, reference):
-    """Resolves what the schemas use: a fragment, or a whole name; names like urn:x have no path."""
+    """Resolves the references of the schemas: a fragment or a whole name. Names like urn:x have no path."""
     return base.partition("#")[0] + reference if reference.startswith("#") else reference
 
 
@@ -41,20 +41,20 @@ class Schemas:
         return schema
 
     def resolve(self, place):
-        """Places from here along the references, the last one without a reference."""
+        """The places from here along the references; the last one has no reference."""
         places = [place]
         while "$ref" in self.target(places[-1]):
             places.append(join(places[-1], self.target(places[-1])["$ref"]))
         return places
 
     def annotation(self, place, key):
-        """An annotation, by reference if the schema itself has none."""
+        """An annotation of the schema or, if it has none, of those that it refers to."""
         found = (self.target(step).get(key) for step in self.resolve(place))
         return next((value for value in found if value), None)
 
 
 def objects(schema, place):
-    """Places below here that say which properties an object has."""
+    """The places from here on that define the properties of an object."""
     if "properties" in schema:
         yield place
     for key in ("properties", "$defs"):
@@ -74,7 +74,7 @@ def properties(schemas, place):
 
 
 def cover(schemas, place, value, seen):
-    """Adds the properties that a valid document has, wherever they are more than null."""
+    """Adds the properties of a valid document that are not null."""
     for step in schemas.resolve(place):
         schema = schemas.target(step)
         if isinstance(value, dict):
