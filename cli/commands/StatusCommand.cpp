@@ -94,8 +94,8 @@ OrderedJson PeriodicActions(const std::map<std::string, std::string>& data) {
   return list;
 }
 
-/// The files of a folder, by name, without those that an agent removes at the same time. Hidden ones
-/// are still being written.
+/// The files of a folder, by name, without those that an agent removes at the same time. Hidden
+/// ones are still being written.
 OrderedJson FilesIn(const fs::path& folder) {
   std::map<std::string, OrderedJson> files;
   boost::system::error_code error;

@@ -137,9 +137,8 @@ TEST_F(KobInventoryTest, EachSectionIsReportedByItsKeysInTheDocumentWhereItIsRet
     reported.insert(keys.begin(), keys.end());
   }
   std::set<std::string> keys;
-  for (const auto& section : Json::parse(ContentOf(PreviousDocument())).items()) {
-    keys.insert(section.key());
-  }
+  const Json document = Json::parse(ContentOf(PreviousDocument()));
+  for (const auto& section : document.items()) keys.insert(section.key());
   EXPECT_EQ(reported, keys);
   // Both retrievals whose facts go to more than one place, and one that has a place of its own.
   EXPECT_THAT(texts, IsSupersetOf({"+ setup, portConnectors", "+ memory, memorySlot",

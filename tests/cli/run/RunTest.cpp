@@ -121,10 +121,10 @@ TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   RunWell({"notify", "software"});
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   EXPECT_EQ(Status()["agent"]["running"][0]["action"], "1071 ACTION_TOTAL_INVENTORY");
-  EXPECT_TRUE(Eventually([&] { return Status()["agent"]["progress"][0]["at"] == "cdrom"; }));
+  EXPECT_TRUE(Eventually([&] { return Status()["agent"]["progress"][0]["at"] == "drivers"; }));
   EXPECT_THAT(
       RunWell({"status"}).output,
-      testing::ContainsRegex("progress: machine inventory, total, since 20[^ ]+: cdrom, [1-9]"
+      testing::ContainsRegex("progress: machine inventory, total, since 20[^ ]+: drivers, [1-9]"
                              "[0-9]* sections done\n"));
   ::kill(service->Id(), SIGTERM);
   ASSERT_TRUE(Logs("The service stops"));
