@@ -38,12 +38,12 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   return AllCommands().at(line.command)(line, output, errors);
 }
 
-/// Tells once of a wait for the database.
+/// Reports a wait for the database, once.
 class WaitNotice {
  public:
   explicit WaitNotice(std::ostream& errors) {
-    Common::AgentDatabase::SetWaitListener([&errors, told = false]() mutable {
-      if (std::exchange(told, true)) return;
+    Common::AgentDatabase::SetWaitListener([&errors, reported = false]() mutable {
+      if (std::exchange(reported, true)) return;
       errors << "norvik-agent: waiting for the database, which another program holds" << std::endl;
     });
   }

@@ -1,5 +1,7 @@
 // Headers of libraries that many sources include, compiled once and then loaded by each source. A
 // source still includes what it uses: the preset `tidy` compiles without this file.
+#include <wx/datetime.h>
+#include <wx/string.h>
 #include <algorithm>
 #include <atomic>
 #include <boost/algorithm/string/predicate.hpp>
@@ -31,5 +33,3 @@
 #include <unordered_map>
 #include <utility>
 #include <vector>
-#include <wx/datetime.h>
-#include <wx/string.h>

@@ -46,14 +46,14 @@ void SetNumber(ActionParameters& parameters, const std::string& key, const std::
 
 using Setter = void (*)(ActionParameters&, const std::string&, const std::string&);
 
-/// What stands behind the name of a key says how its value is read.
+/// How to read a value, by the suffix of its key.
 const std::map<std::string, Setter>& Setters() {
   static const std::map<std::string, Setter> setters = {
       {"", SetText}, {":bool", SetFlag}, {":u64", SetNumber}};
   return setters;
 }
 
-void Take(const std::string& argument, ActionParameters& parameters) {
+void AddParameter(const std::string& argument, ActionParameters& parameters) {
   const auto equals = argument.find('=');
   std::string key = argument.substr(0, equals);
   const auto colon = key.find(':');
@@ -82,7 +82,7 @@ unsigned int ParseActionCode(const std::string& text) {
 
 ActionParameters ParseActionParameters(const std::vector<std::string>& arguments) {
   ActionParameters parameters;
-  for (const auto& argument : arguments) Take(argument, parameters);
+  for (const auto& argument : arguments) AddParameter(argument, parameters);
   return parameters;
 }
 

@@ -7,12 +7,13 @@
 
 namespace Norvik::Cli {
 
-/// The code of an action that is told by its number or its name, in any letter case. Raises
-/// `UsageError` for a name that is none and a number that is no code.
+/// The code of an action, given as a decimal number or as a name in any letter case. Throws
+/// `UsageError` for an unknown name or a number out of range. A number need not be a known code.
 unsigned int ParseActionCode(const std::string& text);
 
-/// Parameters told as "key=value" (a text, as `wxString`), "key:bool=true", "key:bool=false" or
-/// "key:u64=123". Raises `UsageError` for anything else and for a key that comes twice.
+/// Parameters given as "key=value" (UTF-8 text, stored as `wxString`), "key:bool=true",
+/// "key:bool=false" or "key:u64=123" (stored as `unsigned long long`). Throws `UsageError` for
+/// anything else and for a duplicate key.
 Common::ActionParameters ParseActionParameters(const std::vector<std::string>& arguments);
 
 }  // namespace Norvik::Cli

@@ -47,15 +47,15 @@ int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& error
   return EXIT_FAILED;
 }
 
-/// Users that are connected to the agent that works with the same data folder, if one runs.
+/// Users connected to the running agent, if one runs on the same data folder.
 RehearsedCommunications::Sessions ConnectedSessions(const CommandLine& line) {
   RehearsedCommunications::Sessions sessions;
   try {
     const auto status = AskAgentIfRunning(line.socket, {{"request", "status"}});
     if (!status) return sessions;
-    boost::system::error_code differ;
+    boost::system::error_code ignored;
     const std::string folder = status->at("dataFolder");
-    if (!boost::filesystem::equivalent(folder, line.agent.dataFolder, differ)) return sessions;
+    if (!boost::filesystem::equivalent(folder, line.agent.dataFolder, ignored)) return sessions;
     for (const auto& session : status->at("sessions")) {
       sessions[session.at("session")].processId = session.at("processId");
     }

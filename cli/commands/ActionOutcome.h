@@ -9,19 +9,21 @@
 
 namespace Norvik::Cli {
 
-/// What came of an action, or would.
+/// The outcome of an action that ran or was rehearsed.
 struct ActionOutcome {
   Common::ActionResponse response;
-  std::vector<Common::TaskResponseInfo> statuses;
-  std::string failure;  ///< what the handler raised; empty if it returned
+  std::vector<Common::TaskResponseInfo> statuses;  ///< in the order in which they were reported
+  std::string failure;  ///< text of what the handler threw; empty if it returned
 
-  /// An action says in different ways that it failed.
+  /// An action can report a failure by an exception, by its text or by its last status.
   bool HasFailed() const;
   /// Why it failed, on one line; empty if the action does not say.
   std::string Reason() const;
 };
 
+/// {"code", "text", "success", "titles", "rows", "statuses"}
 OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome);
+/// The table, then the text, success and statuses, each on a line.
 std::string ToText(const ActionOutcome& outcome);
 
 }  // namespace Norvik::Cli

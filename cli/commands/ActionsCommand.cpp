@@ -11,7 +11,7 @@ using namespace Host;
 
 int RunActions(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   AgentOptions options = line.agent;
-  options.exclusive = false;  // nothing is run
+  options.exclusive = false;  // runs no action
   AgentHost host(options);
 
   std::map<unsigned int, std::string> registered;

@@ -20,18 +20,18 @@ namespace fs = boost::filesystem;
 using Documents::NamedText;
 using Combine = std::string (*)(const NamedText&, const NamedText&);
 
-/// Raises `UsageError` for a link, device or pipe: the document would take its place.
+/// Throws `UsageError` for a link, device or pipe, which the document would replace.
 void CheckOutput(const fs::path& file) {
   const auto type = fs::symlink_status(file).type();
   if (type == fs::regular_file || type == fs::file_not_found) return;
   throw UsageError("--output wants a new or a plain file, not " + file.string());
 }
 
-/// Writes what comes of the two documents that the line names.
-int Combined(const CommandLine& line, std::ostream& output, Combine combine) {
+/// Combines the two documents of the command line and writes the result.
+int WriteCombined(const CommandLine& line, std::ostream& output, Combine combine) {
   if (!line.outputFile.empty()) CheckOutput(line.outputFile);
   UseUtf8Characters();
-  // Only the answer is to be seen: nothing of the library's log.
+  // The library's log would mix with the answer.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   const auto read = [&](const fs::path& file) {
     return NamedText{file.string(), ReadDocument(file, line.agent.dataFolder / KEY_FOLDER)};
@@ -48,11 +48,11 @@ int Combined(const CommandLine& line, std::ostream& output, Combine combine) {
 }  // namespace
 
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  return Combined(line, output, Documents::ApplyIncrement);
+  return WriteCombined(line, output, Documents::ApplyIncrement);
 }
 
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  return Combined(line, output, Documents::DifferenceOf);
+  return WriteCombined(line, output, Documents::DifferenceOf);
 }
 
 }  // namespace Norvik::Cli

@@ -19,7 +19,7 @@ using namespace Host;
 
 namespace {
 
-/// Options as CLI11 fills them.
+/// Options as CLI11 stores them.
 struct Texts {
   std::string data;
   std::string configuration;
@@ -121,20 +121,20 @@ void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {
   message->add_option("TEXT", line.text, "the text")->required()->check(NotEmpty);
 }
 
-/// The machine's service has its socket where every user finds it; any other agent has it in its
-/// data folder.
+/// The socket of the machine's service is in a fixed place where every user finds it; that of any
+/// other agent is in its data folder.
 boost::filesystem::path DefaultSocket(const CommandLine& line) {
   const bool ofSystem = line.command == "user" || (!line.dataFolderGiven && ::geteuid() == 0);
   return ofSystem ? SYSTEM_SOCKET : line.agent.dataFolder / SOCKET_FILE;
 }
 
-/// A user may run a service as well, so the two keep apart.
+/// A user may also run a service, so the two have different folders.
 boost::filesystem::path DefaultFolderOf(const std::string& command) {
   const boost::filesystem::path folder = DefaultDataFolder();
   return command == "user" ? folder.string() + "-user" : folder;
 }
 
-void Take(const Texts& texts, CommandLine& line) {
+void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.dataFolderGiven = !texts.data.empty();
   line.agent.dataFolder = line.dataFolderGiven ? texts.data : DefaultFolderOf(line.command);
   line.socket = texts.socket.empty() ? DefaultSocket(line) : texts.socket;
@@ -150,8 +150,8 @@ void Take(const Texts& texts, CommandLine& line) {
   line.outputFile = texts.outputFile;
 }
 
-/// CLI11 turns the order of what it does not know, passes over it where something is missing as
-/// well, and its text for a missing or unknown command names none.
+/// CLI11 reverses the order of unknown arguments, does not report them if something is missing as
+/// well, and does not list the commands if one is missing or unknown.
 std::string TextOf(const CLI::ParseError& error, const CLI::App& program) {
   if (!program.get_subcommands().empty()) {
     const std::string unexpected = boost::join(program.remaining(true), " ");
@@ -180,7 +180,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   AddCommands(program, line, texts);
   AddCommandsOfRunningAgents(program, line);
 
-  // CLI11 takes them from the back.
+  // CLI11 reads them from the back.
   std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
   if (!reversed.empty()) reversed.pop_back();
   try {
@@ -195,7 +195,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     throw UsageError(TextOf(error, program));
   }
   line.command = program.get_subcommands().front()->get_name();
-  Take(texts, line);
+  ApplyOptions(texts, line);
   return line;
 }
 

@@ -8,32 +8,32 @@
 
 namespace Norvik::Cli {
 
-/// What the command line asks for.
+/// The parsed command line. A member that the command does not use keeps its default.
 struct CommandLine {
-  std::string command;  ///< empty: only `help` is to be shown
-  std::string help;
+  std::string command;  ///< empty: print `help` and do nothing else
+  std::string help;     ///< help or version text; set only without a command
   Host::AgentOptions agent;
-  boost::filesystem::path machine;  ///< recording that stands for this machine; empty: none
-  /// Of the running agent.
-  boost::filesystem::path socket;
-  bool dataFolderGiven = false;
+  boost::filesystem::path machine;  ///< folder of a recorded Mac; empty: this machine
+  boost::filesystem::path socket;   ///< of the running agent; never empty
+  bool dataFolderGiven = false;     ///< by --data; else `agent.dataFolder` is the default
   bool json = false;
-  // Of single commands.
+  // Options and arguments of single commands.
   bool incremental = false;
   bool scheduled = false;
   bool pretty = false;
   bool check = false;
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
-  boost::filesystem::path outputFile;  ///< empty: the answer goes to the output
-  std::string action;
+  boost::filesystem::path outputFile;  ///< empty: standard output
+  std::string action;                  ///< code or name, not checked yet
   bool rehearse = false;
-  std::vector<std::string> parameters;
-  std::string what;  ///< "software" or "hardware"
-  std::string text;
+  std::vector<std::string> parameters;  ///< of the action, not parsed yet
+  std::string what;                     ///< "software" or "hardware"
+  std::string text;                     ///< the message for the users
 };
 
-/// Reads the command line; the first argument is the program's name. Raises `UsageError`.
+/// Parses the command line and fills in the defaults. Opens no file. Throws `UsageError`.
+/// @param arguments the program's name and the words after it
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace Norvik::Cli

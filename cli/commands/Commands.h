@@ -6,35 +6,40 @@
 
 namespace Norvik::Cli {
 
-/// What an exit code of the program says.
+/// Exit codes of the program.
 enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
 
-// The commands of the program. Each writes its answer to `output` and what went wrong, one line
-// each, to `errors`, and answers an exit code. `UsageError` and other subclasses of
-// `std::exception` come out with the reason; nothing of an answer is written then.
+// The commands of the program. Each writes its answer to `output`, each failure as one line to
+// `errors`, and returns an exit code. It throws `UsageError` or another subclass of
+// `std::exception` with the reason as text if it has no answer. One at a time in a process.
 
+/// Takes a machine inventory.
 int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Takes a file inventory.
 int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Tells whether the next file inventory would list a path. Only looks.
+/// Explains whether the next file inventory would list a path. Changes nothing.
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Prints the document in a file of the outbox.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// The incremental document between two full ones.
+/// Prints the incremental document that leads from one full document to another.
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Runs one action of the module, or rehearses it.
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Lists the actions that the module registers.
 int RunActions(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Checks a configuration, and stores and applies it, by the running agent if there is one.
+/// Checks a configuration, then stores and applies it: through the running agent if there is one.
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Only looks: makes neither files nor folders, and loads no module.
+/// Shows the state of the agent. Creates no files or folders, and loads no module.
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Is the agent's service, until a signal ends it.
+/// Runs the agent's service until a signal ends it.
 int RunService(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Is the process of a logged-on user, until a signal ends it.
+/// Runs the process of a logged-on user until a signal ends it.
 int RunUser(const CommandLine& line, std::ostream& output, std::ostream& errors);
-// These have a running agent do something; no agent runs here.
+/// Notifies the running agent of changes to software or hardware.
 int RunNotify(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Lets the running agent show a message to the logged-on users.
 int RunMessage(const CommandLine& line, std::ostream& output, std::ostream& errors);
 
 }  // namespace Norvik::Cli

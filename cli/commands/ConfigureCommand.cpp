@@ -31,9 +31,9 @@ int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& 
   return EXIT_DONE;
 }
 
-/// The states of what it starts go to the server of the running agent.
-int TellThatAgentTookIt(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
-                        bool json, std::ostream& output) {
+/// Prints no statuses: those go to the server of the running agent.
+int ReportTakenByAgent(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
+                       bool json, std::ostream& output) {
   const auto stored = answer.value("stored", "");
   output << (json ? JsonLine({{"stored", stored}, {"profileId", configuration.profileId}})
                   : "configuration of profile " + std::to_string(configuration.profileId) +
@@ -50,11 +50,11 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
 
   const auto answer =
       AskAgentIfRunning(line.socket, {{"request", "configure"}, {"text", given.text}});
-  if (answer) return TellThatAgentTookIt(configuration, *answer, line.json, output);
+  if (answer) return ReportTakenByAgent(configuration, *answer, line.json, output);
 
   AgentOptions options = line.agent;
-  // The module is made with the configuration so far, so that it sees the change; but it looks at
-  // the server only when it is made.
+  // The module is created with the stored configuration, so that it notices the change. It reads
+  // the server's settings only on creation, so these are the new ones.
   options.communications = configuration.communications;
   AgentHost host(options);
   const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
@@ -70,10 +70,10 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   std::string text = "configuration of profile " + std::to_string(configuration.profileId) +
                      " is stored in " + stored.string() + " and applied\n";
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
-  const OrderedJson told = {{"stored", stored.string()},
-                            {"profileId", configuration.profileId},
-                            {"statuses", StatusesToJson(statuses)}};
-  output << (line.json ? JsonLine(told) : text);
+  const OrderedJson report = {{"stored", stored.string()},
+                              {"profileId", configuration.profileId},
+                              {"statuses", StatusesToJson(statuses)}};
+  output << (line.json ? JsonLine(report) : text);
   return EXIT_DONE;
 }
 

@@ -10,7 +10,8 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// Counts while the parser walks: depth 1 is the document's object, depth 2 a section's value.
+/// Counts during parsing. Depth 1 is inside the document's object, depth 2 inside a section's
+/// value.
 class Counter : public nlohmann::json_sax<Json> {
  public:
   std::map<std::string, SectionCount> counts;

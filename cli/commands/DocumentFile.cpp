@@ -49,7 +49,7 @@ std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
   const PrivateFolder folder;
   const fs::path archive = folder.Path() / "document.zip";
   try {
-    // The library follows no link; a user may name one.
+    // The library does not follow links, but a user may name one.
     Common::FileSealer(keys).Open(fs::is_symlink(file) ? fs::canonical(file) : file, archive);
     return Common::ReadArchive(archive);
   } catch (const std::exception& error) {
@@ -58,7 +58,7 @@ std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
 }
 
 std::string ReadDocument(const fs::path& file, const fs::path& keys) {
-  // A pipe can be read once only.
+  // A pipe can be read only once, so it is not tested.
   if (fs::is_regular_file(file) && Common::IsSealedFile(file))
     return ReadSealedDocument(file, keys);
   return ReadTextFile(file, MAX_DOCUMENT_BYTES);

@@ -16,7 +16,7 @@ using std::chrono::system_clock;
 
 constexpr char STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
 
-/// Null for a time that no run has written yet.
+/// Null for 0: no run has written this time yet.
 OrderedJson TimeOf(int seconds) {
   if (seconds == 0) return nullptr;
   return {{"seconds", seconds}, {"time", TimeText(system_clock::from_time_t(seconds))}};
@@ -28,11 +28,11 @@ OrderedJson ReadFileInventoryState() {
   if (!DataBase::ExistTable(STATUS_TABLE)) return nullptr;
   DataBase dataBase;
   const auto numbers = [&](const std::string& sentence) {
-    std::vector<int> answers;
+    std::vector<int> cells;
     for (const auto& row : dataBase.ExecuteSentence(sentence)) {
-      for (const auto& cell : row) answers.push_back(boost::get<int>(cell));
+      for (const auto& cell : row) cells.push_back(boost::get<int>(cell));
     }
-    return answers;
+    return cells;
   };
   const auto run =
       numbers(std::string("select id_state_harverting, date_begin, date_modified, date_end from ") +
@@ -51,7 +51,7 @@ std::string FileInventoryLine(const OrderedJson& state) {
   const auto timeOf = [&](const char* key) {
     return state[key].is_null() ? std::string("never") : state[key]["time"].get<std::string>();
   };
-  // The end of a run under way would be that of the run before it.
+  // During a run, the end is still that of the previous run.
   const bool hasEnded = state["state"] == static_cast<int>(Common::RudStatusFinished);
   return "file inventory: " + state["stateName"].get<std::string>() + ", begun " + timeOf("begin") +
          (hasEnded ? ", ended " + timeOf("end") : "") + ", " + state["files"].dump() + " files\n";

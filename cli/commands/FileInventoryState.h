@@ -6,11 +6,12 @@
 
 namespace Norvik::Cli {
 
-/// The state of the file inventory in the agent database; null if no run was recorded. Reads the
-/// database that this process has open, and changes nothing.
+/// The state of the file inventory in the agent database: {"state", "stateName", "begin",
+/// "modified", "end", "files"}, where a time is {"seconds", "time"} or null. Null if no run was
+/// recorded. Reads the database that this process has open, and throws what `DataBase` throws.
 OrderedJson ReadFileInventoryState();
 
-/// The same for people, on a line of its own.
+/// The same for people: one line with its newline.
 std::string FileInventoryLine(const OrderedJson& state);
 
 }  // namespace Norvik::Cli

@@ -27,13 +27,13 @@ unsigned int CodeFor(const CommandLine& line) {
                           : ACTION_FILE_INVENTORY_ON_DEMAND;
 }
 
-FilesReport Take(AgentHost& host, const CommandLine& line, const FilesRecorder& recorder) {
+FilesReport TakeInventory(AgentHost& host, const CommandLine& line, const FilesRecorder& recorder) {
   const auto start = steady_clock::now();
   try {
     // Waits also for the action that performs the inventory.
     host.Run(CodeFor(line), {});
   } catch (const std::exception&) {
-    // The host has logged it, and so it is among the problems.
+    // The host has logged it, so it is among the problems.
   }
   const std::chrono::duration<double> taken = steady_clock::now() - start;
   FilesReport report;
@@ -63,7 +63,7 @@ int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors
   AgentHost host(options);
 
   if (!line.json) progress = std::make_unique<FilesProgress>(output);
-  const FilesReport report = Take(host, line, *recorder);
+  const FilesReport report = TakeInventory(host, line, *recorder);
   progress.reset();
   if (line.json) {
     output << report.ToJsonText();

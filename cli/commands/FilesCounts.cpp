@@ -11,7 +11,7 @@ namespace Norvik::Cli {
 namespace {
 
 constexpr std::size_t PIECE_BYTES = 1 << 20;
-// No text of a document can hold it: a quote in a text has a backslash before it.
+// Cannot occur inside a JSON string, where a backslash comes before each quote.
 constexpr char STATUS_KEY[] = "\"fileStatus\":";
 constexpr std::size_t KEY_BYTES = sizeof(STATUS_KEY) - 1;
 
@@ -22,7 +22,7 @@ void CountOne(char status, FilesCounts& counts) {
   if (status == '3') ++counts.removed;
 }
 
-/// Answers where the part begins that the next piece may complete.
+/// Returns the start of the rest, which the next piece may complete.
 std::size_t CountIn(const std::string& text, FilesCounts& counts) {
   const char* const end = text.data() + text.size();
   const char* from = text.data();

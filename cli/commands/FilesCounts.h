@@ -5,8 +5,8 @@
 
 namespace Norvik::Cli {
 
-/// Files in the document of a file inventory, by what it says of them. A total document has only
-/// files of the first kind, an incremental one none of them.
+/// Files in the document of a file inventory by their status. A total document has only `total`, an
+/// incremental one only the others.
 struct FilesCounts {
   std::size_t total = 0;
   std::size_t added = 0;
@@ -14,8 +14,8 @@ struct FilesCounts {
   std::size_t removed = 0;
 };
 
-/// Counts without parsing, as the documents of a whole disk are large. Of a file that cannot be
-/// read, what could be.
+/// Counts without parsing, since the document of a whole disk is large. A file that cannot be read
+/// counts as far as it could be, without an error.
 FilesCounts CountFiles(const boost::filesystem::path& document);
 
 }  // namespace Norvik::Cli

@@ -38,7 +38,7 @@ void FilesProgress::Work() {
   while (!changed_.wait_for(lock, BETWEEN_LINES, [this] { return stopped_; })) WriteLineIfDue();
 }
 
-/// With `mutex_` held.
+/// The caller holds `mutex_`.
 void FilesProgress::WriteLineIfDue() {
   const auto time = steady_clock::now();
   if (phase_ == RudStatusFinished || time - lastLine_ < BETWEEN_LINES) return;

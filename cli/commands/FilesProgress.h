@@ -11,16 +11,19 @@
 
 namespace Norvik::Cli {
 
-/// Writes how far a file inventory is, a line at the start and at most one a second, until it is
-/// destroyed. Nothing else may write to the output until then.
+/// Prints the progress of a file inventory: a line when a phase begins and one each second, but at
+/// most one per second. Prints from two threads, so nothing else may write to the output until this
+/// object is destroyed.
 class FilesProgress {
  public:
+  /// @param output must outlive this object
   explicit FilesProgress(std::ostream& output);
   FilesProgress(const FilesProgress&) = delete;
   FilesProgress& operator=(const FilesProgress&) = delete;
   ~FilesProgress();
 
-  /// From any thread. `RudStatusFinished`: no phase, and so no lines.
+  /// Sets the current phase. `RudStatusFinished`: no phase, so no lines. Safe on any thread.
+  /// @param seen not null, except with `RudStatusFinished`
   void Enter(Common::RudStatus phase, std::shared_ptr<const Common::SeenCounts> seen);
 
  private:
@@ -35,7 +38,7 @@ class FilesProgress {
   std::shared_ptr<const Common::SeenCounts> seen_;  ///< not null during a phase
   std::chrono::steady_clock::time_point lastLine_;
   std::chrono::steady_clock::time_point scanSince_;
-  std::thread thread_;  ///< last, as it works with all the others
+  std::thread thread_;  ///< last, since it uses all the others
 };
 
 }  // namespace Norvik::Cli

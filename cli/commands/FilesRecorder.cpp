@@ -43,7 +43,7 @@ void FilesRecorder::PhaseEnded(const RunInfo& run, RudStatus phase, Duration tak
 void FilesRecorder::DocumentStepDone(const RunInfo& run, const DocumentStep& step) {
   RunRecorder::DocumentStepDone(run, step);
   if (!Follows(run) || step.kind != DocumentStep::WRITE) return;
-  // Now, although the run waits for it: the next steps remove the document.
+  // Counted here, although the run waits for it, because the next steps remove the document.
   const FilesCounts counts = CountFiles(step.target);
   const std::lock_guard<std::mutex> lock(mutex_);
   counts_ = counts;

@@ -10,21 +10,21 @@
 
 namespace Norvik::Cli {
 
-/// Collects what a file inventory reports.
+/// Collects what a file inventory reports. Safe on any thread.
 class FilesRecorder : public RunRecorder {
  public:
   using Seen = std::shared_ptr<const Common::SeenCounts>;
-  /// Called when a phase begins, and with `RudStatusFinished` when it ends, on the thread of the
-  /// inventory.
+  /// Called on the thread of the inventory: when a phase begins, and with `RudStatusFinished` when
+  /// it ends.
   using OnPhase = std::function<void(Common::RudStatus phase, const Seen& seen)>;
 
   explicit FilesRecorder(OnPhase onPhase);
 
   /// Seconds spent in each phase.
   std::map<Common::RudStatus, double> Phases() const;
-  /// Files in the document.
+  /// Files in the document; zeros until it is written.
   FilesCounts Counts() const;
-  /// Folders that were opened.
+  /// Number of folders opened so far.
   std::uint64_t Folders() const;
 
   void RunBegun(const Common::RunInfo& run) override;

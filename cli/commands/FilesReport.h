@@ -10,18 +10,18 @@
 
 namespace Norvik::Cli {
 
-/// What a run of the file inventory gave.
+/// The result of a file inventory, and its rendering.
 struct FilesReport : RunResult {
   FilesCounts counts;
-  std::uint64_t folders = 0;  ///< that were opened
-  std::map<Common::RudStatus, double> phases;
+  std::uint64_t folders = 0;                   ///< number of folders opened
+  std::map<Common::RudStatus, double> phases;  ///< seconds
 
-  /// Whether the run ended without a fault and its document, if there was anything to report, is in
-  /// the outbox.
+  /// Whether the run ended without a problem, with its document in the outbox or with nothing to
+  /// report.
   bool Succeeded() const;
 
   std::string ToText() const;
-  /// On one line, with a newline at its end.
+  /// One line with its newline.
   std::string ToJsonText() const;
 };
 

@@ -19,7 +19,7 @@ namespace {
 using namespace Common;
 using std::chrono::steady_clock;
 
-/// Of the full document of this run, which is kept for the next comparison.
+/// Counts of this run's full document, which is kept for the next comparison.
 std::map<std::string, SectionCount> CountsOfRun(const std::vector<DocumentStep>& steps) {
   const auto previous = Paths(Paths::PREVIOUS_INVENTORY, false).AppData();
   for (const auto& step : steps) {
@@ -31,12 +31,13 @@ std::map<std::string, SectionCount> CountsOfRun(const std::vector<DocumentStep>&
   return {};
 }
 
-InventoryReport Take(AgentHost& host, bool incremental, const InventoryRecorder& recorder) {
+InventoryReport TakeInventory(AgentHost& host, bool incremental,
+                              const InventoryRecorder& recorder) {
   const auto start = steady_clock::now();
   try {
     host.Run(incremental ? ACTION_INCREMENTAL_INVENTORY : ACTION_TOTAL_INVENTORY, {});
   } catch (const std::exception&) {
-    // The host has logged it, and so it is among the problems.
+    // The host has logged it, so it is among the problems.
   }
   const std::chrono::duration<double> taken = steady_clock::now() - start;
   InventoryReport report;
@@ -62,7 +63,7 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
   options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
   AgentHost host(options);
 
-  const InventoryReport report = Take(host, line.incremental, *recorder);
+  const InventoryReport report = TakeInventory(host, line.incremental, *recorder);
   output << (line.json ? report.ToJsonText() : report.ToText());
   for (const auto& problem : report.problems) {
     errors << "norvik-agent: " << OnOneLine(problem) << std::endl;

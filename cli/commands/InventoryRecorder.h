@@ -8,19 +8,20 @@
 
 namespace Norvik::Cli {
 
-/// Sections of the document that are retrieved together.
+/// Sections of the document that one retrieval fills.
 struct RetrievedSections {
   Common::SectionKeys keys;
-  double seconds = 0;  ///< of all their retrievals
+  double seconds = 0;  ///< sum of all their retrievals
 
   /// "setup, portConnectors"
   std::string Name() const;
 };
 
-/// Collects what a machine inventory reports.
+/// Collects what a machine inventory reports. Safe on any thread.
 class InventoryRecorder : public RunRecorder {
  public:
-  /// Called when sections are retrieved for the first time, on the thread that retrieves them.
+  /// Called when sections are retrieved for the first time, on the thread that retrieves them. It
+  /// must not call the recorder, which is locked.
   using OnSections = std::function<void(const RetrievedSections& sections)>;
 
   explicit InventoryRecorder(OnSections onSections);

@@ -13,7 +13,7 @@ namespace {
 using Common::TaskResponseInfo;
 using Records = std::map<std::string, SectionCount>;
 
-/// "one record, 3": what the document has under each of the keys.
+/// "one record, 3": the records under each of the keys.
 std::string RecordsText(const Common::SectionKeys& keys, const Records& records) {
   std::string text;
   for (const auto& key : keys) {

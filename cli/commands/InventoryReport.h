@@ -10,19 +10,19 @@
 
 namespace Norvik::Cli {
 
-/// What a run of the machine inventory gave.
+/// The result of a machine inventory, and its rendering.
 struct InventoryReport : RunResult {
   std::vector<RetrievedSections> sections;
-  /// By the keys of the full document; empty if there is none.
+  /// By the keys of the full document; empty if no full document was kept.
   std::map<std::string, SectionCount> records;
 
-  /// "incremental" or "total", as it was sent; empty if nothing was.
+  /// "incremental" or "total", as it was sent; empty if nothing was sent.
   std::string SentKind() const { return File().empty() ? "" : kind; }
-  /// Whether a document is in the outbox and every step on its way worked.
+  /// Whether a document is in the outbox, every step to it worked and no task failed.
   bool Succeeded() const;
 
   std::string ToText() const;
-  /// On one line, with a newline at its end.
+  /// One line with its newline.
   std::string ToJsonText() const;
 };
 

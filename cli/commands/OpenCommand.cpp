@@ -10,7 +10,7 @@ namespace Norvik::Cli {
 using namespace Host;
 
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  // Only the answer is to be seen: nothing of the library's log.
+  // The library's log would mix with the answer.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   std::string document = ReadSealedDocument(line.file, line.agent.dataFolder / KEY_FOLDER);
   if (line.pretty) document = Documents::Indented({line.file.string(), document});

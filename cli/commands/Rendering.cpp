@@ -33,7 +33,7 @@ std::string PlainText(const OrderedJson& cell) {
   return cell.is_null() ? "" : cell.dump();
 }
 
-/// Characters, not bytes.
+/// Number of characters, not bytes.
 std::size_t WidthOf(const std::string& text) {
   const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
     return (static_cast<unsigned char>(c) & 0xC0) != 0x80;

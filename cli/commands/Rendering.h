@@ -12,7 +12,7 @@ namespace Norvik::Cli {
 
 using Host::OrderedJson;
 
-/// A cell of a response's table: numbers and truth values as such, everything else as text.
+/// A cell of a response's table: numbers and booleans as such, everything else as text.
 OrderedJson CellToJson(const Common::ActionPropertyValue& value);
 
 /// [{"status":7,"message":""}]
@@ -21,13 +21,14 @@ OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses
 /// [{"step":"compress","success":true}]
 OrderedJson StepsToJson(const std::vector<Common::DocumentStep>& steps);
 
-/// As "7 started", with the message behind.
+/// "7 started", or "7 started: message"
 std::string StatusText(const Common::TaskResponseInfo& status);
 
-/// Rows of cells in columns, each as wide as its widest cell; numbers are set to the right.
+/// Aligned columns, each as wide as its widest cell, with two spaces between them; one line per
+/// row. Numbers are aligned right. Widths count characters, not bytes.
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows);
 
-/// As "0.123 s".
+/// "0.123 s"
 std::string SecondsText(double seconds);
 
 }  // namespace Norvik::Cli

@@ -22,16 +22,16 @@ namespace {
 
 using Common::OnOneLine;
 
-void TellThatItRuns(const CommandLine& line, const char* what,
-                    const boost::filesystem::path& dataFolder, std::ostream& output) {
-  const OrderedJson told = {{"running", what},
-                            {"processId", ::getpid()},
-                            {"dataFolder", dataFolder.string()},
-                            {"socket", line.socket.string()}};
+void ReportRunning(const CommandLine& line, const char* what,
+                   const boost::filesystem::path& dataFolder, std::ostream& output) {
+  const OrderedJson report = {{"running", what},
+                              {"processId", ::getpid()},
+                              {"dataFolder", dataFolder.string()},
+                              {"socket", line.socket.string()}};
   const std::string text = std::string("the ") + what + " runs as process " +
                            std::to_string(::getpid()) + " on " + dataFolder.string() + ", socket " +
                            line.socket.string() + "\n";
-  output << (line.json ? JsonLine(told) : text) << std::flush;
+  output << (line.json ? JsonLine(report) : text) << std::flush;
 }
 
 /// Runs an agent until a signal ends it.
@@ -41,11 +41,11 @@ int RunUntilStopped(Agent& agent, StopSignals& signals) {
   const int signal = signals.Wait([&] { agent.Reload(); });
   NORVIK_INFORMATION(boost::format("Signal %1% ends the process") % signal);
   if (agent.Stop()) return EXIT_DONE;
-  // Threads still use what a return would destroy.
+  // Threads still use objects that a return would destroy.
   std::_Exit(EXIT_DONE);
 }
 
-/// A text for the user, line by line: what else it holds could steer a terminal.
+/// A text for the user, line by line. Other control characters could act on a terminal.
 std::string Lines(const std::string& title, const std::string& text) {
   std::string lines;
   for (std::size_t start = 0; start <= text.size();) {
@@ -61,7 +61,7 @@ std::string Lines(const std::string& title, const std::string& text) {
 int RunService(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   StopSignals signals;
   ServiceRun service(line.agent, line.socket);
-  TellThatItRuns(line, "service", service.DataFolder(), output);
+  ReportRunning(line, "service", service.DataFolder(), output);
   return RunUntilStopped(service, signals);
 }
 
@@ -72,7 +72,7 @@ int RunUser(const CommandLine& line, std::ostream& output, std::ostream& /*error
     output << (line.json ? JsonLine({{title, text}}) : Lines(title, text)) << std::flush;
     ShowNotice(text);
   });
-  TellThatItRuns(line, "user's process", user.DataFolder(), output);
+  ReportRunning(line, "user's process", user.DataFolder(), output);
   return RunUntilStopped(user, signals);
 }
 

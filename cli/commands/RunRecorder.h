@@ -8,13 +8,14 @@
 
 namespace Norvik::Cli {
 
-/// Collects what runs of one kind report, and the errors in the log.
+/// Collects what runs of one kind report, and the errors in the log. Safe on any thread.
 class RunRecorder : public StatusRecorder {
  public:
   explicit RunRecorder(Common::RunKind kind) : kind_(kind) {}
 
-  /// Keeps the lines of level 2 as problems.
+  /// Adds a line of level 2 to the problems, and ignores all others.
   void See(const Host::LogLine& line);
+  /// What was collected so far. `requestedIncremental` and `seconds` are left to the caller.
   RunResult Result() const;
 
   void KindDecided(const Common::RunInfo& run, bool incremental) override;

@@ -10,21 +10,23 @@
 
 namespace Norvik::Cli {
 
-/// What a run of an inventory gave.
+/// The result of an inventory.
 struct RunResult {
   bool requestedIncremental = false;
-  double seconds = 0;
+  double seconds = 0;          ///< of the whole command
   std::string kind;            ///< "incremental" or "total", as it ran; empty if nothing ran
-  std::string fallbackReason;  ///< why a total one took the place of an incremental one; or empty
+  std::string fallbackReason;  ///< why it was total instead of incremental; or empty
   std::string refusal;         ///< why the request was refused; or empty
   bool nothingToSend = false;
-  std::vector<Common::DocumentStep> steps;  ///< without WRITE
+  std::vector<Common::DocumentStep> steps;  ///< in order, without WRITE
   std::vector<Common::TaskResponseInfo> statuses;
-  std::vector<std::string> problems;  ///< in the order in which they were logged or found
+  std::vector<std::string> problems;  ///< errors logged or found, in order
 
-  /// The file in the outbox; empty if there is none.
+  /// The file that was moved to the outbox; empty if no file was.
   boost::filesystem::path File() const;
+  /// The present size of `File()`; 0 if it does not exist.
   std::uintmax_t Bytes() const;
+  /// True also without any step.
   bool AllStepsDone() const;
 };
 

@@ -30,7 +30,7 @@ boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& so
 
 namespace {
 
-/// As "progress: file inventory, total, since TIME: scanning, 10 folders, 200 files".
+/// "progress: file inventory, total, since TIME: scanning, 10 folders, 200 files".
 std::string ProgressLine(const OrderedJson& run) {
   const bool ofFiles = run.value("inventory", "") == "files";
   const auto part = [&](const char* key) {

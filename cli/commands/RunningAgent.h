@@ -7,15 +7,16 @@
 
 namespace Norvik::Cli {
 
-/// Sends a request to the agent that serves the socket; see `AgentRequests`. Throws `UsageError`
-/// for what it calls wrong use, and `std::runtime_error` if no agent answers or it refuses.
+/// Sends a request to the agent that serves the socket, waits for the answer and returns it: a JSON
+/// object. See `AgentRequests` for the requests. Throws `UsageError` if the agent reports wrong
+/// use, and `std::runtime_error` if no agent answers or it refuses.
 OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const OrderedJson& request);
 
-/// The same, but empty if no agent answers.
+/// The same, but returns an empty value if no agent answers.
 boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& socket,
                                                const OrderedJson& request);
 
-/// The answer of a running agent to "status", as lines; null: no agent runs.
+/// The lines for a running agent's answer to "status". Null: no agent runs.
 std::string RunningAgentLines(const OrderedJson& agent);
 
 }  // namespace Norvik::Cli

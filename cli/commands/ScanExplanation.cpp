@@ -20,7 +20,7 @@ ScanExplanation NotListed(const char* rule, const std::string& reason) {
   return {false, rule, reason};
 }
 
-/// Opens a folder as the scan does. Returns why the scan skips it, if it does.
+/// Opens a folder as the scan does. Returns the reason if the scan skips it, else nothing.
 boost::optional<ScanExplanation> Enter(Platform::DirectoryReader& reader, const ScanRules& rules,
                                        const std::string& folder) {
   if (rules.IsExcludedFolder(folder)) {
@@ -73,7 +73,7 @@ ScanExplanation Explain(ScanRules::Verdict verdict, const std::string& path,
                        "all lower case");
 }
 
-/// The names on the way from the root to the path; none if the path is not below the root.
+/// The names on the path below the root. Empty if the path is outside the root.
 boost::optional<std::vector<std::string>> StepsFrom(const std::string& root,
                                                     const std::string& path) {
   if (path == root) return std::vector<std::string>();

@@ -31,7 +31,7 @@ OrderedJson TimeToJson(system_clock::time_point time) {
   return {{"seconds", system_clock::to_time_t(time)}, {"time", TimeText(time)}};
 }
 
-/// What the agent database holds; empty if there is no database.
+/// Content of the agent database; empty without a database.
 struct Stored {
   std::map<std::string, std::string> data;  ///< rows of the "DATA" table
   OrderedJson fileInventory;
@@ -94,8 +94,8 @@ OrderedJson PeriodicActions(const std::map<std::string, std::string>& data) {
   return list;
 }
 
-/// The files of a folder, by name, without those that an agent removes at the same time. Hidden
-/// ones are still being written.
+/// The files of a folder, by name. Leaves out hidden files, which are still being written, and
+/// those that an agent removes meanwhile.
 OrderedJson FilesIn(const fs::path& folder) {
   std::map<std::string, OrderedJson> files;
   boost::system::error_code error;
@@ -115,7 +115,7 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
-/// The status of a running agent; null if no agent answers, or it refuses.
+/// The status of the running agent; null if no agent answers or it refuses.
 OrderedJson AskForStatus(const fs::path& socket) {
   try {
     return AskRunningAgent(socket, {{"request", "status"}});

@@ -7,7 +7,7 @@
 
 namespace Norvik::Cli {
 
-/// Keeps the states that tasks report, in order.
+/// Records the statuses that tasks report, in order. Safe on any thread.
 class StatusRecorder : public Common::IProgressListener {
  public:
   void TaskReported(const Common::TaskResponseInfo& status) override {
@@ -21,7 +21,7 @@ class StatusRecorder : public Common::IProgressListener {
   }
 
  protected:
-  mutable std::mutex mutex_;
+  mutable std::mutex mutex_;  ///< guards the members of derived classes as well
 
  private:
   std::vector<Common::TaskResponseInfo> statuses_;

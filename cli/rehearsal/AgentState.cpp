@@ -27,7 +27,7 @@ AgentState::Table ReadTable(V2::DataBase& dataBase, const std::string& name) {
   dataBase.VisitRows("select * from \"" + name + "\"", [&](V2::DataBaseRow& row) {
     std::size_t hash = 0;
     for (const auto& cell : row) boost::hash_combine(hash, boost::hash_value(cell));
-    // Summed up, so that the order in which rows are stored does not matter.
+    // A sum, so that the order of the rows does not matter.
     table.fingerprint += hash;
     ++table.rows;
   });
@@ -61,7 +61,7 @@ AgentState::File ReadFile(const fs::path& path) {
   return {fs::file_size(path), hash};
 }
 
-/// What is no document, key or setting.
+/// These files change with every run.
 bool IsOfTheDatabaseOrLog(const std::string& file) {
   return boost::starts_with(file, SQLiteNames::SQLITE_CURRENT_DATABASE_NAME) ||
          boost::starts_with(file, std::string(LOG_FOLDER) + "/") || file == LOCK_FILE;
@@ -75,9 +75,10 @@ void ReadFiles(const fs::path& folder, AgentState& state) {
   }
 }
 
-/// Calls `take(key, before, after)` for each key of two maps; null: the key is absent.
-template <class Map, class Take>
-void ForEachKey(const Map& before, const Map& after, Take take) {
+/// Calls `visit(key, before, after)` with pointers to the values for each key of two maps. Null:
+/// the map has no such key.
+template <class Map, class Visit>
+void ForEachKey(const Map& before, const Map& after, Visit visit) {
   const auto find = [](const Map& map, const auto& key) {
     const auto found = map.find(key);
     return found == map.end() ? nullptr : &found->second;
@@ -86,7 +87,7 @@ void ForEachKey(const Map& before, const Map& after, Take take) {
   for (const Map* map : {&before, &after}) {
     for (const auto& entry : *map) keys.insert(entry.first);
   }
-  for (const auto& key : keys) take(key, find(before, key), find(after, key));
+  for (const auto& key : keys) visit(key, find(before, key), find(after, key));
 }
 
 template <class Value>

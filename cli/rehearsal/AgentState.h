@@ -9,7 +9,8 @@
 
 namespace Norvik::Cli {
 
-/// What an agent keeps, at one moment.
+/// What an agent stores, at one moment. Large content is kept as a fingerprint: a hash that is
+/// comparable within one process only.
 struct AgentState {
   struct File {
     std::uintmax_t bytes = 0;
@@ -20,16 +21,19 @@ struct AgentState {
     std::uint64_t fingerprint = 0;
   };
 
-  /// Values of the tables of keys, by table and key.
+  /// Values of the key-value tables, by table and key.
   std::map<std::pair<std::string, std::string>, std::string> values;
-  std::map<std::string, Table> tables;  ///< the others
-  std::map<std::string, File> files;    ///< by their paths in the data folder
+  std::map<std::string, Table> tables;  ///< all other tables
+  std::map<std::string, File> files;    ///< by path relative to the data folder
 };
 
-/// Looks at the files of a data folder and at the database of this process.
+/// Reads the files of a data folder, except the database, the log and the lock, and the tables of
+/// the database that this process has open. Throws a subclass of `std::exception` if something
+/// cannot be read.
 AgentState ReadAgentState(const boost::filesystem::path& dataFolder);
 
-/// How a value, a table or a file differs between two states. What is absent is empty.
+// How a value, a table or a file differs between two states. Empty stands for absent.
+
 struct ValueChange {
   std::string table;
   std::string key;
@@ -42,7 +46,7 @@ struct TableChange {
   std::uint64_t rowsAfter = 0;
 };
 struct FileChange {
-  std::string file;
+  std::string file;  ///< path relative to the data folder
   boost::optional<std::uintmax_t> bytesBefore;
   boost::optional<std::uintmax_t> bytesAfter;
 };
@@ -52,6 +56,7 @@ struct StateChanges {
   std::vector<FileChange> files;
 };
 
+/// Each list is sorted by its keys. Tables that only one of the states has are left out.
 StateChanges Compare(const AgentState& before, const AgentState& after);
 
 }  // namespace Norvik::Cli

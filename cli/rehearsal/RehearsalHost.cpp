@@ -17,9 +17,9 @@ using namespace Common;
 using namespace Host;
 namespace fs = boost::filesystem;
 
-/// What lies behind the first `count`.
+/// The items after the first `count`.
 template <class Item>
-std::vector<Item> Behind(const std::vector<Item>& items, std::size_t count) {
+std::vector<Item> After(const std::vector<Item>& items, std::size_t count) {
   return {items.begin() + static_cast<std::ptrdiff_t>(count), items.end()};
 }
 
@@ -69,18 +69,18 @@ RehearsedAction RehearsalHost::Run(unsigned int code, const ActionParameters& pa
   } catch (const std::exception& error) {
     rehearsed.failure = *error.what() ? error.what() : "the action raised an exception";
   }
-  rehearsed.steps = Behind(rehearsal_.Steps(), stepsBefore);
-  rehearsed.started = Behind(actions_->Started(), startedBefore);
+  rehearsed.steps = After(rehearsal_.Steps(), stepsBefore);
+  rehearsed.started = After(actions_->Started(), startedBefore);
   rehearsed.messages = communications_->Kept();
   rehearsed.changes = Compare(before, ReadAgentState(copy_.Path()));
   const std::lock_guard<std::mutex> lock(logMutex_);
-  rehearsed.logged = Behind(logged_, loggedBefore);
+  rehearsed.logged = After(logged_, loggedBefore);
   return rehearsed;
 }
 
 std::string RehearsalHost::InOriginal(const std::string& text) const {
   const fs::path& copy = copy_.Path();
-  // By its last part where that does, which looks the same in any notation.
+  // A copy inside the data folder is found by its name, however the path to it is written.
   const bool isInside = fs::exists(original_);
   return isInside ? boost::erase_all_copy(text, "/" + copy.filename().string())
                   : boost::replace_all_copy(text, copy.string(), original_.string());

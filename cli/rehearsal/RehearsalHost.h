@@ -19,22 +19,22 @@ namespace Norvik::Cli {
 /// What an action would do.
 struct RehearsedAction {
   Common::ActionResponse response;
-  std::string failure;  ///< what the handler raised; empty if it returned
+  std::string failure;  ///< text of what the handler threw; empty if it returned
   std::vector<Platform::RehearsedStep> steps;
-  std::vector<StartedAction> started;
+  std::vector<StartedAction> started;  ///< other actions, in order
   RehearsedCommunications::Messages messages;
   StateChanges changes;
-  /// Errors and warnings that the log would get, in order.
+  /// Errors and warnings for the log, in order.
   std::vector<std::pair<Common::Logger::Level, std::string>> logged;
 };
 
-/// An agent that does nothing: the module runs in it on a copy of the data folder, under a
-/// rehearsal of the machine, with nobody to talk to. One at a time in a process, and none beside an
-/// `AgentHost`.
+/// An agent that changes nothing: its module runs on a copy of the data folder, under a rehearsal
+/// of the machine, without a server or users. At most one at a time in a process, and not together
+/// with an `AgentHost`. Not for several threads.
 class RehearsalHost {
  public:
-  /// Raises as `AgentHost` does.
-  /// @param sessions which users count as connected
+  /// Throws as `AgentHost` does. Does not create the data folder.
+  /// @param sessions the users that count as connected
   explicit RehearsalHost(const Host::AgentOptions& options,
                          const RehearsedCommunications::Sessions& sessions = {});
   RehearsalHost(const RehearsalHost&) = delete;
@@ -42,13 +42,15 @@ class RehearsalHost {
   ~RehearsalHost();
 
   Common::IModule& Module() { return *assembled_->module; }
-  /// For one call.
+  /// Runs an action, and the second half of a file inventory if the action starts one. What the
+  /// handler throws becomes `failure`. Call it once: `messages` holds all messages since the host
+  /// was made.
   RehearsedAction Run(unsigned int code, const Common::ActionParameters& parameters);
-  /// A text in which the paths of the copy are those of the data folder itself.
+  /// The text with the paths of the copy replaced by those of the data folder.
   std::string InOriginal(const std::string& text) const;
 
  private:
-  /// Has the paths of the process lead into a folder.
+  /// Makes a folder the data folder of the process, and restores the former one.
   struct PathsScope {
     explicit PathsScope(const boost::filesystem::path& folder);
     PathsScope(const PathsScope&) = delete;
@@ -60,7 +62,7 @@ class RehearsalHost {
   const boost::filesystem::path original_;
   const Host::DataFolderCopy copy_;
   const PathsScope paths_;
-  // In the order in which they need each other; the module goes first.
+  // Each member needs those above it; the module is destroyed first.
   Platform::Rehearsal rehearsal_;
   std::mutex logMutex_;
   std::vector<std::pair<Common::Logger::Level, std::string>> logged_;

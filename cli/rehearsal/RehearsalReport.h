@@ -7,15 +7,16 @@
 
 namespace Norvik::Cli {
 
-/// Tells what an action would do.
+/// Renders what an action would do.
 class RehearsalReport {
  public:
   RehearsalReport(unsigned int code, const RehearsedAction& action);
 
   const ActionOutcome& Outcome() const { return outcome_; }
-  /// One thing a line; many questions to one program, one behind the other, on one line together.
+  /// One step, message, action or change per line. More than three queries of one program in a row
+  /// share a line.
   std::string ToText() const;
-  /// What `action` answers, and further keys.
+  /// The JSON of `ToJson` for the outcome, with the further key "rehearsal".
   OrderedJson ToJson() const;
 
  private:

@@ -16,7 +16,7 @@ using std::chrono::seconds;
 
 namespace {
 
-/// The code behind a name; 0 if there is none.
+/// The code of an action by its name; 0 for an unknown name.
 unsigned int CodeOf(const std::string& name) {
   const auto* const found =
       std::find_if(std::begin(ACTION_NAMES), std::end(ACTION_NAMES),

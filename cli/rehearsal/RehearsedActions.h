@@ -9,22 +9,24 @@
 
 namespace Norvik::Cli {
 
-/// An action that another one has started under a rehearsal.
+/// An action that another one started during a rehearsal.
 struct StartedAction {
   enum Kind { RUN, QUEUED, ONCE, PERIODIC, REPLACED_PERIODIC, SCHEDULED };
 
   Kind kind = RUN;
-  unsigned int code = 0;  ///< 0: not known, as that of an action that is handed on by itself
+  unsigned int code = 0;  ///< 0: unknown, for an action without a known name
   std::string name;
-  std::chrono::seconds delay{0};   ///< of one that runs once
-  std::chrono::seconds period{0};  ///< of a periodic one
-  std::chrono::system_clock::time_point next;
+  std::chrono::seconds delay{0};               ///< of ONCE
+  std::chrono::seconds period{0};              ///< of PERIODIC and those after it
+  std::chrono::system_clock::time_point next;  ///< likewise: when it would run first
 };
 
-/// Keeps what is started and runs nothing, but for what is to run before the call returns. The
-/// states of periodic actions go to the agent data as those of an agent would.
+/// Records the actions that are started and runs none, except those of `RunAction`, which run
+/// before the call returns. The states of periodic actions are written to the agent data as in a
+/// running agent. Safe on any thread.
 class RehearsedActions : public Host::HostActions {
  public:
+  /// @param scheduleData stores the state of the schedules given to `AddSchedule`
   explicit RehearsedActions(const Common::AgentData& scheduleData);
   ~RehearsedActions() override;
 
@@ -40,8 +42,10 @@ class RehearsedActions : public Host::HostActions {
   void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
                        const Common::ActionTiming& timing) override;
 
+  /// All actions started so far, in order.
   std::vector<StartedAction> Started() const;
-  /// What was started as the second half of the action itself, oldest first; each once.
+  /// Removes and returns the actions that were started as the second half of another one, oldest
+  /// first. The caller runs them.
   std::vector<Common::ModuleAction> TakeContinuations();
 
  private:
@@ -50,7 +54,7 @@ class RehearsedActions : public Host::HostActions {
   mutable std::mutex mutex_;
   std::vector<StartedAction> started_;
   std::vector<Common::ModuleAction> continuations_;
-  Host::ActionSystem stopped_;  ///< starts nothing, and keeps the states
+  Host::ActionSystem stopped_;  ///< runs nothing on its threads, and writes the states
 };
 
 }  // namespace Norvik::Cli
