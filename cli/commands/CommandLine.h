@@ -14,7 +14,7 @@ struct CommandLine {
   std::string help;     ///< help or version text; set only without a command
   Host::AgentOptions agent;
   boost::filesystem::path machine;  ///< folder of a recorded Mac; empty: this machine
-  boost::filesystem::path socket;   ///< of the running agent; never empty
+  boost::filesystem::path socket;   ///< of the running agent
   bool dataFolderGiven = false;     ///< by --data; else `agent.dataFolder` is the default
   bool json = false;
   // Options and arguments of single commands.
@@ -32,7 +32,7 @@ struct CommandLine {
   std::string text;                     ///< the message for the users
 };
 
-/// Parses the command line and fills in the defaults. Opens no file. Throws `UsageError`.
+/// Parses the command line and fills in the defaults. Throws `UsageError`.
 /// @param arguments the program's name and the words after it
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 

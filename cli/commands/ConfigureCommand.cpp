@@ -32,8 +32,8 @@ int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& 
 }
 
 /// Prints no statuses: those go to the server of the running agent.
-int ReportTakenByAgent(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
-                       bool json, std::ostream& output) {
+int ReportAppliedByAgent(const AgentConfigurationInfo& configuration, const OrderedJson& answer,
+                         bool json, std::ostream& output) {
   const auto stored = answer.value("stored", "");
   output << (json ? JsonLine({{"stored", stored}, {"profileId", configuration.profileId}})
                   : "configuration of profile " + std::to_string(configuration.profileId) +
@@ -50,7 +50,7 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
 
   const auto answer =
       AskAgentIfRunning(line.socket, {{"request", "configure"}, {"text", given.text}});
-  if (answer) return ReportTakenByAgent(configuration, *answer, line.json, output);
+  if (answer) return ReportAppliedByAgent(configuration, *answer, line.json, output);
 
   AgentOptions options = line.agent;
   // The module is created with the stored configuration, so that it notices the change. It reads

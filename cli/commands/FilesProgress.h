@@ -11,8 +11,8 @@
 
 namespace Norvik::Cli {
 
-/// Prints the progress of a file inventory: a line when a phase begins and one each second, but at
-/// most one per second. Prints from two threads, so nothing else may write to the output until this
+/// Prints the progress of a file inventory: a line at the start, then at most one per second.
+/// Prints from a thread of its own as well, so nothing else may write to the output until this
 /// object is destroyed.
 class FilesProgress {
  public:

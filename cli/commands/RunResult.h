@@ -13,7 +13,7 @@ namespace Norvik::Cli {
 /// The result of an inventory.
 struct RunResult {
   bool requestedIncremental = false;
-  double seconds = 0;          ///< of the whole command
+  double seconds = 0;          ///< of the action that runs it
   std::string kind;            ///< "incremental" or "total", as it ran; empty if nothing ran
   std::string fallbackReason;  ///< why it was total instead of incremental; or empty
   std::string refusal;         ///< why the request was refused; or empty

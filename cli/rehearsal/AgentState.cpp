@@ -61,7 +61,7 @@ AgentState::File ReadFile(const fs::path& path) {
   return {fs::file_size(path), hash};
 }
 
-/// These files change with every run.
+/// Such files hold no document, key or setting.
 bool IsOfTheDatabaseOrLog(const std::string& file) {
   return boost::starts_with(file, SQLiteNames::SQLITE_CURRENT_DATABASE_NAME) ||
          boost::starts_with(file, std::string(LOG_FOLDER) + "/") || file == LOCK_FILE;

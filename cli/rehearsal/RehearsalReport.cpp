@@ -24,7 +24,7 @@ bool IsPeriodic(const StartedAction& action) { return action.kind >= StartedActi
 
 std::string FirstWord(const std::string& text) { return text.substr(0, text.find(' ')); }
 
-/// One line that shows every byte: a newline in a shell line separates two commands.
+/// One line, with control characters escaped: a newline in a shell line separates two commands.
 std::string Line(const std::string& what, const std::string& text) {
   std::string line = what + ": ";
   for (const char c : text) {

@@ -26,7 +26,7 @@ class AgentProgram : public ProgramTest {
     for (const auto& item : fs::directory_iterator(folder)) files.push_back(item.path());
     return files;
   }
-  /// Each section of the document is named once, by its key, and those that the host gathers come
+  /// Each section of the document is named once, by its key. Those that the host gathers come
   /// first.
   static void ExpectSectionsOf(const PlainJson& document, const PlainJson& sections) {
     Words names;
@@ -171,7 +171,7 @@ TEST_F(AgentProgram, StoresAConfigurationAndHandsItToTheModule) {
   ASSERT_NE(entry, status["periodic"].end()) << status;
   EXPECT_EQ((*entry)["periodSeconds"], 86400);
   EXPECT_EQ((*entry)["name"], "ACTION_INCREMENTAL_INVENTORY");
-  EXPECT_GT((*entry)["next"], 1767225600);  // the first time that is not past
+  EXPECT_GT((*entry)["next"], 1767225600);  // the first time in the future
 
   const auto profileIn = [&](const Words& words) {
     return Ask({"open", Ask(words)["file"]})["agentConfiguration"]["profileId"];

@@ -79,7 +79,7 @@ TEST(ActionArguments, RefusesWhatIsNoParameterAndNamesIt) {
   }
 }
 
-/// Empty if it is none.
+/// Empty if there is no such action.
 std::string CodeIn(const std::string& action) {
   try {
     return std::to_string(ParseActionCode(action));

@@ -15,7 +15,7 @@ using PlainJson = nlohmann::json;
 namespace fs = boost::filesystem;
 using testing::HasSubstr;
 
-/// On a disk of which the program sees one folder.
+/// The program scans only one folder of the disk.
 class FilesCommand : public ProgramTest {
  protected:
   FilesCommand() {
@@ -72,7 +72,7 @@ TEST_F(FilesCommand, TellsOfAllFilesAndThenOfWhatHasChanged) {
   EXPECT_THAT(shown, HasSubstr("document: none, there is nothing to tell"));
 }
 
-/// Each file of a document: its folder and what is told of it.
+/// Each file of a document: its folder and the fields of its record.
 std::set<PlainJson> FilesOf(const PlainJson& document) {
   std::set<PlainJson> files;
   for (const auto& folder : document["paths"]) {
@@ -85,7 +85,7 @@ std::set<PlainJson> FilesOf(const PlainJson& document) {
 
 TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
   for (const char* name : {"a.sample", "b.sample", "c.sample"}) Write(name);
-  // Each takes the place of the one before it in the outbox.
+  // Each document replaces the previous one in the outbox.
   const auto taken = [&](const char* name, const std::vector<std::string>& words) {
     fs::rename(Ask(words)["file"].get<std::string>(), folder_ / name);
     return (folder_ / name).string();
@@ -139,7 +139,7 @@ TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
   }
 }
 
-/// Files and links in a folder, of names that the rules may take for others.
+/// Files and links in a folder, with names that the rules could confuse.
 void WriteOddNames(const fs::path& folder) {
   fs::create_directories(folder);
   for (const std::string end :
@@ -169,7 +169,7 @@ TEST_F(FilesCommand, ExplainsEveryPathAsTheInventoryListsIt) {
                            {"includedExtensions", configuration.includedExtensions}};
   WriteFile(folder_ / "configuration.json", texts.dump());
 
-  using Files = std::multiset<std::vector<std::string>>;  // extensions lose their case
+  using Files = std::multiset<std::vector<std::string>>;  // without the case of extensions
   Files listed;
   const PlainJson document = Ask({"open", Ask({"files"})["file"]});
   for (const auto& folder : document["paths"]) {

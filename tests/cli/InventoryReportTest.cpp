@@ -15,7 +15,7 @@ using namespace Norvik::Cli;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
 
-/// Lists as their length, single records and null in brackets.
+/// Lists as their length; single records and null in brackets.
 std::map<std::string, Json> CountsIn(const std::string& document) {
   std::istringstream stream(document);
   std::map<std::string, Json> counts;

@@ -1,4 +1,4 @@
-// Recorded machines are in force on systems other than macOS only.
+// Recorded machines exist only on systems other than macOS.
 #ifdef __linux__
 
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ using testing::HasSubstr;
 
 const fs::path MACHINES = fs::path(NORVIK_SOURCE_DIR) / "tests/machines";
 
-/// Those that say what is expected of them.
+/// Recorded machines that state their expected results.
 std::vector<std::string> AllMachines() {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(MACHINES)) {
@@ -45,7 +45,7 @@ std::string CommandText(const Json& named, const Json& commands) {
   return command.at("by").get<std::string>() + ": " + text;
 }
 
-/// Time goes by only where something waits.
+/// A clock that advances only while something waits.
 class LeapingClock final : public Platform::WaitClock {
  public:
   TimePoint Now() override { return now_; }
@@ -55,8 +55,8 @@ class LeapingClock final : public Platform::WaitClock {
   TimePoint now_;
 };
 
-/// Runs the program in this process, on a data folder of its own, which is the working directory
-/// as well: one of the collectors leaves a file there.
+/// Runs the program in this process, on a data folder of its own. That is also the working
+/// directory, where one of the collectors writes a file.
 class Machines : public testing::TestWithParam<std::string> {
  protected:
   Machines() { fs::current_path(folder_.Path()); }
@@ -71,7 +71,7 @@ class Machines : public testing::TestWithParam<std::string> {
   Json Document() const {
     const auto name = Common::HostInfoProvider::GetHostName() + ".jsonkob";
     Json document = Json::parse(ContentOf(folder_ / "data/previous" / name), nullptr, false);
-    // A folder of services has no order.
+    // The entries of a folder of services have no order.
     if (document.is_object() && document["service"].is_array()) {
       std::sort(document["service"].begin(), document["service"].end(),
                 [](const Json& left, const Json& right) { return left["name"] < right["name"]; });

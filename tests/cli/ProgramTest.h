@@ -22,10 +22,10 @@ class ProgramTest : public testing::Test {
  protected:
   using Words = std::vector<std::string>;
 
-  /// @param killAt the program is killed once it has printed this; "": never
+  /// @param killAt the program is killed after it has printed this; "": never
   Answer Run(const Words& words, std::string killAt = {}) const {
     Platform::ChildCommand command;
-    // Its number comes first, as the shell becomes the program.
+    // The process id comes first: the shell prints its own and then becomes the program.
     command.words = {"/bin/sh", "-c", "echo $$; exec \"$@\"", "sh",
                      NORVIK_BINARY_DIR "/bin/norvik-agent"};
     for (const Words& part : {words, {"--data", Data().string()}, options_}) {
@@ -48,14 +48,14 @@ class ProgramTest : public testing::Test {
     EXPECT_EQ(answer.code, 0) << answer.errors;
     return answer;
   }
-  /// What a command that ends well answers with --json: one line, or a document as it stands.
+  /// The output of a successful command with --json: one line, or a document unchanged.
   nlohmann::json Ask(Words words) const {
     words.push_back("--json");
     const std::string output = RunWell(words).output;
     EXPECT_EQ(LinesOf(output), words.front() == "open" ? 0 : 1) << output;
     return nlohmann::json::parse(output, nullptr, false);
   }
-  /// A failure is told on one line, and nothing else is said.
+  /// A failure is reported on one line, without any other output.
   void ExpectRefusal(const Words& words, int code, const std::string& text) const {
     const Answer answer = Run(words);
     EXPECT_EQ(answer.code, code) << answer.errors;
@@ -69,7 +69,7 @@ class ProgramTest : public testing::Test {
   boost::filesystem::path Data() const { return folder_ / "data"; }
 
   TemporaryFolder folder_;
-  Words options_;  ///< stand behind the words of each command
+  Words options_;  ///< come after the words of each command
 };
 
 }  // namespace Norvik::Tests

@@ -1,7 +1,7 @@
 #include "cli/RecordedCommands.h"
 
-// `system` here is called in place of the library's own, which it then calls. Only this system's
-// loader lets a program's functions replace those that its libraries call.
+// The `system` defined here replaces the C library's, and then calls it. Only this system's loader
+// lets a program replace functions that its libraries call.
 #ifdef __linux__
 
 #include <dlfcn.h>
@@ -14,7 +14,7 @@ namespace {
 
 std::vector<std::string>* record = nullptr;
 
-/// Records lines for the shell, and runs them.
+/// Records shell lines, and runs them.
 struct ShellLines final : Norvik::Platform::RealSystemChanges {
   Norvik::Platform::ChildResult Run(const Norvik::Platform::ChildCommand& command) override {
     if (command.isShellLine) record->push_back("ExecCommand: " + command.words.back());

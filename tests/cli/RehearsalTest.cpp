@@ -1,4 +1,4 @@
-// Recorded machines are in force on systems other than macOS only.
+// Recorded machines exist only on systems other than macOS.
 #ifdef __linux__
 
 #include <gmock/gmock.h>
@@ -21,7 +21,7 @@ namespace fs = boost::filesystem;
 using testing::Contains, testing::MatchesRegex;
 using Words = std::vector<std::string>;
 
-/// Runs the program in this process, on a bare machine, whose scans see one folder of the disk.
+/// Runs the program in this process, on a bare machine, where scans see only one folder.
 class Rehearsals : public testing::Test {
  protected:
   Rehearsals() : workingDirectory_(fs::current_path()) {
@@ -56,11 +56,11 @@ class Rehearsals : public testing::Test {
     return Run(words);
   }
   fs::path Data() const { return folder_ / "data"; }
-  /// All files of the test and what is in them.
+  /// All files of the test and their content.
   std::map<std::string, std::string> Everything() const {
     std::map<std::string, std::string> files;
     for (const auto& name : FilesBelow(folder_.Path())) {
-      // A collector leaves this in the working directory, rehearsed or not.
+      // A collector writes this to the working directory, even in a rehearsal.
       if (name != "./temp") files[name] = ContentOf(folder_ / name);
     }
     return files;
@@ -101,7 +101,7 @@ TEST_F(Rehearsals, TellWhatTheActionThenDoesAndAnswers) {
     told.erase("rehearsal");
     request.insert(request.begin(), "action");
     Json done = Run(request);
-    // The statuses of what it starts at once stand behind its own.
+    // The statuses of the actions that it starts at once come after its own.
     Json& statuses = done["statuses"];
     while (statuses.size() > told["statuses"].size()) statuses.erase(statuses.size() - 1);
     EXPECT_EQ(told, done) << row << errors_.str();

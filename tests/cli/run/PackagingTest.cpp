@@ -1,4 +1,4 @@
-// libplist, which checks the property lists here, stands for the system's own reader off macOS.
+// libplist checks the property lists here, in place of the system's reader on macOS.
 #ifdef __linux__
 
 #include <gmock/gmock.h>
@@ -33,7 +33,7 @@ Words CommandOfPropertyList(const std::string& file) {
   return words;
 }
 
-/// The command of a systemd unit, each line of which is a section, a setting or a remark.
+/// The command of a systemd unit. Each line is a section, a setting or a comment.
 Words CommandOfUnit(const std::string& file) {
   Words words;
   std::istringstream lines(Tests::ContentOf(PACKAGING + file));

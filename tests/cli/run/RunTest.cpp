@@ -1,4 +1,4 @@
-// Recorded machines, which hold an inventory here, are in force on systems other than macOS only.
+// Recorded machines, which block an inventory here, exist only on systems other than macOS.
 #ifdef __linux__
 
 #include <boost/algorithm/string/replace.hpp>
@@ -30,7 +30,7 @@ int CountOf(const std::string& part, const std::string& text) {
   return count;
 }
 
-/// A service and users' processes of their own, on a machine whose inventories stop at a gate.
+/// A service and users' processes, on a machine whose inventories wait while a gate file exists.
 class Service : public ProgramTest {
  protected:
   Service() {
@@ -66,7 +66,7 @@ class Service : public ProgramTest {
   bool Logs(const std::string& text, const std::string& data = "data") const {
     return Eventually([&] { return CountOf(text, Log(data)) > 0; });
   }
-  /// What the agent data keep of a periodic action; writes it first if there is something to write.
+  /// The state of a periodic action in the agent data. Writes it first if a new one is given.
   std::string State(unsigned int code, const std::string& toWrite = "") const {
     const LogCapture silence;
     const auto dataBase = std::make_shared<Common::AgentDatabase>(folder_ / "data");
@@ -93,7 +93,7 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
   const auto first = Start({"user"}, "first");
   const auto second = Start({"user"}, "second");
   ASSERT_TRUE(HasSessions(2));
-  EXPECT_TRUE(Logs("Survey is not enabled on profile"));  // what begins with a session
+  EXPECT_TRUE(Logs("Survey is not enabled on profile"));  // logged when a session begins
   RunWell({"message", "two\nlines"});
   for (const auto* user : {first.get(), second.get()}) {
     EXPECT_TRUE(
@@ -112,7 +112,7 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
   EXPECT_TRUE(Status()["agent"].is_null());
   EXPECT_EQ(Run({"notify", "software"}).code, 1);
   const auto again = Start({"run"});
-  EXPECT_TRUE(HasSessions(1));  // the first one found the service again
+  EXPECT_TRUE(HasSessions(1));  // the first one is connected again
 }
 
 TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
@@ -147,7 +147,7 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   RunWell({"configure", file.string()});
   EXPECT_TRUE(Logs("Configuration has changed"));
   EXPECT_EQ(ContentOf(folder_ / "data/configuration.json"), ContentOf(file));
-  EXPECT_TRUE(Logs("KOB Inventory already running"));  // the one that the configuration asks for
+  EXPECT_TRUE(Logs("KOB Inventory already running"));  // started by the configuration
   OpenGate();
   EXPECT_TRUE(Logs("KOB Inventory finished"));
   EXPECT_TRUE(Eventually([&] { return DocumentsInOutbox() == 1; }));
@@ -166,9 +166,9 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   EXPECT_EQ(Run({"configure", file.string()}).code, 2);
 }
 
-/// A row is a name, the state of the schedule, in how many seconds it is due, the state in which
-/// the kill comes, and how often the action starts and what the state is after the restart. In a
-/// state N stands for the time when it is due, L for the one after that.
+/// A row: name, state of the schedule, seconds until it is due, state at which the process is
+/// killed, number of starts of the action after the restart, and state after the restart. In a
+/// state, N stands for the time when it is due, L for the time after that.
 TEST_F(Service, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
   RunWell({"inventory"});
   for (const auto& row : DataOf("cli/run/kills.json")) {
@@ -209,10 +209,10 @@ std::string ArchiveOf(int id, const std::string& path) {
 TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
   using Paths = std::multiset<std::string>;
   RunWell({"inventory"});
-  // Due when the users are connected: the service then asks all of them.
+  // Becomes due after the users are connected: the service then asks all of them.
   State(32001, "0 " + std::to_string(system_clock::to_time_t(system_clock::now()) + 5));
   const auto service = Start({"run"});
-  // The other users see no drives here, so this one has some.
+  // The other users have no drives here, so this one gets some.
   const LocalClient last(Socket());
   last.Send(Host::EncodeFrame(Host::FrameKind::JOIN, "") +
             Told(32001, "getNetworkDrives", ArchiveOf(3, "/Volumes/Old")));
