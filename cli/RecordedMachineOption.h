@@ -10,7 +10,7 @@ bool HasRecordedMachines();
 
 /// The Mac that a folder records stands for this machine as long as the returned object lives.
 /// Returns null for an empty path. Throws `UsageError` if the folder does not exist or holds no
-/// recording.
+/// recording, or if another recording is in force. On a Mac it does nothing and returns null.
 std::shared_ptr<const void> UseRecordedMachine(const boost::filesystem::path& folder);
 
 }  // namespace Norvik::Cli

@@ -10,9 +10,8 @@ namespace Norvik::Cli {
 enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
 
 // The commands of the program. Each writes its answer to `output`, each failure as one line to
-// `errors`, and returns an exit code. If it throws `UsageError` or another
-// subclass of `std::exception`, the text is the reason and no answer was written. One at a time in
-// a process.
+// `errors`, and returns an exit code. If it throws `UsageError` or another subclass of
+// `std::exception`, the text is the reason and no answer was written. One at a time in a process.
 
 /// Takes a machine inventory.
 int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& errors);

@@ -32,7 +32,8 @@ struct AgentState {
 /// cannot be read.
 AgentState ReadAgentState(const boost::filesystem::path& dataFolder);
 
-// How a value, a table or a file differs between two states. Empty stands for absent.
+// How a value, a table or a file differs between two states. An empty value means that the state
+// does not have it.
 
 struct ValueChange {
   std::string table;
