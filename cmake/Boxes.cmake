@@ -2,12 +2,13 @@
 # boxes named in USES: every box has its own include root, which holds only a link to its folder, so an
 # include against the dependency rule does not compile.
 
-# norvik_box(NAME [USES box...] [LINKS target...])
+# norvik_box(NAME [HIDDEN] [USES box...] [LINKS target...])
 #   NAME  folder in the source tree; the object library is called norvik_NAME
+#   HIDDEN no symbol is visible outside of the library that the box goes into
 #   USES  boxes whose headers the sources include
 #   LINKS libraries that sources and headers need
 function(norvik_box name)
-  cmake_parse_arguments(BOX "" "" "USES;LINKS;SOURCES" ${ARGN})
+  cmake_parse_arguments(BOX "HIDDEN" "" "USES;LINKS;SOURCES" ${ARGN})
   set(root "${CMAKE_BINARY_DIR}/boxes/${name}")
   file(MAKE_DIRECTORY "${root}")
   file(CREATE_LINK "${CMAKE_SOURCE_DIR}/${name}" "${root}/${name}" SYMBOLIC)
@@ -15,7 +16,12 @@ function(norvik_box name)
   add_library(norvik_${name} OBJECT ${BOX_SOURCES})
   target_include_directories(norvik_${name} PUBLIC "${root}")
   target_link_libraries(norvik_${name} PUBLIC ${BOX_LINKS} PRIVATE norvik_warnings)
-  norvik_use_precompiled_header(norvik_${name} norvik_headers)
+  if(BOX_HIDDEN)
+    set_target_properties(norvik_${name} PROPERTIES ${NORVIK_HIDDEN})
+    norvik_use_precompiled_header(norvik_${name} norvik_hidden_headers)
+  else()
+    norvik_use_precompiled_header(norvik_${name} norvik_headers)
+  endif()
   foreach(used IN LISTS BOX_USES)
     target_include_directories(norvik_${name} PUBLIC "${CMAKE_BINARY_DIR}/boxes/${used}")
   endforeach()

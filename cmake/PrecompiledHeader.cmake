@@ -18,8 +18,13 @@ function(norvik_precompiled_header name)
     ${ARG_HEADERS})
 endfunction()
 
+# What a library hides that exports only what it names. Clang wants a header of its own for it.
+set(NORVIK_HIDDEN CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+
 if(NORVIK_PRECOMPILED_HEADER)
   norvik_precompiled_header(norvik_headers)
+  norvik_precompiled_header(norvik_hidden_headers)
+  set_target_properties(norvik_hidden_headers PROPERTIES ${NORVIK_HIDDEN})
 endif()
 
 # norvik_use_precompiled_header(TARGET NAME): compiles TARGET with the precompiled header NAME.
