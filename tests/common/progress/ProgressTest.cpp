@@ -56,9 +56,9 @@ TEST(Progress, TellsRunsApartThatAreUnderWayAtOnce) {
   std::map<std::string, ProgressRecorder::Texts> runs;
   for (const auto& [id, texts] : progress->ByRun()) runs[texts.at(1)] = texts;
   ASSERT_EQ(runs.size(), 3u);
-  for (const auto& [name, files] : {std::pair("inner", 200), std::pair("other", 300)}) {
+  for (const auto& [name, files] : {std::pair("inner", 200u), std::pair("other", 300u)}) {
     const auto& texts = runs[std::string("+ ") + name];
-    EXPECT_EQ(texts.size(), 2u * files + 2);
+    EXPECT_EQ(texts.size(), 2 * files + 2);
     EXPECT_EQ(texts.back(), "run ends, files: " + std::to_string(files));
   }
   EXPECT_THAT(runs["+ outer"],
