@@ -54,7 +54,7 @@ class RecordList {
     deleted_.insert(identity);
   }
 
-  /// The records that are left, then the created ones; null if there are none.
+  /// The records that are left, then the created ones; null if no record is left.
   Json Result() && {
     Json result = Json::array();
     for (Json& record : records_) {

@@ -31,13 +31,13 @@ JSON ArrayOfRecords(const Container& records) {
 
 }  // namespace json
 
-/// The records in order; null, not an empty array, if there are none.
+/// The records in order; null, not an empty array, without records.
 template <class T>
 json::JSON StringListToJsonChild(const std::list<T>& records) {
   return json::ArrayOfRecords(records);
 }
 
-/// The records in order; null, not an empty array, if there are none.
+/// The records in order; null, not an empty array, without records.
 template <class T>
 json::JSON VectorToJsonChild(const std::vector<T>& records) {
   return json::ArrayOfRecords(records);

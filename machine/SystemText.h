@@ -9,7 +9,7 @@ namespace Norvik::Machine {
 
 // Parsers of the text formats that systems use in many places. All accept any text.
 
-/// The decimal number at the beginning of a text; 0 if there is none or it is too large.
+/// The decimal number at the beginning of a text; 0 without a number or if it is too large.
 std::uint64_t LeadingNumber(const std::string& text);
 
 /// The lines without their newlines. A trailing newline adds no empty line.

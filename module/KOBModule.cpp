@@ -27,7 +27,7 @@ using std::chrono::system_clock;
 constexpr char FILE_INVENTORY_STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
 constexpr seconds FIRST_SCHEDULED_TOTAL{3};
 
-/// Writes an execution that was pending before a restart into the schedule. False if there is none.
+/// Writes an execution that was pending before a restart into the schedule. False if none was.
 bool ApplyPendingExecution(const char* key, boost::optional<Common::ScheduleInfo>& schedule) {
   const auto next = Common::CheckInventoryNextExecutionReboot(key, schedule);
   if (next == system_clock::from_time_t(0)) return false;

@@ -7,7 +7,7 @@
 
 namespace Norvik::Platform {
 
-/// The account of a user's name. Empty if there is none, or if its entry is longer than 1 MiB.
+/// The account of a user's name. Empty if it is unknown, or if its entry is longer than 1 MiB.
 std::optional<ChildAccount> AccountOf(const std::string& userName);
 
 /// Name of the user of a session. A session's number is the process number in its login record, cut

@@ -18,7 +18,7 @@ class NORVIK_COMMON_API ActionResponseTable {
   /// Sets whether the first row holds the titles of the columns.
   void HasTitles(bool titles) { hasTitles_ = titles; }
   void AddNewRow() { rows_.emplace_back(); }
-  /// Appends a cell to the last row, after adding a first row if there is none.
+  /// Appends a cell to the last row, after adding a first row if the table has no rows.
   void AddCellToLastRow(const ActionPropertyValue& value) {
     if (rows_.empty()) AddNewRow();
     rows_.back().push_back(value);

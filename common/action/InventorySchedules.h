@@ -10,7 +10,7 @@
 namespace Norvik::Common {
 
 // Keys of the "DATA" table, written by the module: the time of the last run in seconds since the
-// epoch. 0 or a missing key means that there was none. File inventories count if they were
+// epoch. 0 or a missing key means: no inventory yet. File inventories count if they were
 // scheduled.
 inline constexpr char LAST_INVENTORY_KEY[] = "KOB_INVENTORY";
 inline constexpr char LAST_FILE_INVENTORY_KEY[] = "RUD_INVENTORY";

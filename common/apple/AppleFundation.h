@@ -12,7 +12,7 @@ namespace Norvik::Common {
 /// Reads the I/O registry and dictionaries of Core Foundation. Nothing here throws.
 struct NORVIK_COMMON_API AppleFundation {
   /// The first object of a class, or of a class derived from it, at any depth below an entry in the
-  /// plane "IOService". 0 if there is none, or the entry is 0. The caller owns the handle.
+  /// plane "IOService". 0 if no object matches, or the entry is 0. The caller owns the handle.
   static unsigned int FindRecursiveChildren(unsigned int& entry, const char* className);
 
   /// The text of a key. Empty if the dictionary is null, or the key is missing or holds no text.

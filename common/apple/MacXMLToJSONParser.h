@@ -23,7 +23,7 @@ class NORVIK_COMMON_API MacXMLToJSONParser {
   /// throw, whatever the text holds.
   void Parse(const std::string& rootPath);
 
-  /// The first node of a name, at any depth, in document order; empty if there is none. The
+  /// The first node of a name, at any depth, in document order; empty if no node has it. The
   /// reference is valid as long as the tree.
   static boost::optional<boost::property_tree::ptree&> SearchNode(boost::property_tree::ptree& tree,
                                                                   const std::string& key);

@@ -38,7 +38,7 @@ bool IsDamage(const soci::sqlite3_soci_error& error) {
   return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
 }
 
-// A description of the damage in the file; empty if there is none.
+// A description of the damage in the file; empty if the file is sound.
 std::string FindDamage(Connection& connection) {
   try {
     const auto rows = Statement(connection, "PRAGMA quick_check(1)").Run({});

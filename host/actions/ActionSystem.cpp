@@ -181,7 +181,7 @@ void ActionSystem::Remove(const PeriodicPointer& entry) {
   periodics_.erase(entry->key);
 }
 
-/// Continues an action that is new in this process from its stored state; false if there is none.
+/// Continues an action that is new in this process from its stored state; false without one.
 bool ActionSystem::RestoreState(Periodic& entry) {
   const auto stored = Load(entry.data, entry.key);
   if (!stored) return false;

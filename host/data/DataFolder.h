@@ -9,7 +9,7 @@ namespace Norvik::Host {
 /// The data folder of this user's agent, unless an option names another. Throws
 /// `std::runtime_error` if the user has no home folder.
 boost::filesystem::path DefaultDataFolder();
-/// The home folder of this user. Throws `std::runtime_error` if there is none.
+/// The home folder of this user. Throws `std::runtime_error` if the user has no home.
 boost::filesystem::path HomeFolder();
 
 // Files and folders in the data folder.

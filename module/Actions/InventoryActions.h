@@ -45,7 +45,7 @@ class InventoryActions final : public Common::ActionPerformerBase {
 
   /// Not locked, and the request reported as refused, if another thread has the lock.
   std::unique_lock<std::mutex> TryRunLock(Common::ActionParameters& parameters);
-  /// The run that was accepted and has not begun; null if there is none.
+  /// The run that was accepted and has not begun; null without one.
   V2::RudInventory* TakeWaitingRun();
   /// Whether a total run has ended on this day of UTC.
   bool blockInventoryRUDV2();
@@ -63,7 +63,7 @@ class InventoryActions final : public Common::ActionPerformerBase {
   HeldConfiguration configuration_;
   std::mutex inventoryLock_;
   std::mutex runLock_;  ///< guards start and end of a file inventory, not its run
-  std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if there is none
+  std::unique_ptr<V2::RudInventory> currentRun_;  ///< the file inventory; null if none runs
   bool runWaits_ = false;                         ///< it is accepted and has not begun
   std::vector<std::unique_ptr<Common::ActionPerformerBase>> children_;
   std::string agentIdentifier_;  ///< empty in a user's process

@@ -29,7 +29,7 @@ class SurveyCompletionManager {
                           SurveyResultCodes& code);
 
   /// Asks the server whether it has a survey for this device, and waits for the answer. Returns the
-  /// survey's URL; empty if there is none. An answer that cannot be used is logged.
+  /// survey's URL; empty without a survey. An answer that cannot be used is logged.
   static boost::optional<std::string> AskSurveyCompleted(
       const std::string& agentId, const std::weak_ptr<Common::ICommunicationSystem>& communications,
       SurveyResultCodes& code);

@@ -20,7 +20,7 @@ class BoardSlotsSection final : public Common::ISection<std::list<SmbSystemSlotI
   /// Throws `std::bad_weak_ptr` if the reader of the table no longer exists, and what `GetTpmInfo`
   /// throws.
   void GetInfo(std::list<SmbSystemSlotInfo>& result) override;
-  /// Appends the security chip with a `slotId` of 0. False if there is none. Throws
+  /// Appends the security chip with a `slotId` of 0. False without such a chip. Throws
   /// `ptree_bad_path` if the output of the system's tool is neither empty nor a report.
   bool GetTpmInfo(std::list<SmbSystemSlotInfo>& result);
 

@@ -27,7 +27,7 @@ constexpr char DISK_FILE[] = "/tmp/diskInfo.plist";
 constexpr char DISK_COMMAND[] =
     "rm /tmp/diskInfo.plist;diskutil info -plist %s > /tmp/diskInfo.plist";
 
-/// The first entry of a class below an entry; empty if there is none.
+/// The first entry of a class below an entry; empty if no entry matches.
 IoObject FindDescendant(unsigned int& entry, const char* className) {
   return IoObject(AppleFundation::FindRecursiveChildren(entry, className));
 }
@@ -40,7 +40,7 @@ IoObject MediumOf(IoObject& services) {
   return medium;
 }
 
-/// The dictionary that `diskutil` wrote; null if there is none.
+/// The dictionary that `diskutil` wrote; null without a dictionary.
 CfRef<CFDictionaryRef> ReadDiskFile() {
   const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
       kCFAllocatorDefault, Platform::CfTextOf(DISK_FILE).Get(), kCFURLPOSIXPathStyle, false));

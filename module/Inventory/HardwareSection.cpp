@@ -62,7 +62,7 @@ HardwareInfo HardwareFrom(const wxXmlNode& device) {
   return hardware;
 }
 
-/// The report. Not `IsOk` if there is none or if it nests too deep for the library, which destroys
+/// The report. Not `IsOk` without a report or if it nests too deep for the library, which destroys
 /// a tree recursively.
 wxXmlDocument ReadReport() {
   const wxLogNull quiet;

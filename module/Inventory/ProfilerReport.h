@@ -11,7 +11,7 @@ boost::property_tree::ptree ReadProfilerReport(const std::string& output);
 /// The same for the output of a command, which this function runs.
 boost::property_tree::ptree ProfilerReportOf(const char* command);
 
-/// The child with this name; an empty node if there is none. The result is valid as long as `node`.
+/// The child with this name; an empty node if it is absent. The result is valid as long as `node`.
 const boost::property_tree::ptree& ChildOrEmpty(const boost::property_tree::ptree& node,
                                                 const char* name);
 

@@ -10,7 +10,7 @@ namespace Norvik::KOB {
 class SystemSection final : public Common::ISection<SystemInfo> {
  public:
   void GetInfo(SystemInfo& result) override;
-  /// Sets the user of the newest login record; unchanged if there is none.
+  /// Sets the user of the newest login record; unchanged without a record.
   void SetUserName(SystemInfo& result);
 };
 

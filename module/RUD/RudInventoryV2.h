@@ -16,7 +16,7 @@ namespace Norvik::KOB::V2 {
 class RudInventory {
  public:
   using Path = boost::filesystem::path;
-  /// Called at the end of the run with the path of the document, empty if there is none. It may
+  /// Called at the end of the run with the path of the document, empty without a document. It may
   /// destroy the run.
   using OnFinish = std::function<void(const Path&)>;
 

@@ -66,7 +66,7 @@ auto Around(const std::string& what, Call call) {
 
 bool Commits(const char* sql) { return sql && ::strncasecmp(sql, "COMMIT", 6) == 0; }
 
-/// The state of a task in a piece of the log: "status 7"; empty if there is none.
+/// The state of a task in a piece of the log: "status 7"; empty without a state.
 std::string StatusIn(const void* bytes, size_t size) {
   const std::string text(static_cast<const char*>(bytes), size);
   const auto found = text.find(STATUS);

@@ -52,7 +52,7 @@ class FakeActionSystem final : public Common::IActionSystem {
   /// "once 1071 +60", "create 1072 every 432000", "replace 1036 every 3600".
   std::vector<std::string> Texts() const;
   const std::vector<Started>& All() const { return started_; }
-  /// The last one with the code. Throws `std::logic_error` if there is none.
+  /// The last one with the code. Throws `std::logic_error` without such an action.
   const Started& Last(unsigned int code) const;
   void Forget() { started_.clear(); }
 

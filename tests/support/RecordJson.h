@@ -14,7 +14,7 @@ Json JsonOf(const Record& record) {
   return Json::parse(json::RecordToJson(record).strUgly());
 }
 
-/// The records of a list or vector; an empty array if there are none.
+/// The records of a list or vector; an empty array without records.
 template <class Records>
 Json ArrayOf(const Records& records) {
   Json list = Json::array();

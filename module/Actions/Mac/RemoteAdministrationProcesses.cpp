@@ -164,7 +164,7 @@ Common::ActionResponse RemoteAdministration::KillProcess(Parameters& parameters)
   NORVIK_SCOPE();
   Response response;
   if (!Requires(parameters, "id", response)) return response;
-  // Deliberately no check of the number: a text that is none gives 0, the agent's process group.
+  // Deliberately no check of the number: a text without digits gives 0, the agent's process group.
   const int processId = std::atoi(ReadText(parameters, "id").c_str());
   if (Platform::GetSystemChanges()->Kill(processId, SIGKILL) != 0) {
     response.text = ::strerror(errno);
