@@ -4,8 +4,7 @@
 option(NORVIK_PRECOMPILED_HEADER "Compile the headers of libraries once" ON)
 
 add_library(norvik_library_headers INTERFACE)
-target_link_libraries(norvik_library_headers INTERFACE norvik_wx Boost::filesystem Boost::serialization
-  nlohmann_json::nlohmann_json Threads::Threads)
+target_link_libraries(norvik_library_headers INTERFACE norvik_wx Boost::serialization Threads::Threads)
 
 # norvik_precompiled_header(NAME [HEADERS header...] [LINKS library...]): a target that compiles such a
 # header, with additional headers and the libraries that they belong to.

@@ -1,13 +1,12 @@
 // Headers of libraries that many sources include, compiled once and then loaded by each source. A
 // source still includes what it uses: the preset `tidy` compiles without this file.
-#include <wx/datetime.h>
+// Boost.Filesystem and the JSON library are left out: their static objects take half a second to
+// compile in every source that loads them, used or not.
 #include <wx/string.h>
 #include <algorithm>
 #include <atomic>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
-#include <boost/filesystem/operations.hpp>
-#include <boost/filesystem/path.hpp>
 #include <boost/format.hpp>
 #include <boost/optional.hpp>
 #include <boost/property_tree/ptree.hpp>
@@ -23,8 +22,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <nlohmann/json.hpp>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
