@@ -54,7 +54,8 @@ std::string ToUtf8(const wxString& text) {
 }
 
 wxString WxStringFromStdString(const std::string& text) {
-  return wxString::FromUTF8(text.data(), text.size());
+  // The library lets surrogates and numbers above U+10FFFF through.
+  return json::IsUtf8(text) ? wxString::FromUTF8(text.data(), text.size()) : wxString();
 }
 
 std::wstring StringToWstring_Deprecated(const std::string& text) {
