@@ -32,6 +32,8 @@ TEST(Text, IsChangedAsItsTablesSay) {
   ExpectRows(
       tables["trimmed"], +[](const std::string& text) { return trim_copy(text); });
   ExpectRows(
+      tables["for a terminal"], +[](const Bytes& text) { return EscapeControls(text); });
+  ExpectRows(
       tables["upper case"], +[](const std::string& text) { return ToUpper(text); });
   ExpectRows(
       tables["names of files"],
