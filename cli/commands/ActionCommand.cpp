@@ -2,6 +2,7 @@
 #include <boost/format.hpp>
 #include <ostream>
 
+#include "cli/RecordedMachineOption.h"
 #include "cli/commands/ActionArguments.h"
 #include "cli/commands/ActionOutcome.h"
 #include "cli/commands/Commands.h"
@@ -79,7 +80,8 @@ int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors
 }  // namespace
 
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors) {
-  if (line.rehearse) return Rehearse(line, output, errors);
+  const bool isRecorded = HasRecordedMachines() && !line.machine.empty();
+  if (line.rehearse || (isRecorded && !line.really)) return Rehearse(line, output, errors);
   const unsigned int code = ParseActionCode(line.action);
   const ActionParameters parameters = ParseActionParameters(line.parameters);
   AgentHost host(line.agent);

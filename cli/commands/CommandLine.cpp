@@ -53,6 +53,8 @@ void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
     program.add_option("--machine", texts.machine, "have a recorded Mac stand for this machine")
         ->check(NotEmpty)
         ->type_name("FOLDER");
+    program.add_flag("--really", line.really,
+                     "with --machine: make changes, not only rehearse them");
   }
   program.add_flag("--user-process", line.agent.userProcess, "be the agent of a user");
   program.add_flag("--json", line.json, "answer in JSON");
@@ -145,6 +147,7 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.agent.configurationFile = texts.configuration;
   line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
   line.machine = texts.machine;
+  if (line.really && line.machine.empty()) throw UsageError("--really goes with --machine only");
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;

@@ -26,9 +26,13 @@ TEST(Text, IsChangedAsItsTablesSay) {
     const tests::ScopedLocale scoped(locale);
     ExpectRows(tables["bytes that are no UTF-8 are taken as Latin-1"], Encoded);
   }
-  EXPECT_TRUE(WxStringFromStdString("caf\xE9").empty());
+  for (const char* bytes : {"caf\xE9", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xC0\x80"}) {
+    EXPECT_TRUE(WxStringFromStdString(bytes).empty()) << Bytes(bytes);
+  }
   ExpectRows(
       tables["trimmed"], +[](const std::string& text) { return trim_copy(text); });
+  ExpectRows(
+      tables["for a terminal"], +[](const Bytes& text) { return EscapeControls(text); });
   ExpectRows(
       tables["upper case"], +[](const std::string& text) { return ToUpper(text); });
   ExpectRows(
