@@ -1,16 +1,10 @@
 #include "documents/ApplyIncrement.h"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <iostream>
-#include <map>
 #include <random>
 
 #include "documents/MachineSections.h"
 #include "documents/Rows.h"
 #include "module/Inventories.h"
-#include "support/LogCapture.h"
 
 namespace Norvik::Documents {
 namespace {

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 
 #include "machine/DiskutilText.h"
 #include "machine/MountText.h"

@@ -1,12 +1,9 @@
-#include <gmock/gmock.h>
 
 #include "module/ModuleUnderTest.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using testing::ElementsAre;
 using namespace Tests;
 
 /// Codes that a new module serves, in ascending order.

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <fstream>
-#include <string>
-
 #include "module/Entities/InventorySections.h"
 #include "support/RecordFiller.h"
 

@@ -1,20 +1,15 @@
 #include "module/KOBModule.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
 #include "common/database/DataBase.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
-using std::chrono::seconds;
-using std::chrono::system_clock;
 
 /// A row is a process with steps: what happens before an action, what the action starts, log lines
 /// with their levels, and the range of seconds until the first run of a periodic action.
@@ -89,7 +84,7 @@ TEST_P(ModuleSchedules, FollowTheConfigurationAndSurviveARestart) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ModuleSchedules, testing::ValuesIn(DataOf("module/schedules.json")),
+INSTANTIATE_TEST_SUITE_P(Rows, ModuleSchedules, ValuesIn(DataOf("module/schedules.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST(UnfinishedFileInventory, IsResumedAtTheStartIfItsTableHoldsIt) {

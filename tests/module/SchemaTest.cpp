@@ -1,13 +1,7 @@
 #include "support/SchemaCheck.h"
 
-#include <gmock/gmock.h>
-
-#include <map>
-#include <nlohmann/json.hpp>
-
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -164,8 +158,8 @@ TEST_F(SchemaTest, RefusesAnIncrementalDocumentWithoutChangesAndWhatIsNoJson) {
 
 const std::map<SectionKind, const char*> KINDS = {
     {SectionKind::List, "list"},
-    {SectionKind::ListOfUpdates, "list, only updates are told"},
-    {SectionKind::Device, "single, always told"},
+    {SectionKind::ListOfUpdates, "list, only updates are reported"},
+    {SectionKind::Device, "single, always reported"},
     {SectionKind::Location, "single, or null"},
     {SectionKind::Single, "single"},
 };

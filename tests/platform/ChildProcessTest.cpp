@@ -1,17 +1,12 @@
 #include "platform/ChildProcess.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <stdexcept>
-#include <string>
 
 #include "platform/Accounts.h"
 #include "platform/FileDescriptor.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,15 +1,10 @@
 #include <CoreFoundation/CoreFoundation.h>
-#include <gtest/gtest.h>
 #include <plist/plist.h>
-
-#include <cstdint>
-#include <functional>
-#include <string>
 
 #include "platform/CfText.h"
 #include "platform/compat/LiveObjects.h"
-#include "support/Cases.h"
 #include "support/PropertyListText.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -37,7 +32,7 @@ std::string Binary(const std::string& xml) {
   return binary;
 }
 
-/// What the calls for its type tell of a value; a number that is not exactly that has a mark.
+/// What the calls for its type return for a value; a number that is not exactly that has a mark.
 std::string TextOf(CFTypeRef value) {
   const CFTypeID type = CFGetTypeID(value);
   if (type == CFStringGetTypeID()) return Utf8Of(static_cast<CFStringRef>(value));

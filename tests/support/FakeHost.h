@@ -1,13 +1,7 @@
 #pragma once
 
-#include <chrono>
 #include <deque>
 #include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "common/action/IActionSystem.h"
 #include "common/action/ModuleDependencies.h"

@@ -1,11 +1,7 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <mutex>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "common/progress/ProgressListener.h"
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <list>
-#include <vector>
 
 #include "json/FieldTable.h"
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <boost/core/demangle.hpp>
-#include <string>
-#include <typeinfo>
 
 #include "support/RecordFiller.h"
 

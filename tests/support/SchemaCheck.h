@@ -1,14 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <set>
-#include <sstream>
-#include <string>
-
 #include "common/commands/Execute.h"
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 

@@ -1,14 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <map>
-#include <string>
-#include <tuple>
-#include <utility>
-
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 

@@ -8,14 +8,11 @@
 #include <sys/resource.h>
 #include <time.h>
 
-#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <clocale>
 #include <functional>
 #include <iostream>
 #include <locale>
-#include <string>
-#include <utility>
 
 #include "platform/FileDescriptor.h"
 

@@ -1,9 +1,5 @@
 #pragma once
 
-#include <boost/filesystem/path.hpp>
-#include <memory>
-#include <string>
-
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
 #include "support/TemporaryFolder.h"

@@ -1,15 +1,9 @@
 // libplist checks the property lists here, in place of the system's reader on macOS.
 #ifdef __linux__
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-#include <sstream>
-
 #include "cli/commands/CommandLine.h"
 #include "platform/compat/PropertyListReader.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 namespace {
 

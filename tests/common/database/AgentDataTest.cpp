@@ -1,11 +1,8 @@
 #include "common/database/AgentData.h"
 
-#include <gmock/gmock.h>
-
 #include <boost/optional/optional_io.hpp>
-#include <limits>
 
-#include "support/LogCapture.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::Common {

@@ -1,17 +1,11 @@
 #include "common/text/Dates.h"
 
-#include <gtest/gtest.h>
-
-#include <clocale>
-
-#include "support/Cases.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using std::chrono::system_clock;
 
 const Json DATES = DataOf("common/text/dates.json");
 

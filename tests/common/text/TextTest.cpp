@@ -1,10 +1,7 @@
 #include "common/text/Text.h"
 
-#include <gtest/gtest.h>
-
 #include "common/text/OperatingSystemType.h"
-#include "support/Cases.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,16 +1,9 @@
 #include "host/actions/ActionSystem.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <future>
-#include <memory>
-#include <stdexcept>
 
 #include "host/actions/SerialActions.h"
 #include "support/FakeActionClock.h"
-#include "support/LogCapture.h"
 #include "support/Steps.h"
 #include "support/TestDatabase.h"
 
@@ -19,10 +12,6 @@ namespace {
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using std::chrono::seconds;
-using std::chrono::system_clock;
-using testing::Contains;
-using testing::HasSubstr;
 
 constexpr unsigned int CODE = 1036;
 constexpr long START = 1'000'000;
@@ -191,7 +180,7 @@ struct Timetable : StepsTest, ActionsUnderTest {
 
 TEST_P(Timetable, IsKeptWhateverHappensToProcessAndClock) { Follow(); }
 
-INSTANTIATE_TEST_SUITE_P(Rows, Timetable, testing::ValuesIn(DataOf("host/actions/timetables.json")),
+INSTANTIATE_TEST_SUITE_P(Rows, Timetable, ValuesIn(DataOf("host/actions/timetables.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST_F(ActionSystemTest, ARunIsMarkedInTheStateAsLongAsItLasts) {
@@ -243,7 +232,7 @@ TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue)
   system_->QueueAction(Counting());
   first.WaitForStart();
   auto stopping = std::async(std::launch::async, [&] { system_->Stop(); });
-  EXPECT_EQ(stopping.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  EXPECT_EQ(stopping.wait_for(milliseconds(50)), std::future_status::timeout);
   first.LetGo();
   stopping.wait();
   system_->RunOneShot(CODE, Counting(), seconds(0));
@@ -256,7 +245,7 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   LongWork endless;
   RunOnce([&] { endless.Do(); });
   endless.WaitForStart();
-  EXPECT_FALSE(system_->StopWithin(std::chrono::milliseconds(20)));
+  EXPECT_FALSE(system_->StopWithin(milliseconds(20)));
   system_->RunOneShot(CODE, Counting(), seconds(0));
   ASSERT_EQ(system_->Running().size(), 1u);
   EXPECT_EQ(system_->Running()[0].label, "1036 ACTION_OF_TEST");

@@ -1,7 +1,5 @@
-#include <gmock/gmock.h>
 
 #include <boost/core/demangle.hpp>
-#include <thread>
 
 #include "common/database/DataBase.h"
 #include "common/text/Text.h"
@@ -9,18 +7,13 @@
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
-#include "support/Files.h"
 #include "support/ProgressRecorder.h"
-#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
 using Common::V2::DataBase;
-using std::chrono::system_clock;
-using TextList = std::vector<std::string>;
 
 /// A fault during a step; it ends with the object.
 using Fault = std::shared_ptr<void>;
@@ -357,8 +350,7 @@ TEST_P(Stories, HaveTheExpectedOutcome) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Stories, testing::ValuesIn(CasesIn("module/Actions/stories")),
-                         CaseName());
+INSTANTIATE_TEST_SUITE_P(Cases, Stories, ValuesIn(CasesIn("module/Actions/stories")), CaseName());
 
 }  // namespace
 }  // namespace Norvik::KOB

@@ -1,12 +1,8 @@
 #include "module/DataAccess/DataSource.h"
 
-#include <gmock/gmock.h>
-
-#include <functional>
-
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "support/Json.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB {

@@ -1,11 +1,6 @@
 #include "module/DataAccess/KOBDataSourceV2.h"
 
-#include <gmock/gmock.h>
-
-#include <functional>
-
-#include "support/Cases.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB {

@@ -1,16 +1,9 @@
 #include "module/Inventory/GeoLocation.h"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <stdexcept>
-#include <string>
-#include <thread>
-
 #include "module/Inventory/GeoLocationCommon.h"
 #include "platform/WaitClock.h"
-#include "support/LogCapture.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -22,12 +15,12 @@ class DrivenClock : public Norvik::Platform::WaitClock {
  public:
   explicit DrivenClock(void (*onSleep)()) : onSleep_(onSleep) {}
   TimePoint Now() override { return TimePoint() + waited.load(); }
-  void SleepFor(std::chrono::milliseconds duration) override {
+  void SleepFor(milliseconds duration) override {
     onSleep_();
     waited = waited.load() + duration;
   }
 
-  std::atomic<std::chrono::milliseconds> waited{std::chrono::milliseconds(0)};
+  std::atomic<milliseconds> waited{milliseconds(0)};
 
  private:
   void (*const onSleep_)();
@@ -35,7 +28,7 @@ class DrivenClock : public Norvik::Platform::WaitClock {
 
 const std::map<std::string, void (*)()> EVENTS = {
     {"nothing", [] {}},
-    {"a delay", [] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); }},
+    {"a delay", [] { std::this_thread::sleep_for(milliseconds(30)); }},
     {"a fault", [] { throw std::runtime_error("no time"); }}};
 
 TEST(GeoLocation, AwaitsAPositionForFiveSeconds) {
@@ -48,13 +41,12 @@ TEST(GeoLocation, AwaitsAPositionForFiveSeconds) {
     const LogCapture log;
     const bool isImpatient = row.value("impatient", false);
     const GeoLocationPoint point =
-        (isImpatient ? GeoLocationCommon(std::chrono::milliseconds(1)) : GeoLocationCommon())
-            .GetLocation();
+        (isImpatient ? GeoLocationCommon(milliseconds(1)) : GeoLocationCommon()).GetLocation();
     EXPECT_EQ(Json({point.latitude, point.longitude, point.height, point.acceleration}),
               row.value("position", Json({0.0, 0.0, 0.0, 0.0})));
     EXPECT_EQ(point.IsZero(), !row.contains("position"));
     if (!isImpatient) {
-      EXPECT_EQ(clock.waited.load(), std::chrono::seconds(row.value("seconds", 0)));
+      EXPECT_EQ(clock.waited.load(), seconds(row.value("seconds", 0)));
     }
     EXPECT_EQ(Json(log.Texts(2)), row.value("errors", Json::array()));
     EXPECT_EQ(Json(log.Texts(3)), row.value("warnings", Json::array()));

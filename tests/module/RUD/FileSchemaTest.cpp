@@ -1,12 +1,7 @@
-#include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-#include <utility>
 
-#include "documents/ApplyIncrement.h"
 #include "module/RUD/RudPrinterV2.h"
 #include "module/RUD/ScannedFiles.h"
-#include "support/Cases.h"
 #include "support/FakeHost.h"
 #include "support/SchemaCheck.h"
 
@@ -14,7 +9,6 @@ namespace Norvik::KOB::V2 {
 namespace {
 
 using namespace Tests;
-using PlainJson = nlohmann::json;
 using Lines = std::set<std::string>;
 
 constexpr char SCHEMA[] = "file-inventory";
@@ -43,22 +37,6 @@ TEST_F(FileSchemaTest, AllowsWhatThePrinterMakesAndHasNoPropertyThatOccursInNone
   SaveScan({Detailed("new", "text"), {"plain"}, {"odd", -1}}, true);
   check.Add(SCHEMA, "incremental", Print(true));
   EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
-}
-
-TEST_F(FileSchemaTest, AServerCanApplyTheChangesToTheTotalDocument) {
-  ScannedFile renamed = {"in-case"};
-  SaveScan({{"changed", -1}, {"gone", 0}, renamed, Detailed("kept", "text")}, false);
-  const std::string total = Print(false);
-  renamed.path = "/it's/in-case.EXE";
-  const std::vector<ScannedFile> now = {
-      {"added", 0}, Detailed("changed", "new"), renamed, Detailed("kept", "text")};
-  SaveScan(now, true);
-  const std::string changes = Print(true);
-  SaveScan(now, false);
-  const PlainJson merged =
-      PlainJson::parse(Documents::ApplyIncrement({"total", total}, {"changes", changes}));
-  EXPECT_EQ(merged["paths"], PlainJson::parse(Print(false))["paths"]);
-  EXPECT_EQ(merged["device"], PlainJson::parse(changes)["device"]);
 }
 
 TEST_F(FileSchemaTest, RefusesWhatNoDocumentMayHold) {

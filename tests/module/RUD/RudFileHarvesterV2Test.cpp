@@ -1,24 +1,13 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <boost/algorithm/string/replace.hpp>
-#include <boost/filesystem/operations.hpp>
-#include <functional>
 
-#include "support/Cases.h"
-#include "support/LogCapture.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::KOB::V2 {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
-using namespace testing;
 
 /// A folder and its scan.
 struct FileWalk {
@@ -39,8 +28,8 @@ struct FileWalk {
     return harvester.GetBuffer().GetBufferFile();
   }
   /// Paths of the files that the scan keeps, relative to the root.
-  std::vector<std::string> Names() {
-    std::vector<std::string> names;
+  TextList Names() {
+    TextList names;
     for (const auto& file : Scan()) {
       names.push_back(file.absolutePath.substr(root.size() + 1));
       const fs::path parent = fs::path(file.absolutePath).parent_path();

@@ -1,25 +1,19 @@
 #include "module/RUD/RudPrinterV2.h"
 
-#include <gmock/gmock.h>
 #include <soci/error.h>
 
-#include <boost/filesystem/operations.hpp>
-#include <functional>
 #include <regex>
 
 #include "common/identification/HostInfoProvider.h"
 #include "module/RUD/ScannedFiles.h"
 #include "platform/WaitClock.h"
-#include "support/Cases.h"
 #include "support/FakeHost.h"
-#include "support/Files.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 namespace Norvik::KOB::V2 {
 namespace {
 
 using namespace Tests;
-using namespace testing;
 
 class RudPrinterTest : public testing::Test {
  protected:
@@ -28,7 +22,7 @@ class RudPrinterTest : public testing::Test {
     const auto result = RudPrinter::GenerateJSON("guid \"1\"", incremental);
     EXPECT_EQ(result.extension(), ".jsonrud");
     EXPECT_THAT(NamesIn(host.Work()), ElementsAre(result.filename().string()));
-    EXPECT_TRUE(Common::MoveToOutbox(boost::filesystem::path(result), boost::none));
+    EXPECT_TRUE(Common::MoveToOutbox(fs::path(result), boost::none));
     return std::regex_replace(host.DeliveredDocument(), std::regex("\"assetDate\":[0-9]{13}"),
                               "\"assetDate\":0");
   }
@@ -82,8 +76,8 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
 
 /// Records each wait instead of sleeping, and calls a function.
 struct Sleeper final : Platform::WaitClock {
-  void SleepFor(std::chrono::milliseconds duration) override {
-    seconds.push_back(duration / std::chrono::seconds(1));
+  void SleepFor(milliseconds duration) override {
+    seconds.push_back(duration / seconds(1));
     meanwhile(seconds.size());
   }
   std::vector<std::int64_t> seconds;
@@ -96,7 +90,7 @@ struct Leak final : Common::Logger {
     if (text.rfind("Error GetLastInventory", 0) == 0) throw soci::soci_error("held");
     if (level == LEVEL_ERROR) errors.push_back(text);
   }
-  std::vector<std::string> errors;
+  TextList errors;
 };
 
 TEST_F(RudPrinterTest, WaitsForTheDatabaseEverLongerAndForAFileWithoutEnd) {
@@ -106,11 +100,11 @@ TEST_F(RudPrinterTest, WaitsForTheDatabaseEverLongerAndForAFileWithoutEnd) {
   const auto base = host.Work() / (Common::HostInfoProvider::GetHostName() + ".rud");
   host.pipeline->beforeStep = [&](const std::string& step) {
     if (step != "encrypt") return;
-    boost::filesystem::remove(base);
-    boost::filesystem::create_directories(base / "busy");
+    fs::remove(base);
+    fs::create_directories(base / "busy");
   };
   clock.meanwhile = [&](std::size_t wait) {
-    if (wait == 60) boost::filesystem::remove(base / "busy");
+    if (wait == 60) fs::remove(base / "busy");
   };
   Print(false);
   EXPECT_THAT(clock.seconds, AllOf(SizeIs(60), Each(5)));

@@ -1,17 +1,9 @@
 #pragma once
 
-#include <gmock/gmock.h>
-
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "module/ModuleUnderTest.h"
 #include "platform/RecordedMachine.h"
 #include "platform/Rehearsal.h"
 #include "platform/SystemChanges.h"
-#include "support/TemporaryFolder.h"
 
 namespace Norvik::Tests {
 
