@@ -99,11 +99,16 @@ TEST_F(AgentProgram, AWaitForTheDatabaseIsReportedOnce) {
 /// "@name" for a text that was kept.
 class ProgramSteps : public StepsTest, public Program {
  protected:
+  using Program::Run;
+
   ProgramSteps() {
     Verb("scan tree", [this] { ScanOnlyTheTree(); });
     Verb("write", [this](const std::string& name, const Bytes& content) {
       fs::create_directories((folder_ / name).parent_path());
-      WriteFile(folder_ / name, content);
+      WriteFile(folder_ / name, Filled(content).get<Bytes>());
+    });
+    Verb("link", [this](const std::string& target, const std::string& name) {
+      fs::create_symlink(folder_ / target, folder_ / name);
     });
     Verb("remove", [this](const std::string& name) { fs::remove_all(folder_ / name); });
     Verb("touch", [this](const std::string& name) { fs::last_write_time(folder_ / name, 1); });
@@ -125,7 +130,9 @@ class ProgramSteps : public StepsTest, public Program {
   void AddCommands() {
     Verb("ask", [this](const TextList& words, const Json& wanted) {
       answer_ = Ask(Filled(words));
-      if (!wanted.is_object() || !wanted.empty()) EXPECT_EQ(Chosen(answer_, wanted), wanted);
+      if (wanted != Json::object()) {
+        EXPECT_EQ(Chosen(answer_, wanted), wanted);
+      }
     });
     Verb("fails", [this](const TextList& words, const Json& wanted) {
       const Answer answer = Run(Filled(words));
@@ -144,19 +151,18 @@ class ProgramSteps : public StepsTest, public Program {
       ExpectRefusal(Filled(words), code, Filled(text));
     });
     Verb("follows", [this](const std::string& document, const std::string& schema) {
-      ExpectValid(schema, RunWell({"open", Filled(document)}).output);
+      ExpectValid(schema, RunWell(Filled(TextList{"open", document})).output);
     });
     Verb("keep", [this](const std::string& name, const std::string& place) {
-      kept_[name] = answer_.at(Json::json_pointer(place));
+      kept_[name] = answer_.at(Json::json_pointer(place)).get<std::string>();
     });
     Verb("size",
          [this](const std::string& place) { return answer_.at(Json::json_pointer(place)).size(); });
-    Verb("has", [this](const std::string& place, const Json& wanted) {
+    Verb("count", [this](const std::string& place, const Json& wanted) {
       const Json element = Filled(wanted);
       const Json& list = answer_.at(Json::json_pointer(place));
-      EXPECT_TRUE(std::any_of(list.begin(), list.end(), [&](const Json& each) {
-        return Chosen(each, element) == element;
-      })) << list;
+      return std::count_if(list.begin(), list.end(),
+                           [&](const Json& each) { return Chosen(each, element) == element; });
     });
   }
   Json Filled(const Json& value) const {

@@ -75,7 +75,6 @@ TEST(ActionArguments, RefusesWhatIsNoParameterAndNamesIt) {
   }
 }
 
-/// Empty if there is no such action.
 std::string CodeIn(const std::string& action) {
   try {
     return std::to_string(ParseActionCode(action));

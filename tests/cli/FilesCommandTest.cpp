@@ -1,4 +1,3 @@
-
 #include "cli/ProgramTest.h"
 #include "cli/commands/ScanExplanation.h"
 #include "common/database/AgentDatabase.h"
@@ -66,19 +65,6 @@ TEST_F(FilesCommand, DiffAndApplyLeadFromOneDocumentToTheOther) {
   ExpectRefusal({"apply", changes, before}, 1, "");
 }
 
-TEST_F(FilesCommand, ExplainsWhichRuleDecidesAboutAPath) {
-  fs::create_directories(Tree() / "folder.sample");
-  fs::create_symlink(Tree(), Tree() / "link.sample");
-  for (const char* name :
-       {"a.sample", "c.Sample", "left out.sample", ".sample", "folder.sample/d.sample"}) {
-    Write(name);
-  }
-  for (const auto& row : DataOf("cli/explained-paths.json")) {
-    const PlainJson answer = Ask({"explain", (Tree() / row[0].get<std::string>()).string()});
-    EXPECT_EQ(answer["rule"], row[1].get<std::string>()) << answer;
-  }
-}
-
 /// Files and links in a folder, with names that the rules could confuse.
 void WriteOddNames(const fs::path& folder) {
   fs::create_directories(folder);
@@ -130,25 +116,6 @@ TEST_F(FilesCommand, ExplainsEveryPathAsTheInventoryListsIt) {
   }
   EXPECT_EQ(listed, explained);
   EXPECT_FALSE(listed.empty());
-}
-
-TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
-  const PlainJson configuration = {
-      {"excludedPaths", {Tree().string(), Tree().string() + "/", "/no such", "relative"}},
-      {"excludedFiles", {"name.sample", "folder/name.sample"}},
-      {"includedExtensions", {"Txt", ".TXT", "txt", "EXE"}},
-      {"additionalExtensions", {"CPL", "exe", "EXE"}},
-      {"server", {{"address", "a"}, {"caFile", "/no such.pem"}}}};
-  WriteFile(folder_ / "surprising.json", configuration.dump());
-  Words warned;
-  const auto file = (folder_ / "surprising.json").string();
-  const PlainJson answer = Ask({"configure", file, "--check"});
-  for (const auto& warning : answer["warnings"]) {
-    if (warning["value"] != "") warned.push_back(warning["value"]);
-  }
-  EXPECT_EQ(warned, (Words{Tree().string() + "/", "/no such", "relative", "folder/name.sample",
-                           "Txt", "CPL", "EXE", "/no such.pem"}));
-  EXPECT_FALSE(fs::exists(Data() / "configuration.json"));
 }
 
 TEST_F(FilesCommand, ARunThatWasKilledBeginsAgainAtTheNextStart) {

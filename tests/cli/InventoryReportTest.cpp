@@ -1,5 +1,3 @@
-
-
 #include "cli/commands/InventoryReport.h"
 #include "cli/commands/Rendering.h"
 #include "support/Test.h"

@@ -5,9 +5,8 @@
 #include "cli/RecordedCommands.h"
 #include "cli/commands/Commands.h"
 #include "common/identification/HostInfoProvider.h"
-#include "platform/WaitClock.h"
 #include "platform/compat/LiveObjects.h"
-#include "support/Test.h"
+#include "support/FakeWaitClock.h"
 
 namespace {
 
@@ -16,7 +15,6 @@ using namespace Norvik::Tests;
 
 const fs::path MACHINES = fs::path(NORVIK_SOURCE_DIR) / "tests/machines";
 
-/// Recorded machines that state their expected results.
 TextList AllMachines() {
   TextList names;
   for (const auto& entry : fs::directory_iterator(MACHINES)) {
@@ -34,16 +32,6 @@ std::string CommandText(const Json& named, const Json& commands) {
   if (named.is_array()) text.replace(text.find("%s"), 2, named[1].get<std::string>());
   return command.at("by").get<std::string>() + ": " + text;
 }
-
-/// A clock that advances only while something waits.
-class LeapingClock final : public Platform::WaitClock {
- public:
-  TimePoint Now() override { return now_; }
-  void SleepFor(milliseconds duration) override { now_ += duration; }
-
- private:
-  TimePoint now_;
-};
 
 /// Runs the program in this process, on a data folder of its own. That is also the working
 /// directory, where one of the collectors writes a file.
@@ -76,8 +64,7 @@ class Machines : public testing::TestWithParam<std::string> {
   TemporaryFolder folder_;
   const Scope workingDirectory_{[before = fs::current_path()] { fs::current_path(before); }};
   std::ostringstream output_;
-  LeapingClock clock_;
-  Platform::WaitClockScope clockScope_{clock_};
+  FakeWaitClock clock_;
 };
 
 TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {

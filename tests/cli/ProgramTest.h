@@ -76,6 +76,8 @@ struct Program {
   Words options_;  ///< come after the words of each command
 };
 
-struct ProgramTest : testing::Test, Program {};
+struct ProgramTest : testing::Test, Program {
+  using Program::Run;
+};
 
 }  // namespace Norvik::Tests

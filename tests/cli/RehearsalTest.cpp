@@ -46,7 +46,6 @@ class Rehearsals : public testing::Test {
     return Run(words);
   }
   fs::path Data() const { return folder_ / "data"; }
-  /// All files of the test and their content.
   std::map<std::string, std::string> Everything() const {
     std::map<std::string, std::string> files;
     for (const auto& name : FilesBelow(folder_.Path())) {

@@ -10,7 +10,6 @@ using namespace Norvik::Common;
 using namespace Norvik::Machine;
 using namespace Norvik::Tests;
 
-/// The files and links of a system, below a folder.
 class SystemOf {
  public:
   explicit SystemOf(const Json& row) {

@@ -1,4 +1,3 @@
-
 #include "machine/DiskutilText.h"
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"

@@ -1,5 +1,3 @@
-
-
 #include "common/commands/CommandRunner.h"
 
 #include "support/Test.h"

@@ -59,7 +59,6 @@ struct InventoryUnderTest {
     return texts;
   }
 
-  /// The section names in the log, in order.
   static std::string Retrieved(const LogCapture& capture) {
     std::string names;
     for (const auto& text : capture.Texts(5)) {
@@ -155,8 +154,6 @@ TEST_F(KobInventoryTest, ADeviceWithoutItsIdentificationHasAnEmptyGuidAndItsTime
   EXPECT_LE(taken, system_clock::now());
 }
 
-/// A row holds what happens before a run, the files at their places, and the outcome. As a file,
-/// null is a folder and `{"link": target}` a symbolic link.
 struct InventoryRuns : testing::TestWithParam<Json>, InventoryUnderTest {
   fs::path Place(const std::string& place) const {
     const auto name = Common::HostInfoProvider::GetHostName();

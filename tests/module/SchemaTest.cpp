@@ -7,8 +7,7 @@ namespace Norvik::KOB {
 namespace {
 
 using namespace tests;
-using PlainJson = nlohmann::json;
-using Tests::SchemaCheck;
+using namespace Tests;
 using Lines = std::set<std::string>;
 
 constexpr char FULL[] = "inventory";
@@ -133,7 +132,7 @@ TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
 
 TEST_F(SchemaTest, RefusesWhatNoDocumentMayHold) {
   Lines expected;
-  const Tests::Json rows = Tests::DataOf("module/schema-refusals.json");
+  const Json rows = DataOf("module/schema-refusals.json");
   for (const PlainJson row : rows) {
     const std::string schema = row[0], name = row[1];
     PlainJson document = DocumentOf(schema);
@@ -152,8 +151,8 @@ TEST_F(SchemaTest, RefusesAnIncrementalDocumentWithoutChangesAndWhatIsNoJson) {
   check.Add(FULL, "cut", JsonText(FilledInventory()).substr(0, 1000));
   const Lines problems = check.Problems();
   ASSERT_EQ(problems.size(), 2u);
-  EXPECT_THAT(*problems.begin(), testing::StartsWith("incremental-inventory/unchanged#: "));
-  EXPECT_THAT(*problems.rbegin(), testing::StartsWith("inventory/cut: is no JSON: "));
+  EXPECT_THAT(*problems.begin(), StartsWith("incremental-inventory/unchanged#: "));
+  EXPECT_THAT(*problems.rbegin(), StartsWith("inventory/cut: is no JSON: "));
 }
 
 const std::map<SectionKind, const char*> KINDS = {
@@ -188,8 +187,8 @@ TEST(DocumentsGuideTest, HasTheTableOfTheSections) {
   });
   std::string table;
   for (const auto& [key, row] : rows) table += "| `" + key + "` | " + row;
-  EXPECT_THAT(Tests::ContentOf(NORVIK_SOURCE_DIR "/docs/documents.md"),
-              testing::HasSubstr("\n| --- | --- | --- | --- |\n" + table + "\n"));
+  EXPECT_THAT(ContentOf(NORVIK_SOURCE_DIR "/docs/documents.md"),
+              HasSubstr("\n| --- | --- | --- | --- |\n" + table + "\n"));
 }
 
 }  // namespace

@@ -31,7 +31,6 @@ Printed RunShell(const std::string& script, const ChildAccount* account = nullpt
 
 ChildAccount OwnAccount() { return {::geteuid(), ::getegid(), "nobody-special", "/", "/bin/sh"}; }
 
-/// For both ways to start a child.
 class ChildProcess : public testing::TestWithParam<bool> {
  protected:
   Printed Run(const std::string& script) const { return RunShell(script, account_); }

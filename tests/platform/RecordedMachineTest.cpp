@@ -101,22 +101,10 @@ TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
   files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
       "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
   files.Add("array.plist", PropertyListOf(R"(["Label"])"));
-  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"daemon.plist", "Label", "com.example.a", ""},
-      {"daemon.plist", "Words", "", "/bin/a"},
-      {"daemon.plist", "Numbers", "", ""},
-      {"daemon.plist", "None", "", ""},
-      {"daemon.plist", "Off", "", ""},
-      {"daemon.plist", "On", "", ""},
-      {"array.plist", "Label", "", ""},
-      {"absent.plist", "Label", "", ""},
-      {".", "Label", "", ""}};
-  for (const auto& [name, key, text, firstText] : cases) {
-    const PropertyListFile file((files.Path() / name).string());
-    EXPECT_EQ(file.Text(key), text) << name << key;
-    EXPECT_EQ(file.FirstText(key), firstText) << name << key;
-    EXPECT_EQ(file.Has(key), name == std::string("daemon.plist") && key != std::string("On"))
-        << key;
+  for (const Json& row : DataOf("platform/property-list-files.json")) {
+    const PropertyListFile file((files.Path() / row[0].get<std::string>()).string());
+    const std::string key = row[1];
+    EXPECT_EQ(Json({file.Text(key), file.FirstText(key), file.Has(key)}), row[2]) << row;
   }
 }
 

@@ -120,23 +120,14 @@ TEST_F(RegistryTest, WhatIsNoRegistryIsEmpty) {
 
 TEST_F(RegistryTest, AFaultyUseEndsTheProgramAndNamesTheEntry) {
   Use(TREE);
-  const struct {
-    std::function<void()> use;
-    const char* message;
-  } cases[] = {
-      {[] { IOObjectRelease(Service("Port").Get()); },
-       "IOObjectRelease: the entry \"port\" of class Port was released already"},
-      {[] {
-         const io_registry_entry_t released = Service("Port").Get();
-         io_name_t name;
-         IORegistryEntryGetName(released, name);
-       },
-       "IORegistryEntryGetName: the entry \"port\" of class Port was released already"},
-      {[] { IOIteratorNext(Service("Port").Release()); },
-       "IOIteratorNext: does not take the entry"},
-      {[] { IOObjectRelease(77); }, "the handle does not exist"},
-  };
-  for (const auto& row : cases) EXPECT_DEATH(row.use(), row.message) << row.message;
+  const io_registry_entry_t released = Service("Port").Get();
+  EXPECT_DEATH(IOObjectRelease(released),
+               "IOObjectRelease: the entry \"port\" of class Port was released already");
+  io_name_t name;
+  EXPECT_DEATH(IORegistryEntryGetName(released, name),
+               "IORegistryEntryGetName: the entry \"port\"");
+  EXPECT_DEATH(IOIteratorNext(Service("Port").Release()), "does not take the entry");
+  EXPECT_DEATH(IOObjectRelease(77), "the handle does not exist");
 }
 
 }  // namespace

@@ -12,7 +12,6 @@ namespace {
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
 
-/// What is synced in this process, while a test watches it.
 struct SyncWatch {
   std::string target;
   std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed

@@ -7,7 +7,6 @@
 
 namespace Norvik::Tests {
 
-/// Both clocks stand still until a test moves them.
 class FakeActionClock : public Host::Clock {
  public:
   using TimePoint = std::chrono::system_clock::time_point;

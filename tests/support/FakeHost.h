@@ -53,7 +53,6 @@ class FakeActionSystem final : public Common::IActionSystem {
   /// Runs the waiting actions (queued, or once without delay), the oldest first.
   void RunWaiting();
 
-  /// Called once, when the next action is started.
   std::function<void()> onNextStart;
 
  private:

@@ -7,7 +7,6 @@
 
 namespace Norvik::Tests {
 
-/// A record in the form of a document.
 template <class Record>
 Json JsonOf(const Record& record) {
   return Json::parse(json::RecordToJson(record).strUgly());

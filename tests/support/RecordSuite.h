@@ -7,7 +7,6 @@
 /// Tests for every record type. A record is tested by adding it to the list of types.
 namespace tests {
 
-/// Names the typed tests after their records.
 struct RecordName {
   template <class T>
   static std::string GetName(int /*index*/) {

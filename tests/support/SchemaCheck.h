@@ -35,7 +35,6 @@ class SchemaCheck {
   TemporaryFolder folder_;
 };
 
-/// Expects that the schema allows the document.
 inline void ExpectValid(const std::string& schema, const std::string& text) {
   SchemaCheck check;
   check.Add(schema, "document", text);

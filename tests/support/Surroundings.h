@@ -19,7 +19,6 @@
 /// Changes of the process for the lifetime of an object.
 namespace Norvik::Tests {
 
-/// Runs a function at the end of its scope.
 class Scope {
  public:
   explicit Scope(std::function<void()> atEnd) : atEnd_(std::move(atEnd)) {}

@@ -66,7 +66,6 @@ class Service : public ProgramTest {
     if (!toWrite.empty()) data.SetString(Host::PeriodicKey(code), toWrite);
     return data.GetOptionalString(Host::PeriodicKey(code)).get_value_or("none");
   }
-  /// Paths in the table of network drives.
   std::multiset<std::string> Drives() const {
     const LogCapture silence;
     Common::AgentDatabase dataBase(folder_ / "data");

@@ -10,7 +10,6 @@ using namespace Norvik::Common;
 using namespace Norvik::Tests;
 using namespace std::chrono_literals;
 
-/// Makes reachable what a class of actions uses.
 class Performer : public ActionPerformerBase {
  public:
   explicit Performer(std::weak_ptr<ModuleDependencies> dependencies)

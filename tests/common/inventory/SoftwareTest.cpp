@@ -1,5 +1,3 @@
-
-
 #include "common/inventory/ApplicationsReport.h"
 #include "common/inventory/PackageDatabase.h"
 #include "common/inventory/SoftwareRegisteredSection.h"

@@ -56,7 +56,6 @@ TEST(Progress, SeparatesRunsThatAreUnderWayAtOnce) {
               ElementsAre("run begins", "+ outer", "- outer", "run ends, files: 0"));
 }
 
-/// Throws whatever it is called for.
 struct Thrower : IProgressListener {
   void RunBegun(const RunInfo&) override { throw std::runtime_error("first"); }
   void RunEnded(const RunInfo&) override { throw 7; }

@@ -18,12 +18,10 @@ constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
 const std::string KEY = PeriodicKey(CODE);
 
-/// @param next the first time, in seconds after the start
 ActionTiming Timing(long period, long next) {
   return {seconds(period), system_clock::time_point(seconds(START + next))};
 }
 
-/// Work that lasts until it is released.
 class LongWork {
  public:
   void Do() {

@@ -39,7 +39,6 @@ TaskResponseInfo StatusOf(const std::string& requestId) {
   return status;
 }
 
-/// The first bytes of a sealed file.
 const std::string SEAL = "NRVKSEAL\x01";
 
 /// A server, and the agent's side of the connection to it, with an outbox of two kinds of files.
@@ -76,7 +75,6 @@ struct DeliverySetup {
     if (next == Delivery::TimePoint::max()) return -1;
     return std::chrono::duration<double>(next - clock->Steady()).count();
   }
-  /// The original names of the files.
   std::multiset<std::string> Waiting() const {
     std::multiset<std::string> names;
     for (const auto& name : FilesBelow(options.outbox)) {

@@ -1,4 +1,3 @@
-
 #include <boost/core/demangle.hpp>
 
 #include "common/database/DataBase.h"
@@ -67,7 +66,6 @@ std::string ValueText(const Common::ActionPropertyValue& value) {
   return boost::apply_visitor(text, value);
 }
 
-/// The started actions with their parameters.
 TextList StartedBy(const FakeActionSystem& actions) {
   TextList texts = actions.Texts();
   for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -157,7 +155,6 @@ class Story {
     module_->Run(step["run"], ParametersOf(PartOf(step, "with")));
   }
 
-  /// Sets the answer of the server to a request about the survey.
   void Answer(const std::string& message) {
     host_.communications->answer = Json{{"result", 0}, {"message", message}}.dump();
   }

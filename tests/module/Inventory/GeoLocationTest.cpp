@@ -1,43 +1,26 @@
 #include "module/Inventory/GeoLocation.h"
 
 #include "module/Inventory/GeoLocationCommon.h"
-#include "platform/WaitClock.h"
+#include "support/FakeWaitClock.h"
 #include "support/MacRecording.h"
-#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Tests;
 using namespace Norvik::KOB;
 
-/// A clock that advances only during a wait.
-class DrivenClock : public Norvik::Platform::WaitClock {
- public:
-  explicit DrivenClock(void (*onSleep)()) : onSleep_(onSleep) {}
-  TimePoint Now() override { return TimePoint() + waited.load(); }
-  void SleepFor(milliseconds duration) override {
-    onSleep_();
-    waited = waited.load() + duration;
-  }
-
-  std::atomic<milliseconds> waited{milliseconds(0)};
-
- private:
-  void (*const onSleep_)();
-};
-
-const std::map<std::string, void (*)()> EVENTS = {
-    {"nothing", [] {}},
-    {"a delay", [] { std::this_thread::sleep_for(milliseconds(30)); }},
-    {"a fault", [] { throw std::runtime_error("no time"); }}};
+const std::map<std::string, void (*)(std::size_t)> EVENTS = {
+    {"nothing", [](std::size_t) {}},
+    {"a delay", [](std::size_t) { std::this_thread::sleep_for(milliseconds(30)); }},
+    {"a fault", [](std::size_t) { throw std::runtime_error("no time"); }}};
 
 TEST(GeoLocation, AwaitsAPositionForFiveSeconds) {
   for (const Json& row : DataOf("module/Inventory/locations.json")) {
     SCOPED_TRACE(row["name"]);
     MacRecording recording;
     recording.Add("location.json", row["recorded"]).PutInForce();
-    DrivenClock clock(EVENTS.at(row.value("each wait", "nothing")));
-    const Norvik::Platform::WaitClockScope inForce(clock);
+    FakeWaitClock clock;
+    clock.meanwhile = EVENTS.at(row.value("each wait", "nothing"));
     const LogCapture log;
     const bool isImpatient = row.value("impatient", false);
     const GeoLocationPoint point =

@@ -217,7 +217,10 @@ TEST(LocalUsersSection, AddsOneRecordWithAllAccounts) {
     LocalUsersSection().GetInfo(result);
     ASSERT_EQ(result.size(), 1U) << time;
     std::map<std::string, TextList> found;
-    for (const Json& it : JsonOf(result.front().groups)) found[it["name"]] = it["user"];
+    for (const auto& group : result.front().groups) {
+      const Json record = JsonOf(group);
+      found[record["name"].get<std::string>()] = record["user"].get<TextList>();
+    }
     EXPECT_EQ(found, members) << time;
     const Json wanted = {
         {"userName", own->pw_name}, {"description", own->pw_gecos}, {"enabled", true}};

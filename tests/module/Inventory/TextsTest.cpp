@@ -1,5 +1,3 @@
-
-
 #include "module/Inventory/CSharedResourcesSection.h"
 #include "module/Inventory/Edid.h"
 #include "module/Inventory/KeyboardSection.h"
@@ -31,13 +29,11 @@ TextList PrinterP(const Bytes& lines) {
   return {printer[1], printer[2], printer[4]};
 }
 
-/// The last driver name in the description.
 std::string DriverNameIn(const Bytes& description) {
   std::istringstream stream(description);
   return std::string(ReadDriverName(stream).utf8_str());
 }
 
-/// Description and path of a share with these properties.
 TextList ShareWith(const Bytes& properties) {
   const Json share = JsonOf(ReadShares("s\n\n", [&](const std::string&) { return properties; }));
   EXPECT_EQ(share.size(), 1u);

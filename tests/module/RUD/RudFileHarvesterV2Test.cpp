@@ -9,7 +9,6 @@ namespace {
 
 using namespace Tests;
 
-/// A folder and its scan.
 struct FileWalk {
   FileWalk() {
     config[ExcludePath];
@@ -47,7 +46,6 @@ struct FileWalk {
 
 struct FileHarvesterTest : testing::Test, FileWalk {};
 
-/// In a row, "$" stands for the scanned folder.
 TEST(FileHarvester, KeepsFilesByTheirNamesTheirPlacesAndItsConfiguration) {
   const std::map<std::string, ConfigScan> sets = {
       {"excluded folders", ExcludePath}, {"excluded files", ExcludeFile}, {"roots", IncludePath}};
@@ -119,7 +117,6 @@ TEST_F(FileHarvesterTest, APipeIsKeptWithoutASize) {
                                         (root / "pipe.txt").string()));
 }
 
-/// Calls a function after each log line.
 struct ListeningLogger final : Common::Logger {
   explicit ListeningLogger(std::function<void(const std::string& text)> listener)
       : listen(std::move(listener)) {}

@@ -29,7 +29,6 @@ class AdministeredMachine : public testing::Test {
   AdministeredMachine();
   ~AdministeredMachine() override;
 
-  /// Creates missing parent folders.
   void AddFile(const std::string& path, const std::string& content = "");
   /// Adds a shell script in which $M is the machine's folder.
   void AddTool(const std::string& path, const std::string& script);
