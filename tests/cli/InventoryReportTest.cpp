@@ -30,9 +30,9 @@ TEST(InventoryRecorder, AddsTheTimesOfOneSectionAndIgnoresRunsOfAnotherKind) {
   TextList shown;
   InventoryRecorder recorder([&](const auto& sections) { shown.push_back(sections.Name()); });
   const SectionKeys setup = {"setup", "portConnectors"};
-  const auto retrieve = [&](const RunInfo& run, const SectionKeys& keys, int milliseconds) {
+  const auto retrieve = [&](const RunInfo& run, const SectionKeys& keys, int taken) {
     recorder.SectionBegun(run, keys);
-    recorder.SectionEnded(run, keys, milliseconds(milliseconds));
+    recorder.SectionEnded(run, keys, milliseconds(taken));
   };
   retrieve({}, setup, 500);
   retrieve(MACHINE, {"software"}, 250);

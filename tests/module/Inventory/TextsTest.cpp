@@ -41,9 +41,9 @@ TextList ShareWith(const Bytes& properties) {
 }
 
 std::string DateOf(const std::string& text) {
-  const auto seconds = static_cast<::time_t>(static_cast<std::uint32_t>(getDate(text)));
+  const auto time = static_cast<::time_t>(static_cast<std::uint32_t>(getDate(text)));
   char day[16];
-  ::strftime(day, sizeof(day), "%Y-%m-%d", ::gmtime(&seconds));
+  ::strftime(day, sizeof(day), "%Y-%m-%d", ::gmtime(&time));
   return day;
 }
 
