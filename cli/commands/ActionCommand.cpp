@@ -28,7 +28,7 @@ ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters&
   try {
     outcome.response = host.Run(code, parameters);
   } catch (const std::exception& error) {
-    outcome.failure = *error.what() ? ReasonOf(error) : "the action raised an exception";
+    outcome.failure = *error.what() ? ReasonOf(error) : "the action threw an exception";
   }
   outcome.statuses = recorder->Statuses();
   return outcome;
@@ -61,7 +61,7 @@ RehearsedCommunications::Sessions ConnectedSessions(const CommandLine& line) {
       sessions[session.at("session")].processId = session.at("processId");
     }
   } catch (const std::exception& error) {
-    NORVIK_WARNING(boost::format("The running agent does not tell who is connected: %1%") %
+    NORVIK_WARNING(boost::format("The running agent does not say who is connected: %1%") %
                    error.what());
   }
   return sessions;

@@ -14,7 +14,6 @@ namespace {
 
 std::vector<std::string>* record = nullptr;
 
-/// Records shell lines, and runs them.
 struct ShellLines final : Norvik::Platform::RealSystemChanges {
   Norvik::Platform::ChildResult Run(const Norvik::Platform::ChildCommand& command) override {
     if (command.isShellLine) record->push_back("ExecCommand: " + command.words.back());

@@ -1,18 +1,13 @@
 #include "platform/ChildProcess.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
-#include <stdexcept>
-#include <string>
 
 #include "platform/Accounts.h"
 #include "platform/FileDescriptor.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -37,7 +32,6 @@ Printed RunShell(const std::string& script, const ChildAccount* account = nullpt
 
 ChildAccount OwnAccount() { return {::geteuid(), ::getegid(), "nobody-special", "/", "/bin/sh"}; }
 
-/// For both ways to start a child.
 class ChildProcess : public testing::TestWithParam<bool> {
  protected:
   Printed Run(const std::string& script) const { return RunShell(script, account_); }

@@ -1,26 +1,18 @@
 #include "platform/RecordedMachine.h"
 
-#include <gmock/gmock.h>
 #include <libproc.h>
 #include <sys/sysctl.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 #include "platform/MachinePath.h"
 #include "platform/PropertyListFile.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Tests;
 using namespace Norvik::Platform;
 using namespace std::string_literals;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::vector<int> Pids() {
   std::vector<int> pids(static_cast<std::size_t>(proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0)) / 4);
@@ -61,8 +53,8 @@ TEST(RecordedMachine, ProgramsAndFilesAreItsOwnAsLongAsItLives) {
 }
 
 TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
-  EXPECT_THAT(Pids(), testing::Contains(::getpid()));
-  EXPECT_THAT(TextOf(::getpid()), testing::MatchesRegex(".*/test_platform [1-9][0-9]*"));
+  EXPECT_THAT(Pids(), Contains(::getpid()));
+  EXPECT_THAT(TextOf(::getpid()), MatchesRegex(".*/test_platform [1-9][0-9]*"));
   MacRecording recording;
   recording.Add("processes.json", R"([
       {"pid": 1, "name": "launchd", "path": "/sbin/launchd", "footprint": 1048576},
@@ -82,7 +74,7 @@ TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
   EXPECT_STREQ(small, "/sb");
 }
 
-TEST(RecordedMachine, TellsTheSizeOfTheMemory) {
+TEST(RecordedMachine, ReportsTheSizeOfTheMemory) {
   int name[] = {CTL_HW, HW_MEMSIZE};
   std::uint64_t size = 0;
   std::size_t length = sizeof(size);
@@ -109,22 +101,10 @@ TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
   files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
       "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
   files.Add("array.plist", PropertyListOf(R"(["Label"])"));
-  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"daemon.plist", "Label", "com.example.a", ""},
-      {"daemon.plist", "Words", "", "/bin/a"},
-      {"daemon.plist", "Numbers", "", ""},
-      {"daemon.plist", "None", "", ""},
-      {"daemon.plist", "Off", "", ""},
-      {"daemon.plist", "On", "", ""},
-      {"array.plist", "Label", "", ""},
-      {"absent.plist", "Label", "", ""},
-      {".", "Label", "", ""}};
-  for (const auto& [name, key, text, firstText] : cases) {
-    const PropertyListFile file((files.Path() / name).string());
-    EXPECT_EQ(file.Text(key), text) << name << key;
-    EXPECT_EQ(file.FirstText(key), firstText) << name << key;
-    EXPECT_EQ(file.Has(key), name == std::string("daemon.plist") && key != std::string("On"))
-        << key;
+  for (const Json& row : DataOf("platform/property-list-files.json")) {
+    const PropertyListFile file((files.Path() / row[0].get<std::string>()).string());
+    const std::string key = row[1];
+    EXPECT_EQ(Json({file.Text(key), file.FirstText(key), file.Has(key)}), row[2]) << row;
   }
 }
 

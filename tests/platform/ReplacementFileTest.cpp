@@ -1,28 +1,17 @@
 #include "platform/ReplacementFile.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
 #include <system_error>
-#include <utility>
-#include <vector>
 
 #include "platform/FileSystem.h"
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using testing::Pair;
-using testing::UnorderedElementsAre;
-namespace fs = boost::filesystem;
 
-/// What is synced in this process, while a test watches it.
 struct SyncWatch {
   std::string target;
   std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
@@ -99,7 +88,7 @@ TEST(ReplacementFile, HasItsContentOnTheDiskBeforeItTakesTheTargetsPlace) {
   }
 }
 
-TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
+TEST(ReplacementFile, ThrowsWhereNoFileCanBe) {
   const TemporaryFolder folder;
   EXPECT_THROW(ReplacementFile((folder / "missing" / "file").string()), std::system_error);
   fs::create_directory(folder / "target");
