@@ -208,6 +208,7 @@ TEST_F(FilesCommand, TheCheckOfAConfigurationWarnsOfWhatWillSurprise) {
   }
   EXPECT_EQ(warned, (Words{Tree().string() + "/", "/no such", "relative", "folder/name.sample",
                            "Txt", "CPL", "EXE", "/no such.pem"}));
+  EXPECT_EQ(answer["sources"]["server"], "file");
   EXPECT_FALSE(fs::exists(Data() / "configuration.json"));
 }
 
