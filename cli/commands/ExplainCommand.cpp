@@ -32,7 +32,7 @@ std::string FullPath(const fs::path& given) {
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const auto configuration =
       ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
-  const Common::ScanRules rules(*configuration.kob);
+  const Common::ScanRules rules(*configuration.values.kob);
   const std::string path = FullPath(line.file);
   const ScanExplanation explanation = ExplainScan(rules, path);
   if (line.json) {

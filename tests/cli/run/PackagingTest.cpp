@@ -2,6 +2,9 @@
 #ifdef __linux__
 
 #include "cli/commands/CommandLine.h"
+#include "common/identification/HostInfoProvider.h"
+#include "platform/ChildProcess.h"
+#include "platform/PropertyListFile.h"
 #include "platform/compat/PropertyListReader.h"
 #include "support/Test.h"
 
@@ -54,6 +57,45 @@ TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
     ASSERT_FALSE(words.empty()) << row.file;
     EXPECT_EQ(words.front(), "/opt/local/norvik/bin/norvik-agent") << row.file;
     EXPECT_EQ(Cli::ParseCommandLine(words).command, row.command) << row.file;
+  }
+}
+
+TEST(Packaging, TheProgramHoldsItsIdentifierAndItsVersion) {
+  const Platform::PropertyListFile list(NORVIK_BINARY_DIR "/cli/Info.plist");
+  EXPECT_EQ(list.Text("CFBundleIdentifier"), "com.norvik.agent");
+  EXPECT_EQ(list.Text("CFBundleVersion") + ".0", Common::GetAgentVersion());
+}
+
+/// A row: the team, a program, the settings, and the end of the only line; without a line there are
+/// profiles.
+TEST(Packaging, ProfilesAreTheSameForTheSameTeamAndNeedOne) {
+  for (const auto& row : Tests::DataOf("cli/run/profiles.json")) {
+    const Tests::TemporaryFolder folder;
+    const auto in = [&](const char* name) { return (folder / name).string(); };
+    const std::string team = row[0];
+    const std::string line = row[3];
+    Tests::WriteFile(in("program"), row[1].get<Tests::Bytes>());
+    Tests::WriteFile(in("settings"), row[2]);
+    std::set<std::string> contents;
+    for (const char* output : {"first", "second"}) {
+      Platform::ChildCommand command;
+      command.words = {NORVIK_PYTHON, NORVIK_SOURCE_DIR "/script/macos-profile",
+                       team,          in(output),
+                       "--program",   in("program"),
+                       "--settings",  in("settings")};
+      std::string errors;
+      command.onOutput = [](std::string_view) {};
+      command.onErrors = [&](std::string_view piece) { errors += piece; };
+      EXPECT_EQ(Platform::RunChild(command).exitCode, line.empty() ? 0 : 1) << row << errors;
+      EXPECT_THAT(errors, testing::EndsWith(line.empty() ? "" : line + "\n"));
+      EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), line.empty() ? 0 : 1) << errors;
+      if (!line.empty()) continue;
+      for (const auto& file : Tests::FilesBelow(folder / output)) {
+        contents.insert(Tests::ContentOf(folder / output / file));
+      }
+    }
+    EXPECT_EQ(contents.size(), line.empty() ? 3u : 0u);
+    for (const auto& content : contents) EXPECT_TRUE(Platform::ReadPropertyList(content));
   }
 }
 

@@ -10,6 +10,7 @@
 #include "host/ipc/Frames.h"
 #include "support/BackgroundProcess.h"
 #include "support/LocalClient.h"
+#include "support/PropertyListText.h"
 
 namespace {
 
@@ -49,6 +50,15 @@ class Service : public ProgramTest {
   PlainJson Status() const { return Ask({"status"}); }
   bool HasSessions(std::size_t count) const {
     return Eventually([&] { return Status()["agent"]["sessions"].size() == count; });
+  }
+
+  bool HasPeriod(unsigned int code, int seconds) const {
+    return Eventually([&] {
+      const auto periodic = Status()["periodic"];
+      return std::any_of(periodic.begin(), periodic.end(), [&](const PlainJson& entry) {
+        return entry["code"] == code && entry["periodSeconds"] == seconds;
+      });
+    });
   }
 
   std::string Socket() const { return (folder_ / "agent.sock").string(); }
@@ -141,10 +151,17 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   OpenGate();
   EXPECT_TRUE(Logs("KOB Inventory finished"));
   EXPECT_TRUE(Eventually([&] { return DocumentsInOutbox() == 1; }));
-  const auto periodic = Status()["periodic"];
-  EXPECT_TRUE(std::any_of(periodic.begin(), periodic.end(), [](const PlainJson& entry) {
-    return entry["code"] == 1046 && entry["periodSeconds"] == 9999;
-  })) << periodic;
+  EXPECT_TRUE(HasPeriod(1046, 9999));
+
+  const auto managed = folder_ / "machine/root/Library/Managed Preferences";
+  fs::create_directories(managed);
+  WriteFile(managed / "com.norvik.agent.plist",
+            PropertyListOf(R"({"pendingTasksSchedule": {"periodSeconds": 8888}})"));
+  ::kill(service->Id(), SIGHUP);
+  EXPECT_TRUE(HasPeriod(1046, 8888));
+  EXPECT_THAT(RunWell({"status"}).output,
+              HasSubstr("from the managed preferences: pendingTasksSchedule\n"
+                        "from the file: profileId\nby default: "));
 
   WriteFile(folder_ / "data/configuration.json", "{");
   ::kill(service->Id(), SIGHUP);
