@@ -5,7 +5,8 @@
 namespace Norvik::Machine {
 
 std::vector<Common::PhysicalDiskInfo> GatherDisks() {
-  return ParseDiskutilInfo(Common::CommandRunner::ExecCommand("/usr/sbin/diskutil info -all"));
+  const std::string info = Common::CommandRunner::ExecCommand("/usr/sbin/diskutil info -all");
+  return ParseDiskutil(info, Common::CommandRunner::ExecCommand("/usr/sbin/diskutil list"));
 }
 
 }  // namespace Norvik::Machine

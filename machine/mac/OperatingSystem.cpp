@@ -8,6 +8,7 @@
 #include "machine/Gather.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemFiles.h"
+#include "machine/SystemText.h"
 #include "machine/mac/Registry.h"
 #include "machine/mac/Sysctl.h"
 
@@ -42,8 +43,8 @@ OperatingSystemInfo GatherOperatingSystem() {
   info.architecture = SysctlNumber("hw.optional.arm64") != 0 ? "arm64" : "x86_64";
   info.kernel = Kernel("kern.ostype");
   info.kernelVersion = Kernel("kern.osrelease");
-  info.language = WxStringFromStdString(
-      trim_copy(CommandRunner::ExecCommand("/usr/bin/defaults read -g AppleLocale")));
+  info.language = WxStringFromStdString(WithoutKeywords(
+      trim_copy(CommandRunner::ExecCommand("/usr/bin/defaults read -g AppleLocale"))));
   info.timeZone = WxStringFromStdString(TimeZoneOf(SystemFiles()));
   info.bootVolume = BootVolume();
   info.serialNumber =
