@@ -68,7 +68,8 @@ void ReadIpv6(const ifaddrs& item, NetworkAdapterInfo& adapter) {
   adapter.addresses.push_back({text, std::to_string(PrefixLength(item.ifa_netmask))});
 }
 
-/// The interfaces of the hardware. Others, such as tunnels, come and go with their users.
+/// The interfaces of the hardware, and its VLANs. Others, such as tunnels, come and go with their
+/// users.
 Adapters HardwareAdapters() {
   const auto ports =
       ParseHardwarePorts(CommandRunner::ExecCommand("networksetup -listallhardwareports"));
@@ -82,8 +83,9 @@ Adapters HardwareAdapters() {
     NetworkAdapterInfo& adapter = adapters[name];
     adapter.name = name;
     if (port != ports.end()) {
-      adapter.type = port->second;
-      adapter.description = port->second;
+      adapter.type = port->second.type;
+      adapter.description = port->second.description;
+      adapter.vlan = port->second.vlan;
     }
     if (item->ifa_addr->sa_family == AF_LINK) ReadLink(*item, adapter);
     if (item->ifa_addr->sa_family == AF_INET6) ReadIpv6(*item, adapter);

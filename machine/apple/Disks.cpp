@@ -5,7 +5,8 @@
 namespace Norvik::Machine::Mac {
 
 std::vector<Common::PhysicalDiskInfo> GatherDisks() {
-  return ParseDiskutilInfo(Common::CommandRunner::ExecCommand("diskutil info -all"));
+  const std::string info = Common::CommandRunner::ExecCommand("diskutil info -all");
+  return ParseDiskutil(info, Common::CommandRunner::ExecCommand("diskutil list"));
 }
 
 }  // namespace Norvik::Machine::Mac

@@ -3,6 +3,7 @@
 #include "common/text/Text.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemFiles.h"
+#include "machine/SystemText.h"
 #include "machine/apple/GatherFromMac.h"
 #include "machine/apple/Registry.h"
 #include "machine/apple/Sysctl.h"
@@ -33,8 +34,8 @@ OperatingSystemInfo GatherOperatingSystem() {
   info.architecture = SysctlNumber("hw.optional.arm64") != 0 ? "arm64" : "x86_64";
   info.kernel = Kernel("kern.ostype");
   info.kernelVersion = Kernel("kern.osrelease");
-  info.language =
-      WxStringFromStdString(trim_copy(CommandRunner::ExecCommand("defaults read -g AppleLocale")));
+  info.language = WxStringFromStdString(
+      WithoutKeywords(trim_copy(CommandRunner::ExecCommand("defaults read -g AppleLocale"))));
   info.timeZone = WxStringFromStdString(TimeZoneOf(SystemFiles()));
   info.bootVolume = WxStringFromStdString(Platform::DeviceMountedAt("/"));
   info.serialNumber =

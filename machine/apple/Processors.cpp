@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "common/text/Text.h"
-#include "machine/SystemText.h"
+#include "common/commands/CommandRunner.h"
+#include "machine/ProcessorText.h"
 #include "machine/apple/GatherFromMac.h"
 #include "machine/apple/Sysctl.h"
 
@@ -22,24 +22,10 @@ std::string IdentifierOf() {
          std::to_string(SysctlNumber("machdep.cpu.stepping"));
 }
 
-void AddCaches(ProcessorInfo& info) {
-  static constexpr struct {
-    const char* name;
-    std::uint8_t level;
-    const char* type;
-  } CACHES[] = {{"hw.l1dcachesize", 1, "Data"},
-                {"hw.l1icachesize", 1, "Instruction"},
-                {"hw.l2cachesize", 2, "Unified"},
-                {"hw.l3cachesize", 3, "Unified"}};
-  for (const auto& known : CACHES) {
-    CSmbCacheInfo cache;
-    cache.level = known.level;
-    cache.type = known.type;
-    cache.name = "L" + std::to_string(known.level) + " " + known.type;
-    cache.sizeBytes = SysctlNumber(known.name);
-    cache.maximumBytes = cache.sizeBytes;
-    if (cache.sizeBytes > 0) info.caches.push_back(cache);
-  }
+std::list<wxString> Features(const KernelValues& values) {
+  if (!IsAppleSilicon()) return IntelFeatures(values);
+  // `sysctlbyname` lists no names, and new processors have new ones.
+  return ParseArmFeatures(CommandRunner::ExecCommand("sysctl hw.optional.arm"));
 }
 
 }  // namespace
@@ -55,10 +41,10 @@ std::vector<ProcessorInfo> GatherProcessors() {
   info.manufacturer = IsAppleSilicon() ? "Apple" : SysctlText("machdep.cpu.vendor");
   info.identifier = IdentifierOf();
   info.architecture = IsAppleSilicon() ? "arm64" : "x86_64";
-  for (const auto& feature : WordsOf(SysctlText("machdep.cpu.features"))) {
-    info.features.push_back(WxStringFromStdString(feature));
-  }
-  AddCaches(info);
+  const KernelValues values = {[](const std::string& name) { return SysctlNumber(name.c_str()); },
+                               [](const std::string& name) { return SysctlText(name.c_str()); }};
+  info.features = Features(values);
+  info.caches = MacCaches(values);
   std::vector<ProcessorInfo> processors;
   for (std::uint64_t index = 0; index < packages; ++index) {
     info.index = index;
