@@ -4,7 +4,8 @@
 # NORVIK_ROOT is a folder in place of the system's root, for trials.
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
-. "$here/services.sh"
+shared=share/norvik-agent/macos
+. "$here/$shared/services.sh"
 new=$home/.new
 made= stopped=
 
@@ -43,7 +44,7 @@ umask 022
 trap finish EXIT
 trap 'exit 1' HUP INT TERM
 
-for folder in "$home/bin" "$home/lib" "${service_file%/*}" "${user_file%/*}"; do
+for folder in "$home/bin" "$home/lib" "$home/$shared" "${service_file%/*}" "${user_file%/*}"; do
   make_folder "$folder" || fail "$folder cannot be made"
 done
 rm -rf "$new"
@@ -51,7 +52,7 @@ mkdir -m 700 "$new" || fail "$home cannot be written"
 for file in bin/norvik-agent lib/libNorvikAgentCommon.dylib lib/libNorvikKOB.dylib UninstallAgent.sh; do
   copy "$file" 755
 done
-for file in "$label.plist" "$label.user.plist"; do copy "share/norvik-agent/macos/$file" 644; done
+for file in services.sh "$label.plist" "$label.user.plist"; do copy "$shared/$file" 644; done
 
 stopped=yes
 stop_services || fail "the old service does not stop"
@@ -59,7 +60,8 @@ put norvik-agent "$home/bin"
 put libNorvikAgentCommon.dylib "$home/lib"
 put libNorvikKOB.dylib "$home/lib"
 put UninstallAgent.sh "$home"
+put services.sh "$home/$shared"
 put "$label.plist" "${service_file%/*}"
 put "$label.user.plist" "${user_file%/*}"
 # The receipt of a package says what that package had installed.
-! pkgutil --pkg-info "$label" >/dev/null 2>&1 || pkgutil --forget "$label" >/dev/null
+forget_receipt

@@ -1,5 +1,5 @@
-# Stops and starts the agent's service and the processes of users with a desktop. Read by install.sh and
-# by the scripts of the package. NORVIK_ROOT is a folder in place of the system's root, for trials.
+# Stops and starts the agent's service and the processes of users with a desktop. Read by install.sh,
+# UninstallAgent.sh and the scripts of the package. NORVIK_ROOT is a folder in place of the system's root, for trials.
 label=com.norvik.agent
 root=${NORVIK_ROOT:-}
 home=$root/opt/local/norvik
@@ -45,4 +45,8 @@ stop_services() {
 start_services() {
   for user in $(desktops); do start "gui/$user" "$label.user" "$user_file"; done
   start system "$label" "$service_file"
+}
+
+forget_receipt() {
+  ! pkgutil --pkg-info "$label" >/dev/null 2>&1 || pkgutil --forget "$label" >/dev/null
 }
