@@ -153,7 +153,8 @@ class Stubs:
 
     def __init__(self, sdk):
         self._documents, self._known = {}, {}
-        for path in filter(pathlib.Path.is_file, (*sdk.glob("usr/lib/**/*.tbd"), *sdk.glob("System/Library/**/*.tbd"))):
+        stubs = [*sdk.glob("usr/lib/**/*.tbd"), *sdk.glob("System/Library/**/*.tbd")]
+        for path in filter(pathlib.Path.is_file, stubs):
             for document in path.read_text().split("--- !tapi-tbd")[1:]:
                 name = re.search(r"^install-name: *'?([^'\n]+)'?", document, re.M)[1]
                 self._documents.setdefault(name, document)
