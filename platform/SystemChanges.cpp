@@ -2,6 +2,7 @@
 
 #include <CoreServices/CoreServices.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -39,6 +40,8 @@ int RealSystemChanges::RemoveAt(int folder, const std::string& name, const std::
   return ::unlinkat(folder, name.c_str(), 0);
 }
 
+int RealSystemChanges::RunQueryLine(const std::string& line) { return ::system(line.c_str()); }
+
 int RealSystemChanges::SendAppleEvent(const AEDesc& event, const std::string& /*name*/) {
   AEDesc reply{FourCharacters("null"), nullptr};
   const int status = ::AESendMessage(&event, &reply, kAENoReply, kAEDefaultTimeout);
@@ -47,11 +50,6 @@ int RealSystemChanges::SendAppleEvent(const AEDesc& event, const std::string& /*
 }
 
 int RealSystemChanges::ClockError() { return ::geteuid() == 0 ? 0 : EPERM; }
-
-#ifdef __APPLE__
-// Elsewhere platform/compat says what its own AESendMessage would return.
-int RealSystemChanges::AppleEventError() { return 0; }
-#endif
 
 void RealSystemChanges::Note(const RehearsedStep& /*step*/) {}
 

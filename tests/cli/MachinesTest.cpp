@@ -1,6 +1,3 @@
-// Recorded machines exist only on systems other than macOS.
-#ifdef __linux__
-
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -63,9 +60,8 @@ class Machines : public testing::TestWithParam<std::string> {
 
   int TakeInventory() {
     return Cli::RunAgentProgram(
-        {"norvik-agent", "--machine", (MACHINES / GetParam()).string(), "--module",
-         std::string(NORVIK_BINARY_DIR) + "/lib/libNorvikKOB.so", "--data",
-         (folder_ / "data").string(), "inventory"},
+        {"norvik-agent", "--machine", (MACHINES / GetParam()).string(), "--module", NORVIK_MODULE,
+         "--data", (folder_ / "data").string(), "inventory"},
         output_, output_);
   }
   Json Document() const {
@@ -119,5 +115,3 @@ INSTANTIATE_TEST_SUITE_P(Recorded, Machines, testing::ValuesIn(AllMachines()),
                          });
 
 }  // namespace
-
-#endif

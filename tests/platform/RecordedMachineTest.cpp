@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/MachinePath.h"
-#include "platform/PropertyListFile.h"
 #include "support/MacRecording.h"
 
 namespace {
@@ -101,30 +100,6 @@ TEST(RecordedMachine, SplitsTheSmBiosFileAtTheEndOfItsEntryPoint) {
     recording.PutInForce();
     EXPECT_EQ(RecordedSmBios().entryPoint, entryPoint) << row["name"];
     EXPECT_EQ(RecordedSmBios().table, row["table"]) << row["name"];
-  }
-}
-
-TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
-  MacRecording files;
-  files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
-      "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
-  files.Add("array.plist", PropertyListOf(R"(["Label"])"));
-  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"daemon.plist", "Label", "com.example.a", ""},
-      {"daemon.plist", "Words", "", "/bin/a"},
-      {"daemon.plist", "Numbers", "", ""},
-      {"daemon.plist", "None", "", ""},
-      {"daemon.plist", "Off", "", ""},
-      {"daemon.plist", "On", "", ""},
-      {"array.plist", "Label", "", ""},
-      {"absent.plist", "Label", "", ""},
-      {".", "Label", "", ""}};
-  for (const auto& [name, key, text, firstText] : cases) {
-    const PropertyListFile file((files.Path() / name).string());
-    EXPECT_EQ(file.Text(key), text) << name << key;
-    EXPECT_EQ(file.FirstText(key), firstText) << name << key;
-    EXPECT_EQ(file.Has(key), name == std::string("daemon.plist") && key != std::string("On"))
-        << key;
   }
 }
 

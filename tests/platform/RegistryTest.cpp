@@ -39,12 +39,12 @@ std::vector<std::string> NamesIn(const IoObject& iterator) {
 }
 
 IoObject Service(const char* className) {
-  return IoObject(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(className)));
+  return IoObject(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(className)));
 }
 
 std::vector<std::string> Services(const char* className) {
   IoObject iterator;
-  IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching(className), iterator.Out());
+  IOServiceGetMatchingServices(MACH_PORT_NULL, IOServiceMatching(className), iterator.Out());
   return NamesIn(iterator);
 }
 

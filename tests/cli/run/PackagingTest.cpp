@@ -1,6 +1,3 @@
-// libplist checks the property lists here, in place of the system's reader on macOS.
-#ifdef __linux__
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -72,5 +69,3 @@ TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
 }
 
 }  // namespace
-
-#endif
