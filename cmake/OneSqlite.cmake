@@ -4,10 +4,12 @@
 # norvik_sqlite_of(RESULT LIBRARIES): the SQLite library in what `otool -L` prints of SOCI, if there is such
 # a file. The system's own libraries are no files.
 function(norvik_sqlite_of result libraries)
-  set(${result} "" PARENT_SCOPE)
-  if(libraries MATCHES "[ \t](/[^ \t\n]*/libsqlite3[^ \t\n]*[.]dylib) " AND EXISTS "${CMAKE_MATCH_1}")
-    set(${result} "${CMAKE_MATCH_1}" PARENT_SCOPE)
+  string(REGEX MATCH "[ \t]/[^ \t\n]*/libsqlite3[^ \t\n]*[.]dylib" library "${libraries}")
+  string(STRIP "${library}" library)
+  if(NOT EXISTS "${library}")
+    set(library "")
   endif()
+  set(${result} "${library}" PARENT_SCOPE)
 endfunction()
 
 if(APPLE AND NOT CMAKE_CROSSCOMPILING AND NOT SQLite3_LIBRARY)
@@ -25,7 +27,7 @@ find_package(SQLite3 REQUIRED)
 # A program for another system cannot be run here; the agent checks the same when it starts.
 if(NOT CMAKE_CROSSCOMPILING AND NOT DEFINED NORVIK_ONE_SQLITE)
   try_run(NORVIK_ONE_SQLITE NORVIK_ONE_SQLITE_COMPILES
-    SOURCES "${CMAKE_SOURCE_DIR}/cmake/OneSqlite.cpp"
+    SOURCES "${CMAKE_SOURCE_DIR}/cmake/SqliteProbe.cpp"
       "${CMAKE_SOURCE_DIR}/common/database/OneSqlite.cpp"
     CMAKE_FLAGS "-DINCLUDE_DIRECTORIES=${CMAKE_SOURCE_DIR};${SOCI_INCLUDE_DIR};${SOCI_INCLUDE_DIR}/soci"
     LINK_LIBRARIES "${SOCI_SQLITE3_LIBRARY}" "${SOCI_CORE_LIBRARY}" SQLite::SQLite3

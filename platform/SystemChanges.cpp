@@ -1,6 +1,7 @@
 #include "platform/SystemChanges.h"
 
 #include <CoreServices/CoreServices.h>
+#include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -38,6 +39,15 @@ int RealSystemChanges::Remove(const std::string& path) { return std::remove(path
 
 int RealSystemChanges::RemoveAt(int folder, const std::string& name, const std::string& /*path*/) {
   return ::unlinkat(folder, name.c_str(), 0);
+}
+
+int RealSystemChanges::Sync(int descriptor) {
+#ifdef F_FULLFSYNC
+  // A plain fsync leaves the data in the cache of the drive; not every file system has the full
+  // one.
+  if (::fcntl(descriptor, F_FULLFSYNC) == 0) return 0;
+#endif
+  return ::fsync(descriptor);
 }
 
 int RealSystemChanges::RunQueryLine(const std::string& line) { return ::system(line.c_str()); }

@@ -1,8 +1,6 @@
 #include "host/server/ServerLink.h"
 
 #include <gmock/gmock.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -11,6 +9,7 @@
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "host/server/ManagementServer.h"
+#include "platform/SystemChanges.h"
 #include "support/FakeActionClock.h"
 #include "support/LogCapture.h"
 #include "support/Steps.h"
@@ -27,17 +26,14 @@ using testing::SizeIs;
 using State = ManagementServer::State;
 
 constexpr long START = 1'767'225'600;
-std::atomic<int> syncs{0};  ///< in this process
 
-}  // namespace
-
-/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
-extern "C" int fsync(int file) {
-  ++syncs;
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
-
-namespace {
+struct SyncCount final : Norvik::Platform::RealSystemChanges {
+  int Sync(int descriptor) override {
+    ++syncs;
+    return RealSystemChanges::Sync(descriptor);
+  }
+  int syncs = 0;
+};
 
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
@@ -263,9 +259,11 @@ TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
 TEST(StatusQueue, OutlivesAnyEndOfTheProcessAndIsBounded) {
   const TemporaryFolder folder;
   const auto file = folder / "statuses.jsonl";
-  const int before = syncs;
+  const auto count = std::make_shared<SyncCount>();
+  Norvik::Platform::SetSystemChanges(count);
   StatusQueue(file).Add(StatusOf("a"));
-  EXPECT_EQ(syncs, before + 1);
+  Norvik::Platform::SetSystemChanges(nullptr);
+  EXPECT_EQ(count->syncs, 1);
   WriteFile(file, ContentOf(file) + "{\"id\": \"cut");
   const LogCapture log;
   StatusQueue(file, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));
