@@ -5,6 +5,8 @@
 set -u
 home=$(cd "$(dirname "$0")" && pwd)
 [ -x "$home/bin/norvik-agent" ] || { echo "UninstallAgent: no agent beside $0" >&2; exit 1; }
+# The service does not read the output to its end, and a write to a closed pipe would end the script.
+[ ! -p /dev/stdout ] || exec >/dev/null 2>&1
 
 remove_tree() {
   rm -rf "$home/bin/norvik-agent" "$home"/lib/libNorvik* "$home/lib/cmake/NorvikAgent" \

@@ -105,11 +105,6 @@ class Rehearsal::Recorder final : public SystemChanges {
     return result;
   }
 
-  int RunQueryLine(const std::string& line) override {
-    Note({RehearsedStep::ASKED, line});
-    return machine_->RunQueryLine(line);
-  }
-
   int SendAppleEvent(const AEDesc& /*event*/, const std::string& name) override {
     const int status = machine_->AppleEventError();
     Note({RehearsedStep::APPLE_EVENT, name, "", status == 0 ? "" : "nothing here takes it"});

@@ -3,7 +3,6 @@
 #include <CoreServices/CoreServices.h>
 #include <fcntl.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -49,8 +48,6 @@ int RealSystemChanges::Sync(int descriptor) {
 #endif
   return ::fsync(descriptor);
 }
-
-int RealSystemChanges::RunQueryLine(const std::string& line) { return ::system(line.c_str()); }
 
 int RealSystemChanges::SendAppleEvent(const AEDesc& event, const std::string& /*name*/) {
   AEDesc reply{FourCharacters("null"), nullptr};

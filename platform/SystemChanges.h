@@ -37,8 +37,6 @@ class SystemChanges {
 
   /// Runs a program to its end, also one that only queries; `RunChild` checks the words before.
   virtual ChildResult Run(const ChildCommand& command) = 0;
-  /// Runs a line that only queries, as `system` of the C library does, and returns its result.
-  virtual int RunQueryLine(const std::string& line) = 0;
 
   /// Sends an Apple Event and waits for no reply. Returns 0 or the status of the failure.
   /// @param name class and event for reports, as "aevt shut"
@@ -70,7 +68,6 @@ class RealSystemChanges : public SystemChanges {
   int RemoveAt(int folder, const std::string& name, const std::string& path) override;
   int Sync(int descriptor) override;
   ChildResult Run(const ChildCommand& command) override;
-  int RunQueryLine(const std::string& line) override;
   int SendAppleEvent(const AEDesc& event, const std::string& name) override;
   int ClockError() override;
   int AppleEventError() override;

@@ -7,6 +7,7 @@
 #include "common/action/ActionCodes.h"
 #include "common/files/Paths.h"
 #include "common/files/TextFile.h"
+#include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ConfigurationWarnings.h"
 
@@ -23,8 +24,8 @@ int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& 
   std::string text;
   for (const auto& warning : WarningsOf(configuration)) {
     list.push_back({{"key", warning.key}, {"value", warning.value}, {"text", warning.text}});
-    text += warning.key + ": " + warning.value + (warning.value.empty() ? "" : " ") + warning.text +
-            "\n";
+    text += warning.key + ": " + EscapeControls(warning.value) +
+            (warning.value.empty() ? "" : " ") + warning.text + "\n";
   }
   if (text.empty()) text = "nothing in it will surprise\n";
   output << (json ? JsonLine({{"warnings", list}}) : text);

@@ -29,7 +29,7 @@ struct CellVisitor : boost::static_visitor<OrderedJson> {
 };
 
 std::string PlainText(const OrderedJson& cell) {
-  if (cell.is_string()) return cell.get<std::string>();
+  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
   return cell.is_null() ? "" : cell.dump();
 }
 
@@ -85,7 +85,7 @@ OrderedJson StepsToJson(const std::vector<DocumentStep>& steps) {
 std::string StatusText(const TaskResponseInfo& status) {
   std::string text = std::to_string(static_cast<unsigned int>(status.status));
   text += std::string(" ") + NameOf(status.status);
-  return status.message.empty() ? text : text + ": " + status.message;
+  return status.message.empty() ? text : text + ": " + EscapeControls(status.message);
 }
 
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {

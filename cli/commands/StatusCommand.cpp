@@ -13,6 +13,7 @@
 #include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
+#include "common/text/Text.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/identity/AgentIdentity.h"
@@ -155,7 +156,7 @@ OrderedJson Gather(const CommandLine& line) {
 std::string FileLines(const char* title, const OrderedJson& files) {
   std::string text;
   for (const auto& file : files) {
-    text += std::string(title) + ": " + file["file"].get<std::string>() + ", " +
+    text += std::string(title) + ": " + EscapeControls(file["file"].get<std::string>()) + ", " +
             file["bytes"].dump() + " bytes, " + file["time"].get<std::string>() + "\n";
   }
   return text.empty() ? std::string(title) + ": none\n" : text;

@@ -1,6 +1,7 @@
 #include "host/server/HttpClient.h"
 
 #include <curl/curl.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,6 +28,8 @@ constexpr long SLOWEST_BYTES_PER_SECOND = 1024;
 /// libcurl must be initialised once, before any thread uses it.
 struct CurlLibrary {
   CurlLibrary() {
+    // The library would write the keys of all connections to a file that the environment names.
+    ::unsetenv("SSLKEYLOGFILE");
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
       throw std::runtime_error("libcurl cannot be set up");
     }

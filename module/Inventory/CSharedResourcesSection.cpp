@@ -41,7 +41,7 @@ void ReadProperty(const std::string& line, SharedResourceInfo& share) {
 }
 
 void ReadProperties(std::string properties, SharedResourceInfo& share) {
-  // A value that is long or contains a space stands on the line after its attribute.
+  // A value that is long or contains a space is on the line after its attribute.
   boost::algorithm::replace_all(properties, ":\n", ":");
   std::istringstream stream(properties);
   for (std::string line; std::getline(stream, line);) ReadProperty(line, share);

@@ -9,7 +9,7 @@
 
 namespace Norvik::KOB {
 
-/// Folders that the machine shares. Leaves behind the files "/tmp/shareList" and
+/// Folders that the machine shares. Leaves the files "/tmp/shareList" and
 /// "/tmp/propertyShare".
 class CSharedResourcesSection final : public Common::ISection<std::list<SharedResourceInfo>> {
  public:

@@ -5,7 +5,6 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
-#include "platform/SystemChanges.h"
 
 namespace Norvik::KOB {
 
@@ -15,7 +14,7 @@ wxString OutputOf(const char* command) {
 
 void RunToFile(const std::string& command) {
   // Not a change of the system: it only writes a file of the collector.
-  Platform::GetSystemChanges()->RunQueryLine(command);
+  Common::CommandRunner::ExecCommand(command);
 }
 
 std::string ReadToolFile(const char* path) {

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t INITIAL_CAPACITY = 5000;
 
-/// The folder as it stands in the paths of its entries, without a slash at its end.
+/// The folder as the paths of its entries have it, without a slash at its end.
 std::string ParentPathOf(const std::string& folder) {
   const std::size_t last = folder.find_last_not_of('/');
   return last == std::string::npos ? folder : folder.substr(0, last + 1);

@@ -1,31 +1,19 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <boost/filesystem/operations.hpp>
-#include <sstream>
-
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
 #include "cli/commands/Commands.h"
 #include "common/identification/HostInfoProvider.h"
-#include "platform/WaitClock.h"
 #include "platform/compat/LiveObjects.h"
-#include "support/Cases.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/FakeWaitClock.h"
 
 namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-namespace fs = boost::filesystem;
-using testing::HasSubstr;
 
 const fs::path MACHINES = fs::path(NORVIK_SOURCE_DIR) / "tests/machines";
 
-/// Recorded machines that state their expected results.
-std::vector<std::string> AllMachines() {
-  std::vector<std::string> names;
+TextList AllMachines() {
+  TextList names;
   for (const auto& entry : fs::directory_iterator(MACHINES)) {
     if (fs::exists(entry.path() / "expected.json"))
       names.push_back(entry.path().filename().string());
@@ -41,16 +29,6 @@ std::string CommandText(const Json& named, const Json& commands) {
   if (named.is_array()) text.replace(text.find("%s"), 2, named[1].get<std::string>());
   return command.at("by").get<std::string>() + ": " + text;
 }
-
-/// A clock that advances only while something waits.
-class LeapingClock final : public Platform::WaitClock {
- public:
-  TimePoint Now() override { return now_; }
-  void SleepFor(std::chrono::milliseconds duration) override { now_ += duration; }
-
- private:
-  TimePoint now_;
-};
 
 /// Runs the program in this process, on a data folder of its own. That is also the working
 /// directory, where one of the collectors writes a file.
@@ -82,8 +60,7 @@ class Machines : public testing::TestWithParam<std::string> {
   TemporaryFolder folder_;
   const Scope workingDirectory_{[before = fs::current_path()] { fs::current_path(before); }};
   std::ostringstream output_;
-  LeapingClock clock_;
-  Platform::WaitClockScope clockScope_{clock_};
+  FakeWaitClock clock_;
 };
 
 TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
@@ -101,17 +78,16 @@ TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
     EXPECT_EQ(Shown(Chosen(PartOf(document, section.c_str()), value)), Shown(value)) << section;
   }
 
-  std::vector<std::string> texts;
+  TextList texts;
   for (const Json& named : expected.at("commands")) texts.push_back(CommandText(named, commands));
   EXPECT_EQ(recorded.Texts(), texts);
   EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
 }
 
-INSTANTIATE_TEST_SUITE_P(Recorded, Machines, testing::ValuesIn(AllMachines()),
-                         [](const auto& machine) {
-                           std::string name = machine.param;
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Recorded, Machines, ValuesIn(AllMachines()), [](const auto& machine) {
+  std::string name = machine.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+});
 
 }  // namespace

@@ -8,22 +8,15 @@ namespace Norvik::Tests {
 
 namespace {
 
-/// Records shell lines, and runs them.
-class ShellLines final : public Platform::RealSystemChanges {
- public:
-  explicit ShellLines(std::vector<std::string>& record) : record_(record) {}
+struct ShellLines final : Platform::RealSystemChanges {
+  explicit ShellLines(std::vector<std::string>& texts) : record(texts) {}
 
   Platform::ChildResult Run(const Platform::ChildCommand& command) override {
-    if (command.isShellLine) record_.push_back("ExecCommand: " + command.words.back());
+    if (command.isShellLine) record.push_back("ExecCommand: " + command.words.back());
     return RealSystemChanges::Run(command);
   }
-  int RunQueryLine(const std::string& line) override {
-    record_.push_back("system: " + line);
-    return RealSystemChanges::RunQueryLine(line);
-  }
 
- private:
-  std::vector<std::string>& record_;
+  std::vector<std::string>& record;
 };
 
 }  // namespace

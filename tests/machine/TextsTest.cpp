@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "machine/DiskutilText.h"
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"

@@ -1,9 +1,6 @@
-#include <gmock/gmock.h>
-
-#include <boost/filesystem/operations.hpp>
-#include <sstream>
-
 #include "common/commands/CommandRunner.h"
+
+#include "support/Test.h"
 
 namespace Norvik::KOB {
 namespace {

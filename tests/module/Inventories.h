@@ -1,8 +1,5 @@
 #pragma once
 
-#include <fstream>
-#include <string>
-
 #include "module/Entities/InventorySections.h"
 #include "support/RecordFiller.h"
 
@@ -16,7 +13,6 @@ inline Norvik::KOB::InventoryKOBInfo FilledInventory() {
   return inventory;
 }
 
-/// A filled record. Records with different numbers have different keys.
 template <class T>
 T Numbered(int number) {
   T record;

@@ -1,13 +1,8 @@
 #include "platform/PropertyListFile.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <tuple>
-
 #include "support/Files.h"
 #include "support/PropertyListText.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -16,25 +11,13 @@ using namespace Norvik::Platform;
 
 TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
   const TemporaryFolder files;
-  WriteFile(files / "daemon.plist", PropertyListOf(R"({"Label": "com.example.a",
-      "None": [], "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
+  WriteFile(files / "daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
+      "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
   WriteFile(files / "array.plist", PropertyListOf(R"(["Label"])"));
-  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"daemon.plist", "Label", "com.example.a", ""},
-      {"daemon.plist", "Words", "", "/bin/a"},
-      {"daemon.plist", "Numbers", "", ""},
-      {"daemon.plist", "None", "", ""},
-      {"daemon.plist", "Off", "", ""},
-      {"daemon.plist", "On", "", ""},
-      {"array.plist", "Label", "", ""},
-      {"absent.plist", "Label", "", ""},
-      {".", "Label", "", ""}};
-  for (const auto& [name, key, text, firstText] : cases) {
-    const PropertyListFile file((files / name).string());
-    EXPECT_EQ(file.Text(key), text) << name << key;
-    EXPECT_EQ(file.FirstText(key), firstText) << name << key;
-    EXPECT_EQ(file.Has(key), name == std::string("daemon.plist") && key != std::string("On"))
-        << key;
+  for (const Json& row : DataOf("platform/property-list-files.json")) {
+    const PropertyListFile file((files / row[0].get<std::string>()).string());
+    const std::string key = row[1];
+    EXPECT_EQ(Json({file.Text(key), file.FirstText(key), file.Has(key)}), row[2]) << row;
   }
 }
 

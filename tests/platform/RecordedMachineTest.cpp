@@ -1,25 +1,17 @@
 #include "platform/RecordedMachine.h"
 
-#include <gmock/gmock.h>
 #include <libproc.h>
 #include <sys/sysctl.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 #include "platform/MachinePath.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Tests;
 using namespace Norvik::Platform;
 using namespace std::string_literals;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::vector<int> Pids() {
   std::vector<int> pids(static_cast<std::size_t>(proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0)) / 4);
@@ -60,8 +52,8 @@ TEST(RecordedMachine, ProgramsAndFilesAreItsOwnAsLongAsItLives) {
 }
 
 TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
-  EXPECT_THAT(Pids(), testing::Contains(::getpid()));
-  EXPECT_THAT(TextOf(::getpid()), testing::MatchesRegex(".*/test_platform [1-9][0-9]*"));
+  EXPECT_THAT(Pids(), Contains(::getpid()));
+  EXPECT_THAT(TextOf(::getpid()), MatchesRegex(".*/test_platform [1-9][0-9]*"));
   MacRecording recording;
   recording.Add("processes.json", R"([
       {"pid": 1, "name": "launchd", "path": "/sbin/launchd", "footprint": 1048576},
@@ -81,7 +73,7 @@ TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
   EXPECT_STREQ(small, "/sb");
 }
 
-TEST(RecordedMachine, TellsTheSizeOfTheMemory) {
+TEST(RecordedMachine, ReportsTheSizeOfTheMemory) {
   int name[] = {CTL_HW, HW_MEMSIZE};
   std::uint64_t size = 0;
   std::size_t length = sizeof(size);

@@ -1,26 +1,16 @@
 #include "platform/ReplacementFile.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
 #include <memory>
 #include <system_error>
-#include <utility>
-#include <vector>
 
 #include "platform/FileSystem.h"
 #include "platform/SystemChanges.h"
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using testing::Pair;
-using testing::UnorderedElementsAre;
-namespace fs = boost::filesystem;
 
 ino_t InodeOf(const std::string& path) {
   struct stat status {};
@@ -93,7 +83,7 @@ TEST(ReplacementFile, HasItsContentOnTheDiskBeforeItTakesTheTargetsPlace) {
   }
 }
 
-TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
+TEST(ReplacementFile, ThrowsWhereNoFileCanBe) {
   const TemporaryFolder folder;
   EXPECT_THROW(ReplacementFile((folder / "missing" / "file").string()), std::system_error);
   fs::create_directory(folder / "target");

@@ -1,16 +1,10 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <list>
-#include <set>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include "common/records/InventoryRecord.h"
 #include "support/Json.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 /// Fills and changes records through their field tables.
 namespace tests {

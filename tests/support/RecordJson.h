@@ -1,14 +1,12 @@
 #pragma once
 
 #include <list>
-#include <vector>
 
 #include "json/FieldTable.h"
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 
-/// A record in the form of a document.
 template <class Record>
 Json JsonOf(const Record& record) {
   return Json::parse(json::RecordToJson(record).strUgly());

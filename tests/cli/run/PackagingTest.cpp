@@ -1,24 +1,18 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-#include <sstream>
-
 #include "cli/commands/CommandLine.h"
 #include "platform/compat/PropertyListReader.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik;
-using Words = std::vector<std::string>;
+using namespace Norvik::Tests;
+using Words = TextList;
 
 const std::string PACKAGING = std::string(NORVIK_SOURCE_DIR) + "/packaging/";
 
-/// The command of a launchd description.
 Words CommandOfPropertyList(const std::string& file) {
   Words words;
-  const auto list = Platform::ReadPropertyList(Tests::ContentOf(PACKAGING + file));
+  const auto list = Platform::ReadPropertyList(ContentOf(PACKAGING + file));
   EXPECT_TRUE(list) << file;
   Platform::ForEachKey(list.get(), [&](const char* key, plist_t value) {
     if (key == std::string("Label")) {
@@ -33,17 +27,9 @@ Words CommandOfPropertyList(const std::string& file) {
 /// The command of a systemd unit. Each line is a section, a setting or a comment.
 Words CommandOfUnit(const std::string& file) {
   Words words;
-  std::istringstream lines(Tests::ContentOf(PACKAGING + file));
-  std::string section;
+  std::istringstream lines(ContentOf(PACKAGING + file));
   for (std::string line; std::getline(lines, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    if (line.front() == '[') {
-      section = line;
-      continue;
-    }
-    EXPECT_THAT(line, testing::MatchesRegex("[A-Z][A-Za-z]+=.+")) << file;
-    EXPECT_THAT((std::vector<std::string>{"[Unit]", "[Service]", "[Install]"}),
-                testing::Contains(section));
+    EXPECT_THAT(line, MatchesRegex("|#.*|\\[(Unit|Service|Install)\\]|[A-Z][A-Za-z]+=.+")) << file;
     if (line.rfind("ExecStart=", 0) != 0) continue;
     std::istringstream command(line.substr(line.find('=') + 1));
     for (std::string word; command >> word;) words.push_back(word);

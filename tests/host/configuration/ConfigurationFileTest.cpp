@@ -1,20 +1,12 @@
 #include "host/configuration/ConfigurationFile.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "support/Cases.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(ConfigurationFile, ReadsEveryKey) {
   const auto configuration = ParseConfiguration(R"({

@@ -1,6 +1,6 @@
 #include "host/server/CurlProtocol.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace {
 

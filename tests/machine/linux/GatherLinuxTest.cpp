@@ -1,22 +1,15 @@
 #include "machine/linux/GatherFromFiles.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/filesystem/operations.hpp>
-
 #include "common/identification/SmBios.h"
 #include "machine/FirstInventory.h"
 #include "support/RecordJson.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Machine;
 using namespace Norvik::Tests;
-namespace fs = boost::filesystem;
 
-/// The files and links of a system, below a folder.
 class SystemOf {
  public:
   explicit SystemOf(const Json& row) {

@@ -1,21 +1,18 @@
 // The calls of the system that the recorded machines stand for in all other tests.
 
 #include <IOKit/IOKitLib.h>
-#include <gmock/gmock.h>
 #include <libproc.h>
 #include <sys/sysctl.h>
-#include <unistd.h>
-
-#include <string>
-#include <vector>
 
 #include "platform/CfText.h"
 #include "platform/RecordedMachine.h"
 #include "platform/SystemChanges.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Platform;
+using namespace Norvik::Tests;
 
 TEST(RealMac, HasAPlatformWithAName) {
   const IoObject platform(
@@ -31,10 +28,10 @@ TEST(RealMac, HasAPlatformWithAName) {
 TEST(RealMac, ListsThisProcessWithItsPath) {
   std::vector<int> pids(static_cast<std::size_t>(proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0)));
   proc_listpids(PROC_ALL_PIDS, 0, pids.data(), static_cast<int>(pids.size() * sizeof(int)));
-  EXPECT_THAT(pids, testing::Contains(::getpid()));
+  EXPECT_THAT(pids, Contains(::getpid()));
   char path[PROC_PIDPATHINFO_MAXSIZE] = "";
   EXPECT_GT(proc_pidpath(::getpid(), path, sizeof(path)), 0);
-  EXPECT_THAT(path, testing::EndsWith("/test_mac"));
+  EXPECT_THAT(path, EndsWith("/test_mac"));
 }
 
 TEST(RealMac, HasAMemory) {

@@ -1,23 +1,15 @@
 #include "module/DataAccess/DataSource.h"
-
-#include <gmock/gmock.h>
-
-#include <functional>
-
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "support/Json.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using std::chrono::seconds;
-using std::chrono::system_clock;
-using namespace testing;
-using Tests::LogCapture;
-using Tests::TestDatabase;
-using Newer = KOBDataSourceV2;
+using namespace Tests;
+using Common::V2::DataBaseRows;
+using Store = KOBDataSourceV2;
 using SoftwareList = std::vector<Common::SoftwareRegisteredInfo>;
 
 TEST(KOBDataSource, SharesItsValuesWithTheNewerStore) {
@@ -29,23 +21,23 @@ TEST(KOBDataSource, SharesItsValuesWithTheNewerStore) {
   EXPECT_TRUE(store.updateInventoryChangedPeriod(60));
   EXPECT_TRUE(store.updateLastInventoryChanged(system_clock::from_time_t(1700000000)));
   EXPECT_TRUE(store.updateScheduleInventoryID(12));
-  EXPECT_EQ(Newer::getInventoryChangePeriod(), 60U);
-  EXPECT_EQ(Newer::getLastInventoryChanged(), 1700000000U);
-  EXPECT_EQ(Newer::getLastScheduleInventoryID(), 12U);
+  EXPECT_EQ(Store::getInventoryChangePeriod(), 60U);
+  EXPECT_EQ(Store::getLastInventoryChanged(), 1700000000U);
+  EXPECT_EQ(Store::getLastScheduleInventoryID(), 12U);
   // A stored zero is kept.
-  Newer::updateInventoryChangedPeriod(0);
+  Store::updateInventoryChangedPeriod(0);
   EXPECT_THAT(KOBDataSource(database).getInventoryChangePeriod(), Pointee(0));
 }
 
 TEST(KOBDataSource, WaitsFromTheFirstSecondAfterAChangeUntilThePeriodIsOver) {
   const TestDatabase database;
-  Newer::updateInventoryChangedPeriod(200);
+  Store::updateInventoryChangedPeriod(200);
   for (const int sinceChange : {0, 1, 200, 201}) {
     bool waits = false;
     std::int64_t waited = -1;
     // Again if a second has begun meanwhile.
     for (int attempt = 0; attempt < 10 && waited != sinceChange; ++attempt) {
-      Newer::updateLastInventoryChanged(system_clock::now() - seconds(sinceChange));
+      Store::updateLastInventoryChanged(system_clock::now() - seconds(sinceChange));
       const KOBDataSource store(database);
       waits = store.checkWaitingPeriod();
       waited = store.waitingTime();
@@ -95,7 +87,7 @@ TEST(RegisteredSoftware, IsReplacedInOneBatchByEitherStore) {
   } stores[] = {
       {[](const SoftwareList& list) { return KOBDataSource({}).ReplaceRegistredSoftware(list); },
        false, "Error Replace Registered Software: "},
-      {Newer::ReplaceRegistredSoftware, true, "Create table error: "}};
+      {Store::ReplaceRegistredSoftware, true, "Create table error: "}};
   for (const auto& store : stores) {
     SCOPED_TRACE(store.failure);
     const LogCapture log;
@@ -119,6 +111,94 @@ TEST(RegisteredSoftware, IsReplacedInOneBatchByEitherStore) {
     EXPECT_FALSE(store.replace({}));
     EXPECT_EQ(log.Texts(2).back().rfind(store.failure, 0), 0U);
   }
+}
+
+/// A named value. The log texts of its failures are in a data file.
+struct Value {
+  const char* key;
+  std::function<bool(std::uint64_t)> update;
+  std::function<unsigned int()> get;
+};
+
+/// Updates with a time that must be cut to whole seconds.
+std::function<bool(std::uint64_t)> Timed(bool (*update)(const Store::TimePoint&)) {
+  return [=](std::uint64_t sinceEpoch) {
+    return update(system_clock::from_time_t(static_cast<std::time_t>(sinceEpoch)) +
+                  milliseconds(999));
+  };
+}
+
+const Value VALUES[] = {
+    {"last_inventory_changed", Timed(&Store::updateLastInventoryChanged),
+     &Store::getLastInventoryChanged},
+    {"inventory_changed_period", &Store::updateInventoryChangedPeriod,
+     &Store::getInventoryChangePeriod},
+    {"scheduled_inventory_id", &Store::updateScheduleInventoryID,
+     &Store::getLastScheduleInventoryID},
+    {"rud_last_inventory", Timed(&Store::updateRudCompletoLastInventory),
+     &Store::getRudCompletoLastInventory},
+    {"datetime_last_inventory", Timed(&Store::updateDateTimeLastInventory),
+     &Store::getDateTimeLastInventory},
+    {"Amount_Inventories_Executed_On_Day", &Store::updateAmountInventoriesExecutedOnDay,
+     &Store::getAmountInventoriesExecutedOnDay},
+    {"Amount_Attempts_Executed_On_Time_Slot", &Store::updateAmountAttemptsExecutedOnTimeSlot,
+     &Store::getAmountAttemptsExecutedOnTimeSlot},
+};
+
+TEST(KOBDataSourceV2, KeepsEachValueAsDecimalTextUnderItsKeyAndAllButOneIn32Bits) {
+  const TestDatabase database;
+  for (const auto& value : VALUES) {
+    SCOPED_TRACE(value.key);
+    EXPECT_EQ(value.get(), 0U);
+    const bool isWide = value.key == std::string("datetime_last_inventory");
+    for (const std::uint64_t number : {1700000000ULL, 4294967295ULL, 4294967301ULL, 0ULL}) {
+      const auto cut = static_cast<unsigned int>(number);
+      EXPECT_TRUE(value.update(number));
+      EXPECT_EQ(value.get(), cut);
+      EXPECT_EQ(TestDatabase::Run("select value from KOB_DATA where name='{1}'",
+                                  {std::string(value.key)}),
+                DataBaseRows({{std::to_string(isWide ? number : cut)}}));
+    }
+  }
+}
+
+TEST(KOBDataSourceV2, LogsAFailureAndReturnsFalseOrZero) {
+  const TestDatabase database;
+  TestDatabase::Run(
+      "create trigger Refuse before insert on KOB_DATA begin select raise(abort, 'refused'); end");
+  for (const auto& value : VALUES) EXPECT_FALSE(value.update(5)) << value.key;
+  TestDatabase::Run("drop table KOB_DATA");
+  for (const auto& value : VALUES) {
+    SCOPED_TRACE(value.key);
+    const LogCapture log;
+    EXPECT_FALSE(value.update(5));
+    EXPECT_EQ(value.get(), 0U);
+    const Json& failures = DataOf("module/DataAccess/failures.json")[value.key];
+    EXPECT_THAT(log.Texts(2),
+                ElementsAre(StartsWith(failures[0].get<std::string>() + ": no such"),
+                            StartsWith(failures[1].get<std::string>() + ": no such")));
+  }
+}
+
+TEST(KOBDataSourceV2, ReadsAValueThatIsNoNumberAsZeroAndLogsThat) {
+  const TestDatabase database;
+  for (const char* text : {"", "x", "99999999999999999999"}) {
+    TestDatabase::Run("insert or replace into KOB_DATA(name, value) values('{1}', '{2}')",
+                      {std::string("scheduled_inventory_id"), std::string(text)});
+    const LogCapture log;
+    EXPECT_EQ(Store::getLastScheduleInventoryID(), 0U) << text;
+    EXPECT_THAT(log.Texts(2), ElementsAre(StartsWith("Unable to Get scheduled_inventory_id: ")));
+  }
+}
+
+TEST(KOBDataSourceV2, SeedsZerosAndLeavesWhatIsThere) {
+  const TestDatabase database;
+  Store::updateScheduleInventoryID(7);
+  Store::checkKOBDataTable();
+  const auto rows = TestDatabase::Run(
+      "select group_concat(name || '=' || value) from (select * from KOB_DATA order by id)");
+  EXPECT_EQ(rows, DataBaseRows({{std::string("scheduled_inventory_id=7,last_inventory_changed=0,"
+                                             "inventory_changed_period=0,rud_last_inventory=0")}}));
 }
 
 }  // namespace

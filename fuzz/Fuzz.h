@@ -1,6 +1,12 @@
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
 
 #include "common/log/Logger.h"
 
