@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "common/text/Text.h"
+#include "host/server/CurlProtocol.h"
 #include "platform/FileSystem.h"
 
 namespace Norvik::Host {
@@ -38,13 +39,15 @@ struct CurlLibrary {
   ~CurlLibrary() { curl_global_cleanup(); }
 };
 
+void Check(CURLcode code, const std::string& option) {
+  if (code == CURLE_OK) return;
+  throw std::runtime_error("libcurl refuses the option " + option + ": " +
+                           curl_easy_strerror(code));
+}
+
 template <class Value>
 void Set(CURL* handle, CURLoption option, Value value) {
-  const CURLcode code = curl_easy_setopt(handle, option, value);
-  if (code != CURLE_OK) {
-    throw std::runtime_error("libcurl refuses the option " + std::to_string(option) + ": " +
-                             curl_easy_strerror(code));
-  }
+  Check(curl_easy_setopt(handle, option, value), std::to_string(option));
 }
 
 class HeaderList {
@@ -136,7 +139,8 @@ int CheckStopped(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) 
 void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
                const std::string& caFile) {
   Set(handle, CURLOPT_URL, url.c_str());
-  Set(handle, CURLOPT_PROTOCOLS_STR, scheme.c_str());
+  const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
+  Check(RestrictProtocol(handle, scheme, version), "of protocols");
   Set(handle, CURLOPT_FOLLOWLOCATION, 0L);
   // Ignore proxies from the environment: a service is configured by its configuration only.
   Set(handle, CURLOPT_PROXY, "");

@@ -1,6 +1,3 @@
-// Recorded machines exist only on systems other than macOS.
-#ifdef __linux__
-
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
 #include "cli/commands/Commands.h"
@@ -40,9 +37,8 @@ class Machines : public testing::TestWithParam<std::string> {
 
   int TakeInventory() {
     return Cli::RunAgentProgram(
-        {"norvik-agent", "--machine", (MACHINES / GetParam()).string(), "--module",
-         std::string(NORVIK_BINARY_DIR) + "/lib/libNorvikKOB.so", "--data",
-         (folder_ / "data").string(), "inventory"},
+        {"norvik-agent", "--machine", (MACHINES / GetParam()).string(), "--module", NORVIK_MODULE,
+         "--data", (folder_ / "data").string(), "inventory"},
         output_, output_);
   }
   Json Document() const {
@@ -106,5 +102,3 @@ INSTANTIATE_TEST_SUITE_P(Recorded, Machines, ValuesIn(AllMachines()), [](const a
 });
 
 }  // namespace
-
-#endif

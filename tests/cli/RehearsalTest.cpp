@@ -1,6 +1,3 @@
-// Recorded machines exist only on systems other than macOS.
-#ifdef __linux__
-
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
 #include "support/Test.h"
@@ -32,7 +29,7 @@ class Rehearsals : public testing::Test {
   Json Run(Words words) {
     const Words front = {"norvik-agent", "--json",
                          "--machine",    (folder_ / "machine").string(),
-                         "--module",     NORVIK_BINARY_DIR "/lib/libNorvikKOB.so",
+                         "--module",     NORVIK_MODULE,
                          "--data",       Data().string(),
                          "--config",     (folder_ / "configuration.json").string()};
     words.insert(words.begin(), front.begin(), front.end());
@@ -112,5 +109,3 @@ TEST_F(Rehearsals, ReportWhichDocumentWouldBeSentAndWhichStateWouldChange) {
 }
 
 }  // namespace
-
-#endif

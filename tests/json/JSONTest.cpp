@@ -101,7 +101,12 @@ TEST(JSONTest, AValueIsWhatItWasLastUsedAs) {
        },
        WHOLE},
       {"a copy of itself", [](JSON& json) { json = static_cast<const JSON&>(json); }, WHOLE},
-      {"itself, moved", [](JSON& json) { json = static_cast<JSON&&>(json); }, WHOLE},
+      {"itself, moved",
+       [](JSON& json) {
+         JSON& itself = json;
+         json = std::move(itself);
+       },
+       WHOLE},
       {"a copy of its part", [](JSON& json) { json = json["k"]; }, PART},
       {"its part, moved", [](JSON& json) { json = std::move(json["k"]); }, PART},
       {"the whole in a part", [](JSON& json) { json["k"][1] = json; },

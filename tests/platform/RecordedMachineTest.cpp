@@ -150,16 +150,4 @@ TEST(RecordedMachine, SplitsTheSmBiosFileAtTheEndOfItsEntryPoint) {
   }
 }
 
-TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
-  MacRecording files;
-  files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
-      "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
-  files.Add("array.plist", PropertyListOf(R"(["Label"])"));
-  for (const Json& row : DataOf("platform/property-list-files.json")) {
-    const PropertyListFile file((files.Path() / row[0].get<std::string>()).string());
-    const std::string key = row[1];
-    EXPECT_EQ(Json({file.Text(key), file.FirstText(key), file.Has(key)}), row[2]) << row;
-  }
-}
-
 }  // namespace

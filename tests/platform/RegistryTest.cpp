@@ -33,12 +33,12 @@ TextList NamesIn(const IoObject& iterator) {
 }
 
 IoObject Service(const char* className) {
-  return IoObject(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(className)));
+  return IoObject(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(className)));
 }
 
 TextList Services(const char* className) {
   IoObject iterator;
-  IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching(className), iterator.Out());
+  IOServiceGetMatchingServices(MACH_PORT_NULL, IOServiceMatching(className), iterator.Out());
   return NamesIn(iterator);
 }
 

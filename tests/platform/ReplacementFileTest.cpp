@@ -1,10 +1,10 @@
 #include "platform/ReplacementFile.h"
 
-#include <sys/syscall.h>
-
+#include <memory>
 #include <system_error>
 
 #include "platform/FileSystem.h"
+#include "platform/SystemChanges.h"
 #include "support/Test.h"
 
 namespace {
@@ -12,29 +12,23 @@ namespace {
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
 
-struct SyncWatch {
-  std::string target;
-  std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
-};
-SyncWatch* syncWatch = nullptr;
-
 ino_t InodeOf(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
 }
 
-}  // namespace
-
-/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
-extern "C" int fsync(int file) {
-  struct stat status {};
-  if (syncWatch && ::fstat(file, &status) == 0) {
-    syncWatch->syncs.emplace_back(status.st_ino, InodeOf(syncWatch->target) != 0);
+/// What is synced in this process.
+struct SyncWatch final : RealSystemChanges {
+  int Sync(int descriptor) override {
+    struct stat status {};
+    EXPECT_EQ(::fstat(descriptor, &status), 0);
+    syncs.emplace_back(status.st_ino, InodeOf(target) != 0);
+    return RealSystemChanges::Sync(descriptor);
   }
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
-namespace {
+  std::string target;
+  std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
+};
 
 TEST(ReplacementFile, TakesTheTargetsPlaceOnlyWhenItIsCommitted) {
   const TemporaryFolder folder;
@@ -73,18 +67,19 @@ TEST(ReplacementFile, HasItsContentOnTheDiskBeforeItTakesTheTargetsPlace) {
   const TemporaryFolder folder;
   const std::string place = folder.Path().string();
   for (const bool ifAbsent : {false, true}) {
-    SyncWatch watch{place + (ifAbsent ? "/agent.key" : "/host.jsonkob"), {}};
-    syncWatch = &watch;
-    ReplacementFile file(watch.target);
+    const auto watch = std::make_shared<SyncWatch>();
+    watch->target = place + (ifAbsent ? "/agent.key" : "/host.jsonkob");
+    SetSystemChanges(watch);
+    ReplacementFile file(watch->target);
     if (ifAbsent) {
       file.CommitIfAbsent();
     } else {
       file.Commit();
     }
-    syncWatch = nullptr;
-    EXPECT_THAT(watch.syncs,
-                ElementsAre(Pair(InodeOf(watch.target), false), Pair(InodeOf(place), true)))
-        << watch.target;
+    SetSystemChanges(nullptr);
+    EXPECT_THAT(watch->syncs,
+                ElementsAre(Pair(InodeOf(watch->target), false), Pair(InodeOf(place), true)))
+        << watch->target;
   }
 }
 

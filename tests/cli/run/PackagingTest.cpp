@@ -1,6 +1,3 @@
-// libplist checks the property lists here, in place of the system's reader on macOS.
-#ifdef __linux__
-
 #include "cli/commands/CommandLine.h"
 #include "common/identification/HostInfoProvider.h"
 #include "platform/ChildProcess.h"
@@ -100,5 +97,3 @@ TEST(Packaging, ProfilesAreTheSameForTheSameTeamAndNeedOne) {
 }
 
 }  // namespace
-
-#endif

@@ -1,6 +1,3 @@
-// Recorded machines, which block an inventory here, exist only on systems other than macOS.
-#ifdef __linux__
-
 #include <boost/algorithm/string/replace.hpp>
 
 #include "cli/ProgramTest.h"
@@ -241,5 +238,3 @@ TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
 }
 
 }  // namespace
-
-#endif

@@ -53,7 +53,7 @@ TEST(AppleFundation, FindsTheFirstOfAClassBelowAnEntry) {
                                           "IOObjectInherits": ["Wanted"]}]]])"));
   recording.PutInForce();
   const auto found = [](const char* below, const char* className) -> std::string {
-    IoObject entry(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(below)));
+    IoObject entry(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(below)));
     const IoObject child(AppleFundation::FindRecursiveChildren(entry.Ref(), className));
     if (!child) return "none";
     IoObject parent;

@@ -1,12 +1,11 @@
 #include "host/server/ServerLink.h"
 
-#include <sys/syscall.h>
-
 #include <future>
 
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "host/server/ManagementServer.h"
+#include "platform/SystemChanges.h"
 #include "support/FakeActionClock.h"
 #include "support/Steps.h"
 
@@ -19,17 +18,14 @@ using namespace std::chrono_literals;
 using State = ManagementServer::State;
 
 constexpr long START = 1'767'225'600;
-std::atomic<int> syncs{0};  ///< in this process
 
-}  // namespace
-
-/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
-extern "C" int fsync(int file) {
-  ++syncs;
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
-
-namespace {
+struct SyncCount final : Norvik::Platform::RealSystemChanges {
+  int Sync(int descriptor) override {
+    ++syncs;
+    return RealSystemChanges::Sync(descriptor);
+  }
+  int syncs = 0;
+};
 
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
@@ -256,9 +252,11 @@ TEST(StatusQueue, OutlivesAnyEndOfTheProcessAndIsBounded) {
   const TemporaryFolder folder;
   const auto file = folder / "statuses.jsonl";
   const auto clock = std::make_shared<FakeActionClock>(START);
-  const int before = syncs;
+  const auto count = std::make_shared<SyncCount>();
+  Norvik::Platform::SetSystemChanges(count);
   StatusQueue(file, clock).Add(StatusOf("a"));
-  EXPECT_EQ(syncs, before + 1);
+  Norvik::Platform::SetSystemChanges(nullptr);
+  EXPECT_EQ(count->syncs, 1);
   WriteFile(file, ContentOf(file) + "{\"id\": \"cut");
   const LogCapture log;
   StatusQueue(file, clock, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));

@@ -22,7 +22,7 @@ bool IsRecording(const boost::filesystem::path& folder) {
 
 }  // namespace
 
-bool HasRecordedMachines() { return true; }
+bool HasRecordedMachines() { return Platform::RecordedMachine::IsAvailable(); }
 
 std::shared_ptr<const void> UseRecordedMachine(const boost::filesystem::path& folder) {
   if (folder.empty()) return nullptr;
