@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace Norvik::Platform {
@@ -9,6 +10,17 @@ namespace Norvik::Platform {
 /// and a file that the recording does not have does not exist. Relative paths are returned
 /// unchanged.
 std::string MachinePath(const std::string& absolute);
+
+/// Whether the machine has a file or folder at an absolute path. Nothing of it is read.
+bool MachineHas(const std::string& absolute);
+
+/// Learns of each absolute path that is asked for, before it is opened; on any thread. `isOpened`
+/// is false for a path whose existence alone is asked for.
+using PathObserver = std::function<void(const std::string& absolute, bool isOpened)>;
+
+/// Sets the observer; an empty one ends the observation. Call it while no other thread uses
+/// `MachinePath`.
+void SetPathObserver(PathObserver observer);
 
 /// Sets the root of a recorded machine; an empty text restores the real one. Call it while no other
 /// thread uses `MachinePath`.

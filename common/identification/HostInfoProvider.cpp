@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <boost/filesystem/operations.hpp>
-
 #include "common/text/Text.h"
 #include "platform/MachinePath.h"
 
@@ -19,7 +17,7 @@ std::string HostInfoProvider::GetHostName() {
 std::string GetAgentVersion() { return "9.24.2.0"; }
 
 bool VerifyAgent::Verify() {
-  return boost::filesystem::exists(Platform::MachinePath("/opt/local/norvik/UninstallZebAgent.sh"));
+  return Platform::MachineHas("/opt/local/norvik/UninstallZebAgent.sh");
 }
 
 }  // namespace Norvik::Common
