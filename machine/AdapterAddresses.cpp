@@ -1,12 +1,10 @@
 #include "machine/AdapterAddresses.h"
 
 #include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 
 #include <cstring>
-#include <memory>
+
+#include "platform/Interfaces.h"
 
 namespace Norvik::Machine {
 
@@ -24,10 +22,8 @@ std::string Ipv4Text(const sockaddr* given) {
 
 std::map<std::string, std::list<Common::IpAddressInfo>> Ipv4Addresses() {
   std::map<std::string, std::list<Common::IpAddressInfo>> addresses;
-  ifaddrs* list = nullptr;
-  if (::getifaddrs(&list) != 0) return addresses;
-  const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> owner(list, ::freeifaddrs);
-  for (const ifaddrs* item = list; item; item = item->ifa_next) {
+  const auto list = Platform::ReadInterfaces();
+  for (const ifaddrs* item = list.get(); item; item = item->ifa_next) {
     const std::string address = Ipv4Text(item->ifa_addr);
     if (address.empty()) continue;
     addresses[item->ifa_name].push_back({address, Ipv4Text(item->ifa_netmask)});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <map>
+#include <set>
 
 #include "common/text/Text.h"
 #include "machine/MountText.h"
@@ -63,29 +64,57 @@ std::string WholeOf(const std::string& identifier) {
   return identifier.substr(0, slice);
 }
 
+bool IsOptical(const Entries& entries) { return !ValueOf(entries, "Optical Drive Type").empty(); }
+
+/// A disc in a drive is no part of the machine.
 bool IsPhysical(const Entries& entries) {
-  return IsYes(entries, "Whole") && !IsYes(entries, "Virtual") &&
+  return IsYes(entries, "Whole") && !IsYes(entries, "Virtual") && !IsOptical(entries) &&
          ValueOf(entries, "Protocol") != "Disk Image";
 }
 
-/// The physical disk of a device; that of a container is the disk of its partition.
-std::string PhysicalDiskOf(const Entries& entries,
-                           const std::map<std::string, std::string>& stores) {
-  const std::string store = ValueOf(entries, "APFS Physical Store");
-  if (!store.empty()) return WholeOf(store);
-  const std::string whole = ValueOf(entries, "Part of Whole");
-  const std::string below = ValueOf(stores, whole);
-  return below.empty() ? whole : WholeOf(below);
-}
+/// The disks below each virtual disk, which is an APFS container or a CoreStorage volume.
+using Stores = std::map<std::string, std::set<std::string>>;
 
-/// The partition of each container; not all volumes in a container report it.
-std::map<std::string, std::string> StoresOf(const Devices& devices) {
-  std::map<std::string, std::string> stores;
-  for (const auto& device : devices) {
-    const std::string store = ValueOf(device.second, "APFS Physical Store");
-    if (!store.empty()) stores.emplace(ValueOf(device.second, "Part of Whole"), store);
+/// From lines like "Physical Stores disk0s2, disk1s2" below the title of the virtual disk.
+Stores ParseStores(const std::string& list) {
+  static const std::string TITLE = "/dev/";
+  Stores stores;
+  std::string whole;
+  for (const auto& line : LinesOf(list)) {
+    if (boost::starts_with(line, TITLE)) {
+      whole = line.substr(TITLE.size(), line.find_first_of(" :") - TITLE.size());
+      continue;
+    }
+    const std::string text = trim_copy(line);
+    if (!boost::starts_with(text, "Physical Store") &&
+        !boost::starts_with(text, "Logical Volume")) {
+      continue;
+    }
+    for (const auto& word : WordsOf(text)) {
+      if (!boost::starts_with(word, "disk")) continue;
+      stores[whole].insert(WholeOf(word.substr(0, word.find(','))));
+    }
   }
   return stores;
+}
+
+/// Not all releases report the store of a container with each of its volumes, or at all; of the two
+/// stores of a Fusion Drive the entries keep one. What the list has is complete.
+void AddReportedStores(const Devices& devices, Stores& stores) {
+  Stores reported;
+  for (const auto& device : devices) {
+    const std::string store = ValueOf(device.second, "APFS Physical Store");
+    if (store.empty()) continue;
+    reported[ValueOf(device.second, "Part of Whole")].insert(WholeOf(store));
+  }
+  stores.merge(reported);
+}
+
+/// The disks that hold a device.
+std::set<std::string> DisksBelow(const Entries& entries, const Stores& stores) {
+  const std::string whole = ValueOf(entries, "Part of Whole");
+  const auto found = stores.find(whole);
+  return found == stores.end() ? std::set<std::string>{whole} : found->second;
 }
 
 PhysicalDiskInfo DiskOf(const std::string& identifier, const Entries& entries) {
@@ -108,9 +137,9 @@ DiskPartitionInfo PartitionOf(const std::string& identifier, const Entries& entr
   partition.offsetBytes = LeadingNumber(KnownValue(entries, {"Partition Offset"}));
   partition.sizeBytes = BytesOf(entries, {"Disk Size", "Total Size"});
   partition.label = KnownValue(entries, {"Volume Name"});
-  partition.bootable = ValueOf(entries, "Bootable") == "Is bootable";
+  partition.bootable = IsYes(entries, "OS Can Be Installed");
   partition.fileSystemType = KnownValue(entries, {"Type (Bundle)"});
-  partition.readOnly = IsYes(entries, "Media Read-Only");
+  partition.readOnly = IsYes(entries, "Media Read-Only") || IsYes(entries, "Read-Only Media");
   partition.uuid = KnownValue(entries, {"Disk / Partition UUID"});
   return partition;
 }
@@ -131,22 +160,23 @@ LogicalDiskInfo VolumeOf(const Entries& entries) {
 
 }  // namespace
 
-std::vector<PhysicalDiskInfo> ParseDiskutilInfo(const std::string& text) {
-  const Devices devices = ParseDevices(text);
-  const auto stores = StoresOf(devices);
+std::vector<PhysicalDiskInfo> ParseDiskutil(const std::string& info, const std::string& list) {
+  const Devices devices = ParseDevices(info);
+  Stores stores = ParseStores(list);
+  AddReportedStores(devices, stores);
   std::vector<PhysicalDiskInfo> disks;
   for (const auto& [identifier, entries] : devices) {
     if (IsPhysical(entries)) disks.push_back(DiskOf(identifier, entries));
   }
   for (const auto& [identifier, entries] : devices) {
-    const std::string physical = PhysicalDiskOf(entries, stores);
-    const auto disk = std::find_if(disks.begin(), disks.end(), [&](const auto& candidate) {
-      return candidate.pnpDeviceId == physical;
-    });
-    if (disk == disks.end()) continue;
-    const bool part = !IsYes(entries, "Whole") && ValueOf(entries, "Part of Whole") == physical;
-    if (part) disk->partitions.push_back(PartitionOf(identifier, entries));
-    if (IsYes(entries, "Mounted")) disk->logicalDisks.push_back(VolumeOf(entries));
+    const auto below = DisksBelow(entries, stores);
+    for (auto& disk : disks) {
+      if (below.count(disk.pnpDeviceId) == 0) continue;
+      const bool part =
+          !IsYes(entries, "Whole") && ValueOf(entries, "Part of Whole") == disk.pnpDeviceId;
+      if (part) disk.partitions.push_back(PartitionOf(identifier, entries));
+      if (IsYes(entries, "Mounted")) disk.logicalDisks.push_back(VolumeOf(entries));
+    }
   }
   for (auto& disk : disks) {
     disk.partitions.sort(

@@ -7,8 +7,12 @@
 
 namespace Norvik::Machine {
 
-/// The physical disks in the output of `diskutil info -all`, without disk images, with their
-/// partitions and the volumes mounted from them, including those in containers.
-std::vector<Common::PhysicalDiskInfo> ParseDiskutilInfo(const std::string& text);
+/// The physical disks, without disk images and optical discs, with their partitions and the volumes
+/// mounted from them, including those of APFS containers and CoreStorage. A volume of a Fusion
+/// Drive is listed with each of its disks.
+/// @param info output of `diskutil info -all`
+/// @param list output of `diskutil list`, which has the disks below each container
+std::vector<Common::PhysicalDiskInfo> ParseDiskutil(const std::string& info,
+                                                    const std::string& list);
 
 }  // namespace Norvik::Machine

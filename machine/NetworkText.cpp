@@ -34,6 +34,9 @@ std::string Ipv4Text(std::uint32_t word) {
   return ::inet_ntop(AF_INET, &address, text, sizeof(text)) ? text : "";
 }
 
+/// An address like "fe80::1%en0" without the interface that it names.
+std::string WithoutZone(const std::string& address) { return address.substr(0, address.find('%')); }
+
 /// From 32 hexadecimal digits; empty for anything else.
 std::string Ipv6Text(const std::string& digits) {
   in6_addr address{};
@@ -91,8 +94,8 @@ ByInterface ParseNetstatRoutes(const std::string& text) {
     if (title != words.end()) interfaceColumn = static_cast<std::size_t>(title - words.begin());
     if (words.empty() || words[0] != "default") continue;
     if (interfaceColumn < 2 || words.size() <= interfaceColumn) continue;
-    // A gateway like "link#12" is no address; "%en0" after an address names its interface.
-    const std::string gateway = words[1].substr(0, words[1].find('%'));
+    const std::string gateway = WithoutZone(words[1]);
+    // A gateway like "link#12" is no address.
     if (gateway.find('#') == std::string::npos) AddOnce(gateways[words[interfaceColumn]], gateway);
   }
   return gateways;
@@ -125,7 +128,7 @@ ResolverFile ParseResolverFile(const std::string& text) {
   for (const auto& line : LinesOf(text)) {
     const auto words = WordsOf(line);
     if (words.size() < 2) continue;
-    if (words[0] == "nameserver") AddOnce(file.servers, words[1]);
+    if (words[0] == "nameserver") AddOnce(file.servers, WithoutZone(words[1]));
     if (words[0] == "domain") file.domain = words[1];
     if (words[0] == "search" && words[1] != ".") search = words[1];
   }
@@ -160,11 +163,16 @@ std::map<std::string, std::uint64_t> ParseVlans(const std::string& text) {
   return vlans;
 }
 
-std::map<std::string, std::string> ParseHardwarePorts(const std::string& text) {
-  std::map<std::string, std::string> ports;
+std::map<std::string, HardwarePort> ParseHardwarePorts(const std::string& text) {
+  std::map<std::string, HardwarePort> ports;
   for (const auto& entries : ParseParagraphs(text, ':')) {
+    const std::string name = ValueOf(entries, "Hardware Port");
     const std::string device = ValueOf(entries, "Device");
-    if (!device.empty()) ports[device] = ValueOf(entries, "Hardware Port");
+    if (!device.empty()) ports[device] = {name, name, 0};
+    const std::string made = ValueOf(entries, "Device (\"Hardware\" Port)");
+    if (made.empty()) continue;
+    ports[made] = {"VLAN", ValueOf(entries, "VLAN User Defined Name"),
+                   LeadingNumber(ValueOf(entries, "Tag"))};
   }
   return ports;
 }

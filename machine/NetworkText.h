@@ -41,7 +41,14 @@ std::map<std::string, std::string> ParseDhcpLeases(const std::string& text);
 /// The VLAN number of each interface in /proc/net/vlan/config.
 std::map<std::string, std::uint64_t> ParseVlans(const std::string& text);
 
-/// The name of each device's hardware port in the output of `networksetup -listallhardwareports`.
-std::map<std::string, std::string> ParseHardwarePorts(const std::string& text);
+/// A network port of the hardware, or a VLAN that was made on one.
+struct HardwarePort {
+  std::string type;  ///< what the system calls the port, as in "Wi-Fi", or "VLAN"
+  std::string description;
+  std::uint64_t vlan = 0;  ///< the VLAN's number; 0 for a port of the hardware
+};
+
+/// The port of each device in the output of `networksetup -listallhardwareports`.
+std::map<std::string, HardwarePort> ParseHardwarePorts(const std::string& text);
 
 }  // namespace Norvik::Machine

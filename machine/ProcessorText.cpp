@@ -1,6 +1,7 @@
 #include "machine/ProcessorText.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <map>
 #include <set>
 
@@ -56,6 +57,32 @@ ProcessorInfo PackageOf(const Entries& entries, std::uint64_t index) {
   return info;
 }
 
+/// Adds the caches whose sizes have names that begin with `prefix`; false if there are none.
+bool AddCaches(const KernelValues& values, const std::string& prefix,
+               std::list<CSmbCacheInfo>& caches) {
+  static constexpr struct {
+    const char* name;
+    std::uint8_t level;
+    const char* type;
+  } CACHES[] = {{"l1dcachesize", 1, "Data"},
+                {"l1icachesize", 1, "Instruction"},
+                {"l2cachesize", 2, "Unified"},
+                {"l3cachesize", 3, "Unified"}};
+  const std::string kind = values.text(prefix + "name");
+  const std::size_t before = caches.size();
+  for (const auto& known : CACHES) {
+    CSmbCacheInfo cache;
+    cache.level = known.level;
+    cache.type = known.type;
+    cache.name = "L" + std::to_string(known.level) + " " + known.type;
+    if (!kind.empty()) cache.name += " (" + kind + ")";
+    cache.sizeBytes = values.number(prefix + known.name);
+    cache.maximumBytes = cache.sizeBytes;
+    if (cache.sizeBytes > 0) caches.push_back(cache);
+  }
+  return caches.size() > before;
+}
+
 }  // namespace
 
 std::vector<ProcessorPackage> ParseCpuInfo(const std::string& text) {
@@ -79,6 +106,36 @@ std::vector<ProcessorPackage> ParseCpuInfo(const std::string& text) {
   std::vector<ProcessorPackage> result;
   for (auto& package : packages) result.push_back(std::move(package.second));
   return result;
+}
+
+std::list<CSmbCacheInfo> MacCaches(const KernelValues& values) {
+  std::list<CSmbCacheInfo> caches;
+  int kind = 0;
+  while (AddCaches(values, "hw.perflevel" + std::to_string(kind) + ".", caches)) ++kind;
+  // On Apple silicon these are the caches of the slowest cores.
+  if (caches.empty()) AddCaches(values, "hw.", caches);
+  return caches;
+}
+
+std::list<wxString> IntelFeatures(const KernelValues& values) {
+  std::list<wxString> features;
+  for (const char* name :
+       {"machdep.cpu.features", "machdep.cpu.leaf7_features", "machdep.cpu.extfeatures"}) {
+    for (const auto& feature : WordsOf(values.text(name))) {
+      features.push_back(WxStringFromStdString(feature));
+    }
+  }
+  return features;
+}
+
+std::list<wxString> ParseArmFeatures(const std::string& text) {
+  static const std::string PREFIX = "hw.optional.arm.FEAT_";
+  std::list<wxString> features;
+  for (const auto& [name, value] : ParseEntries(text, ':')) {
+    if (!boost::starts_with(name, PREFIX) || LeadingNumber(value) == 0) continue;
+    features.push_back(WxStringFromStdString(name.substr(name.rfind('.') + 1)));
+  }
+  return features;
 }
 
 std::uint64_t ParseCacheSize(const std::string& text) {

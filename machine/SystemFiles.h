@@ -5,14 +5,16 @@
 #include <string>
 #include <vector>
 
+#include "platform/MachinePath.h"
+
 namespace Norvik::Machine {
 
 /// The small files in which a system describes itself. Paths are absolute and are looked up below
 /// the root. A result is empty or 0 if the file is missing or cannot be read; nothing throws.
 class SystemFiles {
  public:
-  /// @param root "/" for the files of this machine
-  explicit SystemFiles(boost::filesystem::path root = "/");
+  /// The root is by default that of this machine, or of the recorded one that is in force.
+  explicit SystemFiles(boost::filesystem::path root = Platform::MachinePath("/"));
 
   /// The content of a file of up to 1 MiB; empty for a larger one.
   std::string Bytes(const std::string& path) const;

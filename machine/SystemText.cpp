@@ -65,6 +65,10 @@ std::string WithoutQuotes(const std::string& text) {
   return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
+std::string WithoutKeywords(const std::string& locale) {
+  return locale.substr(0, locale.find('@'));
+}
+
 std::string PlainMacAddress(const std::string& text) {
   std::string address;
   for (const char c : text) {

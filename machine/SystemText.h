@@ -34,6 +34,10 @@ std::string ValueOf(const Entries& entries, const std::string& key);
 /// Removes one pair of quotes around a text.
 std::string WithoutQuotes(const std::string& text);
 
+/// The language and the region of a locale like "en_US@rg=dezzzz", whose keywords change no
+/// language.
+std::string WithoutKeywords(const std::string& locale);
+
 /// The twelve hexadecimal digits, in upper case, of an address like "00:1a:2b:3c:4d:5e"; empty for
 /// anything else.
 std::string PlainMacAddress(const std::string& text);

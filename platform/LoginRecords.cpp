@@ -15,6 +15,9 @@ LoginRecords::LoginRecords() : lock_(WalkLock()) { ::setutxent(); }
 
 LoginRecords::~LoginRecords() { ::endutxent(); }
 
-const utmpx* LoginRecords::Next() { return ::getutxent(); }
+const utmpx* LoginRecords::Next() {
+  if (!recorded_) return ::getutxent();
+  return position_ < recorded_->logins.size() ? &recorded_->logins[position_++] : nullptr;
+}
 
 }  // namespace Norvik::Platform

@@ -4,12 +4,16 @@
 #include <utmpx.h>
 
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <string>
 
+#include "platform/LocalAccounts.h"
+
 namespace Norvik::Platform {
 
-/// Iterates over the login records of the system, from the first one on. A process has only one
+/// Iterates over the login records of the system, or of the recorded machine that is in force, from
+/// the first one on. A process has only one
 /// position in them, so a second object waits until this one is destroyed.
 class LoginRecords {
  public:
@@ -29,6 +33,8 @@ class LoginRecords {
 
  private:
   std::unique_lock<std::mutex> lock_;
+  const std::shared_ptr<const MachineAccounts> recorded_ = RecordedAccounts();
+  std::size_t position_ = 0;  ///< of the next recorded one
 };
 
 }  // namespace Norvik::Platform

@@ -7,8 +7,9 @@ namespace Norvik::Platform {
 
 // Exists on systems other than macOS only.
 
-/// Replaces the machine by a recorded Mac as long as the object exists: I/O registry, processes,
-/// location, files and programs are those of a folder. PATH of this process and of those that it
+/// Replaces the machine by a recorded Mac as long as the object exists: I/O registry, values of the
+/// kernel, network interfaces, volumes, accounts, processes, location, files and programs are those
+/// of a folder. PATH of this process and of those that it
 /// starts is then `bin` of the folder, /usr/bin and /bin. One object at a time; create and destroy
 /// it while no other thread runs commands or uses paths. A file that is missing or damaged in the
 /// folder counts as missing.
@@ -27,15 +28,5 @@ class RecordedMachine {
 
 /// Whether a recorded machine is in force.
 bool IsMachineRecorded();
-
-/// Raw bytes of an SMBIOS table and its entry point.
-struct SmBiosBytes {
-  std::string entryPoint;
-  std::string table;
-};
-/// The SMBIOS table of the recorded machine, from `smbios.bin`: the entry point, and the table at
-/// the address in the entry point if that is inside the file, otherwise directly after the entry
-/// point. Both are empty without the file or without a recording.
-SmBiosBytes RecordedSmBios();
 
 }  // namespace Norvik::Platform

@@ -1,18 +1,12 @@
 #include "common/identification/HostInfoProvider.h"
 
-#include <unistd.h>
-
 #include "common/text/Text.h"
+#include "platform/LocalAccounts.h"
 #include "platform/MachinePath.h"
 
 namespace Norvik::Common {
 
-std::string HostInfoProvider::GetHostName() {
-  // The system's limit is 255 bytes or less; a name of that length comes without a NUL.
-  char name[257] = {};
-  if (::gethostname(name, sizeof(name) - 1) != 0) return {};
-  return EncodeUtf8Characters(name);
-}
+std::string HostInfoProvider::GetHostName() { return EncodeUtf8Characters(Platform::HostName()); }
 
 std::string GetAgentVersion() { return "9.24.2.0"; }
 

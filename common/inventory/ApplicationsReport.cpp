@@ -27,7 +27,6 @@ constexpr ReportField REPORT_FIELDS[] = {{"_name", &SoftwareRegisteredInfo::name
                                          {"path", &SoftwareRegisteredInfo::softwareKey},
                                          {"obtained_from", &SoftwareRegisteredInfo::source},
                                          {"signed_by", &SoftwareRegisteredInfo::signedBy},
-                                         {"arch_kind", &SoftwareRegisteredInfo::architecture},
                                          {"info", &SoftwareRegisteredInfo::description}};
 
 /// Calls `visit` with each key of a property list's dictionary and the node of its value.
@@ -48,6 +47,15 @@ std::string TextOf(const ptree& value) {
   return value.empty() ? value.data() : value.front().second.data();
 }
 
+/// Reports up to macOS 10.14 say in two other keys which processors an application is for. Its
+/// value is the one that later reports have for the same processors.
+std::string ArchitectureOf(std::map<std::string, std::string>& values) {
+  if (!values["arch_kind"].empty()) return values["arch_kind"];
+  if (values["has64BitIntelCode"] == "yes") return "arch_i64";
+  const std::string environment = values["runtime_environment"];
+  return environment == "arch_x86" ? "arch_i32" : environment;
+}
+
 SoftwareRegisteredInfo SoftwareOf(const ptree& dictionary) {
   std::map<std::string, std::string> values;
   ForEachEntry(dictionary, [&](const std::string& key, const ptree& value) {
@@ -55,6 +63,7 @@ SoftwareRegisteredInfo SoftwareOf(const ptree& dictionary) {
   });
   SoftwareRegisteredInfo software;
   for (const auto& field : REPORT_FIELDS) software.*field.member = values[field.key];
+  software.architecture = ArchitectureOf(values);
   const auto modified = UTCStringToTimePoint(values["lastModified"], "%Y-%m-%dT%H:%M:%SZ");
   software.installDate = std::chrono::system_clock::to_time_t(modified);
   software.systemComponent = software.location.rfind("/System/", 0) == 0;

@@ -8,8 +8,10 @@
 #include <string>
 
 #include "common/commands/CommandRunner.h"
+#include "common/inventory/ApplicationBundles.h"
 #include "common/inventory/ApplicationsReport.h"
 #include "common/inventory/PackageDatabase.h"
+#include "common/log/Logger.h"
 #include "platform/MachinePath.h"
 
 namespace Norvik::Common {
@@ -33,6 +35,18 @@ void Append(std::vector<SoftwareRegisteredInfo>&& found,
                 std::make_move_iterator(found.end()));
 }
 
+/// The report is empty while Spotlight is off. Without another source, an incremental inventory
+/// would then delete all applications.
+std::vector<SoftwareRegisteredInfo> Applications() {
+  auto found = ReadApplicationsReport(
+      CommandRunner::ExecCommand("system_profiler -xml SPApplicationsDataType"));
+  if (!found.empty()) return found;
+  found = ReadApplicationBundles();
+  NORVIK_WARNING("system_profiler reports no applications; found in their folders: " +
+                 std::to_string(found.size()));
+  return found;
+}
+
 }  // namespace
 
 void SoftwareRegisteredSection::GetInfo(std::vector<SoftwareRegisteredInfo>& result) {
@@ -40,9 +54,7 @@ void SoftwareRegisteredSection::GetInfo(std::vector<SoftwareRegisteredInfo>& res
   if (status) {
     Append(ReadPackageStatus(status, InstallDate), result);
   } else {
-    Append(ReadApplicationsReport(
-               CommandRunner::ExecCommand("system_profiler -xml SPApplicationsDataType")),
-           result);
+    Append(Applications(), result);
   }
 }
 

@@ -8,8 +8,9 @@
 
 namespace Norvik::Common {
 
-/// Collects the installed software: the applications that `system_profiler` reports on macOS, the
-/// packages of the package database on Debian, nothing elsewhere. Files are found by `MachinePath`.
+/// Collects the installed software: on macOS the applications that `system_profiler` reports or, if
+/// it reports none, those in their usual folders, with a warning in the log; on Debian the packages
+/// of the package database; nothing elsewhere. Files are found by `MachinePath`.
 class NORVIK_COMMON_API SoftwareRegisteredSection
     : public ISection<std::vector<SoftwareRegisteredInfo>> {
  public:

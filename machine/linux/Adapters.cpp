@@ -2,7 +2,6 @@
 
 #include "common/text/Text.h"
 #include "machine/AdapterAddresses.h"
-#include "machine/Gather.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemText.h"
 #include "machine/linux/GatherFromFiles.h"
@@ -126,7 +125,5 @@ std::vector<NetworkAdapterInfo> GatherAdapters(const SystemFiles& files) {
   }
   return adapters;
 }
-
-std::vector<NetworkAdapterInfo> GatherAdapters() { return GatherAdapters(SystemFiles()); }
 
 }  // namespace Norvik::Machine

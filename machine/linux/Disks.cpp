@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "machine/Gather.h"
 #include "machine/MountText.h"
 #include "machine/linux/BlockDevices.h"
 #include "machine/linux/GatherFromFiles.h"
@@ -69,7 +68,5 @@ std::vector<PhysicalDiskInfo> GatherDisks(const SystemFiles& files) {
   }
   return disks;
 }
-
-std::vector<PhysicalDiskInfo> GatherDisks() { return GatherDisks(SystemFiles()); }
 
 }  // namespace Norvik::Machine

@@ -6,8 +6,9 @@
 namespace Norvik::Machine {
 
 // The functions of Gather.h, reading the system files below a given root. The functions without an
-// argument pass the files of this machine; tests pass recorded ones.
+// argument pass the files of this machine, unless a recorded Mac is in force; tests pass others.
 
+std::shared_ptr<Common::SmBios> ReadSmBios(const SystemFiles& files);
 std::vector<Common::ProcessorInfo> GatherProcessors(const SystemFiles& files);
 Common::MemoryInfo GatherMemory(const SystemFiles& files);
 /// The sizes of volumes are always those of this machine's mount points.

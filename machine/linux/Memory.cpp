@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include "machine/Gather.h"
 #include "machine/SystemText.h"
 #include "machine/linux/GatherFromFiles.h"
 
@@ -20,7 +19,5 @@ MemoryInfo GatherMemory(const SystemFiles& files) {
   if (page > 0) memory.pageBytes = static_cast<std::uint64_t>(page);
   return memory;
 }
-
-MemoryInfo GatherMemory() { return GatherMemory(SystemFiles()); }
 
 }  // namespace Norvik::Machine

@@ -2,7 +2,6 @@
 
 #include "common/text/OperatingSystemType.h"
 #include "common/text/Text.h"
-#include "machine/Gather.h"
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"
 #include "machine/SystemText.h"
@@ -59,12 +58,8 @@ OperatingSystemInfo GatherOperatingSystem(const SystemFiles& files) {
   return info;
 }
 
-OperatingSystemInfo GatherOperatingSystem() { return GatherOperatingSystem(SystemFiles()); }
-
 std::string GatherDomain(const SystemFiles& files) {
   return ParseResolverFile(files.Bytes("/etc/resolv.conf")).domain;
 }
-
-std::string GatherDomain() { return GatherDomain(SystemFiles()); }
 
 }  // namespace Norvik::Machine

@@ -1,7 +1,6 @@
 #include <sys/utsname.h>
 
 #include "common/text/Text.h"
-#include "machine/Gather.h"
 #include "machine/ProcessorText.h"
 #include "machine/linux/GatherFromFiles.h"
 
@@ -41,7 +40,5 @@ std::vector<ProcessorInfo> GatherProcessors(const SystemFiles& files) {
   }
   return processors;
 }
-
-std::vector<ProcessorInfo> GatherProcessors() { return GatherProcessors(SystemFiles()); }
 
 }  // namespace Norvik::Machine

@@ -1,9 +1,7 @@
 #include "common/text/Text.h"
-#include "machine/Gather.h"
 #include "machine/SmbiosFacts.h"
 #include "machine/SmbiosNames.h"
 #include "machine/linux/GatherFromFiles.h"
-#include "platform/RecordedMachine.h"
 
 namespace Norvik::Machine {
 
@@ -23,12 +21,7 @@ void Complete(wxString& text, const SystemFiles& files, const char* name) {
 
 }  // namespace
 
-std::shared_ptr<SmBios> ReadSmBios() {
-  if (Platform::IsMachineRecorded()) {
-    const Platform::SmBiosBytes recorded = Platform::RecordedSmBios();
-    return MakeSmBios(recorded.entryPoint, recorded.table);
-  }
-  const SystemFiles files;
+std::shared_ptr<SmBios> ReadSmBios(const SystemFiles& files) {
   const std::string folder = "/sys/firmware/dmi/tables/";
   return MakeSmBios(files.Bytes(folder + "smbios_entry_point"), files.Bytes(folder + "DMI"));
 }
@@ -61,7 +54,5 @@ void CompleteSetup(const SystemFiles& files, SetupInfo& setup) {
   const std::string model = files.Text("/proc/device-tree/model");
   setup.modelIdentifier = WxStringFromStdString(model.substr(0, model.find('\0')));
 }
-
-void CompleteSetup(SetupInfo& setup) { CompleteSetup(SystemFiles(), setup); }
 
 }  // namespace Norvik::Machine

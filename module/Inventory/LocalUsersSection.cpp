@@ -1,23 +1,14 @@
 #include "module/Inventory/LocalUsersSection.h"
 
-#include <grp.h>
-#include <pwd.h>
-
 #include <utility>
 
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "platform/LocalAccounts.h"
 
 namespace Norvik::KOB {
 
-namespace {
-
-/// Empty for null: some account databases leave a text out.
-wxString TextOf(const char* text) {
-  return text ? Common::WxStringFromStdString(text) : wxString();
-}
-
-}  // namespace
+using Common::WxStringFromStdString;
 
 void LocalUsersSection::GetInfo(std::list<LocalUserInfo>& result) {
   NORVIK_SCOPE();
@@ -28,26 +19,24 @@ void LocalUsersSection::GetInfo(std::list<LocalUserInfo>& result) {
 }
 
 void LocalUsersSection::GetLocalUsers(LocalUserInfo& info) {
-  while (const passwd* const entry = ::getpwent()) {
+  for (const Platform::LocalUser& entry : Platform::LocalUsers()) {
     LocalUserInfo::UserSettings user;
-    user.userName = TextOf(entry->pw_name);
-    user.description = TextOf(entry->pw_gecos);
+    user.userName = WxStringFromStdString(entry.name);
+    user.description = WxStringFromStdString(entry.fullName);
     user.enabled = true;
     info.users.push_back(std::move(user));
   }
-  ::endpwent();
 }
 
 void LocalUsersSection::GetLocalGroups(LocalUserInfo& info) {
-  while (const group* const entry = ::getgrent()) {
+  for (const Platform::LocalGroup& entry : Platform::LocalGroups()) {
     LocalUserInfo::GroupSettings settings;
-    settings.name = TextOf(entry->gr_name);
-    for (char** member = entry->gr_mem; member && *member; ++member) {
-      settings.users.push_back(TextOf(*member));
+    settings.name = WxStringFromStdString(entry.name);
+    for (const std::string& member : entry.members) {
+      settings.users.push_back(WxStringFromStdString(member));
     }
     info.groups.push_back(std::move(settings));
   }
-  ::endgrent();
 }
 
 }  // namespace Norvik::KOB

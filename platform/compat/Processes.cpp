@@ -1,5 +1,4 @@
 #include <libproc.h>
-#include <sys/sysctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -111,18 +110,5 @@ int proc_pid_rusage(int pid, int flavor, rusage_info_t* buffer) {
   usage.ri_phys_footprint = *footprint;
   // By Apple's interface the pointer is the buffer's, whatever its type says.
   std::memcpy(static_cast<void*>(buffer), &usage, sizeof(usage));
-  return 0;
-}
-
-int sysctl(int* name, unsigned int nameLength, void* oldValue, size_t* oldLength, void*, size_t) {
-  const bool known = nameLength == 2 && name[0] == CTL_HW && name[1] == HW_MEMSIZE;
-  const auto memory =
-      static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES) * ::sysconf(_SC_PAGESIZE));
-  if (!known || !oldValue || *oldLength < sizeof(memory)) {
-    errno = known ? ENOMEM : ENOENT;
-    return -1;
-  }
-  std::memcpy(oldValue, &memory, sizeof(memory));
-  *oldLength = sizeof(memory);
   return 0;
 }

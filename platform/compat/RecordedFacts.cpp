@@ -1,11 +1,10 @@
 #include "platform/compat/Recording.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <nlohmann/json.hpp>
-#include <system_error>
+#include <string>
 
-#include "platform/compat/PropertyListReader.h"
+#include "platform/RecordedMachine.h"
+#include "platform/compat/RecordedJson.h"
 
 namespace Norvik::Platform {
 
@@ -13,30 +12,14 @@ namespace {
 
 using nlohmann::json;
 
-/// A discarded value if the file is no JSON.
-json ReadJson(const std::string& path) {
-  return json::parse(ReadFileBytes(path), nullptr, /*allow_exceptions=*/false);
-}
-
-std::string TextAt(const json& node, const char* key) {
-  const auto found = node.find(key);
-  return found != node.end() && found->is_string() ? found->get<std::string>() : std::string();
-}
-
-double NumberAt(const json& node, const char* key) {
-  const auto found = node.find(key);
-  return found != node.end() && found->is_number() ? found->get<double>() : 0.0;
-}
-
 RecordedProcess ProcessFrom(const json& node) {
   RecordedProcess process;
-  const auto pid = node.find("pid");
-  if (pid != node.end() && pid->is_number_integer()) process.pid = pid->get<int>();
+  const json& pid = MemberOf(node, "pid");
+  if (pid.is_number_integer()) process.pid = pid.get<int>();
   process.name = TextAt(node, "name");
   process.path = TextAt(node, "path");
-  const auto footprint = node.find("footprint");
-  if (footprint != node.end() && footprint->is_number_unsigned()) {
-    process.footprint = footprint->get<std::uint64_t>();
+  if (MemberOf(node, "footprint").is_number_unsigned()) {
+    process.footprint = WholeNumberAt(node, "footprint");
   }
   return process;
 }
@@ -51,35 +34,63 @@ RecordedFix FixFrom(const json& node) {
   return fix;
 }
 
-bool Exists(const std::string& path) {
-  std::error_code unknown;
-  return !path.empty() && std::filesystem::exists(path, unknown);
+LocalGroup GroupFrom(const json& node) {
+  LocalGroup group{TextAt(node, "name"), {}};
+  for (const json& member : MemberOf(node, "members")) {
+    if (member.is_string()) group.members.push_back(member.get<std::string>());
+  }
+  return group;
+}
+
+template <std::size_t size>
+void CopyText(const json& node, const char* key, char (&field)[size]) {
+  TextAt(node, key).copy(field, size);
+}
+
+utmpx LoginFrom(const json& node) {
+  utmpx login{};
+  login.ut_type = static_cast<short>(WholeNumberAt(node, "type"));
+  login.ut_pid = static_cast<pid_t>(WholeNumberAt(node, "pid"));
+  login.ut_tv.tv_sec = static_cast<decltype(login.ut_tv.tv_sec)>(NumberAt(node, "time"));
+  CopyText(node, "user", login.ut_user);
+  CopyText(node, "line", login.ut_line);
+  CopyText(node, "host", login.ut_host);
+  return login;
 }
 
 }  // namespace
 
 std::optional<std::vector<RecordedProcess>> RecordedProcesses() {
-  const std::string file = RecordingFile("processes.json");
-  if (!Exists(file)) return {};
+  if (!IsMachineRecorded()) return {};
   std::vector<RecordedProcess> processes;
-  for (const json& node : ReadJson(file)) {
-    if (node.is_object()) processes.push_back(ProcessFrom(node));
-  }
+  ForEachObject(RecordedJson("processes.json"),
+                [&](const json& node) { processes.push_back(ProcessFrom(node)); });
   return processes;
 }
 
 RecordedLocation ReadRecordedLocation() {
   RecordedLocation location;
-  const json root = ReadJson(RecordingFile("location.json"));
-  if (!root.is_object()) return location;
-  const auto enabled = root.find("enabled");
-  location.enabled = enabled != root.end() && *enabled == true;
-  const auto fixes = root.find("fixes");
-  if (fixes == root.end()) return location;
-  for (const json& node : *fixes) {
-    if (node.is_object()) location.fixes.push_back(FixFrom(node));
-  }
+  const json root = RecordedJson("location.json");
+  location.enabled = MemberOf(root, "enabled") == true;
+  ForEachObject(MemberOf(root, "fixes"),
+                [&](const json& node) { location.fixes.push_back(FixFrom(node)); });
   return location;
+}
+
+MachineAccounts ReadRecordedAccounts() {
+  MachineAccounts accounts;
+  const json root = RecordedJson("accounts.json");
+  ForEachObject(MemberOf(root, "users"), [&](const json& node) {
+    accounts.users.push_back({TextAt(node, "name"), TextAt(node, "fullName")});
+  });
+  ForEachObject(MemberOf(root, "groups"),
+                [&](const json& node) { accounts.groups.push_back(GroupFrom(node)); });
+  ForEachObject(MemberOf(root, "logins"),
+                [&](const json& node) { accounts.logins.push_back(LoginFrom(node)); });
+  accounts.hostName = TextAt(RecordedJson("sysctl.json"), "kern.hostname");
+  // The name of a Mac that has none. Documents are named after it.
+  if (accounts.hostName.empty()) accounts.hostName = "localhost";
+  return accounts;
 }
 
 }  // namespace Norvik::Platform

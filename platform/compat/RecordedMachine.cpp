@@ -58,9 +58,11 @@ RecordedMachine::RecordedMachine(const std::string& folder) {
   ::setenv("PATH", (real + "/bin:/usr/bin:/bin").c_str(), 1);
   SetMachineRoot(real + "/root");
   Replace(real);
+  SetRecordedAccounts(std::make_shared<const MachineAccounts>(ReadRecordedAccounts()));
 }
 
 RecordedMachine::~RecordedMachine() {
+  SetRecordedAccounts(nullptr);
   Replace("");
   SetMachineRoot("");
   if (hadPath_) {
@@ -87,10 +89,11 @@ SmBiosBytes RecordedSmBios() {
 
 std::shared_ptr<const Registry> CurrentRegistry() {
   const std::string file = RecordingFile("ioregistry.plist");
+  const SmBiosBytes smBios = RecordedSmBios();
   Recording& recording = Current();
   const std::lock_guard lock(recording.mutex);
   if (!recording.registry) {
-    recording.registry = std::make_shared<const Registry>(ReadFileBytes(file));
+    recording.registry = std::make_shared<const Registry>(ReadFileBytes(file), smBios);
   }
   return recording.registry;
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/LocalAccounts.h"
 #include "platform/Location.h"
 #include "platform/compat/Registry.h"
 
@@ -28,8 +29,8 @@ struct RecordedProcess {
   std::optional<std::uint64_t> footprint;  ///< in bytes; empty: this process may not read it
 };
 
-/// The processes of the recorded machine. Empty if no machine is in force, or it has no list: then
-/// the real processes count. A damaged list holds no process.
+/// The processes of the recorded machine. Empty if no machine is in force: then the real processes
+/// count. A missing or damaged list holds no process.
 std::optional<std::vector<RecordedProcess>> RecordedProcesses();
 
 struct RecordedFix {
@@ -44,5 +45,14 @@ struct RecordedLocation {
 
 /// The positions of the recorded machine; not enabled without their file.
 RecordedLocation ReadRecordedLocation();
+
+/// The accounts, login records and host name of the recorded machine. Without a name it is
+/// "localhost".
+MachineAccounts ReadRecordedAccounts();
+
+/// The SMBIOS table of the recorded machine, from `smbios.bin`: the entry point, and the table at
+/// the address in the entry point if that is inside the file, otherwise directly after the entry
+/// point. Both are empty without the file or without a recording.
+SmBiosBytes RecordedSmBios();
 
 }  // namespace Norvik::Platform

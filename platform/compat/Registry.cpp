@@ -44,11 +44,26 @@ bool RegistryEntry::IsA(std::string_view wantedClass) const {
   return className == wantedClass || Holds(superclasses, wantedClass);
 }
 
-Registry::Registry(std::string_view recording) : list_(ReadPropertyList(recording)) {
-  if (!list_) return;
-  // For a single class the tool prints an array of trees.
-  ForEachElement(list_.get(), [this](plist_t node) { Add(node, nullptr); });
-  Add(list_.get(), nullptr);
+Registry::Registry(std::string_view recording, const SmBiosBytes& smBios)
+    : list_(ReadPropertyList(recording)) {
+  if (list_) {
+    // For a single class the tool prints an array of trees.
+    ForEachElement(list_.get(), [this](plist_t node) { Add(node, nullptr); });
+    Add(list_.get(), nullptr);
+  }
+  AddSmBios(smBios);
+}
+
+void Registry::AddSmBios(const SmBiosBytes& smBios) {
+  if (smBios.entryPoint.empty()) return;
+  smBios_.reset(plist_new_dict());
+  const auto set = [this](const char* key, const std::string& bytes) {
+    plist_dict_set_item(smBios_.get(), key, plist_new_data(bytes.data(), bytes.size()));
+  };
+  set("SMBIOS-EPS", smBios.entryPoint);
+  set("SMBIOS", smBios.table);
+  RegistryEntry& entry = NewEntry(smBios_.get(), nullptr);
+  entry.name = entry.className = "AppleSMBIOS";
 }
 
 // Recursion is safe: the reader limits the nesting of the list.

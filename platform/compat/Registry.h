@@ -25,16 +25,23 @@ struct RegistryEntry {
   bool IsA(std::string_view wantedClass) const;
 };
 
+/// Raw bytes of an SMBIOS table and its entry point.
+struct SmBiosBytes {
+  std::string entryPoint;
+  std::string table;
+};
+
 /// The I/O registry of a recording, in the format of `ioreg -a -l`: the tree of the plane
 /// "IOService". In addition, an entry may have the keys "IOObjectInherits", its superclasses, and
 /// "IORegistryEntryPlanes", the planes that it is in. Another plane has the same tree without the
-/// entries that are not in it.
+/// entries that are not in it. An SMBIOS table that is given in addition is the last entry, the
+/// service "AppleSMBIOS".
 class Registry {
  public:
   using Entries = std::vector<const RegistryEntry*>;
 
   /// The registry is empty if the bytes are no such list.
-  explicit Registry(std::string_view recording);
+  explicit Registry(std::string_view recording, const SmBiosBytes& smBios = {});
   Registry(const Registry&) = delete;
   Registry& operator=(const Registry&) = delete;
 
@@ -49,9 +56,11 @@ class Registry {
 
  private:
   void Add(plist_t node, RegistryEntry* parent);
+  void AddSmBios(const SmBiosBytes& smBios);
   RegistryEntry& NewEntry(plist_t node, RegistryEntry* parent);
 
   PropertyList list_;
+  PropertyList smBios_;
   std::deque<RegistryEntry> entries_;
 };
 

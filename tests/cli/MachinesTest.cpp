@@ -10,7 +10,6 @@
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
 #include "cli/commands/Commands.h"
-#include "common/identification/HostInfoProvider.h"
 #include "platform/WaitClock.h"
 #include "platform/compat/LiveObjects.h"
 #include "support/Cases.h"
@@ -69,8 +68,12 @@ class Machines : public testing::TestWithParam<std::string> {
         output_, output_);
   }
   Json Document() const {
-    const auto name = Common::HostInfoProvider::GetHostName() + ".jsonkob";
-    Json document = Json::parse(ContentOf(folder_ / "data/previous" / name), nullptr, false);
+    const fs::path previous = folder_ / "data/previous";
+    std::string text;  // of the one file there, which has the name of the recorded machine
+    if (fs::exists(previous)) {
+      for (const auto& file : fs::directory_iterator(previous)) text = ContentOf(file.path());
+    }
+    Json document = Json::parse(text, nullptr, false);
     // The entries of a folder of services have no order.
     if (document.is_object() && document["service"].is_array()) {
       std::sort(document["service"].begin(), document["service"].end(),
@@ -96,13 +99,21 @@ TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
   const RecordedCommands recorded;
   const int code = TakeInventory();
 
-  const Json document = Document();
+  Json document = Document();
   const std::string failure = expected.value("failure", "");
   EXPECT_EQ(code, failure.empty() ? Cli::EXIT_DONE : Cli::EXIT_FAILED) << Output();
   EXPECT_THAT(Output(), HasSubstr(failure));
   EXPECT_EQ(document.is_object(), failure.empty());
-  for (const auto& [section, value] : PartOf(expected, "sections").items()) {
-    EXPECT_EQ(Shown(Chosen(PartOf(document, section.c_str()), value)), Shown(value)) << section;
+  const Json& sections = PartOf(expected, "sections");
+  const bool whole = expected.value("whole", false);
+  if (whole) {
+    for (const char* key : {"guid", "assetDate"}) EXPECT_EQ(document["device"].erase(key), 1u);
+    EXPECT_EQ(document.size(), sections.size());
+  }
+  for (const auto& [section, value] : sections.items()) {
+    const Json& found = PartOf(document, section.c_str());
+    EXPECT_EQ(nlohmann::json(whole ? found : Chosen(found, value)), nlohmann::json(value))
+        << section;
   }
 
   std::vector<std::string> texts;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "machine/DiskutilText.h"
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"
@@ -40,16 +42,41 @@ Json ResolverIn(const std::string& text) {
   return {{"servers", file.servers}, {"domain", file.domain}};
 }
 
+/// From the output of `diskutil info -all`, and then, from its first title on, of `diskutil list`.
+Json DisksIn(const std::string& text) {
+  const auto list = std::min(text.find("\n/dev/"), text.size());
+  return JsonOf(ParseDiskutil(text.substr(0, list), text.substr(list)));
+}
+Json PortsIn(const std::string& text) {
+  Json found;
+  for (const auto& [device, port] : ParseHardwarePorts(text)) {
+    found[device] = {port.type, port.description, port.vlan};
+  }
+  return found;
+}
+Json KernelFactsIn(const std::string& text) {
+  const Entries entries = ParseEntries(text, ':');
+  const KernelValues values = {
+      [&](const std::string& name) { return LeadingNumber(ValueOf(entries, name)); },
+      [&](const std::string& name) { return ValueOf(entries, name); }};
+  Norvik::Common::ProcessorInfo info;
+  info.caches = MacCaches(values);
+  info.features = IntelFeatures(values);
+  info.features.splice(info.features.end(), ParseArmFeatures(text));
+  return JsonOf(info);
+}
+
 const std::map<std::string, Json (*)(const std::string&)> READERS = {
     {"cache size", [](const std::string& text) { return Json(ParseCacheSize(text)); }},
     {"cpuinfo", [](const std::string& text) { return FoundIn(ParseCpuInfo(text)); }},
     {"dhcp leases", [](const std::string& text) { return Json(ParseDhcpLeases(text)); }},
-    {"diskutil", [](const std::string& text) { return JsonOf(ParseDiskutilInfo(text)); }},
+    {"diskutil", DisksIn},
     {"entries", [](const std::string& text) { return Json(ParseEntries(text, '=')); }},
     {"gateways", [](const std::string& text) { return Json(ParseRoutes(text)); }},
     {"gateways of netstat", [](const std::string& text) { return Json(ParseNetstatRoutes(text)); }},
     {"gateways of version 6", [](const std::string& text) { return Json(ParseIpv6Routes(text)); }},
-    {"hardware ports", [](const std::string& text) { return Json(ParseHardwarePorts(text)); }},
+    {"hardware ports", PortsIn},
+    {"kernel facts of a Mac", KernelFactsIn},
     {"addresses of version 6", AddressesIn},
     {"leading number", [](const std::string& text) { return Json(LeadingNumber(text)); }},
     {"mac address", [](const std::string& text) { return Json(PlainMacAddress(text)); }},
@@ -57,6 +84,7 @@ const std::map<std::string, Json (*)(const std::string&)> READERS = {
     {"resolver file", ResolverIn},
     {"vlans", [](const std::string& text) { return Json(ParseVlans(text)); }},
     {"volumes", [](const std::string& text) { return FoundIn(VolumesOf(ParseMountInfo(text))); }},
+    {"without keywords", [](const std::string& text) { return Json(WithoutKeywords(text)); }},
     {"without quotes", [](const std::string& text) { return Json(WithoutQuotes(text)); }},
 };
 

@@ -11,6 +11,7 @@
 
 #include "platform/MachinePath.h"
 #include "platform/PropertyListFile.h"
+#include "platform/compat/Recording.h"
 #include "support/MacRecording.h"
 
 namespace {

@@ -75,7 +75,31 @@ TEST(SoftwareRegisteredSection, ReadsThePackageDatabaseOrElseAsksForTheReport) {
   EXPECT_EQ(software[2].installDate, 0);
   boost::filesystem::remove(machine.Path() / status);
   SoftwareRegisteredSection().GetInfo(software);
-  EXPECT_EQ(software.size(), 6u);
+  EXPECT_EQ(software.size(), 9u);
+}
+
+TEST(SoftwareRegisteredSection, SearchesTheFoldersOfApplicationsIfTheReportHasNone) {
+  const Json data = DataOf("common/inventory/software.json");
+  MacRecording machine;
+  machine.AddAnswer("system_profiler -xml SPApplicationsDataType",
+                    Json::parse(R"([{"_dataType": "SPApplicationsDataType", "_items": []}])"));
+  for (const auto& [path, list] : data["lists of bundles"].items()) {
+    machine.Add("root" + path, PropertyListOf(list));
+  }
+  for (const std::string path : {"Applications/Loop", "Applications/Fjord 2.0/Loop"}) {
+    boost::filesystem::create_directory_symlink("..", machine.Path() / "root" / path);
+  }
+  for (const Json& bundle : data["bundles"]) {
+    const std::string location = bundle["location"];
+    boost::filesystem::last_write_time(machine.Path() / ("root" + location), 1600000000);
+  }
+  machine.PutInForce();
+  const LogCapture log;
+  Software software;
+  SoftwareRegisteredSection().GetInfo(software);
+  ExpectSoftware(software, "bundles");
+  EXPECT_TRUE(log.Holds(Logger::LEVEL_WARNING,
+                        "system_profiler reports no applications; found in their folders: 4"));
 }
 
 }  // namespace

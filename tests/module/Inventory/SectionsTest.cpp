@@ -2,8 +2,6 @@
 #include <grp.h>
 #include <pwd.h>
 #include <time.h>
-#include <utmp.h>
-#include <utmpx.h>
 
 #include <boost/core/demangle.hpp>
 
@@ -102,17 +100,13 @@ const std::map<std::string, Collected (*)(const SharedSmBios&)> SECTIONS = {
     {"video", CollectFrom<VideoSection>},
 };
 
-/// The system's login records, from type, time and user.
-std::string LoginsOf(const Json& logins) {
-  std::string records;
+/// The accounts of a machine with these login records, from type, time and user.
+std::string AccountsOf(const Json& logins) {
+  Json records = Json::array();
   for (const Json& login : logins) {
-    utmpx record{};
-    record.ut_type = login[0];
-    record.ut_tv.tv_sec = login[1];
-    login[2].get<std::string>().copy(record.ut_user, sizeof(record.ut_user));
-    records.append(reinterpret_cast<const char*>(&record), sizeof(record));
+    records.push_back({{"type", login[0]}, {"time", login[1]}, {"user", login[2]}});
   }
-  return records;
+  return Json{{"logins", records}}.dump();
 }
 
 std::vector<Case> AllCases() {
@@ -144,13 +138,9 @@ class Sections : public testing::TestWithParam<Case> {
       boost::filesystem::create_symlink(target.get<std::string>(), recording_.Path() / name);
     }
     if (entry.contains("registry")) recording_.AddRegistry(entry["registry"]);
-    recording_.Add("logins", LoginsOf(entry.value("logins", Json::array()))).PutInForce();
-    ::utmpxname((recording_.Path() / "logins").c_str());
+    recording_.Add("accounts.json", AccountsOf(entry.value("logins", Json::array()))).PutInForce();
   }
-  ~Sections() override {
-    ::utmpxname(_PATH_UTMP);
-    boost::filesystem::current_path(previous_);
-  }
+  ~Sections() override { boost::filesystem::current_path(previous_); }
 
  private:
   const boost::filesystem::path previous_ = boost::filesystem::current_path();

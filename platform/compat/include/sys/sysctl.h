@@ -1,6 +1,7 @@
 #pragma once
 
-// The call of macOS for the size of the memory.
+// The calls of macOS for values of the kernel: answered from a recording. Without one only the size
+// of the memory is known.
 
 #include <stddef.h>
 
@@ -13,6 +14,8 @@ extern "C" {
 
 int sysctl(int* name, unsigned int nameLength, void* oldValue, size_t* oldLength, void* newValue,
            size_t newLength);
+int sysctlbyname(const char* name, void* oldValue, size_t* oldLength, void* newValue,
+                 size_t newLength);
 
 #ifdef __cplusplus
 }
