@@ -2,7 +2,8 @@
 
 #include <filesystem>
 #include <system_error>
-#include <utility>
+
+#include "platform/MachineObserver.h"
 
 namespace Norvik::Platform {
 
@@ -13,30 +14,23 @@ std::string& MachineRoot() {
   return root;
 }
 
-PathObserver& TheObserver() {
-  static PathObserver observer;
-  return observer;
-}
-
-std::string Resolve(const std::string& absolute, bool isOpened) {
+std::string Resolve(const std::string& absolute, Asked asked) {
   const std::string& root = MachineRoot();
   const std::filesystem::path path(absolute);
   if (!path.is_absolute()) return absolute;
-  if (const auto& observer = TheObserver()) observer(absolute, isOpened);
+  Observe(asked, absolute);
   // Normalised first: a path with ".." must not lead out of the recording.
   return root.empty() ? absolute : root + path.lexically_normal().string();
 }
 
 }  // namespace
 
-std::string MachinePath(const std::string& absolute) { return Resolve(absolute, true); }
+std::string MachinePath(const std::string& absolute) { return Resolve(absolute, Asked::FILE); }
 
 bool MachineHas(const std::string& absolute) {
   std::error_code unknown;
-  return std::filesystem::exists(Resolve(absolute, false), unknown);
+  return std::filesystem::exists(Resolve(absolute, Asked::EXISTENCE), unknown);
 }
-
-void SetPathObserver(PathObserver observer) { TheObserver() = std::move(observer); }
 
 void SetMachineRoot(const std::string& folder) { MachineRoot() = folder; }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 namespace Norvik::Platform {
@@ -13,14 +12,6 @@ std::string MachinePath(const std::string& absolute);
 
 /// Whether the machine has a file or folder at an absolute path. Nothing of it is read.
 bool MachineHas(const std::string& absolute);
-
-/// Learns of each absolute path that is asked for, before it is opened; on any thread. `isOpened`
-/// is false for a path whose existence alone is asked for.
-using PathObserver = std::function<void(const std::string& absolute, bool isOpened)>;
-
-/// Sets the observer; an empty one ends the observation. Call it while no other thread uses
-/// `MachinePath`.
-void SetPathObserver(PathObserver observer);
 
 /// Sets the root of a recorded machine; an empty text restores the real one. Call it while no other
 /// thread uses `MachinePath`.

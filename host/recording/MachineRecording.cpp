@@ -10,9 +10,10 @@
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "host/assembly/ModuleActionCodes.h"
-#include "host/recording/FileRecorder.h"
+#include "host/recording/MachineFiles.h"
+#include "host/recording/Questions.h"
+#include "host/recording/SystemFacts.h"
 #include "host/recording/ToolRecorder.h"
-#include "platform/MachineFacts.h"
 #include "platform/SystemChanges.h"
 
 namespace Norvik::Host {
@@ -109,8 +110,8 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
   return {};
 }
 
-void WriteFacts(const fs::path& recording) {
-  for (const auto& [name, content] : Platform::MachineFacts()) {
+void WriteFacts(const std::map<std::string, std::string>& facts, const fs::path& recording) {
+  for (const auto& [name, content] : facts) {
     fs::ofstream stream(recording / name, std::ios::binary);
     if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush()) {
       throw std::runtime_error("cannot write " + (recording / name).string());
@@ -142,20 +143,22 @@ RecordingResult RecordMachine(const RecordingOptions& options) {
   RecordingResult result;
   {
     const auto tools = std::make_shared<ToolRecorder>(recording, partial.Work(), options.toolLimit);
-    FileRecorder files;
+    Questions questions;
     {
       const ToolScope scope(tools);
       TakeInventory(options, data, result.warnings);
     }
-    files.Stop();
-    for (auto& failure : files.CopyTo(recording / "root")) result.warnings.push_back(failure);
+    questions.Stop();
+    for (auto& failure : CopyMachineFiles(questions.Files(), recording / "root")) {
+      result.warnings.push_back(std::move(failure));
+    }
+    WriteFacts(SystemFacts(questions), recording);
     for (const auto& call : tools->UnfinishedCalls()) {
       result.warnings.push_back(call + " did not end within " +
                                 std::to_string(options.toolLimit.count()) +
                                 " s; it is recorded as failed");
     }
   }
-  WriteFacts(recording);
   result.calls = CallsIn(recording);
   result.files = FilesIn(recording / "root");
   fs::rename(recording, folder);

@@ -10,9 +10,7 @@ namespace Norvik::Platform {
 
 namespace {
 
-constexpr const char* FACTS[] = {"accounts.json", "interfaces.json", "ioregistry.plist",
-                                 "location.json", "processes.json",  "smbios.bin",
-                                 "sysctl.json",   "volumes.json"};
+constexpr const char* FACTS[] = {"ioregistry.plist", "location.json", "smbios.bin"};
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-#include "host/recording/FileRecorder.h"
+#include "host/recording/MachineFiles.h"
 
 #include <algorithm>
 #include <boost/filesystem/fstream.hpp>
@@ -91,19 +91,10 @@ class Copier {
 
 }  // namespace
 
-FileRecorder::FileRecorder() {
-  Platform::SetPathObserver([this](const std::string& path, bool isOpened) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    bool& opened = asked_[path];
-    opened = opened || isOpened;
-  });
-}
-
-void FileRecorder::Stop() { Platform::SetPathObserver({}); }
-
-std::vector<std::string> FileRecorder::CopyTo(const fs::path& root) const {
+std::vector<std::string> CopyMachineFiles(const std::map<std::string, bool>& asked,
+                                          const fs::path& root) {
   Copier copier(root);
-  for (const auto& [path, isOpened] : asked_) copier.Copy(path, isOpened);
+  for (const auto& [path, isOpened] : asked) copier.Copy(path, isOpened);
   return copier.TakeFailures();
 }
 
