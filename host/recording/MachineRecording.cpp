@@ -12,6 +12,7 @@
 #include "host/assembly/ModuleActionCodes.h"
 #include "host/recording/MachineFiles.h"
 #include "host/recording/Questions.h"
+#include "host/recording/Redaction.h"
 #include "host/recording/SystemFacts.h"
 #include "host/recording/ToolRecorder.h"
 #include "platform/SystemChanges.h"
@@ -141,12 +142,13 @@ RecordingResult RecordMachine(const RecordingOptions& options) {
   const fs::path data = partial.Work() / "agent";
   fs::create_directory(data);
   RecordingResult result;
+  std::string document;
   {
     const auto tools = std::make_shared<ToolRecorder>(recording, partial.Work(), options.toolLimit);
     Questions questions;
     {
       const ToolScope scope(tools);
-      TakeInventory(options, data, result.warnings);
+      document = TakeInventory(options, data, result.warnings);
     }
     questions.Stop();
     for (auto& failure : CopyMachineFiles(questions.Files(), recording / "root")) {
@@ -161,6 +163,7 @@ RecordingResult RecordMachine(const RecordingOptions& options) {
   }
   result.calls = CallsIn(recording);
   result.files = FilesIn(recording / "root");
+  if (options.redact) result.replacements = RedactRecording(recording, document);
   fs::rename(recording, folder);
   return result;
 }
