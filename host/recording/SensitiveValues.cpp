@@ -211,7 +211,8 @@ void ProtectKeys(const std::string& file, const std::string& content, Replacemen
   std::istringstream stream(content);
   for (std::string line; std::getline(stream, line);) {
     // The names of shares are users' own.
-    if (file == "answers.txt") keys.insert(line.substr(0, line.find_first_of("/|")));
+    if (file == "answers.txt")
+      keys.insert(line.substr(0, std::min(line.find("/SharePoints/"), line.find('|'))));
     const std::string key = Between(line, "<key>", "</key>");
     keys.insert(key.empty() ? Between(line, "\"", "\":") : key);
   }

@@ -35,6 +35,7 @@ Json ToldBy(const std::vector<std::string>& arguments) {
           {"json", line.json},
           {"file", line.file.string()},
           {"pretty", line.pretty},
+          {"redact", line.redact},
           {"action", line.action},
           {"parameters", line.parameters},
           {"helps", line.help.find("inventory") != std::string::npos}};
