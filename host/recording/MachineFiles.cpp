@@ -4,6 +4,7 @@
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdint>
+#include <ctime>
 
 #include "host/HostError.h"
 #include "platform/MachinePath.h"
@@ -39,7 +40,11 @@ class Copier {
       failures_.push_back(ReasonOf(error));
     }
   }
-  std::vector<std::string> TakeFailures() { return std::move(failures_); }
+  /// After all copies, which change the times of folders.
+  std::vector<std::string> Finish() {
+    for (const auto& [target, time] : times_) fs::last_write_time(target, time);
+    return std::move(failures_);
+  }
 
  private:
   fs::path At(const fs::path& path) const {
@@ -49,7 +54,9 @@ class Copier {
   }
 
   void CopyFolder(const fs::path& path, const fs::path& source, bool isOpened) {
-    fs::create_directories(At(path));
+    const fs::path target = At(path);
+    fs::create_directories(target);
+    times_[target] = fs::last_write_time(source);
     if (!isOpened) return;
     std::vector<fs::path> entries{fs::directory_iterator(source), fs::directory_iterator()};
     std::sort(entries.begin(), entries.end());
@@ -86,6 +93,7 @@ class Copier {
   }
 
   const fs::path root_;
+  std::map<fs::path, std::time_t> times_;  ///< of folders
   std::vector<std::string> failures_;
 };
 
@@ -95,7 +103,7 @@ std::vector<std::string> CopyMachineFiles(const std::map<std::string, bool>& ask
                                           const fs::path& root) {
   Copier copier(root);
   for (const auto& [path, isOpened] : asked) copier.Copy(path, isOpened);
-  return copier.TakeFailures();
+  return copier.Finish();
 }
 
 }  // namespace Norvik::Host

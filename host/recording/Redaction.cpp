@@ -7,8 +7,10 @@
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -214,7 +216,7 @@ std::string ContentOf(const fs::path& file) {
 
 /// With the time that it had.
 void Rewrite(const fs::path& file, const std::string& content) {
-  const auto time = fs::last_write_time(file);
+  const std::time_t time = fs::last_write_time(file);
   fs::ofstream stream(file, std::ios::binary);
   if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush()) {
     throw std::runtime_error("cannot write " + file.string());
@@ -233,6 +235,7 @@ void RedactNames(const fs::path& root, const Redaction& redaction) {
   std::vector<fs::path> entries = EntriesBelow(root);
   std::reverse(entries.begin(), entries.end());
   for (const fs::path& entry : entries) {
+    const std::time_t time = fs::last_write_time(entry.parent_path());
     if (fs::is_symlink(entry)) {
       const fs::path target = redaction.Apply(fs::read_symlink(entry).string());
       fs::remove(entry);
@@ -240,6 +243,7 @@ void RedactNames(const fs::path& root, const Redaction& redaction) {
     }
     const std::string name = redaction.Apply(entry.filename().string());
     if (name != entry.filename()) fs::rename(entry, entry.parent_path() / name);
+    fs::last_write_time(entry.parent_path(), time);
   }
 }
 
