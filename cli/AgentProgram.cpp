@@ -27,7 +27,7 @@ const std::map<std::string, Command>& AllCommands() {
       {"open", RunOpen},           {"apply", RunApply},     {"diff", RunDiff},
       {"action", RunAction},       {"actions", RunActions}, {"configure", RunConfigure},
       {"status", RunStatus},       {"run", RunService},     {"user", RunUser},
-      {"notify", RunNotify},       {"message", RunMessage}};
+      {"notify", RunNotify},       {"message", RunMessage}, {"record", RunRecord}};
   return commands;
 }
 

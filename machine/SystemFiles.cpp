@@ -8,6 +8,7 @@
 #include "common/files/TextFile.h"
 #include "common/text/Text.h"
 #include "machine/SystemText.h"
+#include "platform/MachinePath.h"
 
 namespace Norvik::Machine {
 
@@ -17,7 +18,7 @@ namespace fs = boost::filesystem;
 SystemFiles::SystemFiles(fs::path root) : root_(std::move(root)) {}
 
 fs::path SystemFiles::At(const std::string& path) const {
-  return root_ / fs::path(path).relative_path();
+  return root_.empty() ? Platform::MachinePath(path) : root_ / fs::path(path).relative_path();
 }
 
 std::string SystemFiles::Bytes(const std::string& path) const {

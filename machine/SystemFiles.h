@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/MachinePath.h"
-
 namespace Norvik::Machine {
 
 /// The small files in which a system describes itself. Paths are absolute and are looked up below
@@ -14,7 +12,7 @@ namespace Norvik::Machine {
 class SystemFiles {
  public:
   /// The root is by default that of this machine, or of the recorded one that is in force.
-  explicit SystemFiles(boost::filesystem::path root = Platform::MachinePath("/"));
+  explicit SystemFiles(boost::filesystem::path root = {});
 
   /// The content of a file of up to 1 MiB; empty for a larger one.
   std::string Bytes(const std::string& path) const;
@@ -33,7 +31,7 @@ class SystemFiles {
  private:
   boost::filesystem::path At(const std::string& path) const;
 
-  const boost::filesystem::path root_;
+  const boost::filesystem::path root_;  ///< empty: that of the machine
 };
 
 /// The zone of the local time, such as "Europe/Oslo"; empty if the system does not report it.

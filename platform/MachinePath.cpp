@@ -1,6 +1,9 @@
 #include "platform/MachinePath.h"
 
 #include <filesystem>
+#include <system_error>
+
+#include "platform/MachineObserver.h"
 
 namespace Norvik::Platform {
 
@@ -11,14 +14,22 @@ std::string& MachineRoot() {
   return root;
 }
 
-}  // namespace
-
-std::string MachinePath(const std::string& absolute) {
+std::string Resolve(const std::string& absolute, Asked asked) {
   const std::string& root = MachineRoot();
   const std::filesystem::path path(absolute);
-  if (root.empty() || !path.is_absolute()) return absolute;
+  if (!path.is_absolute()) return absolute;
+  Observe(asked, absolute);
   // Normalised first: a path with ".." must not lead out of the recording.
-  return root + path.lexically_normal().string();
+  return root.empty() ? absolute : root + path.lexically_normal().string();
+}
+
+}  // namespace
+
+std::string MachinePath(const std::string& absolute) { return Resolve(absolute, Asked::FILE); }
+
+bool MachineHas(const std::string& absolute) {
+  std::error_code unknown;
+  return std::filesystem::exists(Resolve(absolute, Asked::EXISTENCE), unknown);
 }
 
 void SetMachineRoot(const std::string& folder) { MachineRoot() = folder; }

@@ -10,6 +10,9 @@ namespace Norvik::Platform {
 /// unchanged.
 std::string MachinePath(const std::string& absolute);
 
+/// Whether the machine has a file or folder at an absolute path. Nothing of it is read.
+bool MachineHas(const std::string& absolute);
+
 /// Sets the root of a recorded machine; an empty text restores the real one. Call it while no other
 /// thread uses `MachinePath`.
 void SetMachineRoot(const std::string& folder);

@@ -110,6 +110,10 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   configure->add_flag("--check", line.check, "only report what in it will surprise");
 
   program.add_subcommand("status", "print the state of the agent");
+
+  auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
+  record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
+  record->add_flag("--redact", line.redact, "replace serial numbers, names and addresses");
 }
 
 void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {

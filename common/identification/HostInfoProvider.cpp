@@ -1,7 +1,5 @@
 #include "common/identification/HostInfoProvider.h"
 
-#include <boost/filesystem/operations.hpp>
-
 #include "common/text/Text.h"
 #include "platform/LocalAccounts.h"
 #include "platform/MachinePath.h"
@@ -13,7 +11,7 @@ std::string HostInfoProvider::GetHostName() { return EncodeUtf8Characters(Platfo
 std::string GetAgentVersion() { return "9.24.2.0"; }
 
 bool VerifyAgent::Verify() {
-  return boost::filesystem::exists(Platform::MachinePath("/opt/local/norvik/UninstallZebAgent.sh"));
+  return Platform::MachineHas("/opt/local/norvik/UninstallZebAgent.sh");
 }
 
 }  // namespace Norvik::Common

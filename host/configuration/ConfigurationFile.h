@@ -51,9 +51,9 @@ struct ConfigurationFile {
 ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file);
 
 /// The configuration of an agent: from the given file unless its name is empty, else from the
-/// stored one if it exists, else the defaults, and from the managed preferences. Throws `UsageError`
-/// for an invalid or unreadable given file, and another `std::runtime_error` for the stored one,
-/// which the agent wrote itself, and for the managed preferences.
+/// stored one if it exists, else the defaults, and from the managed preferences. Throws
+/// `UsageError` for an invalid or unreadable given file, and another `std::runtime_error` for the
+/// stored one, which the agent wrote itself, and for the managed preferences.
 EffectiveConfiguration ReadConfiguration(const boost::filesystem::path& given,
                                          const boost::filesystem::path& stored);
 

@@ -7,6 +7,7 @@
 #include "machine/apple/GatherFromMac.h"
 #include "machine/apple/Registry.h"
 #include "machine/apple/Sysctl.h"
+#include "platform/MachineObserver.h"
 #include "platform/Volumes.h"
 
 namespace Norvik::Machine::Mac {
@@ -14,13 +15,23 @@ namespace Norvik::Machine::Mac {
 namespace {
 
 using namespace Common;
+using Platform::Asked;
+using Platform::Observe;
 
 wxString Kernel(const char* name) { return WxStringFromStdString(SysctlText(name)); }
 
 /// The setup assistant creates this file when it has finished.
 boost::optional<long long> InstallDate() {
-  const auto seconds = Platform::ModificationTime("/var/db/.AppleSetupDone");
+  static constexpr char FILE[] = "/var/db/.AppleSetupDone";
+  const auto seconds = Platform::ModificationTime(FILE);
+  if (seconds) Observe(Asked::MODIFICATION, FILE, std::to_string(*seconds));
   return boost::make_optional(seconds.has_value(), seconds.value_or(0) * 1000);
+}
+
+wxString BootVolume() {
+  const std::string device = Platform::DeviceMountedAt("/");
+  if (!device.empty()) Observe(Asked::DEVICE, "/", device);
+  return WxStringFromStdString(device);
 }
 
 }  // namespace
@@ -37,7 +48,7 @@ OperatingSystemInfo GatherOperatingSystem() {
   info.language = WxStringFromStdString(
       WithoutKeywords(trim_copy(CommandRunner::ExecCommand("defaults read -g AppleLocale"))));
   info.timeZone = WxStringFromStdString(TimeZoneOf(SystemFiles()));
-  info.bootVolume = WxStringFromStdString(Platform::DeviceMountedAt("/"));
+  info.bootVolume = BootVolume();
   info.serialNumber =
       WxStringFromStdString(RegistryProperty("IOPlatformExpertDevice", "IOPlatformSerialNumber"));
   info.installDate = InstallDate();

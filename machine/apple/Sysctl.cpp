@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "platform/MachineObserver.h"
+
 namespace Norvik::Machine::Mac {
 
 namespace {
@@ -18,15 +20,7 @@ std::string SysctlBytes(const char* name) {
   return bytes;
 }
 
-}  // namespace
-
-std::string SysctlText(const char* name) {
-  const std::string bytes = SysctlBytes(name);
-  return bytes.substr(0, bytes.find('\0'));
-}
-
-std::uint64_t SysctlNumber(const char* name) {
-  const std::string bytes = SysctlBytes(name);
+std::uint64_t NumberOf(const std::string& bytes) {
   std::uint32_t word = 0;
   std::uint64_t longWord = 0;
   if (bytes.size() == sizeof(word)) {
@@ -35,6 +29,24 @@ std::uint64_t SysctlNumber(const char* name) {
   }
   if (bytes.size() == sizeof(longWord)) std::memcpy(&longWord, bytes.data(), sizeof(longWord));
   return longWord;
+}
+
+}  // namespace
+
+std::string SysctlText(const char* name) {
+  const std::string bytes = SysctlBytes(name);
+  std::string text = bytes.substr(0, bytes.find('\0'));
+  if (!bytes.empty()) Platform::Observe(Platform::Asked::KERNEL_TEXT, name, text);
+  return text;
+}
+
+std::uint64_t SysctlNumber(const char* name) {
+  const std::string bytes = SysctlBytes(name);
+  const auto number = NumberOf(bytes);
+  if (!bytes.empty()) {
+    Platform::Observe(Platform::Asked::KERNEL_NUMBER, name, std::to_string(number));
+  }
+  return number;
 }
 
 }  // namespace Norvik::Machine::Mac

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
-#include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <exception>
@@ -35,7 +34,7 @@ void AddVolume(const ptree& volume, std::list<NetworkDriveInfo>& result) {
   drive.path = Common::trim_copy(volume.get("spnetworkvolume_mntfromname", ""));
   drive.unit = Common::trim_copy(volume.get("spnetworkvolume_fsmtnonname", ""));
   drive.server = ServerOfVolume(drive.path);
-  if (boost::filesystem::exists(Platform::MachinePath(drive.unit))) {
+  if (Platform::MachineHas(drive.unit)) {
     result.push_back(drive);
   } else {
     NORVIK_WARNING(boost::format("Skipping network drive: %1% (Mount path does not exist)") %

@@ -3,7 +3,20 @@
 
 #include "platform/Location.h"
 
+#include "platform/mac/LastFix.h"
+
 namespace Norvik::Platform {
+
+namespace {
+
+std::optional<LocationFix>& TheLastFix() {
+  static std::optional<LocationFix> fix;
+  return fix;
+}
+
+}  // namespace
+
+std::optional<LocationFix> LastFix() { return TheLastFix(); }
 
 struct LocationService::Implementation {
   /// The manager keeps no reference to it. It implements nothing, since positions are polled.
@@ -44,8 +57,9 @@ std::optional<LocationFix> LocationService::CurrentFix() const {
     CLLocation* const location = [implementation_->manager location];
     if (!location) return {};
     const CLLocationCoordinate2D coordinate = [location coordinate];
-    return LocationFix{coordinate.latitude, coordinate.longitude, [location altitude],
-                       [location speed]};
+    TheLastFix() = LocationFix{coordinate.latitude, coordinate.longitude, [location altitude],
+                               [location speed]};
+    return TheLastFix();
   }
 }
 

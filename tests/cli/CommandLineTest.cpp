@@ -31,6 +31,7 @@ Json ParsedFrom(const TextList& arguments) {
           {"json", line.json},
           {"file", line.file.string()},
           {"pretty", line.pretty},
+          {"redact", line.redact},
           {"action", line.action},
           {"parameters", line.parameters},
           {"helps", line.help.find("inventory") != std::string::npos}};

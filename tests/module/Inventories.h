@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/algorithm/string/erase.hpp>
+
 #include "module/Entities/InventorySections.h"
 #include "support/RecordFiller.h"
 
@@ -35,10 +37,7 @@ T ChangedOutsideKey(const T& record) {
 
 /// A stored document, which has one line per section, joined into one line as the writer writes it.
 inline std::string GoldenText(const std::string& path) {
-  std::ifstream file(path);
-  std::string text;
-  for (std::string line; std::getline(file, line);) text += line;
-  return text;
+  return boost::erase_all_copy(Norvik::Tests::ContentOf(path), "\n");
 }
 
 }  // namespace tests

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <list>
-
 #include "common/records/InventoryRecord.h"
 #include "support/Json.h"
 #include "support/Test.h"
@@ -51,13 +49,10 @@ class Filler {
       texts.insert(text);
     }
   }
-  template <class Element>
-  void Fill(std::list<Element>& elements) {
-    FillElements(elements);
-  }
-  template <class Element>
-  void Fill(std::vector<Element>& elements) {
-    FillElements(elements);
+  template <template <class...> class List, class Element, class Allocator>
+  void Fill(List<Element, Allocator>& elements) {
+    elements.resize(2);
+    for (auto& element : elements) Fill(element);
   }
   template <class Value>
   void Fill(Value& value) {
@@ -69,11 +64,6 @@ class Filler {
   }
 
  private:
-  template <class Elements>
-  void FillElements(Elements& elements) {
-    elements.resize(2);
-    for (auto& element : elements) Fill(element);
-  }
   std::string Text() {
     return "\"caf\xC3\xA9\" \\ \xF0\x9F\x98\x80 /\n\t" + std::to_string(++next_);
   }

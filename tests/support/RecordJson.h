@@ -1,7 +1,5 @@
 #pragma once
 
-#include <list>
-
 #include "json/FieldTable.h"
 #include "support/Test.h"
 
@@ -13,19 +11,11 @@ Json JsonOf(const Record& record) {
 }
 
 /// The records of a list or vector; an empty array without records.
-template <class Records>
-Json ArrayOf(const Records& records) {
+template <template <class...> class List, class Record, class Allocator>
+Json JsonOf(const List<Record, Allocator>& records) {
   Json list = Json::array();
   for (const auto& record : records) list.push_back(JsonOf(record));
   return list;
-}
-template <class Record>
-Json JsonOf(const std::list<Record>& records) {
-  return ArrayOf(records);
-}
-template <class Record>
-Json JsonOf(const std::vector<Record>& records) {
-  return ArrayOf(records);
 }
 
 }  // namespace Norvik::Tests

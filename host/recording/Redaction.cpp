@@ -1,0 +1,278 @@
+#include "host/recording/Redaction.h"
+
+#include <sodium.h>
+
+#include <algorithm>
+#include <boost/algorithm/hex.hpp>
+#include <boost/filesystem/fstream.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <cstdint>
+#include <ctime>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "host/recording/Replacements.h"
+#include "host/recording/SensitiveValues.h"
+
+namespace Norvik::Host {
+
+namespace {
+
+namespace fs = boost::filesystem;
+using namespace std::string_view_literals;
+
+constexpr std::string_view EDID_HEADER = "\0\xff\xff\xff\xff\xff\xff\0"sv;
+constexpr std::size_t EDID_BLOCK = 128;
+constexpr std::size_t EDID_SERIAL = 12;
+constexpr std::size_t EDID_EXTENSIONS = 126;
+/// Shorter digits are no bytes of interest.
+constexpr std::size_t LEAST_HEX_DIGITS = 24;
+/// Bytes inside of bytes: a property list in one that holds a display's block.
+constexpr int MAX_DEPTH = 3;
+
+bool IsHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+/// Calls `take` with begin and length of each part of a text that holds encoded bytes.
+using TakePart = std::function<void(std::size_t begin, std::size_t length)>;
+
+void ForEachHexPart(const std::string& text, const TakePart& take) {
+  for (auto at = text.begin(); at != text.end();) {
+    at = std::find_if(at, text.end(), IsHexDigit);
+    const auto end = std::find_if_not(at, text.end(), IsHexDigit);
+    const auto begin = static_cast<std::size_t>(at - text.begin());
+    const auto length = static_cast<std::size_t>(end - at);
+    at = end;
+    if (length >= LEAST_HEX_DIGITS && length % 2 == 0) take(begin, length);
+  }
+}
+
+void ForEachDataPart(const std::string& text, const TakePart& take) {
+  static constexpr std::string_view BEGIN = "<data>";
+  for (auto at = text.find(BEGIN); at != std::string::npos; at = text.find(BEGIN, at)) {
+    at += BEGIN.size();
+    const auto end = text.find("</data>", at);
+    if (end == std::string::npos) return;
+    take(at, end - at);
+  }
+}
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+/// Empty for a part that is not valid Base64.
+std::string FromBase64(const std::string& text) {
+  std::string bytes(text.size(), '\0');
+  std::size_t length = 0;
+  const int failure =
+      ::sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), text.data(),
+                          text.size(), " \t\r\n", &length, nullptr, sodium_base64_VARIANT_ORIGINAL);
+  bytes.resize(failure == 0 ? length : 0);
+  return bytes;
+}
+
+/// The Base64 of as many bytes as the text has, with the white space of the text.
+std::string ToBase64(const std::string& bytes, std::string text) {
+  std::string encoded(sodium_base64_ENCODED_LEN(bytes.size(), sodium_base64_VARIANT_ORIGINAL),
+                      '\0');
+  ::sodium_bin2base64(encoded.data(), encoded.size(),
+                      reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+                      sodium_base64_VARIANT_ORIGINAL);
+  auto next = encoded.begin();
+  for (char& c : text) {
+    if (!IsBlank(c) && next != encoded.end()) c = *next++;
+  }
+  return text;
+}
+
+std::string FromHex(const std::string& digits) { return boost::algorithm::unhex(digits); }
+
+std::string ToHex(const std::string& bytes, const std::string& digits) {
+  const bool isUpper =
+      std::any_of(digits.begin(), digits.end(), [](char c) { return c >= 'A' && c <= 'F'; });
+  return isUpper ? boost::algorithm::hex(bytes) : boost::algorithm::hex_lower(bytes);
+}
+
+/// Calls `take` with the place of each valid block of a display, extensions included. A block of
+/// extensions has another beginning.
+void ForEachEdidBlock(const std::string& bytes,
+                      const std::function<void(std::size_t at, bool isFirst)>& take) {
+  const auto isValid = [&](std::size_t at) {
+    unsigned char sum = 0;
+    for (std::size_t next = at; next < at + EDID_BLOCK; ++next) {
+      sum = static_cast<unsigned char>(sum + static_cast<unsigned char>(bytes[next]));
+    }
+    return sum == 0;
+  };
+  for (auto at = bytes.find(EDID_HEADER); at != std::string::npos;
+       at = bytes.find(EDID_HEADER, at + 1)) {
+    if (at + EDID_BLOCK > bytes.size()) return;
+    const auto count = static_cast<unsigned char>(bytes[at + EDID_EXTENSIONS]);
+    for (std::size_t block = 0; block <= count; ++block) {
+      const std::size_t begin = at + block * EDID_BLOCK;
+      if (begin + EDID_BLOCK > bytes.size()) break;
+      if (isValid(begin)) take(begin, block == 0);
+    }
+  }
+}
+
+void SetEdidChecksum(std::string& bytes, std::size_t at) {
+  unsigned char sum = 0;
+  for (std::size_t next = at; next + 1 < at + EDID_BLOCK; ++next) {
+    sum = static_cast<unsigned char>(sum + static_cast<unsigned char>(bytes[next]));
+  }
+  bytes[at + EDID_BLOCK - 1] = static_cast<char>(-sum);
+}
+
+std::uint32_t NumberOf(const std::string& bytes) {
+  std::uint32_t number = 0;
+  for (const char c : bytes) number = number << 8 | static_cast<unsigned char>(c);
+  return number;
+}
+
+std::string Reversed(std::string bytes) {
+  std::reverse(bytes.begin(), bytes.end());
+  return bytes;
+}
+
+/// What is known of a recording's sensitive values, and their replacement in bytes of any format.
+class Redaction {
+ public:
+  /// Displays come first: their numbers are replaced in a way of their own.
+  void AddDisplays(const std::string& bytes, int depth = 0) {
+    ForEachEdidBlock(bytes, [&](std::size_t at, bool isFirst) {
+      if (isFirst) AddDisplay(bytes.substr(at + EDID_SERIAL, 4));
+    });
+    if (depth == MAX_DEPTH) return;
+    ForEachHexPart(bytes, [&](std::size_t begin, std::size_t length) {
+      AddDisplays(FromHex(bytes.substr(begin, length)), depth + 1);
+    });
+    ForEachDataPart(bytes, [&](std::size_t begin, std::size_t length) {
+      AddDisplays(FromBase64(bytes.substr(begin, length)), depth + 1);
+    });
+  }
+
+  std::string Apply(const std::string& bytes, int depth = 0) const {
+    std::string result = replacements.Apply(bytes);
+    ForEachEdidBlock(bytes, [&](std::size_t at, bool isFirst) {
+      const auto known = displays_.find(bytes.substr(at + EDID_SERIAL, 4));
+      if (isFirst && known != displays_.end()) result.replace(at + EDID_SERIAL, 4, known->second);
+      SetEdidChecksum(result, at);
+    });
+    if (depth == MAX_DEPTH) return result;
+    ForEachHexPart(bytes, [&](std::size_t begin, std::size_t length) {
+      const std::string digits = bytes.substr(begin, length);
+      const std::string before = FromHex(digits);
+      const std::string after = Apply(before, depth + 1);
+      if (after != before) result.replace(begin, length, ToHex(after, digits));
+    });
+    ForEachDataPart(bytes, [&](std::size_t begin, std::size_t length) {
+      const std::string text = bytes.substr(begin, length);
+      const std::string before = FromBase64(text);
+      // Also without a change: what looks like a value in the digits is none.
+      if (!before.empty()) result.replace(begin, length, ToBase64(Apply(before, depth + 1), text));
+    });
+    return result;
+  }
+
+  Replacements replacements;
+
+ private:
+  /// The inventory and the tools write the number in decimal, in either order of the bytes; both
+  /// keep the number of their digits.
+  void AddDisplay(const std::string& serial) {
+    constexpr std::uint32_t LEAST = 1000;
+    const std::uint32_t number = NumberOf(serial);
+    const std::uint32_t reversed = NumberOf(Reversed(serial));
+    if (number < LEAST || reversed < LEAST || displays_.count(serial) != 0) return;
+    const std::string digits = std::to_string(number);
+    const std::string otherDigits = std::to_string(reversed);
+    for (int attempt = 0; attempt < 100'000; ++attempt) {
+      std::string bytes(serial.size(), '\0');
+      ::randombytes_buf(bytes.data(), bytes.size());
+      const std::string to = std::to_string(NumberOf(bytes));
+      const std::string otherTo = std::to_string(NumberOf(Reversed(bytes)));
+      const bool isSigned = (bytes[0] ^ serial[0]) < 0;
+      if (isSigned || to.size() != digits.size() || otherTo.size() != otherDigits.size()) continue;
+      replacements.AddNumber(digits, to);
+      replacements.AddNumber(otherDigits, otherTo);
+      displays_[serial] = bytes;
+      return;
+    }
+  }
+
+  std::map<std::string, std::string> displays_;  ///< bytes of serial numbers
+};
+
+std::string ContentOf(const fs::path& file) {
+  fs::ifstream stream(file, std::ios::binary);
+  if (!stream) throw std::runtime_error("cannot read " + file.string());
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// With the time that it had.
+void Rewrite(const fs::path& file, const std::string& content) {
+  const std::time_t time = fs::last_write_time(file);
+  fs::ofstream stream(file, std::ios::binary);
+  if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush()) {
+    throw std::runtime_error("cannot write " + file.string());
+  }
+  stream.close();
+  fs::last_write_time(file, time);
+}
+
+/// The entries below a folder, each folder before what is in it.
+std::vector<fs::path> EntriesBelow(const fs::path& folder) {
+  if (!fs::exists(folder)) return {};
+  return {fs::recursive_directory_iterator(folder), fs::recursive_directory_iterator()};
+}
+
+void RedactNames(const fs::path& root, const Redaction& redaction) {
+  std::vector<fs::path> entries = EntriesBelow(root);
+  std::reverse(entries.begin(), entries.end());
+  for (const fs::path& entry : entries) {
+    const std::time_t time = fs::last_write_time(entry.parent_path());
+    if (fs::is_symlink(entry)) {
+      const fs::path target = redaction.Apply(fs::read_symlink(entry).string());
+      fs::remove(entry);
+      fs::create_symlink(target, entry);
+    }
+    const std::string name = redaction.Apply(entry.filename().string());
+    if (name != entry.filename()) fs::rename(entry, entry.parent_path() / name);
+    fs::last_write_time(entry.parent_path(), time);
+  }
+}
+
+}  // namespace
+
+std::size_t RedactRecording(const fs::path& recording, const std::string& document) {
+  std::vector<fs::path> files;
+  for (const fs::path& entry : EntriesBelow(recording)) {
+    if (fs::is_regular_file(fs::symlink_status(entry)) &&
+        entry.parent_path() != recording / "bin") {
+      files.push_back(entry);
+    }
+  }
+  std::sort(files.begin(), files.end());
+  Redaction redaction;
+  for (const fs::path& file : files) {
+    const std::string content = ContentOf(file);
+    ProtectKeys(file.filename().string(), content, redaction.replacements);
+    redaction.AddDisplays(content);
+  }
+  AddValuesOfDocument(document, redaction.replacements);
+  for (const fs::path& file : files) {
+    const std::string content = ContentOf(file);
+    AddValuesOfFacts(file.filename().string(), content, redaction.replacements);
+    AddValuesOfText(content, redaction.replacements);
+  }
+  for (const fs::path& file : files) Rewrite(file, redaction.Apply(ContentOf(file)));
+  RedactNames(recording / "root", redaction);
+  return redaction.replacements.Count();
+}
+
+}  // namespace Norvik::Host
