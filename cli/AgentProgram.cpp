@@ -3,6 +3,7 @@
 #include <exception>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "cli/RecordedMachineOption.h"
@@ -10,6 +11,7 @@
 #include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
 #include "host/assembly/StandardChannels.h"
+#include "platform/Rehearsal.h"
 
 namespace Norvik::Cli {
 
@@ -35,6 +37,13 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
     return EXIT_DONE;
   }
   const auto machine = UseRecordedMachine(line.machine);
+  // What a recorded machine is asked to change would change this one. `action` has a rehearsal of
+  // its own, which it reports.
+  std::optional<Platform::Rehearsal> rehearsal;
+  if (machine && !line.really && line.command != "action") rehearsal.emplace();
+  if (rehearsal && line.command == "run") {
+    errors << "norvik-agent: changes are only rehearsed, as --really is not given" << std::endl;
+  }
   return AllCommands().at(line.command)(line, output, errors);
 }
 

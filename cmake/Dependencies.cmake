@@ -5,7 +5,7 @@ find_package(wxWidgets 3.2 REQUIRED COMPONENTS base xml)
 find_path(SOCI_INCLUDE_DIR soci/soci.h REQUIRED)
 find_library(SOCI_CORE_LIBRARY soci_core REQUIRED)
 find_library(SOCI_SQLITE3_LIBRARY soci_sqlite3 REQUIRED)
-find_package(SQLite3 REQUIRED)
+include(OneSqlite)
 find_package(EXPAT REQUIRED)
 find_package(CURL REQUIRED)
 find_package(spdlog REQUIRED)
@@ -26,14 +26,17 @@ target_include_directories(norvik_soci SYSTEM INTERFACE "${SOCI_INCLUDE_DIR}" "$
 target_link_libraries(norvik_soci INTERFACE
   "${SOCI_SQLITE3_LIBRARY}" "${SOCI_CORE_LIBRARY}" SQLite::SQLite3)
 
-# Apple's frameworks. On other systems platform/compat implements them under Apple's names.
+# Apple's frameworks, or platform/compat, which implements them under Apple's names. Their headers are
+# Apple's wherever there are some.
 add_library(norvik_apple INTERFACE)
-if(APPLE)
+if(NORVIK_COMPAT)
+  pkg_check_modules(libplist REQUIRED IMPORTED_TARGET libplist-2.0)
+  target_link_libraries(norvik_apple INTERFACE PkgConfig::libplist nlohmann_json::nlohmann_json)
+else()
   target_link_libraries(norvik_apple INTERFACE "-framework IOKit" "-framework CoreFoundation"
     "-framework CoreServices" "-framework Foundation" "-framework CoreLocation")
-else()
-  pkg_check_modules(libplist REQUIRED IMPORTED_TARGET libplist-2.0)
+endif()
+if(NOT APPLE)
   target_include_directories(norvik_apple INTERFACE
     "${CMAKE_SOURCE_DIR}/platform/compat/include")
-  target_link_libraries(norvik_apple INTERFACE PkgConfig::libplist)
 endif()

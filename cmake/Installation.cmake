@@ -17,7 +17,7 @@ set(headers include/norvik-agent)
 install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
   PATTERN common/apple EXCLUDE
   REGEX "/(Cells|Connection|ConnectionPool|DatabaseFile|DatabaseSchema|KeyValueTable)\\.h$" EXCLUDE
-  REGEX "/(ScanRules|Sentence|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
+  REGEX "/(OneSqlite|ScanRules|Sentence|Sqlite|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
 install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
 
 install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)

@@ -13,8 +13,9 @@ function(norvik_precompiled_header name)
   file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/${name}.cpp" CONTENT "")
   add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/${name}.cpp")
   target_link_libraries(${name} PRIVATE norvik_library_headers norvik_warnings ${ARG_LINKS})
-  target_precompile_headers(${name} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/PrecompiledHeader.h"
-    ${ARG_HEADERS})
+  # By its name only: an absolute path would make it another header for ccache in each checkout.
+  target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}/cmake")
+  target_precompile_headers(${name} PRIVATE <PrecompiledHeader.h> ${ARG_HEADERS})
 endfunction()
 
 # What a library hides that exports only what it names. Clang wants a header of its own for it.

@@ -13,10 +13,23 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 # Programs find their libraries beside them, so that the tree can be moved.
 if(APPLE)
   set(CMAKE_INSTALL_RPATH "@loader_path/../lib")
+  # wxWidgets names frameworks for windows, of which nothing here uses anything.
+  add_link_options(-Wl,-dead_strip_dylibs)
 else()
   set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib")
 endif()
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# Where the calls of macOS are platform/compat: with the data of a recorded Mac. On macOS itself that is
+# for the tests; the product calls the system.
+set(compat ON)
+if(APPLE)
+  set(compat OFF)
+endif()
+option(NORVIK_COMPAT "Use platform/compat in place of the calls of macOS" ${compat})
+if(NOT APPLE AND NOT NORVIK_COMPAT)
+  message(FATAL_ERROR "NORVIK_COMPAT=OFF needs macOS: only platform/compat has its calls here.")
+endif()
 
 set(NORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 if(NORVIK_SANITIZE)
@@ -41,10 +54,10 @@ endif()
 
 # Warnings of our own code are errors; headers of libraries come in as system headers.
 add_library(norvik_warnings INTERFACE)
-target_compile_options(norvik_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-# The JSON parser of Boost 1.74 uses names that Boost itself marks as deprecated.
-target_compile_definitions(norvik_warnings INTERFACE BOOST_BIND_GLOBAL_PLACEHOLDERS)
+set(warnings "${CMAKE_SOURCE_DIR}/cmake/warnings.txt")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${warnings}")
+file(STRINGS "${warnings}" warnings REGEX "^-")
+target_compile_options(norvik_warnings INTERFACE ${warnings})
 # GCC 12 wrongly reports that the assignment of boost::variant reads uninitialised memory.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(norvik_warnings INTERFACE -Wno-maybe-uninitialized)

@@ -1,7 +1,4 @@
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
+#include "Fuzz.h"
 #include "host/configuration/ConfigurationFile.h"
 
 /// Parses the input as a configuration. Only `ConfigurationError` may be thrown.
@@ -9,7 +6,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     Norvik::Host::ParseConfiguration(std::string(data, data + size));
   } catch (const Norvik::Host::ConfigurationError&) {
-    // Expected: the agent reports it to the user.
   }
   return 0;
 }

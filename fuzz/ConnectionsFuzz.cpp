@@ -1,8 +1,4 @@
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
-#include "Quiet.h"
+#include "Fuzz.h"
 #include "module/Actions/Mac/ToolText.h"
 
 /// Parses the input as the output of `netstat` and as that of `ps`.

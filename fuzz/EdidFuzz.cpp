@@ -1,9 +1,6 @@
-#include <cstddef>
-#include <cstdint>
 #include <list>
-#include <stdexcept>
-#include <string>
 
+#include "Fuzz.h"
 #include "module/Inventory/MonitorsSection.h"
 
 /// Decodes the input as the EDID blocks of `ioreg`, one per line. A line that is too short throws

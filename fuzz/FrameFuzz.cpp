@@ -1,7 +1,4 @@
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-
+#include "Fuzz.h"
 #include "host/ipc/Frames.h"
 
 /// Reads the input as frames of the local socket, in small pieces as a stream may deliver them.
@@ -18,7 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
     }
   } catch (const FrameError&) {
-    // Expected: the agent reports it to the peer.
   }
   return 0;
 }

@@ -1,8 +1,4 @@
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include "Fuzz.h"
 #include "module/Inventory/KeyboardSection.h"
 
 /// Reads the input as the output of `defaults` for the input sources. A layout must hold no quote,

@@ -1,9 +1,6 @@
 #include <boost/archive/archive_exception.hpp>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
+#include "Fuzz.h"
 #include "module/Entities/NetworkDriveInfo.h"
 #include "module/NetworkDrivesHandler/TextArchive.h"
 

@@ -1,8 +1,4 @@
-#include <cstddef>
-#include <cstdint>
-#include <sstream>
-#include <string>
-
+#include "Fuzz.h"
 #include "module/Inventory/PrintersSection.h"
 
 /// Reads the input as a `printers.conf` and as the description of a driver.

@@ -1,10 +1,6 @@
 #include <boost/property_tree/ptree.hpp>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
-#include "Quiet.h"
+#include "Fuzz.h"
 #include "common/apple/MacXMLToJSONParser.h"
 
 /// Parses the input as the report of a tool. For any input: parsing does not throw, the tree has at

@@ -1,8 +1,6 @@
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Fuzz.h"
 #include "platform/compat/CfObjects.h"
 #include "platform/compat/Registry.h"
 

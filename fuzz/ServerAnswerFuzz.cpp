@@ -1,8 +1,4 @@
-#include <cstddef>
-#include <cstdint>
-#include <exception>
-#include <string>
-
+#include "Fuzz.h"
 #include "common/rest/PendingTasks.h"
 #include "host/server/AnswerBody.h"
 
@@ -18,7 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
       response->Assign(Host::ParseAnswerBody(std::string(data, data + size)));
     } catch (const std::exception&) {
-      // Expected: the agent ignores the answer.
     }
   }
   return 0;

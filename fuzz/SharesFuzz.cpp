@@ -1,9 +1,4 @@
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include "Fuzz.h"
 #include "module/Inventory/CSharedResourcesSection.h"
 
 /// Reads the input as the list of shares up to the first NUL, and the rest as the properties of

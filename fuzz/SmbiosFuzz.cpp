@@ -1,10 +1,7 @@
-#include <cstddef>
-#include <cstdint>
 #include <list>
-#include <memory>
 #include <vector>
 
-#include "Quiet.h"
+#include "Fuzz.h"
 #include "common/identification/SmBios.h"
 #include "module/CommonInventorySections/BiosSection.h"
 

@@ -46,4 +46,14 @@ constexpr Utf8Step Utf8StepAt(std::string_view text, std::size_t at) {
   return {isCharacter ? Utf8Step::Kind::Character : Utf8Step::Kind::Irregular, length, code};
 }
 
+/// Whether the text consists of characters only.
+constexpr bool IsUtf8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const Utf8Step step = Utf8StepAt(text, at);
+    if (step.kind != Utf8Step::Kind::Character) return false;
+    at += step.length;
+  }
+  return true;
+}
+
 }  // namespace json

@@ -14,9 +14,10 @@
 
 namespace Norvik::Machine {
 
-// The facts of the machine that each system reports in its own way: machine/mac/ and
-// machine/linux/ have one source per fact. A fact that cannot be found or read is left empty; no
-// function throws for it. On macOS some start a tool and wait for it.
+// The facts of the machine that each system reports in its own way: machine/apple/ and
+// machine/linux/ have one source per fact. Those of a Mac are gathered on macOS, and elsewhere
+// while a recorded machine is in force. A fact that cannot be found or read is left empty; no
+// function throws for it. On a Mac some start a tool and wait for it.
 
 /// The machine's SMBIOS table. Never null; not valid if there is no table or this process may not
 /// read it.

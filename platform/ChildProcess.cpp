@@ -1,9 +1,12 @@
 #include "platform/ChildProcess.h"
 
 #include <poll.h>
+#include <signal.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <system_error>
 
 #include "platform/ChildStart.h"
@@ -15,54 +18,112 @@ namespace Norvik::Platform {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
 /// Waits for the child at the end of the scope, so that it does not remain as a zombie.
 class ChildOwner {
  public:
-  explicit ChildOwner(pid_t processId) : processId_(processId) {}
+  ChildOwner() = default;
   ChildOwner(const ChildOwner&) = delete;
   ChildOwner& operator=(const ChildOwner&) = delete;
-  ~ChildOwner() { Wait(); }
+  ~ChildOwner() { Wait(0); }
 
-  int Wait() {
-    if (processId_ < 0) return exitCode_;
+  void Own(pid_t processId) { processId_ = processId; }
+  bool HasEnded() { return Wait(WNOHANG); }
+  void KillGroup() {
+    if (processId_ > 0) ::kill(-processId_, SIGKILL);
+  }
+  /// Of a child that has ended.
+  int ExitCode() const { return exitCode_; }
+  /// Whether it has ended.
+  bool Wait(int options) {
+    if (processId_ < 0) return true;
     int status = 0;
     pid_t ended = -1;
     do {
-      ended = ::waitpid(processId_, &status, 0);
+      ended = ::waitpid(processId_, &status, options);
     } while (ended < 0 && errno == EINTR);
+    if (ended == 0) return false;
     processId_ = -1;
-    if (ended >= 0) exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return exitCode_;
+    if (ended > 0) exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return true;
   }
 
  private:
-  pid_t processId_;
+  pid_t processId_ = -1;
   int exitCode_ = -1;
 };
 
-/// Passes on what can be read now; closes the channel at its end.
-void ReadSome(FileDescriptor& channel, const ChildCommand::Sink& sink) {
-  char buffer[65536];
-  const ssize_t length = ::read(channel.Get(), buffer, sizeof(buffer));
-  if (length > 0) {
-    if (sink) sink(std::string_view(buffer, static_cast<std::size_t>(length)));
-  } else if (length == 0 || errno != EINTR) {
-    channel.Close();
-  }
-}
+/// Passes on the output of a child until all is read, or a limit is reached.
+class OutputReader {
+ public:
+  OutputReader(const ChildCommand& command, FileDescriptor& output, FileDescriptor& errors)
+      : command_(command), output_(output), errors_(errors) {}
 
-/// Reads both channels as they fill, because the child would block on one that is full.
-void Drain(FileDescriptor& output, FileDescriptor& errors, const ChildCommand& command) {
-  while (output.IsOpen() || errors.IsOpen()) {
+  bool IsAtEnd() const { return !output_.IsOpen() && !errors_.IsOpen(); }
+  bool IsOverLimit() const { return isOverLimit_; }
+
+  /// Waits for output for some time. Returns whether there was any, or an end of it.
+  bool ReadFor(milliseconds longest) {
     // A closed channel has a negative descriptor, which poll ignores.
-    pollfd channels[] = {{output.Get(), POLLIN, 0}, {errors.Get(), POLLIN, 0}};
-    if (::poll(channels, 2, -1) < 0) {
-      if (errno == EINTR) continue;
-      return;
-    }
-    if (channels[0].revents != 0) ReadSome(output, command.onOutput);
-    if (channels[1].revents != 0) ReadSome(errors, command.onErrors);
+    pollfd channels[] = {{output_.Get(), POLLIN, 0}, {errors_.Get(), POLLIN, 0}};
+    if (::poll(channels, 2, static_cast<int>(longest.count())) <= 0) return false;
+    if (channels[0].revents != 0) ReadSome(output_, command_.onOutput);
+    if (channels[1].revents != 0) ReadSome(errors_, command_.onErrors);
+    return true;
   }
+
+ private:
+  /// Passes on what can be read now; closes the channel at its end.
+  void ReadSome(FileDescriptor& channel, const ChildCommand::Sink& sink) {
+    char buffer[65536];
+    const ssize_t length = ::read(channel.Get(), buffer, sizeof(buffer));
+    if (length > 0) {
+      if (sink && !isOverLimit_)
+        Pass(std::string_view(buffer, static_cast<std::size_t>(length)), sink);
+    } else if (length == 0 || errno != EINTR) {
+      channel.Close();
+    }
+  }
+
+  void Pass(std::string_view piece, const ChildCommand::Sink& sink) {
+    if (command_.outputLimit > 0 && piece.size() > command_.outputLimit - passed_) {
+      isOverLimit_ = true;
+      piece = piece.substr(0, command_.outputLimit - passed_);
+    }
+    passed_ += piece.size();
+    sink(piece);
+  }
+
+  const ChildCommand& command_;
+  FileDescriptor& output_;
+  FileDescriptor& errors_;
+  std::size_t passed_ = 0;
+  bool isOverLimit_ = false;
+};
+
+/// Reads until the child has ended and its output too, as far as the limits permit. The end of a
+/// child has no descriptor to wait for on all systems, so it is asked for at growing intervals.
+ChildResult::Limit ReadToEnd(const ChildCommand& command, OutputReader& reader, ChildOwner& child) {
+  const bool isTimed = command.timeLimit > milliseconds::zero();
+  const auto begin = Clock::now();
+  std::optional<Clock::time_point> end;  // of the grace, once the child has ended
+  milliseconds pause(1);
+  while (!end || (!reader.IsAtEnd() && Clock::now() < *end)) {
+    if (reader.IsAtEnd() && !isTimed) {
+      child.Wait(0);
+      break;
+    }
+    pause = reader.ReadFor(pause) ? milliseconds(1) : std::min(2 * pause, milliseconds(100));
+    if (reader.IsOverLimit()) return ChildResult::Limit::OUTPUT;
+    if (!end && child.HasEnded()) end = Clock::now() + OUTPUT_GRACE;
+    const bool isLate = isTimed && Clock::now() - begin >= command.timeLimit;
+    if (!end && isLate) return ChildResult::Limit::TIME;
+  }
+  // What fits into a pipe may be left if a sink was slow.
+  for (int reads = 0; reads < 16 && reader.ReadFor(milliseconds::zero()); ++reads) continue;
+  return ChildResult::Limit::NONE;
 }
 
 bool AreUsable(const std::vector<std::string>& words) {
@@ -95,6 +156,9 @@ ChildResult RunChild(const ChildCommand& command) {
 }
 
 ChildResult RealSystemChanges::Run(const ChildCommand& command) {
+  // Before the pipes, so that they are closed first if a sink throws: a child that writes to a pipe
+  // that nobody reads would never end.
+  ChildOwner child;
   Pipe output;
   Pipe errors;
   if (!output.Open() || (command.onErrors && !errors.Open())) return ChildResult::NotStarted(errno);
@@ -107,14 +171,17 @@ ChildResult RealSystemChanges::Run(const ChildCommand& command) {
                         : StartChild(command.words, channels, processId);
   if (error != 0) return ChildResult::NotStarted(error);
 
-  ChildOwner child(processId);
+  child.Own(processId);
   output.write.Close();
   errors.write.Close();
-  Drain(output.read, errors.read, command);
+  OutputReader reader(command, output.read, errors.read);
   ChildResult result;
   result.started = true;
   result.processId = processId;
-  result.exitCode = child.Wait();
+  result.limit = ReadToEnd(command, reader, child);
+  if (result.limit != ChildResult::Limit::NONE) child.KillGroup();
+  child.Wait(0);
+  result.exitCode = child.ExitCode();
   return result;
 }
 

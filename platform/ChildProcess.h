@@ -2,6 +2,8 @@
 
 #include <sys/types.h>
 
+#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -38,23 +40,35 @@ struct ChildCommand {
   bool isQuery = false;
   /// Made by `ShellLine`: a report shows the line in place of the words.
   bool isShellLine = false;
+  /// How long it may run; 0 is unlimited.
+  std::chrono::milliseconds timeLimit{0};
+  /// Bytes that the sinks may receive in all; 0 is unlimited. Output without a sink is not counted.
+  std::size_t outputLimit = 0;
 };
 
 struct ChildResult {
+  /// The limit at which the program was killed with its process group.
+  enum class Limit { NONE, TIME, OUTPUT };
+
   static ChildResult NotStarted(int error);
 
   bool started = false;
   std::string problem;  ///< why it could not be started
   int exitCode = -1;    ///< 128 plus the signal's number if a signal ended it
+  Limit limit = Limit::NONE;
   pid_t processId = -1;
   bool onlyNoted = false;  ///< by a rehearsal, which did not run it
 };
 
-/// Runs a program through the `SystemChanges` in force and waits until it has ended and no process
-/// holds its output open any more. It has no standard input (/dev/null), none of this process's
-/// descriptors, and default signal handling. A rehearsal runs queries only and reports any other
-/// program as ended with 0, unless it shows that it could not be started. Throws only what a sink
-/// throws, after the child has ended.
+/// What processes that the program leaves running may still print, after it has ended itself.
+inline constexpr std::chrono::seconds OUTPUT_GRACE{2};
+
+/// Runs a program through the `SystemChanges` in force and waits until it has ended, and then at
+/// most `OUTPUT_GRACE` until no process holds its output open any more. It has no standard input
+/// (/dev/null), none of this process's descriptors, default signal handling and a process group of
+/// its own. A rehearsal runs queries only and reports any other program as ended with 0, unless it
+/// shows that it could not be started. Throws only what a sink throws, after the child has ended;
+/// its output is closed before, so that its next write ends it.
 ChildResult RunChild(const ChildCommand& command);
 
 /// Runs a program that changes nothing, without a shell, waits for it, and returns its standard

@@ -114,6 +114,7 @@ void ResetSignals() {
 
 [[noreturn]] void RunForked(const ForkedChild& child) {
   ResetSignals();
+  ::setpgid(0, 0);
   if (SetUpChannels(child) && BecomeUser(child)) {
     // A home that cannot be entered, or does not exist yet, is no reason not to run.
     if (::chdir(child.account.home.c_str()) != 0) (void)!::chdir("/");
@@ -182,9 +183,9 @@ int StartChild(const std::vector<std::string>& words, const ChildChannels& chann
   ::posix_spawnattr_setsigdefault(attributes.Get(), &signals);
   sigemptyset(&signals);
   ::posix_spawnattr_setsigmask(attributes.Get(), &signals);
-  ::posix_spawnattr_setflags(
-      attributes.Get(),
-      static_cast<short>(POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | closing));
+  ::posix_spawnattr_setflags(attributes.Get(),
+                             static_cast<short>(POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
+                                                POSIX_SPAWN_SETPGROUP | closing));
   return ::posix_spawnp(&processId, words.front().c_str(), actions.Get(), attributes.Get(),
                         Pointers(words).data(), environ);
 }

@@ -11,8 +11,8 @@ struct ChildChannels {
   int errors = -1;
 };
 
-/// Both start the program and set `processId`. They return 0, or the errno with which the child or
-/// the program itself could not be started.
+/// Both start the program in a process group of its own and set `processId`. They return 0, or the
+/// errno with which the child or the program itself could not be started.
 int StartChild(const std::vector<std::string>& words, const ChildChannels& channels,
                pid_t& processId);
 int StartChildAs(const ChildAccount& account, const std::vector<std::string>& words,

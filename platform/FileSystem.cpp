@@ -7,20 +7,9 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/SystemChanges.h"
+
 namespace Norvik::Platform {
-
-namespace {
-
-int Sync(int descriptor) {
-#ifdef F_FULLFSYNC
-  // A plain fsync leaves the data in the cache of the drive; not every file system has the full
-  // one.
-  if (::fcntl(descriptor, F_FULLFSYNC) == 0) return 0;
-#endif
-  return ::fsync(descriptor);
-}
-
-}  // namespace
 
 void ThrowSystemError(int error, const std::string& what) {
   throw std::system_error(error, std::generic_category(), what);
@@ -60,12 +49,12 @@ void WriteAll(const FileDescriptor& file, const char* data, std::size_t size) {
 }
 
 void SyncFile(const FileDescriptor& file) {
-  if (Sync(file.Get()) != 0) ThrowSystemError(errno, "Syncing failed");
+  if (GetSystemChanges()->Sync(file.Get()) != 0) ThrowSystemError(errno, "Syncing failed");
 }
 
 void SyncFolder(const std::string& folder) {
   const FileDescriptor opened(::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
-  if (opened.IsOpen()) Sync(opened.Get());
+  if (opened.IsOpen()) GetSystemChanges()->Sync(opened.Get());
 }
 
 }  // namespace Norvik::Platform

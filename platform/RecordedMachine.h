@@ -1,11 +1,9 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 
 namespace Norvik::Platform {
-
-// Exists on systems other than macOS only.
 
 /// Replaces the machine by a recorded Mac as long as the object exists: I/O registry, values of the
 /// kernel, network interfaces, volumes, accounts, processes, location, files and programs are those
@@ -15,15 +13,19 @@ namespace Norvik::Platform {
 /// folder counts as missing.
 class RecordedMachine {
  public:
-  /// Throws `std::runtime_error` if there is no such folder, or another one is in force.
+  /// Whether this build has it: every one that compiles platform/compat, so not the product on
+  /// macOS.
+  static bool IsAvailable();
+
+  /// Throws `std::runtime_error` if there is no such folder, another one is in force, or it is not
+  /// available.
   explicit RecordedMachine(const std::string& folder);
   RecordedMachine(const RecordedMachine&) = delete;
   RecordedMachine& operator=(const RecordedMachine&) = delete;
   ~RecordedMachine();
 
  private:
-  std::string previousPath_;
-  bool hadPath_ = false;
+  std::optional<std::string> previousPath_;
 };
 
 /// Whether a recorded machine is in force.

@@ -84,6 +84,8 @@ class Rehearsal::Recorder final : public SystemChanges {
     return Remove(path);
   }
 
+  int Sync(int descriptor) override { return machine_->Sync(descriptor); }
+
   ChildResult Run(const ChildCommand& command) override {
     if (command.isQuery) {
       Note({RehearsedStep::ASKED, ShellText(command)});

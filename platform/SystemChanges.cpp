@@ -1,6 +1,7 @@
 #include "platform/SystemChanges.h"
 
 #include <CoreServices/CoreServices.h>
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -39,6 +40,15 @@ int RealSystemChanges::RemoveAt(int folder, const std::string& name, const std::
   return ::unlinkat(folder, name.c_str(), 0);
 }
 
+int RealSystemChanges::Sync(int descriptor) {
+#ifdef F_FULLFSYNC
+  // A plain fsync leaves the data in the cache of the drive; not every file system has the full
+  // one.
+  if (::fcntl(descriptor, F_FULLFSYNC) == 0) return 0;
+#endif
+  return ::fsync(descriptor);
+}
+
 int RealSystemChanges::SendAppleEvent(const AEDesc& event, const std::string& /*name*/) {
   AEDesc reply{FourCharacters("null"), nullptr};
   const int status = ::AESendMessage(&event, &reply, kAENoReply, kAEDefaultTimeout);
@@ -47,11 +57,6 @@ int RealSystemChanges::SendAppleEvent(const AEDesc& event, const std::string& /*
 }
 
 int RealSystemChanges::ClockError() { return ::geteuid() == 0 ? 0 : EPERM; }
-
-#ifdef __APPLE__
-// Elsewhere platform/compat says what its own AESendMessage would return.
-int RealSystemChanges::AppleEventError() { return 0; }
-#endif
 
 void RealSystemChanges::Note(const RehearsedStep& /*step*/) {}
 

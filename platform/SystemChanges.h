@@ -14,9 +14,9 @@ namespace Norvik::Platform {
 
 struct RehearsedStep;
 
-/// Everything that the agent changes on the machine, apart from files of its own, goes through the
-/// one object in force: the real one makes the change, that of a `Rehearsal` only notes it, and a
-/// test can install its own. All methods may be called on any thread.
+/// Everything that the agent changes on the machine, apart from files of its own, and every sync of
+/// those goes through the one object in force: the real one makes the change, that of a `Rehearsal`
+/// only notes it, and a test can install its own. All methods may be called on any thread.
 class SystemChanges {
  public:
   virtual ~SystemChanges();
@@ -30,6 +30,10 @@ class SystemChanges {
   /// Removes a file or a link from an open folder.
   /// @param path the same entry, for reports
   virtual int RemoveAt(int folder, const std::string& name, const std::string& path) = 0;
+
+  /// Waits until what was written to a file or a folder is on the disk. A rehearsal does it as
+  /// well.
+  virtual int Sync(int descriptor) = 0;
 
   /// Runs a program to its end, also one that only queries; `RunChild` checks the words before.
   virtual ChildResult Run(const ChildCommand& command) = 0;
@@ -62,6 +66,7 @@ class RealSystemChanges : public SystemChanges {
   int SetClock(const timeval& time) override;
   int Remove(const std::string& path) override;
   int RemoveAt(int folder, const std::string& name, const std::string& path) override;
+  int Sync(int descriptor) override;
   ChildResult Run(const ChildCommand& command) override;
   int SendAppleEvent(const AEDesc& event, const std::string& name) override;
   int ClockError() override;

@@ -2,6 +2,7 @@
 #include <boost/format.hpp>
 #include <ostream>
 
+#include "cli/RecordedMachineOption.h"
 #include "cli/commands/ActionArguments.h"
 #include "cli/commands/ActionOutcome.h"
 #include "cli/commands/Commands.h"
@@ -27,7 +28,7 @@ ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters&
   try {
     outcome.response = host.Run(code, parameters);
   } catch (const std::exception& error) {
-    outcome.failure = *error.what() ? ReasonOf(error) : "the action raised an exception";
+    outcome.failure = *error.what() ? ReasonOf(error) : "the action threw an exception";
   }
   outcome.statuses = recorder->Statuses();
   return outcome;
@@ -60,7 +61,7 @@ RehearsedCommunications::Sessions ConnectedSessions(const CommandLine& line) {
       sessions[session.at("session")].processId = session.at("processId");
     }
   } catch (const std::exception& error) {
-    NORVIK_WARNING(boost::format("The running agent does not tell who is connected: %1%") %
+    NORVIK_WARNING(boost::format("The running agent does not say who is connected: %1%") %
                    error.what());
   }
   return sessions;
@@ -79,7 +80,8 @@ int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors
 }  // namespace
 
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors) {
-  if (line.rehearse) return Rehearse(line, output, errors);
+  const bool isRecorded = HasRecordedMachines() && !line.machine.empty();
+  if (line.rehearse || (isRecorded && !line.really)) return Rehearse(line, output, errors);
   const unsigned int code = ParseActionCode(line.action);
   const ActionParameters parameters = ParseActionParameters(line.parameters);
   AgentHost host(line.agent);

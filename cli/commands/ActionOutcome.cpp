@@ -52,7 +52,7 @@ std::string ToText(const ActionOutcome& outcome) {
   std::vector<std::vector<OrderedJson>> rows;
   for (const auto& row : outcome.response.table.Rows()) rows.push_back(CellsOf(row));
   std::string text = TableText(rows);
-  if (outcome.response.text) text += "text: " + *outcome.response.text + "\n";
+  if (outcome.response.text) text += "text: " + EscapeControls(*outcome.response.text) + "\n";
   text += std::string("success: ") + (outcome.response.success ? "true" : "false") + "\n";
   for (const auto& status : outcome.statuses) text += "status: " + StatusText(status) + "\n";
   return text;

@@ -53,6 +53,8 @@ void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
     program.add_option("--machine", texts.machine, "have a recorded Mac stand for this machine")
         ->check(NotEmpty)
         ->type_name("FOLDER");
+    program.add_flag("--really", line.really,
+                     "with --machine: make changes, not only rehearse them");
   }
   program.add_flag("--user-process", line.agent.userProcess, "be the agent of a user");
   program.add_flag("--json", line.json, "answer in JSON");
@@ -66,7 +68,7 @@ struct Argument {
 void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
                         const Argument& first, const Argument& second) {
   const char* const meaning = name == "apply" ? "apply an incremental document to a full one"
-                                              : "tell what differs between two full documents";
+                                              : "print what differs between two full documents";
   auto* command = program.add_subcommand(name, meaning);
   command->add_option(first.name, texts.file, first.meaning)->required()->check(NotEmpty);
   command->add_option(second.name, texts.secondFile, second.meaning)->required()->check(NotEmpty);
@@ -77,13 +79,13 @@ void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name
 
 void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
-  inventory->add_flag("--incremental", line.incremental, "tell only what has changed");
+  inventory->add_flag("--incremental", line.incremental, "report only what has changed");
 
   auto* files = program.add_subcommand("files", "take an inventory of the files of this machine");
-  files->add_flag("--incremental", line.incremental, "tell only what has changed");
+  files->add_flag("--incremental", line.incremental, "report only what has changed");
   files->add_flag("--scheduled", line.scheduled, "as a schedule would: at most once a day");
 
-  auto* explain = program.add_subcommand("explain", "tell whether a file inventory lists a path");
+  auto* explain = program.add_subcommand("explain", "say whether a file inventory lists a path");
   explain->add_option("PATH", texts.file, "the path to look at")->required()->check(NotEmpty);
 
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
@@ -99,15 +101,15 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   action->add_option("ACTION", line.action, "code or name of the action")->required();
   action->add_option("PARAMETERS", line.parameters,
                      "key=value, key:bool=true or key:u64=123, any number");
-  action->add_flag("--rehearse", line.rehearse, "only tell what the action would do");
+  action->add_flag("--rehearse", line.rehearse, "only report what the action would do");
 
   program.add_subcommand("actions", "list the actions of the module");
 
   auto* configure = program.add_subcommand("configure", "check, store and apply a configuration");
   configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
-  configure->add_flag("--check", line.check, "only tell what in it will surprise");
+  configure->add_flag("--check", line.check, "only report what in it will surprise");
 
-  program.add_subcommand("status", "tell the state of the agent");
+  program.add_subcommand("status", "print the state of the agent");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
@@ -117,7 +119,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
 void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {
   program.add_subcommand("run", "be the service of this machine until a signal ends it");
   program.add_subcommand("user", "be the process of a logged-on user until a signal ends it");
-  auto* notify = program.add_subcommand("notify", "tell the running agent of a change");
+  auto* notify = program.add_subcommand("notify", "inform the running agent of a change");
   notify->add_option("WHAT", line.what, "software or hardware")
       ->required()
       ->check(CLI::IsMember({"software", "hardware"}));
@@ -149,6 +151,7 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.agent.configurationFile = texts.configuration;
   line.agent.moduleFile = texts.module.empty() ? DefaultModuleFile() : texts.module;
   line.machine = texts.machine;
+  if (line.really && line.machine.empty()) throw UsageError("--really goes with --machine only");
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;

@@ -27,6 +27,7 @@ struct CommandLine {
   boost::filesystem::path outputFile;  ///< empty: standard output
   std::string action;                  ///< code or name, not checked yet
   bool rehearse = false;
+  bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
   std::string what;                     ///< "software" or "hardware"

@@ -7,6 +7,7 @@
 #include "common/action/ActionCodes.h"
 #include "common/files/Paths.h"
 #include "common/files/TextFile.h"
+#include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ConfigurationWarnings.h"
 
@@ -18,16 +19,18 @@ using namespace Common;
 
 namespace {
 
-int Check(const AgentConfigurationInfo& configuration, bool json, std::ostream& output) {
+int Check(const EffectiveConfiguration& configuration, bool json, std::ostream& output) {
   OrderedJson list = OrderedJson::array();
   std::string text;
-  for (const auto& warning : WarningsOf(configuration)) {
+  for (const auto& warning : WarningsOf(configuration.values)) {
     list.push_back({{"key", warning.key}, {"value", warning.value}, {"text", warning.text}});
-    text += warning.key + ": " + warning.value + (warning.value.empty() ? "" : " ") + warning.text +
-            "\n";
+    text += warning.key + ": " + EscapeControls(warning.value) +
+            (warning.value.empty() ? "" : " ") + warning.text + "\n";
   }
   if (text.empty()) text = "nothing in it will surprise\n";
-  output << (json ? JsonLine({{"warnings", list}}) : text);
+  const OrderedJson sources = configuration.sources;
+  output << (json ? JsonLine({{"warnings", list}, {"sources", sources}})
+                  : text + SourceLines(sources));
   return EXIT_DONE;
 }
 
@@ -45,8 +48,8 @@ int ReportAppliedByAgent(const AgentConfigurationInfo& configuration, const Orde
 
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const ConfigurationFile given = ReadConfigurationFile(line.file);
-  const AgentConfigurationInfo& configuration = given.configuration;
-  if (line.check) return Check(configuration, line.json, output);
+  if (line.check) return Check(given.configuration, line.json, output);
+  const AgentConfigurationInfo& configuration = given.configuration.values;
 
   const auto answer =
       AskAgentIfRunning(line.socket, {{"request", "configure"}, {"text", given.text}});

@@ -4,6 +4,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/ScanExplanation.h"
+#include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolder.h"
 
@@ -31,7 +32,7 @@ std::string FullPath(const fs::path& given) {
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const auto configuration =
       ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
-  const Common::ScanRules rules(*configuration.kob);
+  const Common::ScanRules rules(*configuration.values.kob);
   const std::string path = FullPath(line.file);
   const ScanExplanation explanation = ExplainScan(rules, path);
   if (line.json) {
@@ -40,7 +41,8 @@ int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*er
                         {"rule", explanation.rule},
                         {"reason", explanation.reason}});
   } else {
-    output << path << (explanation.listed ? " would be listed: " : " would not be listed: ")
+    output << Common::EscapeControls(path)
+           << (explanation.listed ? " would be listed: " : " would not be listed: ")
            << explanation.reason << std::endl;
   }
   return EXIT_DONE;

@@ -41,7 +41,7 @@ std::string FilesReport::ToText() const {
   std::string text = TableText(rows) + CountsText(*this);
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
   if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
-  if (nothingToSend) text += "document: none, there is nothing to tell\n";
+  if (nothingToSend) text += "document: none, there is nothing to report\n";
   if (!File().empty()) {
     text +=
         "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " + kind + "\n";

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "common/text/Text.h"
+#include "host/configuration/ConfigurationFile.h"
 
 namespace Norvik::Cli {
 
@@ -29,7 +30,7 @@ struct CellVisitor : boost::static_visitor<OrderedJson> {
 };
 
 std::string PlainText(const OrderedJson& cell) {
-  if (cell.is_string()) return cell.get<std::string>();
+  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
   return cell.is_null() ? "" : cell.dump();
 }
 
@@ -85,7 +86,7 @@ OrderedJson StepsToJson(const std::vector<DocumentStep>& steps) {
 std::string StatusText(const TaskResponseInfo& status) {
   std::string text = std::to_string(static_cast<unsigned int>(status.status));
   text += std::string(" ") + NameOf(status.status);
-  return status.message.empty() ? text : text + ": " + status.message;
+  return status.message.empty() ? text : text + ": " + EscapeControls(status.message);
 }
 
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
@@ -105,6 +106,21 @@ std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
       line += (i == 0 ? "" : "  ") + (row[i].is_number() ? padding + cell : cell + padding);
     }
     text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+  }
+  return text;
+}
+
+std::string SourceLines(const OrderedJson& sources) {
+  static constexpr const char* TITLES[][2] = {{FROM_MANAGED, "from the managed preferences: "},
+                                              {FROM_FILE, "from the file: "},
+                                              {FROM_DEFAULT, "by default: "}};
+  std::string text;
+  for (const auto& [source, title] : TITLES) {
+    std::string keys;
+    for (const auto& [key, from] : sources.items()) {
+      if (from == source) keys += (keys.empty() ? "" : ", ") + key;
+    }
+    if (!keys.empty()) text += title + keys + "\n";
   }
   return text;
 }

@@ -28,6 +28,10 @@ std::string StatusText(const Common::TaskResponseInfo& status);
 /// row. Numbers are aligned right. Widths count characters, not bytes.
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows);
 
+/// The keys of a configuration by where they come from, from an object of key and source: a line
+/// for each source that has keys, such as "from the file: profileId, server".
+std::string SourceLines(const OrderedJson& sources);
+
 /// "0.123 s"
 std::string SecondsText(double seconds);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/format.hpp>
+#include <chrono>
 #include <cstdlib>
 #include <ostream>
 
@@ -22,6 +23,9 @@ namespace {
 
 using Common::OnOneLine;
 
+/// The pause between two checks of the managed preferences: nothing reports a change of them.
+constexpr std::chrono::minutes MANAGED_CHECK(1);
+
 void ReportRunning(const CommandLine& line, const char* what,
                    const boost::filesystem::path& dataFolder, std::ostream& output) {
   const OrderedJson report = {{"running", what},
@@ -38,7 +42,8 @@ void ReportRunning(const CommandLine& line, const char* what,
 template <class Agent>
 int RunUntilStopped(Agent& agent, StopSignals& signals) {
   agent.Start();
-  const int signal = signals.Wait([&] { agent.Reload(); });
+  const int signal =
+      signals.Wait([&] { agent.Reload(); }, MANAGED_CHECK, [&] { agent.ReloadIfManagedChanged(); });
   NORVIK_INFORMATION(boost::format("Signal %1% ends the process") % signal);
   if (agent.Stop()) return EXIT_DONE;
   // Threads still use objects that a return would destroy.

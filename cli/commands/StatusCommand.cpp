@@ -13,6 +13,7 @@
 #include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
+#include "common/text/Text.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/identity/AgentIdentity.h"
@@ -143,8 +144,9 @@ OrderedJson Gather(const CommandLine& line) {
           {"agent", agent},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
           {"configured", configured},
-          {"profileId", configuration.profileId},
-          {"server", configuration.communications.address},
+          {"sources", configuration.sources},
+          {"profileId", configuration.values.profileId},
+          {"server", configuration.values.communications.address},
           {"lastInventory", LastInventory(database.data)},
           {"fileInventory", database.fileInventory},
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
@@ -155,7 +157,7 @@ OrderedJson Gather(const CommandLine& line) {
 std::string FileLines(const char* title, const OrderedJson& files) {
   std::string text;
   for (const auto& file : files) {
-    text += std::string(title) + ": " + file["file"].get<std::string>() + ", " +
+    text += std::string(title) + ": " + EscapeControls(file["file"].get<std::string>()) + ", " +
             file["bytes"].dump() + " bytes, " + file["time"].get<std::string>() + "\n";
   }
   return text.empty() ? std::string(title) + ": none\n" : text;
@@ -169,7 +171,8 @@ std::string ToText(const OrderedJson& status) {
   text += RunningAgentLines(status["agent"]);
   text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
   text += std::string("configuration: ") +
-          (status["configured"].get<bool>() ? "stored" : "none, the defaults hold") + "\n";
+          (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +
+          SourceLines(status["sources"]);
   text += "profile: " + status["profileId"].dump() + "\n";
   const OrderedJson& last = status["lastInventory"];
   text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";

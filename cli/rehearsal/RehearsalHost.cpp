@@ -67,7 +67,7 @@ RehearsedAction RehearsalHost::Run(unsigned int code, const ActionParameters& pa
     rehearsed.response = action.handler(action.parameters);
     for (auto& rest : actions_->TakeContinuations()) rest.handler(rest.parameters);
   } catch (const std::exception& error) {
-    rehearsed.failure = *error.what() ? error.what() : "the action raised an exception";
+    rehearsed.failure = *error.what() ? error.what() : "the action threw an exception";
   }
   rehearsed.steps = After(rehearsal_.Steps(), stepsBefore);
   rehearsed.started = After(actions_->Started(), startedBefore);

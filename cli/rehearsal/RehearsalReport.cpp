@@ -1,9 +1,10 @@
 #include "cli/rehearsal/RehearsalReport.h"
 
-#include <boost/format.hpp>
+#include "common/text/Text.h"
 
 namespace Norvik::Cli {
 
+using namespace Common;
 using namespace Host;
 
 namespace {
@@ -24,20 +25,9 @@ bool IsPeriodic(const StartedAction& action) { return action.kind >= StartedActi
 
 std::string FirstWord(const std::string& text) { return text.substr(0, text.find(' ')); }
 
-/// One line, with control characters escaped: a newline in a shell line separates two commands.
+/// One line: a newline in a shell line separates two commands.
 std::string Line(const std::string& what, const std::string& text) {
-  std::string line = what + ": ";
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\n') {
-      line += "\\n";
-    } else if (byte < 0x20 || byte == 0x7F) {
-      line += (boost::format("\\x%02x") % static_cast<unsigned int>(byte)).str();
-    } else {
-      line += c;
-    }
-  }
-  return line + "\n";
+  return what + ": " + EscapeControls(text) + "\n";
 }
 
 std::string TextOf(const RehearsedStep& step) {

@@ -47,7 +47,9 @@ int Execute::RunUnder(const Platform::ChildAccount* account, const std::string& 
   Platform::ChildCommand child;
   child.words = std::move(*words);
   child.account = account;
-  child.onOutput = [this](std::string_view piece) { output_ += piece; };
+  child.onOutput = [this](std::string_view piece) {
+    output_ += piece.substr(0, MAX_OUTPUT - output_.size());
+  };
   const Platform::ChildResult result = Platform::RunChild(child);
   if (!result.started) {
     output_ = "Unable to start " + child.words.front() + ": " + result.problem;

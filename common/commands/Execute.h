@@ -2,6 +2,7 @@
 
 #include <wx/string.h>
 
+#include <cstddef>
 #include <string>
 
 #include "common/Api.h"
@@ -16,6 +17,8 @@ namespace Norvik::Common {
 /// as a shell does (see `SplitCommandWords`), but no shell runs.
 class NORVIK_COMMON_API Execute {
  public:
+  static constexpr std::size_t MAX_OUTPUT = 64 << 10;
+
   explicit Execute(const wxString& command);
 
   /// Runs the command with further arguments, all in one text, after its own. Returns the exit
@@ -31,7 +34,7 @@ class NORVIK_COMMON_API Execute {
   /// @param processId receives the number of the process, which has ended by then; may be null
   int RunAs(int* processId, short session);
 
-  /// What the last run printed on standard output and standard error.
+  /// What the last run printed on standard output and standard error, up to `MAX_OUTPUT` bytes.
   const std::string& Output() const { return output_; }
 
  private:

@@ -1,8 +1,11 @@
 #include "common/database/Connection.h"
 
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 #include <utility>
+
+#include "common/database/OneSqlite.h"
 
 namespace Norvik::Common {
 namespace {
@@ -44,6 +47,16 @@ std::string ConnectString(const std::string& path) {
   throw soci::soci_error("a database path cannot hold both = and \": " + path);
 }
 
+soci::session OpenSession(const std::string& path) {
+  static const bool one = SociUsesOurSqlite();
+  if (!one) throw std::runtime_error("SOCI uses another SQLite library than the agent does");
+  try {
+    return soci::session(soci::sqlite3, ConnectString(path));
+  } catch (const soci::sqlite3_soci_error& error) {
+    throw SqliteError(error.what(), error.result());
+  }
+}
+
 // SOCI does not export the type information of its backend, so the sanitizer cannot check the cast.
 __attribute__((no_sanitize("vptr"))) sqlite_api::sqlite3* HandleOf(soci::session& session) {
   return static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_;
@@ -52,7 +65,7 @@ __attribute__((no_sanitize("vptr"))) sqlite_api::sqlite3* HandleOf(soci::session
 }  // namespace
 
 Connection::Connection(const boost::filesystem::path& file)
-    : session_(soci::sqlite3, ConnectString(file.string())), handle_(HandleOf(session_)) {
+    : session_(OpenSession(file.string())), handle_(HandleOf(session_)) {
   sqlite_api::sqlite3_busy_handler(handle_, OnBusy, this);
 }
 
@@ -105,8 +118,7 @@ void Connection::CheckpointOnClose(bool allowed) {
 }
 
 void Connection::ThrowLastError(int code, const std::string& statement) const {
-  throw soci::sqlite3_soci_error(
-      std::string(sqlite_api::sqlite3_errmsg(handle_)) + " in: " + statement, code);
+  throw SqliteError(std::string(sqlite_api::sqlite3_errmsg(handle_)) + " in: " + statement, code);
 }
 
 }  // namespace Norvik::Common

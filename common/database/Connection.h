@@ -1,25 +1,23 @@
 #pragma once
 
-// SOCI puts SQLite's C interface into the namespace `sqlite_api`: a source that includes this
-// header must not include the plain <sqlite3.h>.
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
-
 #include <boost/filesystem/path.hpp>
 #include <chrono>
 #include <functional>
 #include <string>
 
+#include "common/database/Sqlite.h"
+
 namespace Norvik::Common {
 
 /// One connection to the database file, for one thread at a time. Members throw `soci::soci_error`,
-/// for errors of SQLite the subclass `soci::sqlite3_soci_error`, unless they say otherwise. A
-/// statement that another connection blocks waits for it, a minute at most, and then fails.
+/// for errors of SQLite the subclass `SqliteError`, unless they say otherwise. A statement that
+/// another connection blocks waits for it, a minute at most, and then fails.
 class Connection {
  public:
   using WaitListener = std::function<void()>;
 
-  /// Opens the file, or creates it. Does not read it yet.
+  /// Opens the file, or creates it. Does not read it yet. Throws `std::runtime_error` if two copies
+  /// of SQLite are in this process.
   explicit Connection(const boost::filesystem::path& file);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;

@@ -33,9 +33,8 @@ void MakeOwnersFile(const fs::path& file) {
   if (!restricted && error != EPERM) throw std::system_error(error, std::generic_category());
 }
 
-bool IsDamage(const soci::sqlite3_soci_error& error) {
-  const int code = error.result() & 0xFF;  // without the extended part
-  return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+bool IsDamage(const SqliteError& error) {
+  return error.Code() == SQLITE_CORRUPT || error.Code() == SQLITE_NOTADB;
 }
 
 // A description of the damage in the file; empty if the file is sound.
@@ -44,9 +43,9 @@ std::string FindDamage(Connection& connection) {
     const auto rows = Statement(connection, "PRAGMA quick_check(1)").Run({});
     const auto& finding = boost::get<std::string>(rows.at(0).at(0));
     return finding == "ok" ? "" : finding;
-  } catch (const soci::sqlite3_soci_error& error) {
+  } catch (const SqliteError& error) {
     if (!IsDamage(error)) throw;
-    return sqlite_api::sqlite3_errstr(error.result());
+    return sqlite_api::sqlite3_errstr(error.Code());
   }
 }
 
@@ -87,8 +86,8 @@ void UseWriteAheadLog(Connection& connection) {
     try {
       connection.ExecuteScript("PRAGMA journal_mode=WAL");
       return;
-    } catch (const soci::sqlite3_soci_error& error) {
-      if ((error.result() & 0xFF) != SQLITE_BUSY || attempt == ATTEMPTS) throw;
+    } catch (const SqliteError& error) {
+      if (error.Code() != SQLITE_BUSY || attempt == ATTEMPTS) throw;
     }
     std::this_thread::sleep_for(PAUSE);
   }
@@ -126,8 +125,8 @@ std::unique_ptr<Connection> OpenNewest(const fs::path& file) {
 }
 
 std::string ReasonOf(const std::exception& error) {
-  const auto* const ofSqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
-  const int code = ofSqlite ? ofSqlite->result() & 0xFF : SQLITE_OK;
+  const auto* const ofSqlite = dynamic_cast<const SqliteError*>(&error);
+  const int code = ofSqlite ? ofSqlite->Code() : SQLITE_OK;
   if (code == SQLITE_BUSY) return "another program holds it";
   if (code == SQLITE_CANTOPEN) return "it, or a file that belongs beside it, cannot be opened";
   return error.what();

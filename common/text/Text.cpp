@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 
 #include "json/Utf8.h"
@@ -54,7 +55,8 @@ std::string ToUtf8(const wxString& text) {
 }
 
 wxString WxStringFromStdString(const std::string& text) {
-  return wxString::FromUTF8(text.data(), text.size());
+  // The library lets surrogates and numbers above U+10FFFF through.
+  return json::IsUtf8(text) ? wxString::FromUTF8(text.data(), text.size()) : wxString();
 }
 
 std::wstring StringToWstring_Deprecated(const std::string& text) {
@@ -101,6 +103,27 @@ std::string OnOneLine(std::string text) {
       text.begin(), text.end(),
       [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
   return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+std::string EscapeControls(const std::string& text) {
+  std::string escaped;
+  for (std::size_t at = 0; at < text.size();) {
+    const Utf8Step step = CharacterAt(text, at);
+    char number[8];
+    if (step.code == '\n') {
+      escaped += "\\n";
+    } else if (step.kind != Utf8Step::Kind::Character || step.code < 0x20 || step.code == 0x7F) {
+      std::snprintf(number, sizeof(number), "\\x%02x", static_cast<unsigned int>(step.code));
+      escaped += number;
+    } else if (step.code >= 0x80 && step.code < 0xA0) {
+      std::snprintf(number, sizeof(number), "\\u%04x", static_cast<unsigned int>(step.code));
+      escaped += number;
+    } else {
+      escaped.append(text, at, step.length);
+    }
+    at += step.length;
+  }
+  return escaped;
 }
 
 std::string CharacterConverter::ChangeSpecialCharacter(const std::string& text) {

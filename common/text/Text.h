@@ -31,6 +31,10 @@ NORVIK_COMMON_API std::string trim_copy(std::string text);
 /// The text on one line, for messages: each ASCII control character (line ends among them) becomes
 /// a blank, then blanks at the end are removed.
 NORVIK_COMMON_API std::string OnOneLine(std::string text);
+/// The text for a terminal: a line feed becomes "\\n", another control character (C0, C1, DEL) and
+/// a byte that is not UTF-8 becomes its number, as "\\x1b" or "\\u009b". So a name from outside can
+/// neither command the terminal nor forge a line.
+NORVIK_COMMON_API std::string EscapeControls(const std::string& text);
 
 struct NORVIK_COMMON_API CharacterConverter {
   /// The text in UTF-8 with "_" in place of each character that a file name or an identifier may

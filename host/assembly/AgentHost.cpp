@@ -71,7 +71,7 @@ std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusi
 
 AgentConfigurationInfo ConfigurationOf(const AgentOptions& options, const fs::path& dataFolder) {
   AgentConfigurationInfo configuration =
-      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
+      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE).values;
   if (options.communications) configuration.communications = *options.communications;
   return configuration;
 }

@@ -13,8 +13,10 @@
 #include <vector>
 
 #include "common/files/TextFile.h"
+#include "host/configuration/ManagedPreferences.h"
 #include "host/configuration/UsualExclusions.h"
 #include "json/BoundedReader.h"
+#include "platform/MachinePath.h"
 
 namespace Norvik::Host {
 
@@ -191,6 +193,24 @@ Json ParseConfigurationJson(const std::string& text) {
   }
 }
 
+AgentConfigurationInfo ValuesOf(const Json& configuration) {
+  AgentConfigurationInfo values = DefaultConfiguration();
+  ReadObject({configuration, ""}, ReadersOf(values));
+  return values;
+}
+
+/// The managed preferences, each with a valid value.
+Json ReadValidManagedPreferences() {
+  const Json managed = ReadManagedPreferences();
+  try {
+    ValuesOf(managed);
+  } catch (const ConfigurationError& error) {
+    throw std::runtime_error("managed preferences " + Platform::MachinePath(MANAGED_PREFERENCES) +
+                             ": " + error.what());
+  }
+  return managed;
+}
+
 }  // namespace
 
 AgentConfigurationInfo DefaultConfiguration() {
@@ -204,9 +224,21 @@ AgentConfigurationInfo DefaultConfiguration() {
 }
 
 AgentConfigurationInfo ParseConfiguration(const std::string& text) {
-  AgentConfigurationInfo configuration = DefaultConfiguration();
-  ReadObject({ParseConfigurationJson(text), ""}, ReadersOf(configuration));
-  return configuration;
+  return ValuesOf(ParseConfigurationJson(text));
+}
+
+EffectiveConfiguration MakeConfiguration(const std::string& text) {
+  Json configuration = ParseConfigurationJson(text);
+  EffectiveConfiguration result;
+  result.values = ValuesOf(configuration);
+  for (const auto& known : ReadersOf(result.values)) {
+    result.sources[known.first] = configuration.contains(known.first) ? FROM_FILE : FROM_DEFAULT;
+  }
+  const Json managed = ReadValidManagedPreferences();
+  for (const auto& item : managed.items()) result.sources[item.key()] = FROM_MANAGED;
+  configuration.update(managed);
+  result.values = ValuesOf(configuration);
+  return result;
 }
 
 ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file) {
@@ -217,17 +249,17 @@ ConfigurationFile ReadConfigurationFile(const boost::filesystem::path& file) {
     throw UsageError(std::string("cannot read the configuration file ") + error.what());
   }
   try {
-    result.configuration = ParseConfiguration(result.text);
+    result.configuration = MakeConfiguration(result.text);
   } catch (const ConfigurationError& error) {
     throw ConfigurationError(file.string() + ": " + error.what());
   }
   return result;
 }
 
-AgentConfigurationInfo ReadConfiguration(const boost::filesystem::path& given,
+EffectiveConfiguration ReadConfiguration(const boost::filesystem::path& given,
                                          const boost::filesystem::path& stored) {
   if (!given.empty()) return ReadConfigurationFile(given).configuration;
-  if (!boost::filesystem::exists(stored)) return DefaultConfiguration();
+  if (!boost::filesystem::exists(stored)) return MakeConfiguration("{}");
   try {
     return ReadConfigurationFile(stored).configuration;
   } catch (const UsageError& error) {

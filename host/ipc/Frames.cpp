@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "common/text/Text.h"
+#include "json/Utf8.h"
 
 namespace Norvik::Host {
 
@@ -23,10 +23,6 @@ std::uint32_t NumberAt(const std::string& bytes, std::size_t position) {
     number = number << 8 | static_cast<unsigned char>(bytes[position + i]);
   }
   return number;
-}
-
-bool IsUtf8(const std::string& text) {
-  return text.empty() || !Common::WxStringFromStdString(text).empty();
 }
 
 FrameKind KindOf(char byte) {
@@ -72,7 +68,7 @@ IPCMessage DecodeMessage(const std::string& content) {
   message.code = NumberAt(content, NUMBER_BYTES);
   message.key = content.substr(HEAD, keyLength);
   message.value = content.substr(HEAD + keyLength);
-  if (!IsUtf8(message.key) || !IsUtf8(message.value)) {
+  if (!json::IsUtf8(message.key) || !json::IsUtf8(message.value)) {
     throw FrameError("sent a message that is no UTF-8");
   }
   return message;

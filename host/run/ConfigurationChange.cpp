@@ -34,7 +34,7 @@ void ApplyConfiguration(AgentHost& host, const AgentConfigurationInfo& configura
 }
 
 void StoreConfiguration(AgentHost& host, const std::string& text) {
-  const AgentConfigurationInfo configuration = ParseConfiguration(text);
+  const AgentConfigurationInfo configuration = MakeConfiguration(text).values;
   WriteTextFile(host.DataFolder() / CONFIGURATION_FILE, text);
   ApplyConfiguration(host, configuration);
 }

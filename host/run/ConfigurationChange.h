@@ -10,8 +10,9 @@ namespace Norvik::Host {
 /// take effect at the next start; the log says so.
 void ApplyConfiguration(AgentHost& host, const Common::AgentConfigurationInfo& configuration);
 
-/// Parses a configuration, stores its text in the data folder and applies it. Throws `UsageError`
-/// if it is invalid, and another subclass of `std::exception` if it cannot be stored.
+/// Parses a configuration, stores its text in the data folder and applies it, with the managed
+/// preferences over it. Throws `UsageError` if it is invalid, and another subclass of
+/// `std::exception` if it cannot be stored or the managed preferences are invalid.
 void StoreConfiguration(AgentHost& host, const std::string& text);
 
 }  // namespace Norvik::Host

@@ -8,6 +8,7 @@
 #include "common/log/Logger.h"
 #include "host/assembly/ModuleActionCodes.h"
 #include "host/configuration/ConfigurationFile.h"
+#include "host/configuration/ManagedPreferences.h"
 #include "host/ipc/AllowedMessages.h"
 #include "host/run/ConfigurationChange.h"
 
@@ -23,6 +24,7 @@ constexpr char SESSION_PARAMETER[] = "SessionEventData";
 
 ServiceRun::ServiceRun(const AgentOptions& options, const boost::filesystem::path& socket)
     : configurationFile_(options.configurationFile),
+      managedState_(StateOfManagedPreferences()),
       progress_(std::make_shared<ServiceProgress>()),
       listening_(progress_),
       host_(options),
@@ -41,7 +43,7 @@ ServiceRun::~ServiceRun() {
 /// A module that was configured before gets the current configuration, so that it can detect a
 /// change.
 void ServiceRun::Initialise() {
-  const bool configured = !configurationFile_.empty() ||
+  const bool configured = !configurationFile_.empty() || !ReadManagedPreferences().empty() ||
                           boost::filesystem::exists(host_.DataFolder() / CONFIGURATION_FILE);
   ActionParameters parameters;
   if (configured) parameters.Set(COMMON_PARAMETER_CONFIGURATION, host_.Configuration());
@@ -76,12 +78,19 @@ void ServiceRun::BeginSession(IpcService::SessionId session) {
 void ServiceRun::Reload() {
   const auto stored = host_.DataFolder() / CONFIGURATION_FILE;
   const auto file = configurationFile_.empty() ? stored : configurationFile_;
+  managedState_ = StateOfManagedPreferences();
   try {
-    ApplyConfiguration(host_, ReadConfigurationFile(file).configuration);
+    ApplyConfiguration(host_, ReadConfiguration(configurationFile_, stored).values);
     NORVIK_INFORMATION(boost::format("The configuration in %1% is read again") % file.string());
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format("The configuration is not read again: %1%") % error.what());
   }
+}
+
+void ServiceRun::ReloadIfManagedChanged() {
+  if (StateOfManagedPreferences() == managedState_) return;
+  NORVIK_INFORMATION("The managed preferences have changed");
+  Reload();
 }
 
 bool ServiceRun::Stop() {

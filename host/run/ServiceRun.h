@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "host/actions/SerialActions.h"
 #include "host/assembly/AgentHost.h"
@@ -23,8 +24,11 @@ class ServiceRun {
 
   /// Accepts connections and starts the delivery.
   void Start();
-  /// Reads the configuration file again. An invalid one is logged and changes nothing.
+  /// Reads the configuration file and the managed preferences again. Invalid ones are logged and
+  /// change nothing.
   void Reload();
+  /// The same, if the managed preferences have changed since they were last read.
+  void ReloadIfManagedChanged();
   /// Final. Returns what `AgentHost::StopActions` returns.
   bool Stop();
 
@@ -36,6 +40,7 @@ class ServiceRun {
   void BeginSession(IpcService::SessionId session);
 
   const boost::filesystem::path configurationFile_;
+  std::string managedState_;  ///< read before the configuration, so that no change is missed
   const std::shared_ptr<ServiceProgress> progress_;
   const Common::ProgressListenerScope listening_;
   AgentHost host_;

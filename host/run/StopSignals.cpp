@@ -3,6 +3,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <csignal>
+#include <utility>
 
 namespace Norvik::Host {
 
@@ -16,15 +17,20 @@ StopSignals::StopSignals() : state_(std::make_unique<State>()) {}
 
 StopSignals::~StopSignals() { std::signal(SIGPIPE, state_->pipeHandler); }
 
-int StopSignals::Wait(const std::function<void()>& onHangUp) {
+int StopSignals::Wait(const std::function<void()>& onHangUp, std::chrono::milliseconds pause,
+                      const std::function<void()>& onPause) {
   int ending = 0;
+  bool waiting = false;
   while (ending == 0) {
+    if (!std::exchange(waiting, true)) {
+      state_->signals.async_wait([&](const boost::system::error_code& error, int signal) {
+        waiting = false;
+        if (error || signal == SIGHUP) return onHangUp();
+        ending = signal;
+      });
+    }
     state_->context.restart();
-    state_->signals.async_wait([&](const boost::system::error_code& error, int signal) {
-      if (error || signal == SIGHUP) return onHangUp();
-      ending = signal;
-    });
-    state_->context.run();
+    if (state_->context.run_for(pause) == 0) onPause();
   }
   return ending;
 }

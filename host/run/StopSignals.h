@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -15,8 +16,10 @@ class StopSignals {
   ~StopSignals();
 
   /// Waits on this thread for SIGTERM or SIGINT, and returns which arrived; a signal since the
-  /// construction counts. Calls `onHangUp` for each SIGHUP; it must not throw.
-  int Wait(const std::function<void()>& onHangUp);
+  /// construction counts. Calls `onHangUp` for each SIGHUP, and `onPause` whenever no signal has
+  /// arrived for that time; neither may throw.
+  int Wait(const std::function<void()>& onHangUp, std::chrono::milliseconds pause,
+           const std::function<void()>& onPause);
 
  private:
   struct State;

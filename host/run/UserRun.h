@@ -29,6 +29,7 @@ class UserRun {
   void Start();
   /// Does nothing: a user's process has no configuration.
   void Reload() {}
+  void ReloadIfManagedChanged() {}
   /// Final. Returns what `AgentHost::StopActions` returns.
   bool Stop();
 

@@ -1,6 +1,7 @@
 #include "host/server/HttpClient.h"
 
 #include <curl/curl.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <stdexcept>
 
 #include "common/text/Text.h"
+#include "host/server/CurlProtocol.h"
 #include "platform/FileSystem.h"
 
 namespace Norvik::Host {
@@ -26,6 +28,8 @@ constexpr long SLOWEST_BYTES_PER_SECOND = 1024;
 /// libcurl must be initialised once, before any thread uses it.
 struct CurlLibrary {
   CurlLibrary() {
+    // The library would write the keys of all connections to a file that the environment names.
+    ::unsetenv("SSLKEYLOGFILE");
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
       throw std::runtime_error("libcurl cannot be set up");
     }
@@ -35,13 +39,15 @@ struct CurlLibrary {
   ~CurlLibrary() { curl_global_cleanup(); }
 };
 
+void Check(CURLcode code, const std::string& option) {
+  if (code == CURLE_OK) return;
+  throw std::runtime_error("libcurl refuses the option " + option + ": " +
+                           curl_easy_strerror(code));
+}
+
 template <class Value>
 void Set(CURL* handle, CURLoption option, Value value) {
-  const CURLcode code = curl_easy_setopt(handle, option, value);
-  if (code != CURLE_OK) {
-    throw std::runtime_error("libcurl refuses the option " + std::to_string(option) + ": " +
-                             curl_easy_strerror(code));
-  }
+  Check(curl_easy_setopt(handle, option, value), std::to_string(option));
 }
 
 class HeaderList {
@@ -133,7 +139,8 @@ int CheckStopped(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) 
 void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
                const std::string& caFile) {
   Set(handle, CURLOPT_URL, url.c_str());
-  Set(handle, CURLOPT_PROTOCOLS_STR, scheme.c_str());
+  const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
+  Check(RestrictProtocol(handle, scheme, version), "of protocols");
   Set(handle, CURLOPT_FOLLOWLOCATION, 0L);
   // Ignore proxies from the environment: a service is configured by its configuration only.
   Set(handle, CURLOPT_PROXY, "");

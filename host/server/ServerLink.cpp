@@ -31,7 +31,7 @@ void Assign(const HttpAnswer& answer, IRestResponse& response) {
 }  // namespace
 
 ServerLink::ServerLink(const ServerOptions& options)
-    : statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE)),
+    : statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE, options.clock)),
       session_(std::make_shared<ServerSession>(options, stopped_)),
       delivery_(options, session_, statuses_, stopped_),
       thread_([this] { return delivery_.Round(); }, options.clock) {

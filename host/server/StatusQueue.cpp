@@ -31,8 +31,9 @@ using OrderedJson = nlohmann::ordered_json;
 constexpr std::size_t LONGEST_MESSAGE = 4096;
 constexpr std::size_t LONGEST_NAME = 1024;
 
-std::string JsonOf(const std::string& id, const TaskResponseInfo& status) {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
+std::string JsonOf(const std::string& id, const TaskResponseInfo& status,
+                   std::chrono::system_clock::time_point time) {
+  const auto now = time.time_since_epoch();
   const OrderedJson node = {{"id", id},
                             {"status", static_cast<unsigned int>(status.status)},
                             {"message", status.message.substr(0, LONGEST_MESSAGE)},
@@ -53,8 +54,9 @@ WaitingStatus ParseLine(const std::string& line) {
 
 }  // namespace
 
-StatusQueue::StatusQueue(boost::filesystem::path file, std::size_t limit)
-    : file_(std::move(file)), limit_(limit) {
+StatusQueue::StatusQueue(boost::filesystem::path file, std::shared_ptr<const Clock> clock,
+                         std::size_t limit)
+    : file_(std::move(file)), clock_(std::move(clock)), limit_(limit) {
   Load();
 }
 
@@ -80,7 +82,7 @@ void StatusQueue::Load() {
 void StatusQueue::Add(const TaskResponseInfo& status) {
   boost::uuids::random_generator generator;
   const std::string id = to_string(generator());
-  std::string json = JsonOf(id, status);
+  std::string json = JsonOf(id, status, clock_->Now());
 
   const std::lock_guard<std::mutex> lock(mutex_);
   waiting_.push_back({id, std::move(json)});

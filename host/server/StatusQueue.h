@@ -3,11 +3,13 @@
 #include <boost/filesystem/path.hpp>
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "common/action/TaskResponseInfo.h"
+#include "host/actions/Clock.h"
 
 namespace Norvik::Host {
 
@@ -25,8 +27,10 @@ class StatusQueue {
 
   /// Loads the file. Damaged lines are left out, with a line in the log. Throws a subclass of
   /// `std::exception` if the file exists and cannot be read.
+  /// @param clock its time of day is the time of each state
   /// @param limit the largest number of states that wait
-  explicit StatusQueue(boost::filesystem::path file, std::size_t limit = LIMIT);
+  StatusQueue(boost::filesystem::path file, std::shared_ptr<const Clock> clock,
+              std::size_t limit = LIMIT);
 
   /// Appends a state. It is on the disk when this returns; if it cannot be stored, that is logged
   /// and the state waits in memory. Beyond the limit the oldest state is dropped, with a line in
@@ -45,6 +49,7 @@ class StatusQueue {
   void Save();
 
   const boost::filesystem::path file_;
+  const std::shared_ptr<const Clock> clock_;
   const std::size_t limit_;
   mutable std::mutex mutex_;
   std::deque<WaitingStatus> waiting_;

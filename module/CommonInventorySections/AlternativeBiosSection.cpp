@@ -38,10 +38,8 @@ constexpr char FIRMWARE_MARK[] = "iBoot-";
 constexpr char TIME_STAMP_FORMAT[] = "%a %b %d %H:%M:%S PDT %Y ";
 
 IoObject FindPlatformExpert() {
-  mach_port_t port = 0;
-  ::IOMasterPort(MACH_PORT_NULL, &port);
   return IoObject(
-      ::IOServiceGetMatchingService(port, ::IOServiceMatching("IOPlatformExpertDevice")));
+      ::IOServiceGetMatchingService(MACH_PORT_NULL, ::IOServiceMatching("IOPlatformExpertDevice")));
 }
 
 /// Bytes of a property up to the first NUL. Empty optional if the property is absent or not data.

@@ -77,9 +77,8 @@ void AddDisk(CdromInfo& record) {
 
 void CdromSection::GetInfo(std::list<CdromInfo>& result) {
   NORVIK_SCOPE();
-  mach_port_t port = MACH_PORT_NULL;
-  IOMasterPort(MACH_PORT_NULL, &port);
-  IoObject controller(IOServiceGetMatchingService(port, IOServiceMatching(CONTROLLER_CLASS)));
+  IoObject controller(
+      IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(CONTROLLER_CLASS)));
   if (!controller) return;
   std::list<unsigned int> handles;
   Common::SataInfo::GetSataDevicesEntry(controller.Ref(), handles);

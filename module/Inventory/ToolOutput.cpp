@@ -1,13 +1,10 @@
 #include "module/Inventory/ToolOutput.h"
 
-#include <stdlib.h>
-
 #include <fstream>
 #include <iterator>
 
 #include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
-#include "platform/Rehearsal.h"
 
 namespace Norvik::KOB {
 
@@ -17,8 +14,7 @@ wxString OutputOf(const char* command) {
 
 void RunToFile(const std::string& command) {
   // Not a change of the system: it only writes a file of the collector.
-  Platform::GetSystemChanges()->Note({Platform::RehearsedStep::ASKED, command});
-  [[maybe_unused]] const int status = ::system(command.c_str());
+  Common::CommandRunner::ExecCommand(command);
 }
 
 std::string ReadToolFile(const char* path) {

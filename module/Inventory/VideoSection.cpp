@@ -40,7 +40,7 @@ constexpr double PERCENT = 100.0;
 IoObject Accelerators() {
   IoObject iterator;
   const CFMutableDictionaryRef matching = IOServiceMatching(ACCELERATOR_CLASS);
-  if (matching) IOServiceGetMatchingServices(kIOMasterPortDefault, matching, iterator.Out());
+  if (matching) IOServiceGetMatchingServices(MACH_PORT_NULL, matching, iterator.Out());
   return iterator;
 }
 

@@ -46,6 +46,8 @@ void CFRelease(CFTypeRef object) { ReleaseCfObject(object); }
 
 CFTypeID CFGetTypeID(CFTypeRef object) { return CfValueOf(object, "CFGetTypeID").index() + 1; }
 
+CFTypeID CFArrayGetTypeID() { return TypeIdOf<CfArray>(); }
+CFTypeID CFBooleanGetTypeID() { return TypeIdOf<bool>(); }
 CFTypeID CFDataGetTypeID() { return TypeIdOf<CfData>(); }
 CFTypeID CFDictionaryGetTypeID() { return TypeIdOf<CfDictionary>(); }
 CFTypeID CFNumberGetTypeID() { return TypeIdOf<CfNumber>(); }
@@ -84,6 +86,23 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
   return !held.isReal || static_cast<double>(whole) == held.real;
 }
 
+Boolean CFNumberIsFloatType(CFNumberRef number) {
+  return CfValueAs<CfNumber>(number, "CFNumberIsFloatType").isReal;
+}
+
+Boolean CFBooleanGetValue(CFBooleanRef boolean) {
+  return CfValueAs<bool>(boolean, "CFBooleanGetValue");
+}
+
+CFIndex CFArrayGetCount(CFArrayRef array) {
+  return static_cast<CFIndex>(CfValueAs<CfArray>(array, "CFArrayGetCount").values.size());
+}
+
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
+  const auto& values = CfValueAs<CfArray>(array, "CFArrayGetValueAtIndex").values;
+  return values.at(static_cast<std::size_t>(index));
+}
+
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
   return static_cast<CFDataRef>(MakeCfObject(CfData(bytes, bytes + length)));
 }
@@ -105,6 +124,16 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
   const auto& values = CfValueAs<CfDictionary>(dictionary, "CFDictionaryGetValue").values;
   const auto found = values.find(CfValueAs<std::string>(key, "CFDictionaryGetValue"));
   return found == values.end() ? nullptr : found->second;
+}
+
+void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFunction applier,
+                               void* context) {
+  const auto& held = CfValueAs<CfDictionary>(dictionary, "CFDictionaryApplyFunction");
+  for (const auto& [key, value] : held.values) {
+    const CFTypeRef name = MakeCfObject(key);
+    applier(name, value, context);
+    ReleaseCfObject(name);
+  }
 }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle style,

@@ -38,13 +38,6 @@ kern_return_t StoreEntry(const HeldEntry& held, const RegistryEntry* found,
 
 }  // namespace
 
-const mach_port_t kIOMasterPortDefault = MACH_PORT_NULL;
-
-kern_return_t IOMasterPort(mach_port_t, mach_port_t* masterPort) {
-  *masterPort = kIOMasterPortDefault;
-  return kIOReturnSuccess;
-}
-
 CFMutableDictionaryRef IOServiceMatching(const char* name) {
   CfDictionary matching;
   matching.values[kIOProviderClassKey] = MakeCfObject(std::string(name));

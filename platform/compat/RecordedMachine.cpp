@@ -49,12 +49,12 @@ void Replace(const std::string& folder) {
 
 }  // namespace
 
+bool RecordedMachine::IsAvailable() { return true; }
+
 RecordedMachine::RecordedMachine(const std::string& folder) {
   if (IsMachineRecorded()) throw std::runtime_error("a recorded machine is in force already");
   const std::string real = ExistingFolder(folder);
-  const char* const path = ::getenv("PATH");
-  hadPath_ = path != nullptr;
-  previousPath_ = hadPath_ ? path : "";
+  if (const char* const path = ::getenv("PATH")) previousPath_ = path;
   ::setenv("PATH", (real + "/bin:/usr/bin:/bin").c_str(), 1);
   SetMachineRoot(real + "/root");
   Replace(real);
@@ -65,8 +65,8 @@ RecordedMachine::~RecordedMachine() {
   SetRecordedAccounts(nullptr);
   Replace("");
   SetMachineRoot("");
-  if (hadPath_) {
-    ::setenv("PATH", previousPath_.c_str(), 1);
+  if (previousPath_) {
+    ::setenv("PATH", previousPath_->c_str(), 1);
   } else {
     ::unsetenv("PATH");
   }

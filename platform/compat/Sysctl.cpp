@@ -1,5 +1,4 @@
 #include <sys/sysctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include <string>
 
 #include "platform/RecordedMachine.h"
+#include "platform/compat/RealSystem.h"
 #include "platform/compat/RecordedJson.h"
 
 using namespace Norvik::Platform;
@@ -51,9 +51,7 @@ int sysctl(int* name, unsigned int nameLength, void* oldValue, size_t* oldLength
     const std::uint64_t size = WholeNumberAt(RecordedJson("sysctl.json"), "hw.memsize");
     return Store(size > 0 ? BytesOf(size) : std::string(), oldValue, oldLength);
   }
-  const auto pages = static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES));
-  return Store(BytesOf(pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE))), oldValue,
-               oldLength);
+  return Store(BytesOf(RealMemorySize()), oldValue, oldLength);
 }
 
 int sysctlbyname(const char* name, void* oldValue, size_t* oldLength, void*, size_t) {

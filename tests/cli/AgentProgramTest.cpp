@@ -1,31 +1,19 @@
 #include <boost/algorithm/string.hpp>
 #include <future>
-#include <thread>
 
 #include "cli/ProgramTest.h"
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "host/data/DataFolder.h"
 #include "support/SchemaCheck.h"
+#include "support/Steps.h"
 
 namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-using PlainJson = nlohmann::json;
-namespace fs = boost::filesystem;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 class AgentProgram : public ProgramTest {
  protected:
-  std::vector<fs::path> FilesIn(const fs::path& folder) const {
-    std::vector<fs::path> files;
-    for (const auto& item : fs::directory_iterator(folder)) files.push_back(item.path());
-    return files;
-  }
   /// Each section of the document is named once, by its key. Those that the host gathers come
   /// first.
   static void ExpectSectionsOf(const PlainJson& document, const PlainJson& sections) {
@@ -43,10 +31,6 @@ class AgentProgram : public ProgramTest {
     Words wanted;
     for (const auto& section : document.items()) wanted.push_back(section.key());
     EXPECT_EQ(keys, wanted);
-  }
-  std::string Written(const std::string& name, const std::string& text) const {
-    WriteFile(folder_ / name, text);
-    return (folder_ / name).string();
   }
 };
 
@@ -72,38 +56,13 @@ TEST_F(AgentProgram, TakesAnInventoryThatOpenReadsBack) {
   EXPECT_GT(std::count(pretty.begin(), pretty.end(), '\n'), 100);
 }
 
-TEST_F(AgentProgram, ShowsEachSectionOfTheInventoryWithTimeAndRecords) {
-  const Answer answer = RunWell({"inventory", "--incremental"});
-  EXPECT_THAT(answer.output, HasSubstr("retrieving software\n"));
-  EXPECT_THAT(answer.output, testing::ContainsRegex("processorSlot +[0-9.]+ s +[1-9]"));
-  EXPECT_THAT(answer.output, testing::ContainsRegex("memory, memorySlot +[0-9.]+ s +one record, "));
-  EXPECT_THAT(answer.output,
-              HasSubstr("total instead of incremental: no inventory was ever taken"));
-  EXPECT_THAT(answer.errors, Not(HasSubstr("sh: ")));
-  EXPECT_THAT(answer.output, HasSubstr("status: 2 finished"));
-  EXPECT_THAT(answer.output, HasSubstr("bytes, total\n"));
-}
-
-TEST_F(AgentProgram, TheDocumentsOfThisMachineFollowTheirSchemas) {
-  const auto take = [&](std::vector<std::string> words, const std::string& kind) {
-    words.insert(words.begin(), "inventory");
-    const PlainJson report = Ask(words);
-    EXPECT_EQ(report["kind"], kind) << report;
-    EXPECT_EQ(report["success"], true);
-    EXPECT_EQ(report["statuses"].back()["status"], 2);
-    return RunWell({"open", report["file"]}).output;
-  };
-  ExpectValid("inventory", take({}, "total"));
-  const auto other = Written("other.json", R"({"profileId": 8})");
-  ExpectValid("incremental-inventory", take({"--incremental", "--config", other}, "incremental"));
-}
-
 TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
   const std::string sealed = Ask({"inventory"})["file"];
   const PlainJson before = PlainJson::parse(RunWell({"open", sealed}).output);
   PlainJson after = before;
   after["agentConfiguration"]["profileId"] = 8;
-  const std::string plain = Written("after.json", after.dump());
+  const std::string plain = (folder_ / "after.json").string();
+  WriteFile(plain, after.dump());
   EXPECT_EQ(RunWell({"diff", sealed, sealed}).output, "null\n");
 
   const std::string changes = (folder_ / "changes.json").string();
@@ -117,131 +76,109 @@ TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
   ExpectRefusal({"diff", sealed, plain, "--output", (folder_ / "link").string()}, 2, "--output");
   ExpectRefusal({"apply", changes, sealed, "--output", target}, 1, "no full inventory");
   ExpectRefusal({"diff", sealed, (folder_ / "none").string(), "--output", target}, 1, "none");
+  std::string altered = ContentOf(sealed);
+  altered[altered.size() / 2] = static_cast<char>(altered[altered.size() / 2] ^ 1);
+  WriteFile(folder_ / "altered", altered);
+  ExpectRefusal({"apply", (folder_ / "altered").string(), changes}, 1, "altered");
   EXPECT_FALSE(fs::exists(target));
 }
 
-TEST_F(AgentProgram, StatusTellsWhatIsThereAndMakesNothingAndOnlyTheUserMayReadIt) {
-  const PlainJson before = Ask({"status"});
-  EXPECT_FALSE(fs::exists(Data()));
-  EXPECT_TRUE(before["identifier"].is_null() && before["lastInventory"].is_null());
-  EXPECT_EQ(before["configured"], false);
-
-  RunWell({"inventory"});
-  const PlainJson after = Ask({"status"});
-  EXPECT_EQ(after["outbox"].size(), 1u);
-  EXPECT_EQ(after["previous"].size(), 1u);
-  EXPECT_GT(after["lastInventory"]["seconds"], 1'700'000'000);
-  EXPECT_THAT(RunWell({"status"}).output, HasSubstr(after["identifier"]));
-  EXPECT_EQ(ModeOf(Data()), 0700u);
-  EXPECT_EQ(ModeOf(Data() / Host::IDENTITY_FILE), 0600u);
-  EXPECT_EQ(ModeOf(Data() / Host::LOG_FOLDER / Host::LOG_FILE), 0600u);
-}
-
-TEST_F(AgentProgram, ListsTheActionsOfEachInstance) {
-  const std::string service = RunWell({"actions"}).output;
-  const std::string user = RunWell({"actions", "--user-process"}).output;
-  EXPECT_THAT(service, AllOf(HasSubstr(" 1066  ACTION_"), Not(HasSubstr(" 1067  "))));
-  EXPECT_THAT(user, AllOf(HasSubstr(" 1067  ACTION_"), Not(HasSubstr(" 1066  "))));
-  EXPECT_EQ(Ask({"actions"})[0]["code"], 1000);
-}
-
-TEST_F(AgentProgram, RunsAnActionAndPrintsItsResponse) {
-  const PlainJson inventory = Ask({"action", "action_total_inventory"});
-  const PlainJson statuses = {{{"status", 7}, {"message", ""}}, {{"status", 2}, {"message", ""}}};
-  EXPECT_EQ(inventory, (PlainJson{{"code", 1071},
-                                  {"text", ""},
-                                  {"success", false},
-                                  {"titles", PlainJson::array()},
-                                  {"rows", PlainJson::array()},
-                                  {"statuses", statuses}}));
-  EXPECT_EQ(FilesIn(Data() / "outbox").size(), 1u);
-}
-
-TEST_F(AgentProgram, StoresAConfigurationAndHandsItToTheModule) {
-  const auto file = Written("good.json",
-                            R"({"profileId": 7, "server": {"address": "a.example", "port": 8443},
-         "inventorySchedule": {"periodSeconds": 86400, "next": 1767225600}})");
-  RunWell({"configure", file});
-  EXPECT_EQ(ContentOf(Data() / Host::CONFIGURATION_FILE), ContentOf(file));
-  const PlainJson status = Ask({"status"});
-  EXPECT_EQ(status["configured"], true);
-  EXPECT_EQ(status["profileId"], 7);
-  const auto entry = std::find_if(status["periodic"].begin(), status["periodic"].end(),
-                                  [](const PlainJson& each) { return each["code"] == 1036; });
-  ASSERT_NE(entry, status["periodic"].end()) << status;
-  EXPECT_EQ((*entry)["periodSeconds"], 86400);
-  EXPECT_EQ((*entry)["name"], "ACTION_INCREMENTAL_INVENTORY");
-  EXPECT_GT((*entry)["next"], 1767225600);  // the first time in the future
-
-  const auto profileIn = [&](const Words& words) {
-    return Ask({"open", Ask(words)["file"]})["agentConfiguration"]["profileId"];
-  };
-  EXPECT_EQ(profileIn({"inventory"}), 7);
-  const auto other = Written("other.json", R"({"profileId": 8})");
-  EXPECT_EQ(profileIn({"inventory", "--config", other}), 8);
-  EXPECT_EQ(ContentOf(Data() / Host::CONFIGURATION_FILE), ContentOf(file));
-}
-
-TEST_F(AgentProgram, AFileThatWasAlteredDoesNotOpen) {
-  const std::string file = Ask({"inventory"})["file"];
-  std::string altered = ContentOf(file);
-  altered[altered.size() / 2] = static_cast<char>(altered[altered.size() / 2] ^ 1);
-  ExpectRefusal({"open", Written("damaged.jsonkob", altered)}, 1, "damaged.jsonkob");
-}
-
-TEST_F(AgentProgram, AnOutboxThatCannotBeWrittenFailsTheInventoryAndKeepsThePreviousDocument) {
-  RunWell({"inventory"});
-  const fs::path previous = FilesIn(Data() / "previous").at(0);
-  const std::string before = ContentOf(previous);
-  fs::remove_all(Data() / "outbox");
-  WriteFile(Data() / "outbox", "in the way");
-
-  const Answer answer = Run({"inventory", "--json"});
-  EXPECT_EQ(answer.code, 1);
-  const PlainJson report = PlainJson::parse(answer.output, nullptr, false);
-  EXPECT_EQ(report["success"], false);
-  EXPECT_EQ(report["file"], "");
-  EXPECT_THAT(answer.errors, Not(IsEmpty()));
-  EXPECT_THAT(ContentOf(Data() / "log/agent.log"), HasSubstr("[2]"));
-  EXPECT_EQ(ContentOf(Data() / "outbox"), "in the way");
-  EXPECT_EQ(PlainJson::parse(ContentOf(previous)).size(), PlainJson::parse(before).size());
-}
-
-TEST_F(AgentProgram, ACorruptDatabaseIsPutAsideAndTold) {
-  RunWell({"inventory"});
-  const fs::path file = Data() / Common::SQLiteNames::SQLITE_CURRENT_DATABASE_NAME;
-  WriteFile(file, std::string(4096, 'x'));
-  ExpectRefusal({"status"}, 1, "it is damaged");
-  EXPECT_EQ(ContentOf(file), std::string(4096, 'x'));
-  ExpectRefusal({"inventory"}, 1, file.string() + ".corrupt-");
-  RunWell({"inventory"});
-}
-
-TEST_F(AgentProgram, AWaitForTheDatabaseIsToldOnce) {
+TEST_F(AgentProgram, AWaitForTheDatabaseIsReportedOnce) {
   RunWell({"actions"});
   const Common::AgentDatabase dataBase(Data());
   auto holder = std::make_unique<Common::V2::DataBase>();
   holder->ExecuteSentence("delete from DATA");
   auto answer = std::async(std::launch::async, [&] { return Run({"action", "1071"}); });
-  std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+  std::this_thread::sleep_for(milliseconds(2500));
   holder.reset();
   EXPECT_EQ(answer.get().errors,
             "norvik-agent: waiting for the database, which another program holds\n");
 }
 
-TEST_F(AgentProgram, WrongUseAndFailuresAreToldOnOneLineAndLeaveNothing) {
-  for (const auto& row : DataOf("cli/refused-commands.json")) {
-    SCOPED_TRACE(row[0]);
-    fs::remove_all(Data());
-    for (const auto& [name, content] : row[1].items()) {
+/// Paths are relative to the folder of the test. In words and texts "$" stands for this folder, and
+/// "@name" for a text that was kept.
+class ProgramSteps : public StepsTest, public Program {
+ protected:
+  using Program::Run;
+
+  ProgramSteps() {
+    Verb("scan tree", [this] { ScanOnlyTheTree(); });
+    Verb("write", [this](const std::string& name, const Bytes& content) {
       fs::create_directories((folder_ / name).parent_path());
-      Written(name, content);
-    }
-    Words words = row[2];
-    for (auto& word : words) boost::replace_first(word, "$", folder_.Path().string());
-    ExpectRefusal(words, row[3], row[4]);
-    EXPECT_FALSE(fs::exists(Data() / Host::CONFIGURATION_FILE) && row[3] == 2);
+      WriteFile(folder_ / name, Filled(content).get<Bytes>());
+    });
+    Verb("link", [this](const std::string& target, const std::string& name) {
+      fs::create_symlink(folder_ / target, folder_ / name);
+    });
+    Verb("remove", [this](const std::string& name) { fs::remove_all(folder_ / name); });
+    Verb("touch", [this](const std::string& name) { fs::last_write_time(folder_ / name, 1); });
+    Verb("exists", [this](const std::string& name) { return fs::exists(folder_ / name); });
+    Verb("mode", [this](const std::string& name) {
+      const unsigned int mode = ModeOf(folder_ / name);
+      return mode / 64 * 100 + mode / 8 % 8 * 10 + mode % 8;
+    });
+    Verb("same", [this](const std::string& name, const std::string& other) {
+      return ContentOf(folder_ / name) == ContentOf(folder_ / other);
+    });
+    Verb("holds", [this](const std::string& name, const std::string& text) {
+      EXPECT_THAT(ContentOf(folder_ / name), HasSubstr(text));
+    });
+    AddCommands();
   }
-}
+
+ private:
+  void AddCommands() {
+    Verb("ask", [this](const TextList& words, const Json& wanted) {
+      answer_ = Ask(Filled(words));
+      if (wanted != Json::object()) {
+        EXPECT_EQ(Chosen(answer_, wanted), wanted);
+      }
+    });
+    Verb("fails", [this](const TextList& words, const Json& wanted) {
+      const Answer answer = Run(Filled(words));
+      EXPECT_EQ(answer.code, 1);
+      EXPECT_THAT(answer.errors, Not(IsEmpty()));
+      EXPECT_EQ(Chosen(Json::parse(answer.output, nullptr, false), wanted), wanted);
+    });
+    Verb("prints", [this](const TextList& words, const TextList& patterns) {
+      const Answer answer = RunWell(Filled(words));
+      EXPECT_THAT(answer.errors, Not(HasSubstr("sh: ")));
+      for (const std::string pattern : Filled(patterns)) {
+        EXPECT_THAT(answer.output, ContainsRegex(pattern));
+      }
+    });
+    Verb("refused", [this](const TextList& words, int code, const std::string& text) {
+      ExpectRefusal(Filled(words), code, Filled(text));
+    });
+    Verb("follows", [this](const std::string& document, const std::string& schema) {
+      ExpectValid(schema, RunWell(Filled(TextList{"open", document})).output);
+    });
+    Verb("keep", [this](const std::string& name, const std::string& place) {
+      kept_[name] = answer_.at(Json::json_pointer(place)).get<std::string>();
+    });
+    Verb("size",
+         [this](const std::string& place) { return answer_.at(Json::json_pointer(place)).size(); });
+    Verb("count", [this](const std::string& place, const Json& wanted) {
+      const Json element = Filled(wanted);
+      const Json& list = answer_.at(Json::json_pointer(place));
+      return std::count_if(list.begin(), list.end(),
+                           [&](const Json& each) { return Chosen(each, element) == element; });
+    });
+  }
+  Json Filled(const Json& value) const {
+    std::string text = value.dump();
+    boost::replace_all(text, "$", folder_.Path().string());
+    for (const auto& [name, kept] : kept_) boost::replace_all(text, "@" + name, kept);
+    return Json::parse(text);
+  }
+
+  Json answer_;  ///< of the last "ask"
+  std::map<std::string, std::string> kept_;
+};
+
+TEST_P(ProgramSteps, HaveTheirOutcome) { Follow(); }
+
+INSTANTIATE_TEST_SUITE_P(Rows, ProgramSteps, ValuesIn(DataOf("cli/program-steps.json")),
+                         [](const auto& row) -> std::string { return row.param["name"]; });
 
 }  // namespace

@@ -1,12 +1,9 @@
 #include "cli/commands/CommandLine.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "cli/commands/ActionArguments.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -14,16 +11,15 @@ using namespace Norvik::Common;
 using namespace Norvik::Cli;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using testing::HasSubstr;
 
 const Json& Rows(const char* name) { return DataOf("cli/command-lines.json")[name]; }
 
-CommandLine Parse(std::vector<std::string> arguments) {
+CommandLine Parse(TextList arguments) {
   arguments.insert(arguments.begin(), "norvik-agent");
   return ParseCommandLine(arguments);
 }
 
-Json ToldBy(const std::vector<std::string>& arguments) {
+Json ParsedFrom(const TextList& arguments) {
   const CommandLine line = Parse(arguments);
   return {{"command", line.command},
           {"incremental", line.incremental},
@@ -41,14 +37,14 @@ Json ToldBy(const std::vector<std::string>& arguments) {
           {"helps", line.help.find("inventory") != std::string::npos}};
 }
 
-TEST(CommandLine, OptionsStandBeforeOrBehindTheCommandAndWhatIsNotToldHasADefault) {
+TEST(CommandLine, OptionsComeBeforeOrAfterTheCommandAndHaveDefaults) {
   for (const Json& row : Rows("command lines")) {
-    EXPECT_EQ(Shown(Chosen(ToldBy(row[0]), row[1])), Shown(row[1])) << row;
+    EXPECT_EQ(Shown(Chosen(ParsedFrom(row[0]), row[1])), Shown(row[1])) << row;
   }
   EXPECT_NE(Parse({"user"}).agent.dataFolder, Parse({"run"}).agent.dataFolder);
 }
 
-TEST(CommandLine, WrongUseIsToldOnOneLineWithTheOption) {
+TEST(CommandLine, WrongUseIsReportedOnOneLineWithTheOption) {
   for (const Json& row : Rows("wrong command lines")) {
     EXPECT_THAT(OnOneLine(MessageOf<UsageError>([&] { Parse(row[0]); })),
                 HasSubstr(row[1].get<std::string>()))
@@ -80,7 +76,6 @@ TEST(ActionArguments, RefusesWhatIsNoParameterAndNamesIt) {
   }
 }
 
-/// Empty if there is no such action.
 std::string CodeIn(const std::string& action) {
   try {
     return std::to_string(ParseActionCode(action));
@@ -89,6 +84,6 @@ std::string CodeIn(const std::string& action) {
   }
 }
 
-TEST(ActionArguments, AnActionIsToldByNumberOrName) { ExpectRows(Rows("actions"), CodeIn); }
+TEST(ActionArguments, AnActionIsNamedByNumberOrName) { ExpectRows(Rows("actions"), CodeIn); }
 
 }  // namespace

@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <nlohmann/json.hpp>
-#include <sstream>
-
 #include "cli/commands/InventoryReport.h"
 #include "cli/commands/Rendering.h"
-#include "support/Cases.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -33,12 +27,12 @@ const RunInfo MACHINE = {1, RunKind::MachineInventory, nullptr};
 const RunInfo FILES = {2, RunKind::FileInventory, nullptr};
 
 TEST(InventoryRecorder, AddsTheTimesOfOneSectionAndIgnoresRunsOfAnotherKind) {
-  std::vector<std::string> shown;
+  TextList shown;
   InventoryRecorder recorder([&](const auto& sections) { shown.push_back(sections.Name()); });
   const SectionKeys setup = {"setup", "portConnectors"};
-  const auto retrieve = [&](const RunInfo& run, const SectionKeys& keys, int milliseconds) {
+  const auto retrieve = [&](const RunInfo& run, const SectionKeys& keys, int taken) {
     recorder.SectionBegun(run, keys);
-    recorder.SectionEnded(run, keys, std::chrono::milliseconds(milliseconds));
+    recorder.SectionEnded(run, keys, milliseconds(taken));
   };
   retrieve({}, setup, 500);
   retrieve(MACHINE, {"software"}, 250);
@@ -53,7 +47,7 @@ TEST(InventoryRecorder, AddsTheTimesOfOneSectionAndIgnoresRunsOfAnotherKind) {
   recorder.See({Logger::LEVEL_ERROR, "an error"});
   recorder.See({Logger::LEVEL_WARNING, "a warning"});
 
-  EXPECT_EQ(shown, (std::vector<std::string>{"setup, portConnectors", "software"}));
+  EXPECT_EQ(shown, (TextList{"setup, portConnectors", "software"}));
   ASSERT_EQ(recorder.Sections().size(), 2u);
   EXPECT_EQ(recorder.Sections()[0].seconds, 1.5);
   const RunResult result = recorder.Result();
@@ -62,7 +56,7 @@ TEST(InventoryRecorder, AddsTheTimesOfOneSectionAndIgnoresRunsOfAnotherKind) {
   EXPECT_EQ(result.refusal, "");
   EXPECT_FALSE(result.nothingToSend);
   EXPECT_TRUE(result.steps.empty());
-  EXPECT_EQ(result.problems, std::vector<std::string>{"an error"});
+  EXPECT_EQ(result.problems, TextList{"an error"});
 }
 
 TEST(InventoryReport, NamesSectionsByTheirKeysAndSaysWhatIsOneRecord) {
@@ -118,7 +112,7 @@ TEST(Rendering, WritesCellsByTheirTypes) {
       {0.5, "0.5"},
       {wxString::FromUTF8("caf\xC3\xA9"), "\"caf\xC3\xA9\""},
       {std::string("a\"b"), "\"a\\\"b\""},
-      {ActionTimePoint(std::chrono::seconds(1767225600)), "\"2026-01-01T00:00:00Z\""}};
+      {ActionTimePoint(seconds(1767225600)), "\"2026-01-01T00:00:00Z\""}};
   for (const auto& [value, text] : cases) EXPECT_EQ(CellToJson(value).dump(), text);
   EXPECT_EQ(JsonLine("\xFF"), "\"\xEF\xBF\xBD\"\n");
 }

@@ -1,36 +1,23 @@
-// Recorded machines exist only on systems other than macOS.
-#ifdef __linux__
-
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <boost/algorithm/string.hpp>
-#include <boost/filesystem/operations.hpp>
 #include <cctype>
 #include <map>
-#include <sstream>
 
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
 #include "cli/commands/Commands.h"
-#include "platform/WaitClock.h"
 #include "platform/compat/LiveObjects.h"
-#include "support/Cases.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/FakeWaitClock.h"
 
 namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-namespace fs = boost::filesystem;
-using testing::HasSubstr;
 
 const fs::path MACHINES = fs::path(NORVIK_SOURCE_DIR) / "tests/machines";
 
-/// Recorded machines that state their expected results.
-std::vector<std::string> AllMachines() {
-  std::vector<std::string> names;
+TextList AllMachines() {
+  TextList names;
   for (const auto& entry : fs::directory_iterator(MACHINES)) {
     if (fs::exists(entry.path() / "expected.json"))
       names.push_back(entry.path().filename().string());
@@ -47,16 +34,6 @@ std::string CommandText(const Json& named, const Json& commands) {
   return command.at("by").get<std::string>() + ": " + text;
 }
 
-/// A clock that advances only while something waits.
-class LeapingClock final : public Platform::WaitClock {
- public:
-  TimePoint Now() override { return now_; }
-  void SleepFor(std::chrono::milliseconds duration) override { now_ += duration; }
-
- private:
-  TimePoint now_;
-};
-
 /// Contents of files and targets of links, by path.
 std::map<std::string, std::string> ContentsBelow(const fs::path& folder) {
   std::map<std::string, std::string> contents;
@@ -72,8 +49,8 @@ std::map<std::string, std::string> ContentsBelow(const fs::path& folder) {
 }
 
 /// The paths at which two folders differ.
-std::vector<std::string> DifferencesOf(const fs::path& one, const fs::path& other) {
-  std::vector<std::string> paths;
+TextList DifferencesOf(const fs::path& one, const fs::path& other) {
+  TextList paths;
   const auto contents = ContentsBelow(one);
   auto others = ContentsBelow(other);
   for (const auto& [path, content] : contents) {
@@ -115,16 +92,16 @@ void ExpectSameShape(const Json& before, const Json& after,
 }
 
 /// What a redacted recording must not hold.
-std::vector<std::string> SensitiveValues(const Json& document) {
-  static const std::vector<std::string> KEYS = {"serial",     "serialNumber", "uuid",
-                                                "macAddress", "alias",        "dhcpServers"};
-  std::vector<std::string> values;
+TextList SensitiveValues(const Json& document) {
+  static const TextList KEYS = {"serial",     "serialNumber", "uuid",
+                                "macAddress", "alias",        "dhcpServers"};
+  TextList values;
   const auto add = [&](const std::string& text) {
     const std::string value = boost::trim_copy(text);
     if (value.size() >= 6 && value != "localhost") values.push_back(value);
   };
   for (const auto& [key, value] : document.flatten().items()) {
-    std::vector<std::string> names;
+    TextList names;
     boost::split(names, key, [](char c) { return c == '/'; });
     const bool isSensitive = std::any_of(names.begin(), names.end(), [](const auto& name) {
       return std::find(KEYS.begin(), KEYS.end(), name) != KEYS.end();
@@ -140,21 +117,16 @@ class Machines : public testing::TestWithParam<std::string> {
  protected:
   Machines() { fs::current_path(folder_.Path()); }
 
-  int Run(const fs::path& machine, const std::vector<std::string>& command) {
-    std::vector<std::string> words = {"norvik-agent",
-                                      "--machine",
-                                      machine.string(),
-                                      "--module",
-                                      std::string(NORVIK_BINARY_DIR) + "/lib/libNorvikKOB.so",
-                                      "--data",
-                                      (folder_ / "data").string()};
+  int Run(const fs::path& machine, const TextList& command) {
+    TextList words = {"norvik-agent", "--machine", machine.string(),           "--module",
+                      NORVIK_MODULE,  "--data",    (folder_ / "data").string()};
     words.insert(words.end(), command.begin(), command.end());
     return Cli::RunAgentProgram(words, output_, output_);
   }
   int TakeInventory() { return Run(MACHINES / GetParam(), {"inventory"}); }
   /// Records a machine into a folder of this name.
   fs::path Recorded(const fs::path& machine, const char* name, bool redact = false) {
-    std::vector<std::string> command = {"record", (folder_ / name).string()};
+    TextList command = {"record", (folder_ / name).string()};
     if (redact) command.emplace_back("--redact");
     EXPECT_EQ(Run(machine, command), Cli::EXIT_DONE) << Output();
     EXPECT_FALSE(fs::exists((folder_ / name).string() + ".partial"));
@@ -190,8 +162,7 @@ class Machines : public testing::TestWithParam<std::string> {
   TemporaryFolder folder_;
   const Scope workingDirectory_{[before = fs::current_path()] { fs::current_path(before); }};
   std::ostringstream output_;
-  LeapingClock clock_;
-  Platform::WaitClockScope clockScope_{clock_};
+  FakeWaitClock clock_;
 };
 
 TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
@@ -217,7 +188,7 @@ TEST_P(Machines, GiveWhatIsExpectedByTheCommandsThatAreExpectedAndHoldNothing) {
         << section;
   }
 
-  std::vector<std::string> texts;
+  TextList texts;
   for (const Json& named : expected.at("commands")) texts.push_back(CommandText(named, commands));
   EXPECT_EQ(recorded.Texts(), texts);
   EXPECT_EQ(Platform::CountLiveObjects(), Platform::LiveObjects());
@@ -227,7 +198,7 @@ TEST_P(Machines, AreRecordedWholeAndARecordingAsItself) {
   const fs::path machine = MACHINES / GetParam();
   const fs::path first = Recorded(machine, "first");
   EXPECT_EQ(DocumentOf(first), DocumentOf(machine));
-  EXPECT_THAT(DifferencesOf(first, Recorded(first, "second")), testing::IsEmpty());
+  EXPECT_THAT(DifferencesOf(first, Recorded(first, "second")), IsEmpty());
 }
 
 TEST_P(Machines, GiveARedactedDocumentFromARedactedRecording) {
@@ -239,17 +210,14 @@ TEST_P(Machines, GiveARedactedDocumentFromARedactedRecording) {
   for (const auto& [file, content] : ContentsBelow(recording)) contents += file + content;
   boost::to_lower(contents);
   for (const auto& value : SensitiveValues(document)) {
-    EXPECT_THAT(contents, testing::Not(HasSubstr(boost::to_lower_copy(value))));
+    EXPECT_THAT(contents, Not(HasSubstr(boost::to_lower_copy(value))));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Recorded, Machines, testing::ValuesIn(AllMachines()),
-                         [](const auto& machine) {
-                           std::string name = machine.param;
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Recorded, Machines, ValuesIn(AllMachines()), [](const auto& machine) {
+  std::string name = machine.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+});
 
 }  // namespace
-
-#endif

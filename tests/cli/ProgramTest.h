@@ -1,13 +1,7 @@
 #pragma once
 
-#include <gmock/gmock.h>
-#include <signal.h>
-
-#include <algorithm>
-
 #include "platform/ChildProcess.h"
-#include "support/Cases.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 
@@ -18,9 +12,8 @@ struct Answer {
 };
 
 /// Runs the program itself on a data folder of its own.
-class ProgramTest : public testing::Test {
- protected:
-  using Words = std::vector<std::string>;
+struct Program {
+  using Words = TextList;
 
   /// @param killAt the program is killed after it has printed this; "": never
   Answer Run(const Words& words, std::string killAt = {}) const {
@@ -66,10 +59,25 @@ class ProgramTest : public testing::Test {
   static std::ptrdiff_t LinesOf(const std::string& text) {
     return std::count(text.begin(), text.end(), '\n');
   }
-  boost::filesystem::path Data() const { return folder_ / "data"; }
+  fs::path Data() const { return folder_ / "data"; }
+  fs::path Tree() const { return folder_ / "tree"; }
+  /// Inventories of files scan only the tree. Its parent gets no other folder afterwards.
+  void ScanOnlyTheTree() {
+    fs::create_directories(Data());
+    fs::create_directories(Tree());
+    const PlainJson configuration = {{"excludedPaths", AllBut(Tree())},
+                                     {"excludedFiles", {"left out.sample"}},
+                                     {"includedExtensions", {"sample"}}};
+    WriteFile(folder_ / "configuration.json", configuration.dump());
+    options_ = {"--config", (folder_ / "configuration.json").string()};
+  }
 
   TemporaryFolder folder_;
   Words options_;  ///< come after the words of each command
+};
+
+struct ProgramTest : testing::Test, Program {
+  using Program::Run;
 };
 
 }  // namespace Norvik::Tests

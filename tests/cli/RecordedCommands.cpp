@@ -1,49 +1,30 @@
 #include "cli/RecordedCommands.h"
 
-// The `system` defined here replaces the C library's, and then calls it. Only this system's loader
-// lets a program replace functions that its libraries call.
-#ifdef __linux__
-
-#include <dlfcn.h>
-
-#include <stdexcept>
+#include <memory>
 
 #include "platform/SystemChanges.h"
 
+namespace Norvik::Tests {
+
 namespace {
 
-std::vector<std::string>* record = nullptr;
+struct ShellLines final : Platform::RealSystemChanges {
+  explicit ShellLines(std::vector<std::string>& texts) : record(texts) {}
 
-/// Records shell lines, and runs them.
-struct ShellLines final : Norvik::Platform::RealSystemChanges {
-  Norvik::Platform::ChildResult Run(const Norvik::Platform::ChildCommand& command) override {
-    if (command.isShellLine) record->push_back("ExecCommand: " + command.words.back());
+  Platform::ChildResult Run(const Platform::ChildCommand& command) override {
+    if (command.isShellLine) record.push_back("ExecCommand: " + command.words.back());
     return RealSystemChanges::Run(command);
   }
+
+  std::vector<std::string>& record;
 };
 
 }  // namespace
 
-extern "C" int system(const char* command) {
-  using System = int(const char*);
-  if (record && command) record->push_back(std::string("system: ") + command);
-  auto* const real = reinterpret_cast<System*>(::dlsym(RTLD_NEXT, "system"));
-  if (!real) throw std::logic_error("the library's own system() cannot be found");
-  return real(command);
-}
-
-namespace Norvik::Tests {
-
 RecordedCommands::RecordedCommands() {
-  record = &texts_;
-  Platform::SetSystemChanges(std::make_shared<ShellLines>());
+  Platform::SetSystemChanges(std::make_shared<ShellLines>(texts_));
 }
 
-RecordedCommands::~RecordedCommands() {
-  Platform::SetSystemChanges(nullptr);
-  record = nullptr;
-}
+RecordedCommands::~RecordedCommands() { Platform::SetSystemChanges(nullptr); }
 
 }  // namespace Norvik::Tests
-
-#endif

@@ -6,8 +6,8 @@
 namespace Norvik::Tests {
 
 /// As long as it lives, records each line that this process runs through a shell, in order:
-/// "ExecCommand: ..." for those of `CommandRunner`, "system: ..." for those of `system`. The lines
-/// are run as well. One object at a time; read the texts while no command runs.
+/// "ExecCommand: ...". The lines are run as well. One object at a time; read the texts while no
+/// command runs.
 class RecordedCommands {
  public:
   RecordedCommands();

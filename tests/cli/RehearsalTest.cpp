@@ -1,24 +1,11 @@
-// Recorded machines exist only on systems other than macOS.
-#ifdef __linux__
-
-#include <gmock/gmock.h>
-
-#include <boost/filesystem/operations.hpp>
-#include <sstream>
-
 #include "cli/AgentProgram.h"
 #include "cli/RecordedCommands.h"
-#include "support/Cases.h"
-#include "support/Files.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-namespace fs = boost::filesystem;
-using testing::Contains, testing::MatchesRegex;
 using Words = std::vector<std::string>;
 
 /// Runs the program in this process, on a bare machine, where scans see only one folder.
@@ -42,7 +29,7 @@ class Rehearsals : public testing::Test {
   Json Run(Words words) {
     const Words front = {"norvik-agent", "--json",
                          "--machine",    (folder_ / "machine").string(),
-                         "--module",     NORVIK_BINARY_DIR "/lib/libNorvikKOB.so",
+                         "--module",     NORVIK_MODULE,
                          "--data",       Data().string(),
                          "--config",     (folder_ / "configuration.json").string()};
     words.insert(words.begin(), front.begin(), front.end());
@@ -56,7 +43,6 @@ class Rehearsals : public testing::Test {
     return Run(words);
   }
   fs::path Data() const { return folder_ / "data"; }
-  /// All files of the test and their content.
   std::map<std::string, std::string> Everything() const {
     std::map<std::string, std::string> files;
     for (const auto& name : FilesBelow(folder_.Path())) {
@@ -72,7 +58,7 @@ class Rehearsals : public testing::Test {
   std::ostringstream errors_;
 };
 
-TEST_F(Rehearsals, TellOfEveryCodeAndChangeNothing) {
+TEST_F(Rehearsals, ReportEveryCodeAndChangeNothing) {
   EXPECT_TRUE(Rehearse({"1036"}).contains("rehearsal")) << errors_.str();
   EXPECT_FALSE(fs::exists(Data()));
   ASSERT_EQ(Run({"action", "1071"})["statuses"].back()["status"], 2) << errors_.str();
@@ -83,32 +69,32 @@ TEST_F(Rehearsals, TellOfEveryCodeAndChangeNothing) {
   const RecordedCommands commands;
   for (const Json& action : actions) {
     const std::string name = action["name"];
-    const Json told = Rehearse({name, "name=$(x)", "cmd=gone", "type=0", "id=999999999", "path=/x",
-                                "file=/x/a", "ext=old", "Guid=x", "message=hello"});
-    EXPECT_TRUE(told.contains("rehearsal")) << name << ": " << errors_.str();
+    const Json rehearsed = Rehearse({name, "name=$(x)", "cmd=gone", "type=0", "id=999999999",
+                                     "path=/x", "file=/x/a", "ext=old", "Guid=x", "message=hello"});
+    EXPECT_TRUE(rehearsed.contains("rehearsal")) << name << ": " << errors_.str();
     EXPECT_EQ(Everything(), before) << name;
   }
   for (const char* tool : {"launchctl start", "launchctl stop", "lpadmin", "sharing -r"}) {
-    EXPECT_THAT(commands.Texts(), testing::Not(Contains(testing::HasSubstr(tool))));
+    EXPECT_THAT(commands.Texts(), Not(Contains(HasSubstr(tool))));
   }
 }
 
-TEST_F(Rehearsals, TellWhatTheActionThenDoesAndAnswers) {
+TEST_F(Rehearsals, ReportWhatTheActionThenDoesAndAnswers) {
   for (const auto& row : DataOf("cli/rehearsals.json")) {
     Words request = row.at("request");
-    Json told = Rehearse(request);
-    EXPECT_EQ(Chosen(told["rehearsal"], row["told"]), row["told"]) << row;
-    told.erase("rehearsal");
+    Json rehearsed = Rehearse(request);
+    EXPECT_EQ(Chosen(rehearsed["rehearsal"], row["reports"]), row["reports"]) << row;
+    rehearsed.erase("rehearsal");
     request.insert(request.begin(), "action");
     Json done = Run(request);
     // The statuses of the actions that it starts at once come after its own.
     Json& statuses = done["statuses"];
-    while (statuses.size() > told["statuses"].size()) statuses.erase(statuses.size() - 1);
-    EXPECT_EQ(told, done) << row << errors_.str();
+    while (statuses.size() > rehearsed["statuses"].size()) statuses.erase(statuses.size() - 1);
+    EXPECT_EQ(rehearsed, done) << row << errors_.str();
   }
 }
 
-TEST_F(Rehearsals, TellWhichDocumentWouldBeSentAndWhichStateWouldChange) {
+TEST_F(Rehearsals, ReportWhichDocumentWouldBeSentAndWhichStateWouldChange) {
   const auto names = [](const Json& list, const char* key) {
     Words texts;
     for (const auto& item : list) texts.push_back(item[key]);
@@ -123,5 +109,3 @@ TEST_F(Rehearsals, TellWhichDocumentWouldBeSentAndWhichStateWouldChange) {
 }
 
 }  // namespace
-
-#endif

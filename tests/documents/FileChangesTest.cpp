@@ -1,5 +1,4 @@
 #include <boost/algorithm/string/replace.hpp>
-#include <set>
 
 #include "documents/Rows.h"
 

@@ -1,15 +1,9 @@
 #pragma once
 
-#include <gmock/gmock.h>
-
-#include <fstream>
-#include <set>
-#include <string>
-
 #include "documents/ApplyIncrement.h"
 #include "documents/Difference.h"
 #include "documents/DocumentError.h"
-#include "support/Cases.h"
+#include "support/Test.h"
 
 /// Rows of data files with values that are put into documents, each at its place (a JSON pointer).
 namespace Norvik::Tests {
@@ -43,13 +37,14 @@ inline void ExpectApplied(const std::string& file, const Json& full, const Json&
   }
 }
 
-/// First column of the table under "What an incremental document cannot tell" of a guide in docs/.
+/// First column of the table under "What an incremental document cannot report" of a guide in
+/// docs/.
 inline std::set<std::string> DocumentedLosses(const std::string& guide) {
   std::ifstream file(NORVIK_SOURCE_DIR "/docs/" + guide);
   std::set<std::string> names;
   bool inside = false;
   for (std::string line; std::getline(file, line);) {
-    if (line.rfind("## ", 0) == 0) inside = line == "## What an incremental document cannot tell";
+    if (line.rfind("## ", 0) == 0) inside = line == "## What an incremental document cannot report";
     if (inside && line.rfind("| ", 0) == 0) names.insert(line.substr(2, line.find(" |", 2) - 2));
   }
   for (const char* heading : {"what", "---"}) names.erase(heading);

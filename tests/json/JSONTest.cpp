@@ -1,10 +1,7 @@
 #include "json/JSON.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
-#include "support/Surroundings.h"
+#include "json/SerializerHelpers.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -104,7 +101,12 @@ TEST(JSONTest, AValueIsWhatItWasLastUsedAs) {
        },
        WHOLE},
       {"a copy of itself", [](JSON& json) { json = static_cast<const JSON&>(json); }, WHOLE},
-      {"itself, moved", [](JSON& json) { json = static_cast<JSON&&>(json); }, WHOLE},
+      {"itself, moved",
+       [](JSON& json) {
+         JSON& itself = json;
+         json = std::move(itself);
+       },
+       WHOLE},
       {"a copy of its part", [](JSON& json) { json = json["k"]; }, PART},
       {"its part, moved", [](JSON& json) { json = std::move(json["k"]); }, PART},
       {"the whole in a part", [](JSON& json) { json["k"][1] = json; },
@@ -117,6 +119,29 @@ TEST(JSONTest, AValueIsWhatItWasLastUsedAs) {
     row.use(json);
     EXPECT_EQ(json.strUgly(), row.text) << row.name;
   }
+}
+
+/// Converts to its number; a negative one to null.
+struct Entry final : Norvik::Common::ISerializerJson {
+  explicit Entry(int value) : number(value) {}
+  operator JSON() const override {
+    JSON object;
+    if (number >= 0) object["n"] = number;
+    return object;
+  }
+  int number;
+};
+using List = std::list<Entry>;
+using Vector = std::vector<Entry>;
+
+TEST(SerializerHelpersTest, ContainersBecomeArraysWithoutHolesOrNull) {
+  JSON json;
+  json["list"] = StringListToJsonChild(List{Entry(3), Entry(-1), Entry(4)});
+  json["none"] = StringListToJsonChild(List());
+  json["nulls"] = VectorToJsonChild(Vector{Entry(-1)});
+  json["vector"] = VectorToJsonChild(Vector{Entry(1), Entry(-1), Entry(2)});
+  EXPECT_EQ(json.strUgly(),
+            R"({"list":[{"n":3},{"n":4}],"none":null,"nulls":null,"vector":[{"n":1},{"n":2}]})");
 }
 
 }  // namespace

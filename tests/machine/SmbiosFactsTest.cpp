@@ -1,7 +1,5 @@
 #include "machine/SmbiosFacts.h"
 
-#include <gtest/gtest.h>
-
 #include "support/RecordJson.h"
 #include "support/SmbiosTable.h"
 

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "machine/DiskutilText.h"
 #include "machine/MountText.h"
 #include "machine/NetworkText.h"

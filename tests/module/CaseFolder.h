@@ -1,13 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <cctype>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 

@@ -1,10 +1,7 @@
 #include "module/DeviceIdentifiers.h"
 
-#include <gtest/gtest.h>
-
-#include "support/Cases.h"
 #include "support/Json.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 
 namespace Norvik::KOB {
 namespace {

@@ -1,19 +1,15 @@
-#include <gmock/gmock.h>
-
-#include <boost/filesystem/operations.hpp>
-#include <sstream>
-
 #include "common/commands/CommandRunner.h"
+
+#include "support/Test.h"
 
 namespace Norvik::KOB {
 namespace {
 
 TEST(Exports, TheLibraryOffersOneFunction) {
+  const std::string library = NORVIK_MODULE;
 #ifdef __APPLE__
-  const std::string library = NORVIK_BINARY_DIR "/lib/libNorvikKOB.dylib";
   const std::string tool = "nm -gU ", expected = "_GetAgentModuleObject";
 #else
-  const std::string library = NORVIK_BINARY_DIR "/lib/libNorvikKOB.so";
   const std::string tool = "nm -D --defined-only ", expected = "GetAgentModuleObject";
 #endif
   ASSERT_TRUE(boost::filesystem::exists(library)) << library;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <fstream>
-#include <string>
+#include <boost/algorithm/string/erase.hpp>
 
 #include "module/Entities/InventorySections.h"
 #include "support/RecordFiller.h"
@@ -16,7 +15,6 @@ inline Norvik::KOB::InventoryKOBInfo FilledInventory() {
   return inventory;
 }
 
-/// A filled record. Records with different numbers have different keys.
 template <class T>
 T Numbered(int number) {
   T record;
@@ -39,10 +37,7 @@ T ChangedOutsideKey(const T& record) {
 
 /// A stored document, which has one line per section, joined into one line as the writer writes it.
 inline std::string GoldenText(const std::string& path) {
-  std::ifstream file(path);
-  std::string text;
-  for (std::string line; std::getline(file, line);) text += line;
-  return text;
+  return boost::erase_all_copy(Norvik::Tests::ContentOf(path), "\n");
 }
 
 }  // namespace tests

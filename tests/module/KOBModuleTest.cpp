@@ -1,26 +1,18 @@
 #include "module/KOBModule.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
 #include "common/database/DataBase.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
-using std::chrono::seconds;
-using std::chrono::system_clock;
 
-/// A row is a process with steps: what happens before an action, what the action starts, log lines
-/// with their levels, and the range of seconds until the first run of a periodic action.
 class ModuleSchedules : public testing::TestWithParam<Json> {
  protected:
-  /// Each schedule is its period and the seconds until its start.
   Common::AgentConfigurationInfo ConfigurationOf(const Json& wanted) const {
     Common::AgentConfigurationInfo configuration;
     if (wanted.is_null()) return configuration;
@@ -89,7 +81,7 @@ TEST_P(ModuleSchedules, FollowTheConfigurationAndSurviveARestart) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ModuleSchedules, testing::ValuesIn(DataOf("module/schedules.json")),
+INSTANTIATE_TEST_SUITE_P(Rows, ModuleSchedules, ValuesIn(DataOf("module/schedules.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST(UnfinishedFileInventory, IsResumedAtTheStartIfItsTableHoldsIt) {
@@ -109,9 +101,47 @@ TEST(UnfinishedFileInventory, IsResumedAtTheStartIfItsTableHoldsIt) {
   }
 }
 
-TEST(KOBModule, ExpiredDependenciesGoBackToTheHost) {
+std::vector<unsigned int> ServedCodes(int processKind) {
+  FakeHost host(processKind);
+  ModuleUnderTest module(host);
+  std::vector<unsigned int> codes;
+  for (const auto& name : Common::ACTION_NAMES) {
+    if (!module.NameOf(name.code).empty()) codes.push_back(name.code);
+  }
+  std::sort(codes.begin(), codes.end());
+  return codes;
+}
+
+TEST(ActionTable, EachKindOfProcessServesItsCodes) {
+  ExpectRows(DataOf("module/served-codes.json"), ServedCodes);
+}
+
+TEST(ActionTable, TheModuleNamesItsProductAndItsFilesAndWarnsOfAnUnknownCode) {
   FakeHost host;
   ModuleUnderTest module(host);
+  EXPECT_EQ(module->GetProductCode(), 1U);
+  EXPECT_THAT(module->GetOutputExtensionFiles(), ElementsAre(".jsonkob", ".jsonrud"));
+  EXPECT_FALSE(module.Run(32019).text);
+  EXPECT_THAT(host.log.Texts(3), ElementsAre("No handler is registered for the action 32019"));
+}
+
+TEST(ActionTable, TheOperatingSystemsTypeIsRecordedOnce) {
+  FakeHost host;
+  host.identification->first.operatingSystemType = "macOS";
+  { ModuleUnderTest module(host); }
+  host.identification->first.operatingSystemType = "Linux";
+  ModuleUnderTest module(host);
+  module.Run(ACTION_SAVE_OPERATING_SYSTEM_TYPE);
+  EXPECT_EQ(Common::AgentData(host.database, "DATA").GetOptionalString("OPERATING_SYSTEM_TYPE"),
+            std::string("macOS"));
+}
+
+TEST(KOBModule, NeedsItsDependenciesToBeBuiltAndToRun) {
+  EXPECT_THROW(::GetAgentModuleObject({}), std::bad_weak_ptr);
+  FakeHost host;
+  ModuleUnderTest module(host);
+  host.identification.reset();
+  EXPECT_THROW(::GetAgentModuleObject(host.Dependencies()), std::bad_weak_ptr);
   host.dependencies.reset();
   EXPECT_THROW(module.Run(32012), std::bad_weak_ptr);
 }

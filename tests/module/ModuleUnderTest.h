@@ -1,17 +1,15 @@
 #pragma once
 
 #include <boost/optional/optional_io.hpp>
-#include <memory>
-#include <string>
 
 #include "common/action/IModule.h"
 #include "module/ActionCodes.h"
 #include "module/KOBModule.h"
 #include "support/FakeHost.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 
-/// A module, created as a host creates it.
 class ModuleUnderTest {
  public:
   explicit ModuleUnderTest(FakeHost& host) : module_(::GetAgentModuleObject(host.Dependencies())) {}
@@ -22,7 +20,6 @@ class ModuleUnderTest {
     Common::ModuleAction action = module_->GetAction(code, parameters);
     return action.handler(action.parameters);
   }
-  /// Name of the action of a code; empty if the module does not serve the code.
   std::string NameOf(unsigned int code) { return module_->GetAction(code, {}).name; }
 
  private:

@@ -1,20 +1,13 @@
 #include "support/SchemaCheck.h"
 
-#include <gmock/gmock.h>
-
-#include <map>
-#include <nlohmann/json.hpp>
-
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace tests;
-using PlainJson = nlohmann::json;
-using Tests::SchemaCheck;
+using namespace Tests;
 using Lines = std::set<std::string>;
 
 constexpr char FULL[] = "inventory";
@@ -139,7 +132,7 @@ TEST_F(SchemaTest, RefusesAnotherKindOfValueAFractionAndAnythingEmptyAnywhere) {
 
 TEST_F(SchemaTest, RefusesWhatNoDocumentMayHold) {
   Lines expected;
-  const Tests::Json rows = Tests::DataOf("module/schema-refusals.json");
+  const Json rows = DataOf("module/schema-refusals.json");
   for (const PlainJson row : rows) {
     const std::string schema = row[0], name = row[1];
     PlainJson document = DocumentOf(schema);
@@ -158,14 +151,14 @@ TEST_F(SchemaTest, RefusesAnIncrementalDocumentWithoutChangesAndWhatIsNoJson) {
   check.Add(FULL, "cut", JsonText(FilledInventory()).substr(0, 1000));
   const Lines problems = check.Problems();
   ASSERT_EQ(problems.size(), 2u);
-  EXPECT_THAT(*problems.begin(), testing::StartsWith("incremental-inventory/unchanged#: "));
-  EXPECT_THAT(*problems.rbegin(), testing::StartsWith("inventory/cut: is no JSON: "));
+  EXPECT_THAT(*problems.begin(), StartsWith("incremental-inventory/unchanged#: "));
+  EXPECT_THAT(*problems.rbegin(), StartsWith("inventory/cut: is no JSON: "));
 }
 
 const std::map<SectionKind, const char*> KINDS = {
     {SectionKind::List, "list"},
-    {SectionKind::ListOfUpdates, "list, only updates are told"},
-    {SectionKind::Device, "single, always told"},
+    {SectionKind::ListOfUpdates, "list, only updates are reported"},
+    {SectionKind::Device, "single, always reported"},
     {SectionKind::Location, "single, or null"},
     {SectionKind::Single, "single"},
 };
@@ -194,8 +187,8 @@ TEST(DocumentsGuideTest, HasTheTableOfTheSections) {
   });
   std::string table;
   for (const auto& [key, row] : rows) table += "| `" + key + "` | " + row;
-  EXPECT_THAT(Tests::ContentOf(NORVIK_SOURCE_DIR "/docs/documents.md"),
-              testing::HasSubstr("\n| --- | --- | --- | --- |\n" + table + "\n"));
+  EXPECT_THAT(ContentOf(NORVIK_SOURCE_DIR "/docs/documents.md"),
+              HasSubstr("\n| --- | --- | --- | --- |\n" + table + "\n"));
 }
 
 }  // namespace

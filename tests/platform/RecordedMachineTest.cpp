@@ -1,27 +1,23 @@
 #include "platform/RecordedMachine.h"
 
-#include <gmock/gmock.h>
 #include <libproc.h>
 #include <sys/sysctl.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <string>
-#include <vector>
-
+#include "platform/Interfaces.h"
+#include "platform/LocalAccounts.h"
+#include "platform/LoginRecords.h"
 #include "platform/MachinePath.h"
 #include "platform/PropertyListFile.h"
+#include "platform/Volumes.h"
 #include "platform/compat/Recording.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Tests;
 using namespace Norvik::Platform;
 using namespace std::string_literals;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::vector<int> Pids() {
   std::vector<int> pids(static_cast<std::size_t>(proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0)) / 4);
@@ -62,8 +58,8 @@ TEST(RecordedMachine, ProgramsAndFilesAreItsOwnAsLongAsItLives) {
 }
 
 TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
-  EXPECT_THAT(Pids(), testing::Contains(::getpid()));
-  EXPECT_THAT(TextOf(::getpid()), testing::MatchesRegex(".*/test_platform [1-9][0-9]*"));
+  EXPECT_THAT(Pids(), Contains(::getpid()));
+  EXPECT_THAT(TextOf(::getpid()), MatchesRegex(".*/test_platform [1-9][0-9]*"));
   MacRecording recording;
   recording.Add("processes.json", R"([
       {"pid": 1, "name": "launchd", "path": "/sbin/launchd", "footprint": 1048576},
@@ -83,7 +79,7 @@ TEST(RecordedMachine, ItsProcessesStandForTheRealOnes) {
   EXPECT_STREQ(small, "/sb");
 }
 
-TEST(RecordedMachine, TellsTheSizeOfTheMemory) {
+TEST(RecordedMachine, ReportsTheSizeOfTheMemory) {
   int name[] = {CTL_HW, HW_MEMSIZE};
   std::uint64_t size = 0;
   std::size_t length = sizeof(size);
@@ -91,6 +87,55 @@ TEST(RecordedMachine, TellsTheSizeOfTheMemory) {
   EXPECT_GT(size, 1u << 20);
   length = 4;
   EXPECT_EQ(sysctl(name, 2, &size, &length, nullptr, 0), -1);
+}
+
+/// The number of bytes of a value of the kernel; -1 without it.
+int LengthOf(const char* name) {
+  char bytes[16];
+  std::size_t needed = 0, length = sizeof(bytes), small = 1;
+  if (sysctlbyname(name, nullptr, &needed, nullptr, 0) != 0) return -1;
+  EXPECT_EQ(sysctlbyname(name, bytes, &length, nullptr, 0), 0) << name;
+  EXPECT_EQ(length, needed) << name;
+  EXPECT_EQ(sysctlbyname(name, bytes, &small, nullptr, 0), -1) << name;
+  return static_cast<int>(length);
+}
+
+TEST(RecordedMachine, HasValuesInTheFormOfTheKernel) {
+  MacRecording recording;
+  recording.Add("sysctl.json", R"({"text": "abc", "word": 4294967295, "long": 4294967296,
+      "negative": -1, "list": [1], "hw.memsize": 77})");
+  recording.PutInForce();
+  const std::pair<const char*, int> rows[] = {{"text", 4},      {"word", 4},  {"long", 8},
+                                              {"negative", -1}, {"list", -1}, {"absent", -1}};
+  for (const auto& [name, length] : rows) EXPECT_EQ(LengthOf(name), length) << name;
+  int name[] = {CTL_HW, HW_MEMSIZE};
+  std::uint64_t size = 0;
+  std::size_t length = sizeof(size);
+  EXPECT_EQ(sysctl(name, 2, &size, &length, nullptr, 0), 0);
+  EXPECT_EQ(size, 77u);
+}
+
+TEST(RecordedMachine, WhatItDoesNotHoldDoesNotExist) {
+  for (const char* const content :
+       {"", "[{", "5", R"({"users": 4, "mounts": [4], "modified": [4]})",
+        R"({"users": "x", "groups": [[]], "logins": {"a": {}}})"}) {
+    MacRecording recording;
+    for (const char* const file : {"sysctl", "interfaces", "volumes", "accounts", "processes"}) {
+      if (*content) recording.Add(file + ".json"s, content);
+    }
+    recording.PutInForce();
+    int name[] = {CTL_HW, HW_MEMSIZE};
+    std::size_t length = 0;
+    EXPECT_EQ(sysctl(name, 2, nullptr, &length, nullptr, 0), -1) << content;
+    EXPECT_EQ(ReadInterfaces(), nullptr) << content;
+    EXPECT_EQ(DeviceMountedAt("/"), "") << content;
+    EXPECT_FALSE(ModificationTime("/")) << content;
+    EXPECT_THAT(LocalUsers(), IsEmpty()) << content;
+    EXPECT_THAT(LocalGroups(), IsEmpty()) << content;
+    EXPECT_EQ(LoginRecords().Next(), nullptr) << content;
+    EXPECT_EQ(HostName(), "localhost") << content;
+    EXPECT_THAT(Pids(), IsEmpty()) << content;
+  }
 }
 
 TEST(RecordedMachine, SplitsTheSmBiosFileAtTheEndOfItsEntryPoint) {
@@ -102,30 +147,6 @@ TEST(RecordedMachine, SplitsTheSmBiosFileAtTheEndOfItsEntryPoint) {
     recording.PutInForce();
     EXPECT_EQ(RecordedSmBios().entryPoint, entryPoint) << row["name"];
     EXPECT_EQ(RecordedSmBios().table, row["table"]) << row["name"];
-  }
-}
-
-TEST(PropertyListFile, AWrongTypeAndAMissingKeyAreEmpty) {
-  MacRecording files;
-  files.Add("daemon.plist", PropertyListOf(R"({"Label": "com.example.a", "None": [],
-      "Words": ["/bin/a", "-x"], "Numbers": [4], "Off": false})"));
-  files.Add("array.plist", PropertyListOf(R"(["Label"])"));
-  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"daemon.plist", "Label", "com.example.a", ""},
-      {"daemon.plist", "Words", "", "/bin/a"},
-      {"daemon.plist", "Numbers", "", ""},
-      {"daemon.plist", "None", "", ""},
-      {"daemon.plist", "Off", "", ""},
-      {"daemon.plist", "On", "", ""},
-      {"array.plist", "Label", "", ""},
-      {"absent.plist", "Label", "", ""},
-      {".", "Label", "", ""}};
-  for (const auto& [name, key, text, firstText] : cases) {
-    const PropertyListFile file((files.Path() / name).string());
-    EXPECT_EQ(file.Text(key), text) << name << key;
-    EXPECT_EQ(file.FirstText(key), firstText) << name << key;
-    EXPECT_EQ(file.Has(key), name == std::string("daemon.plist") && key != std::string("On"))
-        << key;
   }
 }
 

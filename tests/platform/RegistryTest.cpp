@@ -1,20 +1,14 @@
 #include <IOKit/IOKitLib.h>
-#include <gmock/gmock.h>
-
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "platform/CfText.h"
 #include "platform/compat/LiveObjects.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Tests;
 using namespace Norvik::Platform;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 const Json TREE = Json::parse(R"(
     ["Root", {"IORegistryEntryPlanes": ["IOService", "IODeviceTree"]},
@@ -32,23 +26,23 @@ std::string NameOf(const IoObject& entry) {
   return name;
 }
 
-std::vector<std::string> NamesIn(const IoObject& iterator) {
-  std::vector<std::string> names;
+TextList NamesIn(const IoObject& iterator) {
+  TextList names;
   while (const IoObject entry{IOIteratorNext(iterator.Get())}) names.push_back(NameOf(entry));
   return names;
 }
 
 IoObject Service(const char* className) {
-  return IoObject(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(className)));
+  return IoObject(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(className)));
 }
 
-std::vector<std::string> Services(const char* className) {
+TextList Services(const char* className) {
   IoObject iterator;
-  IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching(className), iterator.Out());
+  IOServiceGetMatchingServices(MACH_PORT_NULL, IOServiceMatching(className), iterator.Out());
   return NamesIn(iterator);
 }
 
-std::vector<std::string> Below(const char* className, const char* plane, IOOptionBits options) {
+TextList Below(const char* className, const char* plane, IOOptionBits options) {
   IoObject iterator;
   IORegistryEntryCreateIterator(Service(className).Get(), plane, options, iterator.Out());
   return NamesIn(iterator);
@@ -126,23 +120,14 @@ TEST_F(RegistryTest, WhatIsNoRegistryIsEmpty) {
 
 TEST_F(RegistryTest, AFaultyUseEndsTheProgramAndNamesTheEntry) {
   Use(TREE);
-  const struct {
-    std::function<void()> use;
-    const char* message;
-  } cases[] = {
-      {[] { IOObjectRelease(Service("Port").Get()); },
-       "IOObjectRelease: the entry \"port\" of class Port was released already"},
-      {[] {
-         const io_registry_entry_t released = Service("Port").Get();
-         io_name_t name;
-         IORegistryEntryGetName(released, name);
-       },
-       "IORegistryEntryGetName: the entry \"port\" of class Port was released already"},
-      {[] { IOIteratorNext(Service("Port").Release()); },
-       "IOIteratorNext: does not take the entry"},
-      {[] { IOObjectRelease(77); }, "the handle does not exist"},
-  };
-  for (const auto& row : cases) EXPECT_DEATH(row.use(), row.message) << row.message;
+  const io_registry_entry_t released = Service("Port").Get();
+  EXPECT_DEATH(IOObjectRelease(released),
+               "IOObjectRelease: the entry \"port\" of class Port was released already");
+  io_name_t name;
+  EXPECT_DEATH(IORegistryEntryGetName(released, name),
+               "IORegistryEntryGetName: the entry \"port\"");
+  EXPECT_DEATH(IOIteratorNext(Service("Port").Release()), "does not take the entry");
+  EXPECT_DEATH(IOObjectRelease(77), "the handle does not exist");
 }
 
 }  // namespace

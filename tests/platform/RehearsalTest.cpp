@@ -1,13 +1,10 @@
 #include "platform/Rehearsal.h"
 
-#include <gmock/gmock.h>
-
 #include <boost/algorithm/string/replace.hpp>
 #include <cerrno>
 
 #include "platform/ChildProcess.h"
-#include "support/Cases.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::Platform {
 namespace {

@@ -1,51 +1,34 @@
 #include "platform/ReplacementFile.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
+#include <memory>
 #include <system_error>
-#include <utility>
-#include <vector>
 
 #include "platform/FileSystem.h"
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "platform/SystemChanges.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Platform;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using testing::Pair;
-using testing::UnorderedElementsAre;
-namespace fs = boost::filesystem;
-
-/// What is synced in this process, while a test watches it.
-struct SyncWatch {
-  std::string target;
-  std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
-};
-SyncWatch* syncWatch = nullptr;
 
 ino_t InodeOf(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
 }
 
-}  // namespace
-
-/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
-extern "C" int fsync(int file) {
-  struct stat status {};
-  if (syncWatch && ::fstat(file, &status) == 0) {
-    syncWatch->syncs.emplace_back(status.st_ino, InodeOf(syncWatch->target) != 0);
+/// What is synced in this process.
+struct SyncWatch final : RealSystemChanges {
+  int Sync(int descriptor) override {
+    struct stat status {};
+    EXPECT_EQ(::fstat(descriptor, &status), 0);
+    syncs.emplace_back(status.st_ino, InodeOf(target) != 0);
+    return RealSystemChanges::Sync(descriptor);
   }
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
-namespace {
+  std::string target;
+  std::vector<std::pair<ino_t, bool>> syncs;  ///< what was synced, and whether the target existed
+};
 
 TEST(ReplacementFile, TakesTheTargetsPlaceOnlyWhenItIsCommitted) {
   const TemporaryFolder folder;
@@ -84,22 +67,23 @@ TEST(ReplacementFile, HasItsContentOnTheDiskBeforeItTakesTheTargetsPlace) {
   const TemporaryFolder folder;
   const std::string place = folder.Path().string();
   for (const bool ifAbsent : {false, true}) {
-    SyncWatch watch{place + (ifAbsent ? "/agent.key" : "/host.jsonkob"), {}};
-    syncWatch = &watch;
-    ReplacementFile file(watch.target);
+    const auto watch = std::make_shared<SyncWatch>();
+    watch->target = place + (ifAbsent ? "/agent.key" : "/host.jsonkob");
+    SetSystemChanges(watch);
+    ReplacementFile file(watch->target);
     if (ifAbsent) {
       file.CommitIfAbsent();
     } else {
       file.Commit();
     }
-    syncWatch = nullptr;
-    EXPECT_THAT(watch.syncs,
-                ElementsAre(Pair(InodeOf(watch.target), false), Pair(InodeOf(place), true)))
-        << watch.target;
+    SetSystemChanges(nullptr);
+    EXPECT_THAT(watch->syncs,
+                ElementsAre(Pair(InodeOf(watch->target), false), Pair(InodeOf(place), true)))
+        << watch->target;
   }
 }
 
-TEST(ReplacementFile, RaisesWhereNoFileCanBe) {
+TEST(ReplacementFile, ThrowsWhereNoFileCanBe) {
   const TemporaryFolder folder;
   EXPECT_THROW(ReplacementFile((folder / "missing" / "file").string()), std::system_error);
   fs::create_directory(folder / "target");

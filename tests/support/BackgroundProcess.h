@@ -5,10 +5,6 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
-#include <boost/filesystem/path.hpp>
-#include <string>
-#include <vector>
-
 #include "support/Files.h"
 
 extern char** environ;

@@ -4,9 +4,6 @@
 
 #include <map>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <tuple>
-#include <type_traits>
 
 #include "support/Files.h"
 

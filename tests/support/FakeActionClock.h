@@ -7,12 +7,11 @@
 
 namespace Norvik::Tests {
 
-/// Both clocks stand still until a test moves them.
 class FakeActionClock : public Host::Clock {
  public:
   using TimePoint = std::chrono::system_clock::time_point;
 
-  explicit FakeActionClock(long seconds) : now_(seconds) {}
+  explicit FakeActionClock(long time) : now_(time) {}
 
   TimePoint Now() const override { return TimePoint(std::chrono::seconds(now_)); }
   std::chrono::steady_clock::time_point Steady() const override {
@@ -23,7 +22,7 @@ class FakeActionClock : public Host::Clock {
     steady_ += time.count();
   }
   /// Changes the time of day only, as an administrator does.
-  void SetTimeOfDay(long seconds) { now_ = seconds; }
+  void SetTimeOfDay(long time) { now_ = time; }
 
  private:
   std::atomic<long> now_;

@@ -1,12 +1,7 @@
 #include "support/FakeHost.h"
 
-#include <algorithm>
-#include <boost/filesystem/operations.hpp>
 #include <boost/property_tree/json_parser.hpp>
-#include <boost/property_tree/ptree.hpp>
-#include <iterator>
 #include <sstream>
-#include <stdexcept>
 
 #include "common/action/ActionCodes.h"
 #include "common/files/Archive.h"

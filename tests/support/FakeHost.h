@@ -1,13 +1,7 @@
 #pragma once
 
-#include <chrono>
 #include <deque>
 #include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "common/action/IActionSystem.h"
 #include "common/action/ModuleDependencies.h"
@@ -59,7 +53,6 @@ class FakeActionSystem final : public Common::IActionSystem {
   /// Runs the waiting actions (queued, or once without delay), the oldest first.
   void RunWaiting();
 
-  /// Called once, when the next action is started.
   std::function<void()> onNextStart;
 
  private:

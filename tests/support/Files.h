@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <boost/filesystem/operations.hpp>
-#include <boost/filesystem/path.hpp>
 #include <fstream>
 #include <iterator>
 #include <set>

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <boost/filesystem/operations.hpp>
 #include <optional>
-#include <string>
 
 #include "platform/RecordedMachine.h"
 #include "support/Cases.h"
-#include "support/Files.h"
 #include "support/PropertyListText.h"
 #include "support/TemporaryFolder.h"
 

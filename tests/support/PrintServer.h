@@ -1,14 +1,10 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <boost/algorithm/string/replace.hpp>
 #include <memory>
-#include <string>
 
 #include "common/commands/CommandRunner.h"
 #include "support/BackgroundProcess.h"
-#include "support/Files.h"
 #include "support/LocalClient.h"
 #include "support/TemporaryFolder.h"
 

@@ -1,11 +1,7 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <mutex>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "common/progress/ProgressListener.h"
 
@@ -56,7 +52,6 @@ class ProgressRecorder : public Common::IProgressListener {
     Keep(run, std::string(NAMES[step.kind]) + (step.done ? "" : " fails"));
   }
 
-  /// The texts of all runs, in order.
   Texts All() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return all_;
@@ -85,7 +80,6 @@ class ProgressRecorder : public Common::IProgressListener {
   std::map<std::uint64_t, Texts> byRun_;
 };
 
-/// Records the progress during its lifetime.
 class ProgressRecording {
  public:
   ProgressRecorder* operator->() const { return recorder_.get(); }

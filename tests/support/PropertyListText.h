@@ -35,7 +35,6 @@ inline std::string PropertyList(const std::string& value) {
          value + "</plist>\n";
 }
 
-/// A whole property list from a value in JSON.
 inline std::string PropertyListOf(const nlohmann::ordered_json& value) {
   return PropertyList(ListValue(value));
 }

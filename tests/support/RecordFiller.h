@@ -1,16 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <list>
-#include <set>
-#include <string>
-#include <tuple>
-#include <vector>
-
 #include "common/records/InventoryRecord.h"
 #include "support/Json.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 /// Fills and changes records through their field tables.
 namespace tests {
@@ -57,13 +49,10 @@ class Filler {
       texts.insert(text);
     }
   }
-  template <class Element>
-  void Fill(std::list<Element>& elements) {
-    FillElements(elements);
-  }
-  template <class Element>
-  void Fill(std::vector<Element>& elements) {
-    FillElements(elements);
+  template <template <class...> class List, class Element, class Allocator>
+  void Fill(List<Element, Allocator>& elements) {
+    elements.resize(2);
+    for (auto& element : elements) Fill(element);
   }
   template <class Value>
   void Fill(Value& value) {
@@ -75,11 +64,6 @@ class Filler {
   }
 
  private:
-  template <class Elements>
-  void FillElements(Elements& elements) {
-    elements.resize(2);
-    for (auto& element : elements) Fill(element);
-  }
   std::string Text() {
     return "\"caf\xC3\xA9\" \\ \xF0\x9F\x98\x80 /\n\t" + std::to_string(++next_);
   }

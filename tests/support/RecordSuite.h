@@ -1,17 +1,12 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <boost/core/demangle.hpp>
-#include <string>
-#include <typeinfo>
 
 #include "support/RecordFiller.h"
 
 /// Tests for every record type. A record is tested by adding it to the list of types.
 namespace tests {
 
-/// Names the typed tests after their records.
 struct RecordName {
   template <class T>
   static std::string GetName(int /*index*/) {

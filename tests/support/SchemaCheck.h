@@ -1,14 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <set>
-#include <sstream>
-#include <string>
-
 #include "common/commands/Execute.h"
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 
@@ -42,7 +35,6 @@ class SchemaCheck {
   TemporaryFolder folder_;
 };
 
-/// Expects that the schema allows the document.
 inline void ExpectValid(const std::string& schema, const std::string& text) {
   SchemaCheck check;
   check.Add(schema, "document", text);

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 

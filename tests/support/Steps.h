@@ -1,14 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <map>
-#include <string>
-#include <tuple>
-#include <utility>
-
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace Norvik::Tests {
 
@@ -27,7 +19,6 @@ class StepsTest : public testing::TestWithParam<Json> {
       return (dynamic_cast<Base&>(*this).*function)(arguments...);
     });
   }
-  /// Runs the steps of the row.
   void Follow() const {
     const Json& steps = GetParam()["steps"];
     for (std::size_t i = 0; i < steps.size(); ++i) {

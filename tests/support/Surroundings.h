@@ -8,21 +8,17 @@
 #include <sys/resource.h>
 #include <time.h>
 
-#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <clocale>
 #include <functional>
 #include <iostream>
 #include <locale>
-#include <string>
-#include <utility>
 
 #include "platform/FileDescriptor.h"
 
 /// Changes of the process for the lifetime of an object.
 namespace Norvik::Tests {
 
-/// Runs a function at the end of its scope.
 class Scope {
  public:
   explicit Scope(std::function<void()> atEnd) : atEnd_(std::move(atEnd)) {}

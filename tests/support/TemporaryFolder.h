@@ -3,7 +3,6 @@
 #include <stdlib.h>
 
 #include <boost/filesystem/operations.hpp>
-#include <boost/filesystem/path.hpp>
 #include <stdexcept>
 #include <string>
 

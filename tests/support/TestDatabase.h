@@ -1,9 +1,5 @@
 #pragma once
 
-#include <boost/filesystem/path.hpp>
-#include <memory>
-#include <string>
-
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
 #include "support/TemporaryFolder.h"
@@ -31,7 +27,6 @@ class TestDatabase {
     Open();
   }
 
-  /// Runs one statement and commits it.
   static Common::V2::DataBaseRows Run(const std::string& sentence,
                                       const std::vector<Common::V2::DataBaseValue>& values = {}) {
     Common::V2::DataBase dataBase;

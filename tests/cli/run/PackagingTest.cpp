@@ -1,27 +1,21 @@
-// libplist checks the property lists here, in place of the system's reader on macOS.
-#ifdef __linux__
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-#include <sstream>
-
 #include "cli/commands/CommandLine.h"
+#include "common/identification/HostInfoProvider.h"
+#include "platform/ChildProcess.h"
+#include "platform/PropertyListFile.h"
 #include "platform/compat/PropertyListReader.h"
-#include "support/Files.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik;
-using Words = std::vector<std::string>;
+using namespace Norvik::Tests;
+using Words = TextList;
 
 const std::string PACKAGING = std::string(NORVIK_SOURCE_DIR) + "/packaging/";
 
-/// The command of a launchd description.
 Words CommandOfPropertyList(const std::string& file) {
   Words words;
-  const auto list = Platform::ReadPropertyList(Tests::ContentOf(PACKAGING + file));
+  const auto list = Platform::ReadPropertyList(ContentOf(PACKAGING + file));
   EXPECT_TRUE(list) << file;
   Platform::ForEachKey(list.get(), [&](const char* key, plist_t value) {
     if (key == std::string("Label")) {
@@ -36,17 +30,9 @@ Words CommandOfPropertyList(const std::string& file) {
 /// The command of a systemd unit. Each line is a section, a setting or a comment.
 Words CommandOfUnit(const std::string& file) {
   Words words;
-  std::istringstream lines(Tests::ContentOf(PACKAGING + file));
-  std::string section;
+  std::istringstream lines(ContentOf(PACKAGING + file));
   for (std::string line; std::getline(lines, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    if (line.front() == '[') {
-      section = line;
-      continue;
-    }
-    EXPECT_THAT(line, testing::MatchesRegex("[A-Z][A-Za-z]+=.+")) << file;
-    EXPECT_THAT((std::vector<std::string>{"[Unit]", "[Service]", "[Install]"}),
-                testing::Contains(section));
+    EXPECT_THAT(line, MatchesRegex("|#.*|\\[(Unit|Service|Install)\\]|[A-Z][A-Za-z]+=.+")) << file;
     if (line.rfind("ExecStart=", 0) != 0) continue;
     std::istringstream command(line.substr(line.find('=') + 1));
     for (std::string word; command >> word;) words.push_back(word);
@@ -71,6 +57,43 @@ TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
   }
 }
 
-}  // namespace
+TEST(Packaging, TheProgramHoldsItsIdentifierAndItsVersion) {
+  const Platform::PropertyListFile list(NORVIK_BINARY_DIR "/cli/Info.plist");
+  EXPECT_EQ(list.Text("CFBundleIdentifier"), "com.norvik.agent");
+  EXPECT_EQ(list.Text("CFBundleVersion") + ".0", Common::GetAgentVersion());
+}
 
-#endif
+/// A row: the team, a program, the settings, and the end of the only line; without a line there are
+/// profiles.
+TEST(Packaging, ProfilesAreTheSameForTheSameTeamAndNeedOne) {
+  for (const auto& row : Tests::DataOf("cli/run/profiles.json")) {
+    const Tests::TemporaryFolder folder;
+    const auto in = [&](const char* name) { return (folder / name).string(); };
+    const std::string team = row[0];
+    const std::string line = row[3];
+    Tests::WriteFile(in("program"), row[1].get<Tests::Bytes>());
+    Tests::WriteFile(in("settings"), row[2]);
+    std::set<std::string> contents;
+    for (const char* output : {"first", "second"}) {
+      Platform::ChildCommand command;
+      command.words = {NORVIK_PYTHON, NORVIK_SOURCE_DIR "/script/macos-profile",
+                       team,          in(output),
+                       "--program",   in("program"),
+                       "--settings",  in("settings")};
+      std::string errors;
+      command.onOutput = [](std::string_view) {};
+      command.onErrors = [&](std::string_view piece) { errors += piece; };
+      EXPECT_EQ(Platform::RunChild(command).exitCode, line.empty() ? 0 : 1) << row << errors;
+      EXPECT_THAT(errors, testing::EndsWith(line.empty() ? "" : line + "\n"));
+      EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), line.empty() ? 0 : 1) << errors;
+      if (!line.empty()) continue;
+      for (const auto& file : Tests::FilesBelow(folder / output)) {
+        contents.insert(Tests::ContentOf(folder / output / file));
+      }
+    }
+    EXPECT_EQ(contents.size(), line.empty() ? 3u : 0u);
+    for (const auto& content : contents) EXPECT_TRUE(Platform::ReadPropertyList(content));
+  }
+}
+
+}  // namespace

@@ -1,8 +1,4 @@
-// Recorded machines, which block an inventory here, exist only on systems other than macOS.
-#ifdef __linux__
-
 #include <boost/algorithm/string/replace.hpp>
-#include <set>
 
 #include "cli/ProgramTest.h"
 #include "common/database/AgentData.h"
@@ -11,18 +7,12 @@
 #include "host/ipc/Frames.h"
 #include "support/BackgroundProcess.h"
 #include "support/LocalClient.h"
-#include "support/LogCapture.h"
+#include "support/PropertyListText.h"
 
 namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
-using PlainJson = nlohmann::json;
-namespace fs = boost::filesystem;
-using std::chrono::system_clock;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
 
 int CountOf(const std::string& part, const std::string& text) {
   int count = 0;
@@ -59,6 +49,15 @@ class Service : public ProgramTest {
     return Eventually([&] { return Status()["agent"]["sessions"].size() == count; });
   }
 
+  bool HasPeriod(unsigned int code, int seconds) const {
+    return Eventually([&] {
+      const auto periodic = Status()["periodic"];
+      return std::any_of(periodic.begin(), periodic.end(), [&](const PlainJson& entry) {
+        return entry["code"] == code && entry["periodSeconds"] == seconds;
+      });
+    });
+  }
+
   std::string Socket() const { return (folder_ / "agent.sock").string(); }
   std::string Log(const std::string& data = "data") const {
     return ContentOf(folder_ / data / "log/agent.log");
@@ -74,7 +73,6 @@ class Service : public ProgramTest {
     if (!toWrite.empty()) data.SetString(Host::PeriodicKey(code), toWrite);
     return data.GetOptionalString(Host::PeriodicKey(code)).get_value_or("none");
   }
-  /// Paths in the table of network drives.
   std::multiset<std::string> Drives() const {
     const LogCapture silence;
     Common::AgentDatabase dataBase(folder_ / "data");
@@ -122,16 +120,15 @@ TEST_F(Service, AStopLetsTheActionThatRunsEndAndStartsNoOther) {
   ASSERT_TRUE(Logs("Generating KOB inventory..."));
   EXPECT_EQ(Status()["agent"]["running"][0]["action"], "1071 ACTION_TOTAL_INVENTORY");
   EXPECT_TRUE(Eventually([&] { return Status()["agent"]["progress"][0]["at"] == "drivers"; }));
-  EXPECT_THAT(
-      RunWell({"status"}).output,
-      testing::ContainsRegex("progress: machine inventory, total, since 20[^ ]+: drivers, [1-9]"
-                             "[0-9]* sections done\n"));
+  EXPECT_THAT(RunWell({"status"}).output,
+              ContainsRegex("progress: machine inventory, total, since 20[^ ]+: drivers, [1-9]"
+                            "[0-9]* sections done\n"));
   ::kill(service->Id(), SIGTERM);
   ASSERT_TRUE(Logs("The service stops"));
   EXPECT_THAT(Log(), Not(HasSubstr("KOB Inventory finished")));
   OpenGate();
   EXPECT_EQ(service->Wait(), 0);
-  EXPECT_THAT(Log(), testing::ContainsRegex("Section software took [0-9]+ milliseconds"));
+  EXPECT_THAT(Log(), ContainsRegex("Section software took [0-9]+ milliseconds"));
   EXPECT_EQ(DocumentsInOutbox(), 1u);
   const std::string log = Log();
   EXPECT_EQ(CountOf(" starts", log.substr(log.find("The service stops"))), 0);
@@ -151,10 +148,17 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   OpenGate();
   EXPECT_TRUE(Logs("KOB Inventory finished"));
   EXPECT_TRUE(Eventually([&] { return DocumentsInOutbox() == 1; }));
-  const auto periodic = Status()["periodic"];
-  EXPECT_TRUE(std::any_of(periodic.begin(), periodic.end(), [](const PlainJson& entry) {
-    return entry["code"] == 1046 && entry["periodSeconds"] == 9999;
-  })) << periodic;
+  EXPECT_TRUE(HasPeriod(1046, 9999));
+
+  const auto managed = folder_ / "machine/root/Library/Managed Preferences";
+  fs::create_directories(managed);
+  WriteFile(managed / "com.norvik.agent.plist",
+            PropertyListOf(R"({"pendingTasksSchedule": {"periodSeconds": 8888}})"));
+  ::kill(service->Id(), SIGHUP);
+  EXPECT_TRUE(HasPeriod(1046, 8888));
+  EXPECT_THAT(RunWell({"status"}).output,
+              HasSubstr("from the managed preferences: pendingTasksSchedule\n"
+                        "from the file: profileId\nby default: "));
 
   WriteFile(folder_ / "data/configuration.json", "{");
   ::kill(service->Id(), SIGHUP);
@@ -197,7 +201,7 @@ TEST_F(Service, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
   }
 }
 
-std::string Told(unsigned int code, const std::string& key, const std::string& value) {
+std::string MessageFrame(unsigned int code, const std::string& key, const std::string& value) {
   return Host::EncodeFrame(Host::FrameKind::MESSAGE, Host::EncodeMessage({1, code, key, value}));
 }
 
@@ -215,7 +219,7 @@ TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
   // The other users have no drives here, so this one gets some.
   const LocalClient last(Socket());
   last.Send(Host::EncodeFrame(Host::FrameKind::JOIN, "") +
-            Told(32001, "getNetworkDrives", ArchiveOf(3, "/Volumes/Old")));
+            MessageFrame(32001, "getNetworkDrives", ArchiveOf(3, "/Volumes/Old")));
   EXPECT_TRUE(Eventually([&] { return Drives() == Paths{"/Volumes/Old"}; }));
   const auto first = Start({"user"}, "first");
   const auto second = Start({"user"}, "second");
@@ -223,16 +227,14 @@ TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
   EXPECT_THAT(last.Receive(), HasSubstr("requestNetworkDrives"));
   EXPECT_TRUE(Eventually([&] { return CountOf("OnTruncateNetDrivesTable: IPC", Log()) >= 2; }));
   EXPECT_EQ(Drives(), Paths{});
-  last.Send(Told(1066, "truncateNetDrivesTable", "truncateNetDrivesTable") +
-            Told(32001, "getNetworkDrives", ArchiveOf(1, "/Volumes/It's")) +
-            Told(32001, "getNetworkDrives", "22 serialization::archive 18 0 0 x") +
-            Told(32001, "getNetworkDrives", ArchiveOf(2, "/Volumes/Two")) +
-            Told(32001, "getNetworkDrives", ArchiveOf(1, "/Volumes/It's")));
+  last.Send(MessageFrame(1066, "truncateNetDrivesTable", "truncateNetDrivesTable") +
+            MessageFrame(32001, "getNetworkDrives", ArchiveOf(1, "/Volumes/It's")) +
+            MessageFrame(32001, "getNetworkDrives", "22 serialization::archive 18 0 0 x") +
+            MessageFrame(32001, "getNetworkDrives", ArchiveOf(2, "/Volumes/Two")) +
+            MessageFrame(32001, "getNetworkDrives", ArchiveOf(1, "/Volumes/It's")));
   EXPECT_TRUE(Eventually([&] { return Drives() == Paths{"/Volumes/It's", "/Volumes/Two"}; }));
   EXPECT_EQ(CountOf("Can not deserialize NetworkDriveInfo: ", Log()), 1);
   EXPECT_THAT(Log(), HasSubstr("Message 32001 \"getNetworkDrives\" of session"));
 }
 
 }  // namespace
-
-#endif

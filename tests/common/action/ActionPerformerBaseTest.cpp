@@ -1,18 +1,15 @@
 #include "common/action/ActionPerformerBase.h"
 
-#include <gmock/gmock.h>
-
 #include "common/action/ActionCodes.h"
 #include "support/FakeHost.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
 using namespace std::chrono_literals;
-using namespace testing;
 
-/// Makes reachable what a class of actions uses.
 class Performer : public ActionPerformerBase {
  public:
   explicit Performer(std::weak_ptr<ModuleDependencies> dependencies)
@@ -46,7 +43,7 @@ TEST_F(ActionPerformerBaseTest, ReportsATaskFromParametersOfEitherTextType) {
   EXPECT_THAT(host_.communications->TakeStatuses(), ElementsAre("8 no", "2"));
 }
 
-TEST_F(ActionPerformerBaseTest, RaisesWhenTheHostHasGone) {
+TEST_F(ActionPerformerBaseTest, ThrowsWhenTheHostHasGone) {
   host_.dependencies.reset();
   host_.actions.reset();
   host_.communications.reset();

@@ -1,11 +1,7 @@
 #include "common/action/InventorySchedules.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-
 #include "common/database/DataBase.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace {

@@ -1,11 +1,10 @@
 #include "common/apple/AppleFundation.h"
 
-#include <gtest/gtest.h>
-
 #include "common/text/Text.h"
 #include "platform/CfText.h"
 #include "platform/compat/LiveObjects.h"
 #include "support/MacRecording.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -14,7 +13,7 @@ using namespace Norvik::Platform;
 using Norvik::Common::AppleFundation;
 using Norvik::Common::ToUtf8;
 
-CfRef<CFPropertyListRef> ReadFile(const boost::filesystem::path& path) {
+CfRef<CFPropertyListRef> ReadFile(const fs::path& path) {
   const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
       kCFAllocatorDefault, CfTextOf(path.c_str()).Get(), kCFURLPOSIXPathStyle, false));
   return CfRef<CFPropertyListRef>(AppleFundation::CreateMyPropertyListFromFile(url.Get()));
@@ -54,7 +53,7 @@ TEST(AppleFundation, FindsTheFirstOfAClassBelowAnEntry) {
                                           "IOObjectInherits": ["Wanted"]}]]])"));
   recording.PutInForce();
   const auto found = [](const char* below, const char* className) -> std::string {
-    IoObject entry(IOServiceGetMatchingService(kIOMasterPortDefault, IOServiceMatching(below)));
+    IoObject entry(IOServiceGetMatchingService(MACH_PORT_NULL, IOServiceMatching(below)));
     const IoObject child(AppleFundation::FindRecursiveChildren(entry.Ref(), className));
     if (!child) return "none";
     IoObject parent;

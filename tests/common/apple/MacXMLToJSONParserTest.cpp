@@ -1,12 +1,9 @@
 #include "common/apple/MacXMLToJSONParser.h"
 
-#include <gtest/gtest.h>
-
 #include <boost/property_tree/ptree.hpp>
 
-#include "support/Cases.h"
-#include "support/LogCapture.h"
 #include "support/PropertyListText.h"
+#include "support/Test.h"
 
 namespace Norvik::Common {
 namespace {

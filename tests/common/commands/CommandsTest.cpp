@@ -1,23 +1,18 @@
-#include <gmock/gmock.h>
 #include <pwd.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include "common/commands/CommandRunner.h"
 #include "common/commands/CommandWords.h"
 #include "common/commands/Execute.h"
 #include "common/text/Text.h"
-#include "support/Cases.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using namespace testing;
 
 TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
-  const std::tuple<const char*, std::string, Matcher<std::vector<std::string>>> cases[] = {
+  const std::tuple<const char*, std::string, Matcher<TextList>> cases[] = {
       {"printf 'a\\n\\n b\\000c\\n' | cat", std::string("a\n\n b\0c\n", 8), IsEmpty()},
       {"head -c 1048576 /dev/zero | tr '\\0' x; head -c 1048576 /dev/zero | tr '\\0' y >&2",
        std::string(1048576, 'x'), Not(IsEmpty())},

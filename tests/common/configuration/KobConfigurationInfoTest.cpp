@@ -1,13 +1,8 @@
 #include "common/configuration/KobConfigurationInfo.h"
 
-#include <gtest/gtest.h>
-
 #include <iomanip>
-#include <set>
-#include <sstream>
 
-#include "support/Cases.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,27 +1,17 @@
 #include "common/database/AgentDatabase.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <boost/filesystem/fstream.hpp>
-#include <functional>
-#include <map>
-#include <vector>
 
 #include "common/database/DatabaseSchema.h"
-#include "support/Cases.h"
-#include "support/Files.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::Common {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
-using namespace testing;
 using V2::DataBase;
 
 constexpr std::streamoff PageSize = 16384;

@@ -1,27 +1,21 @@
 #include "common/database/DataBase.h"
 
-#include <gmock/gmock.h>
-
 #include <boost/optional/optional_io.hpp>
-#include <stdexcept>
-#include <thread>
 
-#include "support/Cases.h"
+#include "common/database/AgentData.h"
+#include "common/database/Sentence.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::Common {
 namespace {
 
-using namespace testing;
-using Tests::Json;
-using V2::DataBase;
-using V2::DataBaseRow;
-using V2::DataBaseRows;
-using V2::DataBaseValue;
+using namespace Tests;
+using namespace V2;
 
 DataBaseValue Text(const std::string& text) { return text; }
 
-/// A plain number stands for an int or a double; {"long": 7} tells another type.
+/// A plain number stands for an int or a double; {"long": 7} names another type.
 DataBaseValue ValueOf(const Json& cell) {
   if (cell.is_string()) return cell.get<std::string>();
   if (cell.is_number_float()) return cell.get<double>();
@@ -42,7 +36,7 @@ void Insert(DataBase& dataBase, const std::string& name, const std::string& valu
   dataBase.ExecuteSentence("insert into DATA(name, value) values('{1}', '{2}')", {name, value});
 }
 
-class ExecuteSentence : public Test, protected Tests::TestDatabase {
+class ExecuteSentence : public Test, protected TestDatabase {
  protected:
   using TestDatabase::Run;
 
@@ -55,8 +49,8 @@ class ExecuteSentence : public Test, protected Tests::TestDatabase {
 };
 
 TEST_F(ExecuteSentence, GivesEveryTextBackAsItWasBound) {
-  for (const Json& row : Tests::DataOf("common/database/texts.json")) {
-    const std::string text = row.get<Tests::Bytes>();
+  for (const Json& row : DataOf("common/database/texts.json")) {
+    const std::string text = row.get<Bytes>();
     Run("delete from KOB_DATA");
     Run("insert into KOB_DATA(name, value) values('{1}', {2})", {text, text});
     EXPECT_EQ(FirstRow("select name, value from KOB_DATA where name='{1}' and value=%1%", {text}),
@@ -66,13 +60,13 @@ TEST_F(ExecuteSentence, GivesEveryTextBackAsItWasBound) {
 }
 
 TEST_F(ExecuteSentence, GivesEachCellItsTypeOrSaysWhatIsWrong) {
-  for (const Json& row : Tests::DataOf("common/database/statements.json")) {
+  for (const Json& row : DataOf("common/database/statements.json")) {
     SCOPED_TRACE(row["name"]);
     DataBase dataBase;
-    DataBaseRows told;
+    DataBaseRows rows;
     for (const Json& step : row["statements"]) {
-      const std::string fault = Tests::MessageOf<std::exception>([&] {
-        told = dataBase.ExecuteSentence(step[0], step.size() > 1 ? RowOf(step[1]) : DataBaseRow());
+      const std::string fault = MessageOf<std::exception>([&] {
+        rows = dataBase.ExecuteSentence(step[0], step.size() > 1 ? RowOf(step[1]) : DataBaseRow());
       });
       const bool isGood = step.size() < 3;
       EXPECT_THAT(fault, HasSubstr(isGood ? "" : step[2].get<std::string>())) << step;
@@ -80,7 +74,7 @@ TEST_F(ExecuteSentence, GivesEachCellItsTypeOrSaysWhatIsWrong) {
     }
     DataBaseRows wanted;
     for (const Json& cells : row.value("gives", Json::array())) wanted.push_back(RowOf(cells));
-    EXPECT_EQ(told, wanted);
+    EXPECT_EQ(rows, wanted);
   }
 }
 
@@ -124,7 +118,7 @@ TEST_F(ExecuteSentence, LetsThreadsWriteSideBySide) {
         if (batch % 2 == 0) dataBase.Commit();
       }
     };
-    EXPECT_EQ(Tests::MessageOf<std::exception>(inBatches), "");
+    EXPECT_EQ(MessageOf<std::exception>(inBatches), "");
   };
   std::vector<std::thread> threads;
   for (int thread = 0; thread < 6; ++thread) threads.emplace_back(write, thread);
@@ -171,6 +165,67 @@ TEST_F(ExecuteSentence, KeepsIntegersAndTextsUnderKeysOfTheGeneralTable) {
   EXPECT_EQ(DataBase::GetOptionalStringDataTable("KOB_INVENTORY"), std::string("-2147483648"));
   Run("update DATA set value='12 apples'");
   EXPECT_EQ(DataBase::GetDataTable("KOB_INVENTORY"), 0);
+}
+
+TextList PartsOf(const std::string& text) {
+  const Sentence sentence = ParseSentence(text);
+  std::string shown;
+  for (const auto& parameter : sentence.parameters) {
+    shown += std::to_string(parameter.value + 1) + (parameter.asText ? "q " : " ");
+  }
+  return {sentence.sql, shown};
+}
+
+TEST(ParseSentence, ReplacesPlaceholdersAndNothingElse) {
+  const Json tables = DataOf("common/database/sentences.json");
+  ExpectRows(tables.front(), PartsOf);
+}
+
+class AgentDataTest : public Test {
+ protected:
+  TestDatabase database_;
+  AgentData data_{database_, "KOB_DATA"};
+};
+
+TEST_F(AgentDataTest, KeepsTextsNumbersAndTimesAndReadsNoNumberOfAnotherText) {
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+  EXPECT_EQ(data_.GetInt64("k"), nullptr);
+  EXPECT_EQ(data_.GetDateTime("k"), nullptr);
+  for (const std::string text :
+       {"it's {1}", "", "\xC3\xB1", "x", "12x", " 12", "9223372036854775808"}) {
+    EXPECT_TRUE(data_.SetString("k", text));
+    EXPECT_EQ(data_.GetOptionalString("k"), text);
+    EXPECT_EQ(data_.GetInt64("k"), nullptr) << text;
+    EXPECT_EQ(data_.GetDateTime("k"), nullptr) << text;
+  }
+  for (const std::int64_t value : {std::numeric_limits<std::int64_t>::min(), std::int64_t{0},
+                                   std::numeric_limits<std::int64_t>::max()}) {
+    EXPECT_TRUE(data_.SetInt64("k", value));
+    EXPECT_THAT(data_.GetInt64("k"), Pointee(value));
+  }
+  EXPECT_EQ(data_.GetDateTime("k"), nullptr);
+  EXPECT_TRUE(data_.SetDateTime("k", system_clock::from_time_t(1700000000) + milliseconds(900)));
+  EXPECT_THAT(data_.GetDateTime("k"), Pointee(system_clock::from_time_t(1700000000)));
+
+  EXPECT_TRUE(data_.Remove("k"));
+  EXPECT_TRUE(data_.Remove("k"));
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+}
+
+TEST_F(AgentDataTest, AnswersByResultWhenTheTableOrTheDatabaseIsGone) {
+  const LogCapture log;
+  AgentData missing(database_, "MISSING");
+  EXPECT_FALSE(missing.SetInt64("k", 1));
+  EXPECT_EQ(log.Texts(2).size(), 1U);
+  EXPECT_THROW(missing.GetInt64("k"), std::exception);
+
+  data_.SetString("k", "v");
+  database_.Close();
+  EXPECT_EQ(data_.GetOptionalString("k"), boost::none);
+  EXPECT_FALSE(data_.SetString("k", "w"));
+  EXPECT_FALSE(data_.Remove("k"));
+  database_.Open();
+  EXPECT_EQ(AgentData(database_, "KOB_DATA").GetOptionalString("k"), std::string("v"));
 }
 
 }  // namespace

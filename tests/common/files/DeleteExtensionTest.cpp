@@ -1,22 +1,15 @@
 #include "common/files/DeleteExtension.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
-#include "support/Cases.h"
-#include "support/LogCapture.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-namespace fs = boost::filesystem;
 
 class DeleteExtensionTest : public testing::Test {
  protected:
-  void Make(const std::vector<std::string>& names) {
+  void Make(const TextList& names) {
     for (const auto& name : names) {
       fs::create_directories((folder_ / name).parent_path());
       WriteFile(folder_ / name, "content");

@@ -1,26 +1,16 @@
 #include "common/files/FilePipeline.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
-#include <functional>
 #include <random>
-#include <string>
 
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
-#include "support/Files.h"
-#include "support/LogCapture.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using namespace testing;
-namespace fs = boost::filesystem;
 
 /// Content that does not shrink when it is compressed.
 std::string Noise(std::size_t size) {

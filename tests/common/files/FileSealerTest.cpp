@@ -1,21 +1,13 @@
 #include "common/files/FileSealer.h"
 
-#include <gmock/gmock.h>
 #include <sodium.h>
 
-#include <map>
-#include <string>
-#include <vector>
-
-#include "support/Files.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using testing::HasSubstr;
-namespace fs = boost::filesystem;
 
 // Where the parts of a sealed file begin, as docs/outbox-format.md has them.
 constexpr std::size_t MARK = 9;
@@ -135,11 +127,11 @@ TEST_F(FileSealerTest, RefusesAKeyThatIsNone) {
   }
 }
 
-TEST_F(FileSealerTest, TellsAMissingKeyFromADamagedFile) {
+TEST_F(FileSealerTest, AMissingKeyIsNoDamagedFile) {
   WriteFile(altered_, Seal("text"));
   const FileSealer keyless(folder_ / "elsewhere");
   EXPECT_THAT([&] { keyless.Open(altered_, opened_); },
-              testing::ThrowsMessage<std::runtime_error>(HasSubstr("agent.key: No such file")));
+              ThrowsMessage<std::runtime_error>(HasSubstr("agent.key: No such file")));
   EXPECT_FALSE(fs::exists(folder_ / "elsewhere"));
   EXPECT_THROW(sealer_.Open(folder_ / "missing", opened_), std::runtime_error);
   EXPECT_FALSE(fs::exists(opened_));

@@ -1,8 +1,5 @@
 #include "common/identification/SmBios.h"
 
-#include <gmock/gmock.h>
-#include <unistd.h>
-
 #include "common/identification/HostInfoProvider.h"
 #include "support/SmbiosTable.h"
 
@@ -79,14 +76,14 @@ TEST(SmBios, KeepsTheWholeStructuresOfATableThatWasCut) {
   }
 }
 
-std::size_t CountBehindOne(const SmbiosBytes& rest) {
+std::size_t CountAfterOne(const SmbiosBytes& rest) {
   SmbiosBytes table = SmbiosTableOf(Json::array({MACHINE[0]}));
   table.insert(table.end(), rest.begin(), rest.end());
   return CountOf(SmBios(0x301, table));
 }
 
 TEST(SmBios, EndsWhereTheBytesAreDamaged) {
-  ExpectRows(TABLES["what follows a structure, and how many there are"], CountBehindOne);
+  ExpectRows(TABLES["what follows a structure, and how many there are"], CountAfterOne);
 }
 
 TEST(HostInfoProvider, GivesTheNameThatTheSystemHas) {

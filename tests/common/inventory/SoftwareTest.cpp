@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <sstream>
-
 #include "common/inventory/ApplicationsReport.h"
 #include "common/inventory/PackageDatabase.h"
 #include "common/inventory/SoftwareRegisteredSection.h"
 #include "support/Json.h"
-#include "support/LogCapture.h"
 #include "support/MacRecording.h"
 #include "support/RecordJson.h"
 
@@ -67,13 +62,13 @@ TEST(SoftwareRegisteredSection, ReadsThePackageDatabaseOrElseAsksForTheReport) {
   MacRecording machine;
   machine.AddAnswer("system_profiler -xml SPApplicationsDataType", REPORT);
   machine.Add(status, STATUS).Add(list, "").PutInForce();
-  boost::filesystem::last_write_time(machine.Path() / list, 1600000000);
+  fs::last_write_time(machine.Path() / list, 1600000000);
   Software software(1);
   SoftwareRegisteredSection().GetInfo(software);
   ASSERT_EQ(software.size(), 4u);
   EXPECT_EQ(software[1].installDate, 1600000000);
   EXPECT_EQ(software[2].installDate, 0);
-  boost::filesystem::remove(machine.Path() / status);
+  fs::remove(machine.Path() / status);
   SoftwareRegisteredSection().GetInfo(software);
   EXPECT_EQ(software.size(), 9u);
 }

@@ -1,22 +1,12 @@
 #include "common/log/Logger.h"
 
-#include <gmock/gmock.h>
-
-#include <stdexcept>
-#include <thread>
-#include <vector>
-
 #include "common/log/FileLogger.h"
-#include "support/Files.h"
-#include "support/LogCapture.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
 
 void Leave(bool byException) {
   NORVIK_SCOPE();
@@ -60,7 +50,7 @@ TEST(Logger, MayBeReplacedWhileThreadsLog) {
   }
   for (int i = 0; i < 100; ++i) const LogCapture inner;
   for (auto& thread : threads) thread.join();
-  EXPECT_THAT(Logger::GetInstance(), testing::NotNull());
+  EXPECT_THAT(Logger::GetInstance(), NotNull());
 }
 
 TEST(FileLogger, WritesOneLinePerTextUpToItsLevel) {
@@ -70,9 +60,8 @@ TEST(FileLogger, WritesOneLinePerTextUpToItsLevel) {
   logger->Log(Logger::LEVEL_ERROR, "broken\nforged", "File.cpp", 12, "Run");
   logger->Log(Logger::LEVEL_INFORMATION, "{} %s", "File.cpp", 13, "Run");
   logger->Log(Logger::LEVEL_DETAIL, "too much", "File.cpp", 14, "Run");
-  EXPECT_THAT(ContentOf(path),
-              testing::MatchesRegex("[^\n]+\\[2\\] File.cpp:12 Run: broken\\\\nforged\n"
-                                    "[^\n]+\\[4\\] File.cpp:13 Run: \\{\\} %s\n"));
+  EXPECT_THAT(ContentOf(path), MatchesRegex("[^\n]+\\[2\\] File.cpp:12 Run: broken\\\\nforged\n"
+                                            "[^\n]+\\[4\\] File.cpp:13 Run: \\{\\} %s\n"));
   EXPECT_EQ(ModeOf(path), 0600u);
   EXPECT_THROW(MakeFileLogger(path / "agent.log", 4), std::runtime_error);
 }
@@ -84,7 +73,7 @@ TEST(FileLogger, KeepsThreeOldFilesOfFiveMebibytes) {
   for (int i = 0; i < 26; ++i) logger->Log(Logger::LEVEL_DETAIL, block, "f", 1, "g");
   const auto files = FilesBelow(folder.Path());
   EXPECT_THAT(files, ElementsAre("./agent.1.log", "./agent.2.log", "./agent.3.log", "./agent.log"));
-  for (const auto& file : files) EXPECT_LE(boost::filesystem::file_size(folder / file), 5u << 20);
+  for (const auto& file : files) EXPECT_LE(fs::file_size(folder / file), 5u << 20);
 }
 
 }  // namespace

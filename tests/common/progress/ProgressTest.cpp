@@ -1,21 +1,12 @@
 #include "common/progress/Progress.h"
 
-#include <gmock/gmock.h>
-
-#include <boost/optional/optional_io.hpp>
-#include <stdexcept>
-#include <thread>
-
-#include "common/files/FilePipeline.h"
-#include "support/LogCapture.h"
 #include "support/ProgressRecorder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using Path = boost::filesystem::path;
 
 TEST(Progress, EndsInReverseOrderWhenAnExceptionEndsTheWork) {
   const ProgressRecording progress;
@@ -36,7 +27,7 @@ TEST(Progress, EndsInReverseOrderWhenAnExceptionEndsTheWork) {
   EXPECT_THAT(progress->ByRun()[0], ElementsAre("+ c", "- c"));
 }
 
-TEST(Progress, TellsRunsApartThatAreUnderWayAtOnce) {
+TEST(Progress, SeparatesRunsThatAreUnderWayAtOnce) {
   const ProgressRecording progress;
   const auto work = [](const std::string& name, int files) {
     const RunScope run(RunKind::FileInventory);
@@ -65,7 +56,6 @@ TEST(Progress, TellsRunsApartThatAreUnderWayAtOnce) {
               ElementsAre("run begins", "+ outer", "- outer", "run ends, files: 0"));
 }
 
-/// Throws whatever it is called for.
 struct Thrower : IProgressListener {
   void RunBegun(const RunInfo&) override { throw std::runtime_error("first"); }
   void RunEnded(const RunInfo&) override { throw 7; }
@@ -101,48 +91,6 @@ TEST(Progress, AListenerThatThrowsIsLoggedOnceAndTheWorkGoesOn) {
   EXPECT_THAT(log.Texts(3), ElementsAre(line, line));
   EXPECT_EQ(log.Lines().size(), 2u);
   EXPECT_EQ(GetProgressListener(), nullptr);
-}
-
-/// Fails one kind of step.
-struct StepsPipeline : IFilePipeline {
-  bool Compress(const Path&, const Path&) override { return failing != DocumentStep::COMPRESS; }
-  bool Encrypt(const Path&, const Path&) override { return failing != DocumentStep::ENCRYPT; }
-  bool Copy(const Path&, const Path&) override { return failing != DocumentStep::COPY; }
-  bool MoveToOutbox(const Path&, const boost::optional<bool>&) override {
-    return failing != DocumentStep::MOVE;
-  }
-  int failing = -1;
-};
-
-TEST(Progress, EachStepOfADocumentIsReportedWithWhatCameOfIt) {
-  using Steps = std::vector<std::pair<DocumentStep::Kind, bool>>;
-  struct Keeper : IProgressListener {
-    void DocumentStepDone(const RunInfo&, const DocumentStep& step) override {
-      steps.emplace_back(step.kind, step.done);
-      last = step;
-    }
-    Steps steps;
-    boost::optional<DocumentStep> last;
-  };
-  const auto pipeline = std::make_shared<StepsPipeline>();
-  SetFilePipeline(pipeline);
-  for (const auto failing : {DocumentStep::COPY, DocumentStep::COMPRESS, DocumentStep::ENCRYPT,
-                             DocumentStep::MOVE, DocumentStep::WRITE}) {
-    pipeline->failing = failing;
-    const auto keeper = std::make_shared<Keeper>();
-    const ProgressListenerScope scope(keeper);
-    const Steps returned = {{DocumentStep::COPY, CopyFileToDestination("a", "b")},
-                            {DocumentStep::COMPRESS, CompressFile("a", "b")},
-                            {DocumentStep::ENCRYPT, AgentEncryptFile("a", "b")},
-                            {DocumentStep::MOVE, MoveToOutbox("work/a", true)}};
-    EXPECT_EQ(keeper->steps, returned);
-    for (const auto& [kind, done] : returned) EXPECT_EQ(done, kind != failing);
-    EXPECT_EQ(keeper->last->source, "work/a");
-    EXPECT_EQ(keeper->last->target.filename(), "a");
-    EXPECT_EQ(keeper->last->target.parent_path().filename(), "outbox");
-    EXPECT_EQ(keeper->last->incremental, boost::optional<bool>(true));
-  }
-  SetFilePipeline(nullptr);
 }
 
 }  // namespace

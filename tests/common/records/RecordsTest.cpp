@@ -8,7 +8,6 @@
 #include "common/records/SetupInfo.h"
 #include "common/records/SoftwareRegisteredInfo.h"
 #include "support/RecordSuite.h"
-#include "support/Surroundings.h"
 
 namespace tests {
 

@@ -1,10 +1,8 @@
 #include "common/rest/RemoteTaskDownloader.h"
 
-#include <sstream>
-
 #include "common/rest/PendingTasks.h"
-#include "support/Cases.h"
 #include "support/FakeHost.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -18,7 +16,7 @@ std::string TextOf(const ActionPropertyValue& value) {
     if constexpr (std::is_same_v<Value, wxString>) {
       stream << held.utf8_string();
     } else if constexpr (std::is_same_v<Value, ActionTimePoint>) {
-      stream << std::chrono::system_clock::to_time_t(held);
+      stream << system_clock::to_time_t(held);
     } else if constexpr (!std::is_same_v<Value, AgentConfigurationInfo>) {
       stream << held;
     }
@@ -27,8 +25,9 @@ std::string TextOf(const ActionPropertyValue& value) {
   return stream.str();
 }
 
-/// The tasks, each with its parameters as name=TYPE:value, and then what the server was told.
-std::vector<std::string> Fetched(const Json& answer) {
+/// The tasks, each with its parameters as name=TYPE:value, and then the statuses that the server
+/// got.
+TextList Fetched(const Json& answer) {
   const auto server = std::make_shared<FakeCommunications>();
   if (answer.is_object()) server->answer = answer.dump();
   ActionParameters base;
@@ -39,7 +38,7 @@ std::vector<std::string> Fetched(const Json& answer) {
     if (code < 2000) action.name = "known";
     return action;
   };
-  std::vector<std::string> texts;
+  TextList texts;
   RemoteTaskDownloader downloader(server, PRODUCT_KOB, factory, "agent", &base);
   for (const Schedule& task : downloader.GetSchedules()) {
     std::ostringstream text;
@@ -56,7 +55,7 @@ std::vector<std::string> Fetched(const Json& answer) {
   return texts;
 }
 
-TEST(RemoteTaskDownloader, GivesTheGoodTasksAndTellsTheServerOfTheOthers) {
+TEST(RemoteTaskDownloader, GivesTheGoodTasksAndReportsTheOthers) {
   ExpectRows(DataOf("common/rest/remote-tasks.json"), Fetched);
   const auto taskOf = [](std::size_t length) {
     return Json{{"identifier", std::string(length, 'x')}, {"code", 1}};

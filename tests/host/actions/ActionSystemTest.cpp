@@ -1,16 +1,9 @@
 #include "host/actions/ActionSystem.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <future>
-#include <memory>
-#include <stdexcept>
 
 #include "host/actions/SerialActions.h"
 #include "support/FakeActionClock.h"
-#include "support/LogCapture.h"
 #include "support/Steps.h"
 #include "support/TestDatabase.h"
 
@@ -19,22 +12,16 @@ namespace {
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using std::chrono::seconds;
-using std::chrono::system_clock;
-using testing::Contains;
-using testing::HasSubstr;
 
 constexpr unsigned int CODE = 1036;
 constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
 const std::string KEY = PeriodicKey(CODE);
 
-/// @param next the first time, in seconds after the start
 ActionTiming Timing(long period, long next) {
   return {seconds(period), system_clock::time_point(seconds(START + next))};
 }
 
-/// Work that lasts until it is released.
 class LongWork {
  public:
   void Do() {
@@ -191,7 +178,7 @@ struct Timetable : StepsTest, ActionsUnderTest {
 
 TEST_P(Timetable, IsKeptWhateverHappensToProcessAndClock) { Follow(); }
 
-INSTANTIATE_TEST_SUITE_P(Rows, Timetable, testing::ValuesIn(DataOf("host/actions/timetables.json")),
+INSTANTIATE_TEST_SUITE_P(Rows, Timetable, ValuesIn(DataOf("host/actions/timetables.json")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST_F(ActionSystemTest, ARunIsMarkedInTheStateAsLongAsItLasts) {
@@ -243,7 +230,7 @@ TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue)
   system_->QueueAction(Counting());
   first.WaitForStart();
   auto stopping = std::async(std::launch::async, [&] { system_->Stop(); });
-  EXPECT_EQ(stopping.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  EXPECT_EQ(stopping.wait_for(milliseconds(50)), std::future_status::timeout);
   first.LetGo();
   stopping.wait();
   system_->RunOneShot(CODE, Counting(), seconds(0));
@@ -256,7 +243,7 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   LongWork endless;
   RunOnce([&] { endless.Do(); });
   endless.WaitForStart();
-  EXPECT_FALSE(system_->StopWithin(std::chrono::milliseconds(20)));
+  EXPECT_FALSE(system_->StopWithin(milliseconds(20)));
   system_->RunOneShot(CODE, Counting(), seconds(0));
   ASSERT_EQ(system_->Running().size(), 1u);
   EXPECT_EQ(system_->Running()[0].label, "1036 ACTION_OF_TEST");

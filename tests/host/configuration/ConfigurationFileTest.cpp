@@ -1,20 +1,15 @@
 #include "host/configuration/ConfigurationFile.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "support/Cases.h"
-#include "support/TemporaryFolder.h"
+#include "host/configuration/ManagedPreferences.h"
+#include "platform/MachinePath.h"
+#include "support/PropertyListText.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(ConfigurationFile, ReadsEveryKey) {
   const auto configuration = ParseConfiguration(R"({
@@ -60,6 +55,55 @@ TEST(ConfigurationFile, AFileThatIsTooLargeIsReportedByItsName) {
   WriteFile(folder / "agent.json", std::string(2 << 20, ' '));
   EXPECT_THAT(MessageOf<UsageError>([&] { ReadConfigurationFile(folder / "agent.json"); }),
               HasSubstr("agent.json: it is larger than"));
+}
+
+/// The managed preferences of a machine with nothing else.
+class ManagedPreferences : public testing::Test {
+ protected:
+  ManagedPreferences() {
+    boost::filesystem::create_directories(File().parent_path());
+    Norvik::Platform::SetMachineRoot(folder_.Path().string());
+  }
+  ~ManagedPreferences() override { Norvik::Platform::SetMachineRoot(""); }
+
+  boost::filesystem::path File() const { return folder_ / MANAGED_PREFERENCES; }
+  void Write(const Json& list) const {
+    WriteFile(File(), list.is_string() ? list.get<Bytes>() : PropertyListOf(list));
+  }
+
+  const TemporaryFolder folder_;
+};
+
+TEST_F(ManagedPreferences, AnInvalidValueIsReportedWithItsKeyAndWhatIsExpected) {
+  for (const Json& row : DataOf("host/configuration/managed-preferences.json")["refused"]) {
+    Write(row[0]);
+    const std::string place = "managed preferences " + File().string() + ": ";
+    EXPECT_THAT(MessageOf<std::runtime_error>([&] { MakeConfiguration("{}"); }),
+                StartsWith(place + row[1].get<std::string>()))
+        << row;
+  }
+  boost::filesystem::remove(File());
+  boost::filesystem::create_directory(File());
+  EXPECT_THAT(MessageOf<std::runtime_error>([&] { MakeConfiguration("{}"); }),
+              StartsWith("cannot read the managed preferences " + File().string()));
+}
+
+TEST_F(ManagedPreferences, TheirKeysReplaceThoseOfTheFileAsAWhole) {
+  for (const Json& row : DataOf("host/configuration/managed-preferences.json")["merged"]) {
+    Write(row[0]);
+    const auto [values, sources] = MakeConfiguration(row[1].dump());
+    const CommunicationsInfo& server = values.communications;
+    std::ostringstream kob;
+    kob << *values.kob;
+    Json found = {values.profileId, server.address, server.port, server.certificateFile};
+    Json changed = Json::object();
+    for (const auto& [key, source] : sources) {
+      if (source != FROM_DEFAULT) changed[key] = source;
+    }
+    found.push_back(changed);
+    EXPECT_EQ(found, row[2]) << row;
+    EXPECT_THAT(kob.str(), HasSubstr(row[3].get<std::string>()));
+  }
 }
 
 }  // namespace

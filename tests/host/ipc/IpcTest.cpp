@@ -1,27 +1,17 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
-
-#include <atomic>
 
 #include "host/ipc/AskAgent.h"
 #include "host/ipc/IpcService.h"
 #include "host/ipc/IpcUser.h"
 #include "host/ipc/RateLimit.h"
-#include "support/Cases.h"
 #include "support/LocalClient.h"
-#include "support/LogCapture.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using std::chrono::milliseconds;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 const IPCMessage TRUNCATE{1, 1066, "truncateNetDrivesTable", "x"};
 const IPCMessage REQUEST{1, 1067, "requestNetworkDrives", "requestNetworkDrives"};
@@ -90,7 +80,7 @@ class Ipc : public testing::Test {
     return user;
   }
   std::string Socket() const { return (folder_ / "agent.sock").string(); }
-  std::vector<std::string> Warnings() const { return log_.Texts(Logger::LEVEL_WARNING); }
+  TextList Warnings() const { return log_.Texts(Logger::LEVEL_WARNING); }
   bool HasSessions(std::size_t count) const {
     return Eventually([&] { return service_->GetSessions().size() == count; });
   }
@@ -237,20 +227,20 @@ TEST_F(Ipc, OneAgentServesASocketAndTheSocketOfADeadOneIsReplaced) {
   EXPECT_THROW(IpcService{Socket()}, std::runtime_error);
   EXPECT_EQ(AskAgent(Socket(), "\"x\""), "\"x\" of " + SELF);
   const auto left = folder_ / "left";
-  boost::filesystem::rename(Socket(), left);  // as after a kill, which leaves the socket
+  fs::rename(Socket(), left);  // as after a kill, which leaves the socket
   service_.reset();
-  boost::filesystem::rename(left, Socket());
+  fs::rename(left, Socket());
   EXPECT_THROW(AskAgent(Socket(), "x"), NoAnswer);
   StartService();
   AskAgent(Socket(), "x");
   service_.reset();
-  EXPECT_FALSE(boost::filesystem::exists(Socket()));
+  EXPECT_FALSE(fs::exists(Socket()));
   EXPECT_THROW(IpcService{folder_ / std::string(120, 'x')}, std::runtime_error);
 }
 
 TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
   StartService();
-  boost::filesystem::permissions(folder_.Path(), boost::filesystem::all_all);
+  fs::permissions(folder_.Path(), fs::all_all);
   const bool canChange = ::geteuid() == 0;
   const pid_t child = ::fork();
   if (child == 0) {
@@ -266,17 +256,17 @@ TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
   const std::string refusal = "The process of user 65534, process " + std::to_string(child) +
                               " sent a request, which only root and the user of the service may; "
                               "the connection is closed";
-  const std::vector<std::string> refusals(canChange ? 1 : 0, refusal);
+  const TextList refusals(canChange ? 1 : 0, refusal);
   // The connection ends shortly before the log says why.
   EXPECT_TRUE(Eventually([&] { return Warnings() == refusals; })) << Warnings().size();
 }
 
 TEST(RateLimit, TheFirstRefusalOfEachSpanIsMarked) {
   using Verdict = RateLimit::Verdict;
-  RateLimit limit(2, std::chrono::seconds(60));
+  RateLimit limit(2, seconds(60));
   std::string seen;
   for (const int second : {0, 10, 20, 30, 59, 60, 61, 62, 63, 200}) {
-    const auto verdict = limit.Ask(RateLimit::TimePoint(std::chrono::seconds(1000 + second)));
+    const auto verdict = limit.Ask(RateLimit::TimePoint(seconds(1000 + second)));
     seen += verdict == Verdict::ALLOWED ? 'a' : verdict == Verdict::FIRST_REFUSED ? 'F' : 'r';
   }
   EXPECT_EQ(seen, "aaFrraaFra");

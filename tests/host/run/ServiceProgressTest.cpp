@@ -1,19 +1,13 @@
 #include "host/run/ServiceProgress.h"
 
-#include <gmock/gmock.h>
-
-#include <stdexcept>
-
 #include "common/progress/Progress.h"
-#include "support/LogCapture.h"
+#include "support/Test.h"
 
 namespace {
 
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using testing::ElementsAre;
-using testing::MatchesRegex;
 
 OrderedJson WithoutTimes(OrderedJson runs) {
   for (auto& run : runs) run.erase("since");

@@ -1,20 +1,13 @@
 #include "host/server/ServerLink.h"
 
-#include <gmock/gmock.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cstdlib>
 #include <future>
 
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "host/server/ManagementServer.h"
+#include "platform/SystemChanges.h"
 #include "support/FakeActionClock.h"
-#include "support/LogCapture.h"
 #include "support/Steps.h"
-#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -22,22 +15,17 @@ using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
 using namespace std::chrono_literals;
-using testing::AllOf, testing::ElementsAre, testing::Ge, testing::HasSubstr, testing::Le;
-using testing::SizeIs;
 using State = ManagementServer::State;
 
 constexpr long START = 1'767'225'600;
-std::atomic<int> syncs{0};  ///< in this process
 
-}  // namespace
-
-/// The dynamic linker prefers this one to the system's, for the libraries of this program too.
-extern "C" int fsync(int file) {
-  ++syncs;
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
-
-namespace {
+struct SyncCount final : Norvik::Platform::RealSystemChanges {
+  int Sync(int descriptor) override {
+    ++syncs;
+    return RealSystemChanges::Sync(descriptor);
+  }
+  int syncs = 0;
+};
 
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
@@ -47,13 +35,11 @@ TaskResponseInfo StatusOf(const std::string& requestId) {
   return status;
 }
 
-/// The first bytes of a sealed file.
 const std::string SEAL = "NRVKSEAL\x01";
 
 /// A server, and the agent's side of the connection to it, with an outbox of two kinds of files.
 struct DeliverySetup {
-  explicit DeliverySetup(const boost::filesystem::path& certificate = {},
-                         const boost::filesystem::path& key = {})
+  explicit DeliverySetup(const fs::path& certificate = {}, const fs::path& key = {})
       : server(certificate, key) {
     options.address = "127.0.0.1";
     options.port = static_cast<std::uint16_t>(server.Port());
@@ -64,12 +50,12 @@ struct DeliverySetup {
     options.limits.request = 300ms;
     options.limits.answerBytes = 10'000;
     options.clock = clock;
-    boost::filesystem::create_directory(options.outbox);
+    fs::create_directory(options.outbox);
     Restart();
   }
   void Restart() {
     options.identity = std::make_shared<AgentIdentity>(folder / "identity.json");
-    queue = std::make_shared<StatusQueue>(folder / "statuses.jsonl");
+    queue = std::make_shared<StatusQueue>(folder / "statuses.jsonl", clock);
     const auto session = std::make_shared<ServerSession>(options, stopped);
     delivery = std::make_unique<Delivery>(options, session, queue, stopped);
   }
@@ -85,7 +71,6 @@ struct DeliverySetup {
     if (next == Delivery::TimePoint::max()) return -1;
     return std::chrono::duration<double>(next - clock->Steady()).count();
   }
-  /// The original names of the files.
   std::multiset<std::string> Waiting() const {
     std::multiset<std::string> names;
     for (const auto& name : FilesBelow(options.outbox)) {
@@ -120,7 +105,7 @@ class Deliveries : public StepsTest, public DeliverySetup {
     Verb("status", &DeliverySetup::Report);
     Verb("restart", &DeliverySetup::Restart);
     Verb("server", &DeliverySetup::Break);
-    Verb("pass", [this](long time) { clock->Move(std::chrono::seconds(time)); });
+    Verb("pass", [this](long time) { clock->Move(seconds(time)); });
     Verb("set clock", [this](long time) { clock->SetTimeOfDay(START + time); });
     Verb("next round in",
          [this](double least, double most) { EXPECT_THAT(Round(), AllOf(Ge(least), Le(most))); });
@@ -137,7 +122,7 @@ class Deliveries : public StepsTest, public DeliverySetup {
 
 TEST_P(Deliveries, SendWhatWaitsAndLoseNothing) { Follow(); }
 
-INSTANTIATE_TEST_SUITE_P(Rows, Deliveries, testing::ValuesIn(Cases("deliveries")),
+INSTANTIATE_TEST_SUITE_P(Rows, Deliveries, ValuesIn(Cases("deliveries")),
                          [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST(Delivery, LosesNothingToABadServerAndReportsItInOneLine) {
@@ -209,10 +194,13 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
   });
   const auto link = std::make_shared<ServerLink>(setup.options);
   ProcessMessageRequest request;
+  request.message = wxString::FromUTF8("ü\"");
   ProcessMessageResponse response;
   ASSERT_TRUE(link->ProcessMessage(request, response));
   EXPECT_EQ(response.result, 3u);
   EXPECT_EQ(response.message, "{\"available\":true}");
+  setup.server.Set([](State& state) { state.answers["messages"] = R"({"result": "much"})"; });
+  EXPECT_FALSE(link->ProcessMessage(request, response));
 
   RemoteTaskDownloader downloader(link, PRODUCT_KOB, {}, "agent", nullptr);
   link->ReportTaskStatus(StatusOf("r"));
@@ -225,10 +213,10 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
   EXPECT_THAT(log.Texts(3), ElementsAre("The server " + setup.options.Origin() +
                                         " gave no answer to a question: tasks is no list"));
+  const std::string message = R"(messages {"code":0,"message":"ü\"","subcode":0})";
   const std::string tasks = R"(tasks {"agentIdentifier":"agent","product":1})";
   EXPECT_THAT(setup.server.Requests(),
-              ElementsAre("enrol", R"(messages {"code":0,"message":"","subcode":0})", "statuses 7",
-                          tasks, tasks));
+              ElementsAre("enrol", message, message, "statuses 7", tasks, tasks));
 }
 
 TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
@@ -263,21 +251,24 @@ TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
 TEST(StatusQueue, OutlivesAnyEndOfTheProcessAndIsBounded) {
   const TemporaryFolder folder;
   const auto file = folder / "statuses.jsonl";
-  const int before = syncs;
-  StatusQueue(file).Add(StatusOf("a"));
-  EXPECT_EQ(syncs, before + 1);
+  const auto clock = std::make_shared<FakeActionClock>(START);
+  const auto count = std::make_shared<SyncCount>();
+  Norvik::Platform::SetSystemChanges(count);
+  StatusQueue(file, clock).Add(StatusOf("a"));
+  Norvik::Platform::SetSystemChanges(nullptr);
+  EXPECT_EQ(count->syncs, 1);
   WriteFile(file, ContentOf(file) + "{\"id\": \"cut");
   const LogCapture log;
-  StatusQueue(file, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));
+  StatusQueue(file, clock, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));
   EXPECT_THAT(log.Texts(3), SizeIs(1)) << "the line that was cut";
-  StatusQueue queue(file, 2);
+  StatusQueue queue(file, clock, 2);
   queue.Add(StatusOf("c"));
   EXPECT_THAT(log.Texts(2), SizeIs(1)) << "the oldest is dropped";
   EXPECT_FALSE(queue.DropThrough("unknown"));
   EXPECT_TRUE(queue.DropThrough(queue.First(5).at(0).id));
-  const auto left = StatusQueue(file, 2).First(5);
+  const auto left = StatusQueue(file, clock, 2).First(5);
   ASSERT_THAT(left, SizeIs(1));
-  EXPECT_THAT(left[0].json, HasSubstr(R"("requestId":"c")"));
+  EXPECT_THAT(left[0].json, HasSubstr(R"("time":1767225600,"requestId":"c")"));
 }
 
 }  // namespace

@@ -1,22 +1,15 @@
 #include "module/Actions/KOBActions.h"
 
-#include <gmock/gmock.h>
-
 #include <boost/algorithm/string/replace.hpp>
-#include <chrono>
 
 #include "common/database/DataBase.h"
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
-using std::chrono::milliseconds;
-using std::chrono::system_clock;
-using TextList = std::vector<std::string>;
 
 /// An instance of `KOBActions` with a fixed clock; the module supplies the actions that it starts.
 class KOBActionsTest : public testing::Test {
@@ -40,7 +33,7 @@ TEST_F(KOBActionsTest, AChangeStartsAnInventoryNoOftenerThanThePeriod) {
     KOBDataSourceV2::updateInventoryChangedPeriod(row.value("period", 3600U));
     Common::V2::DataBase::SetDataTable("KOB_INVENTORY", last);
     for (const std::string kind : {"Hardware", "Software"}) {
-      SCOPED_TRACE(testing::Message() << row["name"] << ": " << kind);
+      SCOPED_TRACE(Message() << row["name"] << ": " << kind);
       host.actions->Forget();
       handlers.at(kind == "Hardware" ? 32022 : 32023)(none);
       EXPECT_EQ(Json(host.actions->Texts()), row.value("started", Json::array()));

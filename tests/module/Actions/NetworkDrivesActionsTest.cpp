@@ -1,21 +1,13 @@
 #include "module/Actions/NetworkDrivesActions.h"
 
-#include <gmock/gmock.h>
-
-#include <stdexcept>
-
 #include "common/text/Text.h"
 #include "module/ModuleUnderTest.h"
 #include "module/NetworkDrivesHandler/TextArchive.h"
-#include "support/Cases.h"
-#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
-using namespace testing;
 using namespace Tests;
-using TextList = std::vector<std::string>;
 using Messages = decltype(FakeCommunications::sent);
 using Drives = std::vector<NetworkDriveInfo>;
 
@@ -89,6 +81,7 @@ TEST(NetworkDrivesActions, AnArchiveThatDoesNotParseStoresNothing) {
   NetworkDriveInfo drive = Drive("unit", "//server/path", "server");
   drive.id = 18446744073709551615U;
   const std::string whole = Serialize(drive);
+  EXPECT_THAT(whole, EndsWith(" 18446744073709551615 4 unit 13 //server/path 6 server\n"));
   EXPECT_EQ(Deserialize<NetworkDriveInfo>(whole).id, drive.id);
   TextList archives = {"garbage", "22 serialization::archive 99 0 0 1 0  0  0 ",
                        "22 serialization::archive 19 0 9 1 0  0  0 "};

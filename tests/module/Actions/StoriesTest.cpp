@@ -1,7 +1,4 @@
-#include <gmock/gmock.h>
-
 #include <boost/core/demangle.hpp>
-#include <thread>
 
 #include "common/database/DataBase.h"
 #include "common/text/Text.h"
@@ -9,18 +6,13 @@
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
-#include "support/Files.h"
 #include "support/ProgressRecorder.h"
-#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
 using Common::V2::DataBase;
-using std::chrono::system_clock;
-using TextList = std::vector<std::string>;
 
 /// A fault during a step; it ends with the object.
 using Fault = std::shared_ptr<void>;
@@ -74,7 +66,6 @@ std::string ValueText(const Common::ActionPropertyValue& value) {
   return boost::apply_visitor(text, value);
 }
 
-/// The started actions with their parameters.
 TextList StartedBy(const FakeActionSystem& actions) {
   TextList texts = actions.Texts();
   for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -164,7 +155,6 @@ class Story {
     module_->Run(step["run"], ParametersOf(PartOf(step, "with")));
   }
 
-  /// Sets the answer of the server to a request about the survey.
   void Answer(const std::string& message) {
     host_.communications->answer = Json{{"result", 0}, {"message", message}}.dump();
   }
@@ -357,8 +347,7 @@ TEST_P(Stories, HaveTheExpectedOutcome) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Stories, testing::ValuesIn(CasesIn("module/Actions/stories")),
-                         CaseName());
+INSTANTIATE_TEST_SUITE_P(Cases, Stories, ValuesIn(CasesIn("module/Actions/stories")), CaseName());
 
 }  // namespace
 }  // namespace Norvik::KOB

@@ -1,5 +1,3 @@
-#include <boost/archive/text_iarchive.hpp>
-#include <boost/archive/text_oarchive.hpp>
 #include <boost/property_tree/ptree.hpp>
 
 #include "module/Entities/InventoryKOBInfo.h"
@@ -111,24 +109,6 @@ TEST(LocalUserInfoTest, TheContainerItselfIsNull) {
   LocalUserInfo users;
   users.users.resize(1);
   EXPECT_TRUE(json::JSON(users).IsNull());
-}
-
-TEST(NetworkDriveInfoTest, AnArchiveCarriesTheFourFieldsInOrder) {
-  NetworkDriveInfo drive;
-  drive.id = 18446744073709551615u;
-  drive.unit = "Z:";
-  drive.path = "//server/share one";
-  drive.server = "server";
-  std::stringstream stream;
-  boost::archive::text_oarchive(stream, boost::archive::no_header)
-      << static_cast<const NetworkDriveInfo&>(drive);
-  EXPECT_EQ(stream.str(), "0 0 18446744073709551615 2 Z: 18 //server/share one 6 server\n");
-  NetworkDriveInfo loaded;
-  boost::archive::text_iarchive(stream, boost::archive::no_header) >> loaded;
-  EXPECT_EQ(loaded.id, drive.id);
-  EXPECT_TRUE(loaded == drive);
-  // Neither documents nor comparisons know the id.
-  EXPECT_TRUE(ReadBack<NetworkDriveInfo>(JsonText(drive)) == drive);
 }
 
 TEST(SharedResourceInfoTest, PermissionsAreRequiredButMayBeNull) {

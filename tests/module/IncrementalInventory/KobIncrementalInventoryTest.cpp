@@ -1,11 +1,9 @@
 #include "module/IncrementalInventory/KobIncrementalInventory.h"
 
 #include <boost/property_tree/ptree.hpp>
-#include <sstream>
 
 #include "module/IncrementalInventory/Entities/IncrementalInventoryKOBInfo.h"
 #include "module/Inventories.h"
-#include "support/Cases.h"
 
 namespace Norvik::KOB {
 namespace {

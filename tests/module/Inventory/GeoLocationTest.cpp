@@ -1,15 +1,7 @@
 #include "module/Inventory/GeoLocation.h"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <stdexcept>
-#include <string>
-#include <thread>
-
 #include "module/Inventory/GeoLocationCommon.h"
-#include "platform/WaitClock.h"
-#include "support/LogCapture.h"
+#include "support/FakeWaitClock.h"
 #include "support/MacRecording.h"
 
 namespace {
@@ -17,44 +9,27 @@ namespace {
 using namespace Norvik::Tests;
 using namespace Norvik::KOB;
 
-/// A clock that advances only during a wait.
-class DrivenClock : public Norvik::Platform::WaitClock {
- public:
-  explicit DrivenClock(void (*onSleep)()) : onSleep_(onSleep) {}
-  TimePoint Now() override { return TimePoint() + waited.load(); }
-  void SleepFor(std::chrono::milliseconds duration) override {
-    onSleep_();
-    waited = waited.load() + duration;
-  }
-
-  std::atomic<std::chrono::milliseconds> waited{std::chrono::milliseconds(0)};
-
- private:
-  void (*const onSleep_)();
-};
-
-const std::map<std::string, void (*)()> EVENTS = {
-    {"nothing", [] {}},
-    {"a delay", [] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); }},
-    {"a fault", [] { throw std::runtime_error("no time"); }}};
+const std::map<std::string, void (*)(std::size_t)> EVENTS = {
+    {"nothing", [](std::size_t) {}},
+    {"a delay", [](std::size_t) { std::this_thread::sleep_for(milliseconds(30)); }},
+    {"a fault", [](std::size_t) { throw std::runtime_error("no time"); }}};
 
 TEST(GeoLocation, AwaitsAPositionForFiveSeconds) {
   for (const Json& row : DataOf("module/Inventory/locations.json")) {
     SCOPED_TRACE(row["name"]);
     MacRecording recording;
     recording.Add("location.json", row["recorded"]).PutInForce();
-    DrivenClock clock(EVENTS.at(row.value("each wait", "nothing")));
-    const Norvik::Platform::WaitClockScope inForce(clock);
+    FakeWaitClock clock;
+    clock.meanwhile = EVENTS.at(row.value("each wait", "nothing"));
     const LogCapture log;
     const bool isImpatient = row.value("impatient", false);
     const GeoLocationPoint point =
-        (isImpatient ? GeoLocationCommon(std::chrono::milliseconds(1)) : GeoLocationCommon())
-            .GetLocation();
+        (isImpatient ? GeoLocationCommon(milliseconds(1)) : GeoLocationCommon()).GetLocation();
     EXPECT_EQ(Json({point.latitude, point.longitude, point.height, point.acceleration}),
               row.value("position", Json({0.0, 0.0, 0.0, 0.0})));
     EXPECT_EQ(point.IsZero(), !row.contains("position"));
     if (!isImpatient) {
-      EXPECT_EQ(clock.waited.load(), std::chrono::seconds(row.value("seconds", 0)));
+      EXPECT_EQ(clock.waited.load(), seconds(row.value("seconds", 0)));
     }
     EXPECT_EQ(Json(log.Texts(2)), row.value("errors", Json::array()));
     EXPECT_EQ(Json(log.Texts(3)), row.value("warnings", Json::array()));

@@ -1,16 +1,9 @@
-#include <gtest/gtest.h>
-#include <time.h>
-
-#include <sstream>
-#include <stdexcept>
-
 #include "module/Inventory/CSharedResourcesSection.h"
 #include "module/Inventory/Edid.h"
 #include "module/Inventory/KeyboardSection.h"
 #include "module/Inventory/NetworkDrivesSection.h"
 #include "module/Inventory/PrintersSection.h"
 #include "support/RecordJson.h"
-#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -31,28 +24,26 @@ std::vector<std::vector<Bytes>> PrintersIn(const Bytes& configuration) {
   return printers;
 }
 
-std::vector<std::string> PrinterP(const Bytes& lines) {
+TextList PrinterP(const Bytes& lines) {
   const Json printer = PrintersIn("<Printer p>\n" + lines + "\n</Printer>\n").at(0);
   return {printer[1], printer[2], printer[4]};
 }
 
-/// The last driver name in the description.
 std::string DriverNameIn(const Bytes& description) {
   std::istringstream stream(description);
   return std::string(ReadDriverName(stream).utf8_str());
 }
 
-/// Description and path of a share with these properties.
-std::vector<std::string> ShareWith(const Bytes& properties) {
+TextList ShareWith(const Bytes& properties) {
   const Json share = JsonOf(ReadShares("s\n\n", [&](const std::string&) { return properties; }));
   EXPECT_EQ(share.size(), 1u);
   return {share[0]["description"], share[0]["path"]};
 }
 
 std::string DateOf(const std::string& text) {
-  const auto seconds = static_cast<::time_t>(static_cast<std::uint32_t>(getDate(text)));
+  const auto time = static_cast<::time_t>(static_cast<std::uint32_t>(getDate(text)));
   char day[16];
-  ::strftime(day, sizeof(day), "%Y-%m-%d", ::gmtime(&seconds));
+  ::strftime(day, sizeof(day), "%Y-%m-%d", ::gmtime(&time));
   return day;
 }
 
@@ -62,8 +53,8 @@ Json KindAndText(const std::string& text) {
 }
 
 /// Name and serial number of a display with these texts, where the digits are its serial number.
-std::vector<std::string> NameAndSerial(const std::vector<std::pair<int, std::string>>& texts,
-                                       const std::string& digits) {
+TextList NameAndSerial(const std::vector<std::pair<int, std::string>>& texts,
+                       const std::string& digits) {
   std::vector<Descriptor> descriptors;
   for (const auto& [kind, text] : texts) descriptors.push_back({kind, text});
   return {getName(descriptors), getSerial(descriptors, digits)};

@@ -1,26 +1,14 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <boost/algorithm/string/replace.hpp>
-#include <boost/filesystem/operations.hpp>
-#include <functional>
 
-#include "support/Cases.h"
-#include "support/LogCapture.h"
-#include "support/Surroundings.h"
-#include "support/TemporaryFolder.h"
+#include "support/Test.h"
 
 namespace Norvik::KOB::V2 {
 namespace {
 
-namespace fs = boost::filesystem;
 using namespace Tests;
-using namespace testing;
 
-/// A folder and its scan.
 struct FileWalk {
   FileWalk() {
     config[ExcludePath];
@@ -39,8 +27,8 @@ struct FileWalk {
     return harvester.GetBuffer().GetBufferFile();
   }
   /// Paths of the files that the scan keeps, relative to the root.
-  std::vector<std::string> Names() {
-    std::vector<std::string> names;
+  TextList Names() {
+    TextList names;
     for (const auto& file : Scan()) {
       names.push_back(file.absolutePath.substr(root.size() + 1));
       const fs::path parent = fs::path(file.absolutePath).parent_path();
@@ -58,7 +46,6 @@ struct FileWalk {
 
 struct FileHarvesterTest : testing::Test, FileWalk {};
 
-/// In a row, "$" stands for the scanned folder.
 TEST(FileHarvester, KeepsFilesByTheirNamesTheirPlacesAndItsConfiguration) {
   const std::map<std::string, ConfigScan> sets = {
       {"excluded folders", ExcludePath}, {"excluded files", ExcludeFile}, {"roots", IncludePath}};
@@ -130,7 +117,6 @@ TEST_F(FileHarvesterTest, APipeIsKeptWithoutASize) {
                                         (root / "pipe.txt").string()));
 }
 
-/// Calls a function after each log line.
 struct ListeningLogger final : Common::Logger {
   explicit ListeningLogger(std::function<void(const std::string& text)> listener)
       : listen(std::move(listener)) {}

@@ -1,36 +1,33 @@
 #include "module/RUD/RudPrinterV2.h"
 
-#include <gmock/gmock.h>
 #include <soci/error.h>
 
-#include <boost/filesystem/operations.hpp>
-#include <functional>
 #include <regex>
 
 #include "common/identification/HostInfoProvider.h"
 #include "module/RUD/ScannedFiles.h"
-#include "platform/WaitClock.h"
-#include "support/Cases.h"
 #include "support/FakeHost.h"
-#include "support/Files.h"
-#include "support/Surroundings.h"
+#include "support/FakeWaitClock.h"
+#include "support/SchemaCheck.h"
 
 namespace Norvik::KOB::V2 {
 namespace {
 
 using namespace Tests;
-using namespace testing;
 
 class RudPrinterTest : public testing::Test {
  protected:
-  /// The document with 0 as the time of its creation.
   std::string Print(bool incremental) {
     const auto result = RudPrinter::GenerateJSON("guid \"1\"", incremental);
     EXPECT_EQ(result.extension(), ".jsonrud");
     EXPECT_THAT(NamesIn(host.Work()), ElementsAre(result.filename().string()));
-    EXPECT_TRUE(Common::MoveToOutbox(boost::filesystem::path(result), boost::none));
-    return std::regex_replace(host.DeliveredDocument(), std::regex("\"assetDate\":[0-9]{13}"),
-                              "\"assetDate\":0");
+    EXPECT_TRUE(Common::MoveToOutbox(fs::path(result), boost::none));
+    return host.DeliveredDocument();
+  }
+  /// The document with 0 as the time of its creation.
+  std::string PrintUndated(bool incremental) {
+    const std::regex time("\"assetDate\":[0-9]{13}");
+    return std::regex_replace(Print(incremental), time, "\"assetDate\":0");
   }
   FakeHost host;
 };
@@ -45,13 +42,13 @@ TEST_F(RudPrinterTest, ATotalDocumentHoldsEveryFileInRunsOfItsFolder) {
             {"four", 4000, 0, "/a", blank},
             {"five", 5000, 0, "/c", versions}},
            false);
-  EXPECT_EQ(Print(false), DataOf("module/RUD/documents.json")["total"].dump());
+  EXPECT_EQ(PrintUndated(false), DataOf("module/RUD/documents.json")["total"].dump());
 }
 
 TEST_F(RudPrinterTest, AnIncrementalDocumentHoldsNewThenRemovedThenModifiedFiles) {
   SaveScan({{"removed"}, {"modified"}, {"same"}}, false);
   SaveScan({{"modified", 2000}, {"same"}, {"new"}}, true);
-  EXPECT_EQ(Print(true), DataOf("module/RUD/documents.json")["incremental"].dump());
+  EXPECT_EQ(PrintUndated(true), DataOf("module/RUD/documents.json")["incremental"].dump());
 }
 
 TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
@@ -80,49 +77,38 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   EXPECT_THAT(host.log.Texts(3), AllOf(SizeIs(5), Each("RUD incremental empty. Without changes.")));
 }
 
-/// Records each wait instead of sleeping, and calls a function.
-struct Sleeper final : Platform::WaitClock {
-  void SleepFor(std::chrono::milliseconds duration) override {
-    seconds.push_back(duration / std::chrono::seconds(1));
-    meanwhile(seconds.size());
-  }
-  std::vector<std::int64_t> seconds;
-  std::function<void(std::size_t wait)> meanwhile = [](std::size_t) {};
-};
-
 /// Throws from the place where the store logs its error.
 struct Leak final : Common::Logger {
   void Log(Level level, const std::string& text, const char*, int, const char*) override {
     if (text.rfind("Error GetLastInventory", 0) == 0) throw soci::soci_error("held");
     if (level == LEVEL_ERROR) errors.push_back(text);
   }
-  std::vector<std::string> errors;
+  TextList errors;
 };
 
 TEST_F(RudPrinterTest, WaitsForTheDatabaseEverLongerAndForAFileWithoutEnd) {
-  Sleeper clock;
-  const Platform::WaitClockScope inForce(clock);
+  FakeWaitClock clock;
   SaveScan({{"one"}}, false);
   const auto base = host.Work() / (Common::HostInfoProvider::GetHostName() + ".rud");
   host.pipeline->beforeStep = [&](const std::string& step) {
     if (step != "encrypt") return;
-    boost::filesystem::remove(base);
-    boost::filesystem::create_directories(base / "busy");
+    fs::remove(base);
+    fs::create_directories(base / "busy");
   };
   clock.meanwhile = [&](std::size_t wait) {
-    if (wait == 60) boost::filesystem::remove(base / "busy");
+    if (wait == 60) fs::remove(base / "busy");
   };
   Print(false);
-  EXPECT_THAT(clock.seconds, AllOf(SizeIs(60), Each(5)));
+  EXPECT_THAT(clock.waits, AllOf(SizeIs(60), Each(seconds(5))));
   EXPECT_EQ(host.log.Texts(3).back(), "Try [61]. Success. Remove file " + base.string());
 
-  clock.seconds.clear();
+  clock.waits.clear();
   TestDatabase::Run("drop table RUD2_FILE_COMPANY");
   const LogCapture restored;
   const auto leak = std::make_shared<Leak>();
   Common::Logger::SetInstance(leak);
   EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
-  EXPECT_THAT(clock.seconds, AllOf(SizeIs(50), Contains(500), Contains(25000)));
+  EXPECT_THAT(clock.waits, AllOf(SizeIs(50), Contains(seconds(500)), Contains(seconds(25000))));
   EXPECT_THAT(leak->errors, ElementsAre("Creating JSOn of RUD - held"));
 }
 
@@ -139,6 +125,63 @@ TEST_F(RudPrinterTest, AFailedStepLeavesNoReadableFileAndIsLoggedOnly) {
     RudPrinter::GenerateJSON("g", false);
   }
   EXPECT_THAT(NamesIn(host.Work()), IsEmpty());
+}
+
+using Lines = std::set<std::string>;
+constexpr char SCHEMA[] = "file-inventory";
+
+class FileSchemaTest : public RudPrinterTest {
+ protected:
+  static ScannedFile Detailed(const std::string& name, const std::string& text) {
+    return {name, 1000, 0, "/it's", RudFileDetails{text, text, text, text, text}, true};
+  }
+  std::string Total() {
+    SaveScan({Detailed("all", "text"), Detailed("blank", " "), {"plain", 0}, {"odd", -1}}, false);
+    return Print(false);
+  }
+
+  SchemaCheck check;
+};
+
+TEST_F(FileSchemaTest, AllowsWhatThePrinterMakesAndHasNoPropertyThatOccursInNone) {
+  check.Add(SCHEMA, "total", Total());
+  SaveScan({Detailed("new", "text"), {"plain"}, {"odd", -1}}, true);
+  check.Add(SCHEMA, "incremental", Print(true));
+  EXPECT_EQ(check.Problems("--cover --annotations"), Lines());
+}
+
+TEST_F(FileSchemaTest, RefusesWhatNoDocumentMayHold) {
+  const PlainJson total = PlainJson::parse(Total());
+  const PlainJson rows = DataOf("module/RUD/refusals.json");
+  for (const auto& row : rows) {
+    PlainJson document = total;
+    document[PlainJson::json_pointer(row[1])] = row[2];
+    check.Add(SCHEMA, row[0], document.dump());
+  }
+  const Lines problems = check.Problems();
+  for (const auto& row : rows) {
+    const std::string expected =
+        SCHEMA + ("/" + row[0].get<std::string>()) + row[3].get<std::string>();
+    const auto found = problems.lower_bound(expected);
+    EXPECT_TRUE(found != problems.end() && found->rfind(expected, 0) == 0) << expected;
+  }
+}
+
+/// Every key is required, except those that only some files have.
+TEST_F(FileSchemaTest, RefusesAnObjectWithoutOneOfItsKeys) {
+  const PlainJson total = PlainJson::parse(Total());
+  Lines expected;
+  for (const std::string place : {"", "/device", "/paths/0", "/paths/0/files/0"}) {
+    for (const auto& [key, value] : total[PlainJson::json_pointer(place)].items()) {
+      if (key == "detail" || key == "executable" || key == "lastMod") continue;
+      PlainJson document = total;
+      document[PlainJson::json_pointer(place)].erase(key);
+      check.Add(SCHEMA, key, document.dump());
+      expected.insert(std::string(SCHEMA) + "/" + key + "#" + place + ": '" + key +
+                      "' is a required property");
+    }
+  }
+  EXPECT_EQ(check.Problems(), expected);
 }
 
 }  // namespace

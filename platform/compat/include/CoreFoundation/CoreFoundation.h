@@ -23,6 +23,8 @@ typedef CFIndex CFURLPathStyle;
 typedef const void* CFTypeRef;
 typedef CFTypeRef CFPropertyListRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFArray* CFArrayRef;
+typedef const struct __CFBoolean* CFBooleanRef;
 typedef const struct __CFData* CFDataRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
 typedef struct __CFDictionary* CFMutableDictionaryRef;
@@ -30,6 +32,8 @@ typedef struct __CFError* CFErrorRef;
 typedef const struct __CFNumber* CFNumberRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFURL* CFURLRef;
+
+typedef void (*CFDictionaryApplierFunction)(const void* key, const void* value, void* context);
 
 enum { kCFStringEncodingUTF8 = 0x08000100 };
 enum { kCFNumberSInt64Type = 4 };
@@ -42,6 +46,8 @@ CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 
+CFTypeID CFArrayGetTypeID(void);
+CFTypeID CFBooleanGetTypeID(void);
 CFTypeID CFDataGetTypeID(void);
 CFTypeID CFDictionaryGetTypeID(void);
 CFTypeID CFNumberGetTypeID(void);
@@ -58,6 +64,13 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
 
 /// False if the value does not fit into the type; the nearest one is stored then.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+Boolean CFNumberIsFloatType(CFNumberRef number);
+
+Boolean CFBooleanGetValue(CFBooleanRef boolean);
+
+CFIndex CFArrayGetCount(CFArrayRef array);
+/// The array owns the value.
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
@@ -66,6 +79,9 @@ CFIndex CFDataGetLength(CFDataRef data);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 /// Null if the key is missing. The dictionary owns the value.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
+/// Calls the function for each entry. Key and value are valid during the call.
+void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFunction applier,
+                               void* context);
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path,
                                        CFURLPathStyle style, Boolean isFolder);

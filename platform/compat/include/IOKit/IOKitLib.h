@@ -32,14 +32,10 @@ enum { kIORegistryIterateRecursively = 0x00000001 };
 #define kIOServicePlane "IOService"
 #define kIOProviderClassKey "IOProviderClass"
 
-extern const mach_port_t kIOMasterPortDefault;
-
-kern_return_t IOMasterPort(mach_port_t bootstrapPort, mach_port_t* masterPort);
-
 CFMutableDictionaryRef IOServiceMatching(const char* name);
 /// Releases one reference to the matching dictionary, as does the next call.
-io_service_t IOServiceGetMatchingService(mach_port_t masterPort, CFDictionaryRef matching);
-kern_return_t IOServiceGetMatchingServices(mach_port_t masterPort, CFDictionaryRef matching,
+io_service_t IOServiceGetMatchingService(mach_port_t mainPort, CFDictionaryRef matching);
+kern_return_t IOServiceGetMatchingServices(mach_port_t mainPort, CFDictionaryRef matching,
                                            io_iterator_t* existing);
 
 io_object_t IOIteratorNext(io_iterator_t iterator);

@@ -1,17 +1,12 @@
 #include "module/Actions/Mac/AdministeredMachine.h"
 
-#include <algorithm>
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <cerrno>
-#include <fstream>
-#include <sstream>
-#include <utility>
 
 #include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
 #include "platform/compat/SentAppleEvents.h"
-#include "support/Files.h"
 
 namespace Norvik::Tests {
 

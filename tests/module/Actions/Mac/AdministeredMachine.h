@@ -1,17 +1,9 @@
 #pragma once
 
-#include <gmock/gmock.h>
-
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "module/ModuleUnderTest.h"
 #include "platform/RecordedMachine.h"
 #include "platform/Rehearsal.h"
 #include "platform/SystemChanges.h"
-#include "support/TemporaryFolder.h"
 
 namespace Norvik::Tests {
 
@@ -37,7 +29,6 @@ class AdministeredMachine : public testing::Test {
   AdministeredMachine();
   ~AdministeredMachine() override;
 
-  /// Creates missing parent folders.
   void AddFile(const std::string& path, const std::string& content = "");
   /// Adds a shell script in which $M is the machine's folder.
   void AddTool(const std::string& path, const std::string& script);

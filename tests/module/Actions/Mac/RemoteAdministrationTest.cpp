@@ -1,18 +1,11 @@
 #include "module/Actions/Mac/RemoteAdministration.h"
 
-#include <signal.h>
-#include <sys/stat.h>
 #include <sys/utsname.h>
-#include <unistd.h>
 #include <utmp.h>
 #include <utmpx.h>
 
-#include <algorithm>
-#include <atomic>
 #include <boost/variant/get.hpp>
-#include <chrono>
 #include <future>
-#include <thread>
 
 #include "module/Actions/Mac/AdministeredMachine.h"
 #include "module/Actions/Mac/ToolText.h"
@@ -20,16 +13,13 @@
 #include "platform/LoginRecords.h"
 #include "platform/compat/SentAppleEvents.h"
 #include "support/BackgroundProcess.h"
-#include "support/Files.h"
 #include "support/RecordFiller.h"
-#include "support/Surroundings.h"
 
 namespace Norvik::KOB {
 namespace {
 
 using namespace Tests;
 using namespace std::string_literals;
-namespace fs = boost::filesystem;
 using RemoteAdministrationTest = AdministeredMachine;
 
 constexpr unsigned int ALL[] = {1011, 1013, 1012, 1002, 1003, 1000, 1019, 1020, 1015, 1016, 1017,
@@ -59,9 +49,29 @@ std::string Login(short type, int id, const std::string& line, const std::string
   return std::string(reinterpret_cast<const char*>(&entry), sizeof(entry));
 }
 
-TEST_F(RemoteAdministrationTest, WhatIsRefusedOrLacksAParameterDoesNothing) {
-  RunRequests("refused.txt");
+class RemoteAdministrationRequests : public AdministeredMachine,
+                                     public testing::WithParamInterface<Json> {};
+
+TEST_P(RemoteAdministrationRequests, HaveTheirOutcomeAndTheSameInARehearsal) {
+  const Json& row = GetParam();
+  for (const auto& [path, content] : PartOf(row, "files").items()) AddFile(path, content);
+  for (const auto& [path, script] : PartOf(row, "tools").items()) AddTool(path, script);
+  for (const auto& [path, script] : PartOf(row, "recorded tools").items()) {
+    AddRecordedTool(path, script);
+  }
+  const tests::CommaLocale comma;
+  RunRequests(row["requests"]);
+  for (const std::string line : PartOf(row, "logs")) {
+    EXPECT_TRUE(host.log.Holds(line[0] - '0', line.substr(2))) << line;
+  }
+  if (row.contains("left")) {
+    EXPECT_EQ(Json(FilesBelow(folder / "root")), row["left"]);
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, RemoteAdministrationRequests,
+                         ValuesIn(DataOf("module/Actions/Mac/requests/machines.json")),
+                         [](const auto& row) -> std::string { return row.param["name"]; });
 
 TEST_F(RemoteAdministrationTest, ParametersOfAnyKindAreSurvived) {
   const auto tryAll = [&](const Common::ActionParameters& parameters) {
@@ -115,24 +125,11 @@ TEST_F(RemoteAdministrationTest, ARehearsalDoesNothingWhateverIsAsked) {
   }
   EXPECT_EQ(FilesBelow(folder.Path()), files);
   EXPECT_EQ(FilesBelow(host.Folder()), documents);
-  EXPECT_THAT(changes->made, testing::Each(testing::EndsWith(" 0")));
+  EXPECT_THAT(changes->made, Each(EndsWith(" 0")));
   EXPECT_TRUE(Platform::TakeSentAppleEvents().empty());
   std::set<int> kinds;
   for (const auto& step : rehearsal.Steps()) kinds.insert(step.kind);
   EXPECT_EQ(kinds.size(), 6U) << "a change of each kind was asked for";
-}
-
-TEST_F(RemoteAdministrationTest, AShareIsGoneWhenNoListingNamesIt) {
-  AddFile("shares", "name:\tbooks\nname:\told books\nname:\tkept\n");
-  AddRecordedTool("bin/sharing",
-                  "case \"$1 $2\" in '-l ') cat \"$M/shares\" ;;\n"
-                  "  '-r locked') echo 'sharing: unable to remove' ;;\n"
-                  "  '-r kept') ;;\n"
-                  "  *) sed -i \"/^name:.$2$/d\" \"$M/shares\" ;;\nesac");
-  RunRequests("shares.txt");
-  EXPECT_TRUE(host.log.Holds(4, "Removing the shared resource: old books"));
-  EXPECT_TRUE(host.log.Holds(
-      4, "The resource was successfully deleted, starting KOB incremental inventory"));
 }
 
 TEST_F(RemoteAdministrationTest, AnAgentIsRemovedOnlyByItsOwnIdentifier) {
@@ -159,23 +156,10 @@ TEST_F(RemoteAdministrationTest, WithoutACheckOnlyDocumentsGo) {
   EXPECT_EQ(NamesIn(host.Work()).size(), 3U);
 }
 
-TEST_F(RemoteAdministrationTest, ServicesAreListedWithoutTheirDescriptionAndControlledByTheShell) {
-  AddFile("root/Library/LaunchDaemons/sample.plist",
-          R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>
-             <key>Label</key><string>org.example.sample</string>
-             <key>Program</key><string>/usr/libexec/sampled</string></dict></plist>)");
-  AddRecordedTool("bin/launchctl", "echo refused; exit 1");
-  RunRequests("services.txt");
-}
-
-TEST_F(RemoteAdministrationTest, ConnectionsAreThoseOfTheInternetSection) {
-  AddTool("root/usr/sbin/netstat", "[ \"$*\" = -aW ] && cat \"$M/input\"");
-  RunRequests("connections.txt");
-  EXPECT_TRUE(host.log.Holds(5, "Error in netstat parser"));
-  EXPECT_TRUE(host.log.Holds(5, "udp4 0 0 *.5353 *.* "));
+TEST(ToolText, ConnectionsOfTextThatIsNoUtf8AreNone) {
   const std::string text = "Active Internet connections (including servers)\n\na b c d e\n";
   EXPECT_EQ(ReadConnections(text).size(), 1U);
-  EXPECT_EQ(ReadConnections(text + "\xFF").size(), 0U) << "not UTF-8";
+  EXPECT_EQ(ReadConnections(text + "\xFF").size(), 0U);
 }
 
 TEST(ToolText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
@@ -190,11 +174,10 @@ TEST(ToolText, AShareIsLeftOutOfAListingThatIsCutAnywhere) {
 TEST_F(RemoteAdministrationTest, AFailureOfTheSiblingAgentIsOnlyLogged) {
   ZebAgentUninstaller().UninstallZebAgent();
   EXPECT_TRUE(host.log.Holds(4, "The ZEB agent is not installed"));
-  boost::filesystem::create_directories(folder / "root/opt/local");
-  boost::filesystem::create_symlink("norvik", folder / "root/opt/local/norvik");
+  fs::create_directories(folder / "root/opt/local");
+  fs::create_symlink("norvik", folder / "root/opt/local/norvik");
   ZebAgentUninstaller().UninstallZebAgent();
-  EXPECT_THAT(host.log.Texts(2),
-              testing::ElementsAre(testing::StartsWith("Failed to uninstall ZEB agent: ")));
+  EXPECT_THAT(host.log.Texts(2), ElementsAre(StartsWith("Failed to uninstall ZEB agent: ")));
 }
 
 TEST_F(RemoteAdministrationTest, FoldersAreListed) {
@@ -210,14 +193,6 @@ TEST_F(RemoteAdministrationTest, FoldersAreListed) {
   fs::last_write_time(folder / "root/in/café", 1767225600);
   fs::last_write_time(folder / "root/in/.hidden", -1);
   RunRequests("listings.txt");
-}
-
-TEST_F(RemoteAdministrationTest, FilesAreDeletedAndAFailureReportsEachOfThem) {
-  for (const char* name : {"a", "b", "c|d", "quo\"te '\n"}) AddFile(std::string("root/x/") + name);
-  fs::create_directories(folder / "root/x/empty");
-  AddFile("root/full/a");
-  RunRequests("deletions.txt");
-  EXPECT_EQ(FilesBelow(folder / "root"), std::set<std::string>{"full/a"});
 }
 
 TEST_F(RemoteAdministrationTest, FilesOfAnExtensionAreRemovedFromTheUsersFolders) {
@@ -250,32 +225,14 @@ TEST(ToolText, TheProcessorShareIsTheLineAfterTheHeading) {
   EXPECT_EQ(PercentText(1, 0), "0");
 }
 
-TEST_F(RemoteAdministrationTest, ProcessesAreListedAndUnknownFactsAreMarked) {
-  AddFile("processes.json",
-          R"([{"pid": 1, "name": "init-like", "path": "/sbin/init-like", "footprint": 4096},
-              {"pid": 0, "name": "kernel"}, {"pid": 1077}])");
-  AddTool("root/bin/ps", "[ \"$*\" = '-o %cpu -p 1' ] && printf '%%CPU\\n  1.5\\n'");
-  const tests::CommaLocale comma;
-  RunRequests("processes.txt");
-  EXPECT_TRUE(host.log.Holds(5, "PID 1077: could not read memory via proc_pid_rusage"));
-}
-
 TEST_F(RemoteAdministrationTest, ARealProcessIsListedAndKilled) {
   BackgroundProcess sleeper({"/bin/sleep", "60"}, folder / "output");
   const std::string id = std::to_string(sleeper.Id());
   changes->killable = sleeper.Id();
-  EXPECT_THAT(
-      Request(1011),
-      testing::Contains(testing::MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
+  EXPECT_THAT(Request(1011),
+              Contains(MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
   EXPECT_EQ(Request(1012, {{"id", id}}), Lines{"kill " + id + " 9"});
   EXPECT_EQ(sleeper.Wait(), 128 + SIGKILL);
-}
-
-TEST_F(RemoteAdministrationTest, ProgramsRunByTheirTypeAndSoftwareIsRemovedByThem) {
-  AddRecordedTool("bin/setup", "exit $1");
-  RunRequests("programs.txt");
-  EXPECT_TRUE(host.log.Holds(5, "There are missing parameters"));
-  EXPECT_TRUE(host.log.Holds(4, "Execution Result:3"));
 }
 
 TEST_F(RemoteAdministrationTest, TwoRemovalsOfSoftwareRunOneAfterTheOther) {
@@ -315,7 +272,7 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   {
     Platform::LoginRecords other;
     second = std::async(std::launch::async, [&] { return Request(1024); });
-    EXPECT_EQ(second.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    EXPECT_EQ(second.wait_for(milliseconds(20)), std::future_status::timeout);
     for (int left = 4; left > 0; --left) EXPECT_NE(other.Next(), nullptr) << left;
   }
   EXPECT_EQ(second.get(), expected) << "after another walk";

@@ -19,20 +19,10 @@ TEST_F(UnixPrintersTest, AQueueIsAWholeLine) {
   }
 }
 
-TEST_F(UnixPrintersTest, APrinterIsRemovedAndAnInventoryFollows) {
-  AddFile("queues", "device for Laser_2: ipp://192.0.2.9/q\ndevice for stuck: usb://x\n");
-  AddTool("bin/lpstat", "[ \"$1\" = -v ] && cat \"$M/queues\"");
-  AddRecordedTool("bin/lpadmin", "[ \"$2\" = stuck ] || sed -i \"/for $2:/d\" \"$M/queues\"");
-  RunRequests("printers.txt");
-  EXPECT_TRUE(host.log.Holds(4, "Removing printer Laser_2."));
-  EXPECT_TRUE(
-      host.log.Holds(4, "Printer removed successfully, starting KOB incremental inventory"));
-}
-
 TEST_F(UnixPrintersTest, AQueueOfARealServerIsRemovedUnlessTheServerRefuses) {
   // The recorded machine finds its tools in bin/.
-  boost::filesystem::create_directory(folder / "bin");
-  boost::filesystem::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");
+  fs::create_directory(folder / "bin");
+  fs::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");
   {
     const PrintServer server(true);
     ASSERT_TRUE(server.IsRunning());

@@ -1,13 +1,8 @@
 #include "module/RUD/Data/RudDataSourceV2.h"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-
 #include "module/RUD/Data/RudSentences.h"
 #include "module/RUD/ScannedFiles.h"
-#include "support/LogCapture.h"
-#include "support/Surroundings.h"
+#include "support/Test.h"
 #include "support/TestDatabase.h"
 
 namespace Norvik::KOB::V2 {
@@ -16,10 +11,9 @@ namespace {
 using namespace Tests;
 using Common::V2::DataBaseRow;
 using Common::V2::DataBaseRows;
-using namespace testing;
 
-std::vector<std::string> NamesOf(const DataBaseRows& rows) {
-  std::vector<std::string> names;
+TextList NamesOf(const DataBaseRows& rows) {
+  TextList names;
   for (const auto& row : rows) names.push_back(boost::get<std::string>(row.at(2)));
   return names;
 }
