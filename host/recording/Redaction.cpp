@@ -123,18 +123,18 @@ class Redaction {
     constexpr std::uint32_t LEAST = 1000;
     const std::uint32_t number = NumberOf(serial);
     const std::uint32_t reversed = NumberOf(Reversed(serial));
-    if (number < LEAST || reversed < LEAST || displays_.count(serial) != 0) return;
+    if (number < LEAST || displays_.count(serial) != 0) return;
     const std::string digits = std::to_string(number);
     const std::string otherDigits = std::to_string(reversed);
     for (int attempt = 0; attempt < 100'000; ++attempt) {
-      std::string bytes(serial.size(), '\0');
-      ::randombytes_buf(bytes.data(), bytes.size());
+      std::string bytes = serial;
+      for (char& c : bytes) c = c == 0 ? c : static_cast<char>(1 + ::randombytes_uniform(255));
       const std::string to = std::to_string(NumberOf(bytes));
       const std::string otherTo = std::to_string(NumberOf(Reversed(bytes)));
       const bool isSigned = (bytes[0] ^ serial[0]) < 0;
       if (isSigned || to.size() != digits.size() || otherTo.size() != otherDigits.size()) continue;
       replacements.AddNumber(digits, to);
-      replacements.AddNumber(otherDigits, otherTo);
+      if (reversed >= LEAST) replacements.AddNumber(otherDigits, otherTo);
       displays_[serial] = bytes;
       return;
     }

@@ -61,6 +61,16 @@ std::string Grouped(const std::string& digits, const std::vector<std::size_t>& l
   return boost::join(groups, separator);
 }
 
+/// An address of the link layer without leading zeros in its parts.
+std::string ShortMac(const std::string& digits) {
+  std::string text;
+  for (std::size_t at = 0; at < digits.size(); at += 2) {
+    text += (at == 0 ? "" : ":") +
+            digits.substr(digits[at] == '0' ? at + 1 : at, digits[at] == '0' ? 1 : 2);
+  }
+  return text;
+}
+
 /// As a binary property list stores a text that is not ASCII; empty beyond the basic plane.
 std::string Utf16Of(const std::string& utf8) {
   std::string wide;
@@ -183,6 +193,7 @@ void Replacements::AddHex(const std::string& text) {
   add({from.size()}, "");
   if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, ":");
   if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, "-");
+  if (from.size() == MAC_DIGITS) AddPattern(ShortMac(from), ShortMac(to), Edge::ADDRESS);
   if (from.size() == UUID_DIGITS) add({8, 4, 4, 4, 12}, "-");
   const std::string bytes = boost::algorithm::unhex(from);
   const std::string newBytes = boost::algorithm::unhex(to);

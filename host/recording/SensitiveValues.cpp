@@ -65,10 +65,11 @@ void AddName(const std::string& name, Replacements& replacements) {
 
 /// A host, or what comes after "host:/", which is left out.
 void AddHost(const std::string& text, Replacements& replacements) {
+  replacements.AddAddress(text);
+  if (std::count(text.begin(), text.end(), ':') > 1) return;
   const std::string host = text.substr(0, text.find_first_of(":/"));
   const std::string first = host.substr(0, host.find('.'));
   const bool isNumber = first.find_first_not_of("0123456789") == std::string::npos;
-  replacements.AddAddress(text);
   replacements.AddAddress(host);
   if (isNumber || IsCommonName(first)) return;
   // The first label alone is the name that tools print.
@@ -83,6 +84,8 @@ bool LooksLikeSerial(const std::string& value) {
   // Texts in place of a number, as "None" or "To be filled", have no digit or are words.
   const bool hasDigit = value.find_first_of("0123456789") != std::string::npos;
   const bool isZero = value.find_first_not_of("0x") == std::string::npos;
+  // What the collector gives for each number of a display that is too large.
+  if (value == "2147483647") return false;
   const bool isOne = value.find_first_of(" \t<>{}()\"") == std::string::npos;
   return value.size() >= 4 && isOne && !isZero && (hasDigit || value.size() >= 8);
 }
@@ -141,6 +144,16 @@ void AddHexForms(const std::string& text, Replacements& replacements) {
   }
 }
 
+/// An address of the link layer whose parts have no leading zero, as in a table of routes.
+void AddShortMac(const std::string& word, Replacements& replacements) {
+  std::string digits;
+  for (const auto& part : WordsIn(word, ":")) {
+    if (part.empty() || part.size() > 2) return;
+    digits += part.size() == 1 ? "0" + part : part;
+  }
+  if (digits.find('.') == std::string::npos) replacements.AddHex(digits);
+}
+
 /// Words of the characters that network addresses are made of.
 void AddNetworkAddresses(const std::string& text, Replacements& replacements) {
   const auto belongs = [](char c) { return IsHexDigit(c) || c == ':' || c == '.'; };
@@ -157,6 +170,7 @@ void AddNetworkAddresses(const std::string& text, Replacements& replacements) {
     } else if (std::count(word.begin(), word.end(), ':') >= 2) {
       replacements.AddAddress(word);
     }
+    if (std::count(word.begin(), word.end(), ':') == 5) AddShortMac(word, replacements);
   }
 }
 
@@ -173,7 +187,8 @@ bool IsSensitiveKey(const std::string& lower) {
 
 void AddKeyed(const std::string& key, const std::string& value, Replacements& replacements) {
   const std::string lower = boost::to_lower_copy(key, std::locale::classic());
-  if (IsSensitiveKey(lower) && LooksLikeSerial(value)) replacements.AddText(value);
+  const bool hasDigit = value.find_first_of("0123456789") != std::string::npos;
+  if (IsSensitiveKey(lower) && hasDigit && LooksLikeSerial(value)) replacements.AddText(value);
 }
 
 /// The text between two others, after a position that is moved past it; empty if it is not there.
@@ -214,7 +229,7 @@ void AddValuesOfLines(const std::string& text, Replacements& replacements) {
     if (separator == std::string::npos) continue;
     std::string value = line.substr(separator + 1);
     boost::trim_if(value, boost::is_any_of(" \t\r\";,"));
-    AddKeyed(line.substr(0, separator), value.substr(0, value.find('&')), replacements);
+    AddKeyed(line.substr(0, separator), value.substr(0, value.find_first_of("&<")), replacements);
   }
 }
 
