@@ -93,7 +93,7 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
   agent.logListener = [&](const LogLine& line) {
     if (line.level != Common::Logger::LEVEL_ERROR) return;
     const std::lock_guard<std::mutex> lock(mutex);
-    failures.push_back("the inventory failed: " + Common::OnOneLine(line.text));
+    failures.push_back("the inventory reports: " + Common::OnOneLine(line.text));
   };
   {
     const WorkingFolder working(dataFolder);
@@ -104,6 +104,7 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
       // The host has logged it.
     }
   }
+  if (!fs::exists(dataFolder / "previous")) return {};
   for (const auto& entry : fs::directory_iterator(dataFolder / "previous")) {
     fs::ifstream stream(entry.path(), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
