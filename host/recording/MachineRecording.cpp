@@ -106,8 +106,8 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
     }
   }
   if (!fs::exists(dataFolder / "previous")) return {};
-  failures.clear();
   for (const auto& entry : fs::directory_iterator(dataFolder / "previous")) {
+    failures.clear();
     fs::ifstream stream(entry.path(), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
