@@ -82,7 +82,8 @@ class ToolScope {
   const std::shared_ptr<Platform::SystemChanges> before_;
 };
 
-/// Returns the document, which is empty if the inventory failed: `failures` then has why.
+/// Returns the document, which is empty if the inventory failed: `failures` then has why, and is
+/// empty otherwise.
 std::string TakeInventory(const RecordingOptions& options, const fs::path& dataFolder,
                           std::vector<std::string>& failures) {
   AgentOptions agent;
@@ -93,7 +94,7 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
   agent.logListener = [&](const LogLine& line) {
     if (line.level != Common::Logger::LEVEL_ERROR) return;
     const std::lock_guard<std::mutex> lock(mutex);
-    failures.push_back("the inventory reports: " + Common::OnOneLine(line.text));
+    failures.push_back("the inventory failed: " + Common::OnOneLine(line.text));
   };
   {
     const WorkingFolder working(dataFolder);
@@ -106,6 +107,7 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
   }
   if (!fs::exists(dataFolder / "previous")) return {};
   for (const auto& entry : fs::directory_iterator(dataFolder / "previous")) {
+    failures.clear();
     fs::ifstream stream(entry.path(), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
