@@ -82,7 +82,8 @@ class ToolScope {
   const std::shared_ptr<Platform::SystemChanges> before_;
 };
 
-/// Returns the document, which is empty if the inventory failed: `failures` then has why.
+/// Returns the document, which is empty if the inventory failed: `failures` then has why, and is
+/// empty otherwise.
 std::string TakeInventory(const RecordingOptions& options, const fs::path& dataFolder,
                           std::vector<std::string>& failures) {
   AgentOptions agent;
@@ -104,7 +105,9 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
       // The host has logged it.
     }
   }
+  if (!fs::exists(dataFolder / "previous")) return {};
   for (const auto& entry : fs::directory_iterator(dataFolder / "previous")) {
+    failures.clear();
     fs::ifstream stream(entry.path(), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }

@@ -3,7 +3,6 @@
 #include <sodium.h>
 
 #include <algorithm>
-#include <boost/algorithm/hex.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdint>
@@ -15,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/recording/EncodedBytes.h"
 #include "host/recording/Replacements.h"
 #include "host/recording/SensitiveValues.h"
 
@@ -29,73 +29,8 @@ constexpr std::string_view EDID_HEADER = "\0\xff\xff\xff\xff\xff\xff\0"sv;
 constexpr std::size_t EDID_BLOCK = 128;
 constexpr std::size_t EDID_SERIAL = 12;
 constexpr std::size_t EDID_EXTENSIONS = 126;
-/// Shorter digits are no bytes of interest.
-constexpr std::size_t LEAST_HEX_DIGITS = 24;
 /// Bytes inside of bytes: a property list in one that holds a display's block.
 constexpr int MAX_DEPTH = 3;
-
-bool IsHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-/// Calls `take` with begin and length of each part of a text that holds encoded bytes.
-using TakePart = std::function<void(std::size_t begin, std::size_t length)>;
-
-void ForEachHexPart(const std::string& text, const TakePart& take) {
-  for (auto at = text.begin(); at != text.end();) {
-    at = std::find_if(at, text.end(), IsHexDigit);
-    const auto end = std::find_if_not(at, text.end(), IsHexDigit);
-    const auto begin = static_cast<std::size_t>(at - text.begin());
-    const auto length = static_cast<std::size_t>(end - at);
-    at = end;
-    if (length >= LEAST_HEX_DIGITS && length % 2 == 0) take(begin, length);
-  }
-}
-
-void ForEachDataPart(const std::string& text, const TakePart& take) {
-  static constexpr std::string_view BEGIN = "<data>";
-  for (auto at = text.find(BEGIN); at != std::string::npos; at = text.find(BEGIN, at)) {
-    at += BEGIN.size();
-    const auto end = text.find("</data>", at);
-    if (end == std::string::npos) return;
-    take(at, end - at);
-  }
-}
-
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-
-/// Empty for a part that is not valid Base64.
-std::string FromBase64(const std::string& text) {
-  std::string bytes(text.size(), '\0');
-  std::size_t length = 0;
-  const int failure =
-      ::sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), text.data(),
-                          text.size(), " \t\r\n", &length, nullptr, sodium_base64_VARIANT_ORIGINAL);
-  bytes.resize(failure == 0 ? length : 0);
-  return bytes;
-}
-
-/// The Base64 of as many bytes as the text has, with the white space of the text.
-std::string ToBase64(const std::string& bytes, std::string text) {
-  std::string encoded(sodium_base64_ENCODED_LEN(bytes.size(), sodium_base64_VARIANT_ORIGINAL),
-                      '\0');
-  ::sodium_bin2base64(encoded.data(), encoded.size(),
-                      reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
-                      sodium_base64_VARIANT_ORIGINAL);
-  auto next = encoded.begin();
-  for (char& c : text) {
-    if (!IsBlank(c) && next != encoded.end()) c = *next++;
-  }
-  return text;
-}
-
-std::string FromHex(const std::string& digits) { return boost::algorithm::unhex(digits); }
-
-std::string ToHex(const std::string& bytes, const std::string& digits) {
-  const bool isUpper =
-      std::any_of(digits.begin(), digits.end(), [](char c) { return c >= 'A' && c <= 'F'; });
-  return isUpper ? boost::algorithm::hex(bytes) : boost::algorithm::hex_lower(bytes);
-}
 
 /// Calls `take` with the place of each valid block of a display, extensions included. A block of
 /// extensions has another beginning.
@@ -188,18 +123,18 @@ class Redaction {
     constexpr std::uint32_t LEAST = 1000;
     const std::uint32_t number = NumberOf(serial);
     const std::uint32_t reversed = NumberOf(Reversed(serial));
-    if (number < LEAST || reversed < LEAST || displays_.count(serial) != 0) return;
+    if (number < LEAST || displays_.count(serial) != 0) return;
     const std::string digits = std::to_string(number);
     const std::string otherDigits = std::to_string(reversed);
     for (int attempt = 0; attempt < 100'000; ++attempt) {
-      std::string bytes(serial.size(), '\0');
-      ::randombytes_buf(bytes.data(), bytes.size());
+      std::string bytes = serial;
+      for (char& c : bytes) c = c == 0 ? c : static_cast<char>(1 + ::randombytes_uniform(255));
       const std::string to = std::to_string(NumberOf(bytes));
       const std::string otherTo = std::to_string(NumberOf(Reversed(bytes)));
       const bool isSigned = (bytes[0] ^ serial[0]) < 0;
       if (isSigned || to.size() != digits.size() || otherTo.size() != otherDigits.size()) continue;
       replacements.AddNumber(digits, to);
-      replacements.AddNumber(otherDigits, otherTo);
+      if (reversed >= LEAST) replacements.AddNumber(otherDigits, otherTo);
       displays_[serial] = bytes;
       return;
     }

@@ -61,6 +61,16 @@ std::string Grouped(const std::string& digits, const std::vector<std::size_t>& l
   return boost::join(groups, separator);
 }
 
+/// An address of the link layer without leading zeros in its parts.
+std::string ShortMac(const std::string& digits) {
+  std::string text;
+  for (std::size_t at = 0; at < digits.size(); at += 2) {
+    text += (at == 0 ? "" : ":") +
+            digits.substr(digits[at] == '0' ? at + 1 : at, digits[at] == '0' ? 1 : 2);
+  }
+  return text;
+}
+
 /// As a binary property list stores a text that is not ASCII; empty beyond the basic plane.
 std::string Utf16Of(const std::string& utf8) {
   std::string wide;
@@ -87,6 +97,22 @@ std::string XmlOf(const std::string& text) {
     escaped += c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '>' ? "&gt;" : std::string(1, c);
   }
   return escaped;
+}
+
+/// A part of an IPv4 address with this number of digits.
+std::string OtherNumber(std::size_t digits) {
+  const std::uint32_t least = digits == 1 ? 1 : digits == 2 ? 10 : 100;
+  const std::uint32_t count = digits == 1 ? 9 : digits == 2 ? 90 : 100;
+  return std::to_string(least + ::randombytes_uniform(count));
+}
+
+/// A group of an IPv6 address, whose zeros stay.
+std::string OtherGroup(std::string group) {
+  for (char& c : group) {
+    if (IsDigit(c) && c != '0') c = RandomFrom('1', 9);
+    if (IsLower(c)) c = RandomFrom('a', 6);
+  }
+  return group;
 }
 
 /// A UUID's bytes as SMBIOS has them: the first three fields with the low byte first.
@@ -156,7 +182,9 @@ void Replacements::AddHex(const std::string& text) {
   const bool isHex = from.find_first_not_of("0123456789abcdef") == std::string::npos;
   // One digit all over is what machines have that were given no value.
   const bool isFilled = from.find_first_not_of(from.substr(0, 1)) == std::string::npos;
-  if (!isHex || isFilled || from.size() < MAC_DIGITS || from.size() % 2 != 0) return;
+  if (isFilled) return;
+  // A short identifier, as that of a volume, is a text.
+  if (!isHex || from.size() < MAC_DIGITS || from.size() % 2 != 0) return AddText(text);
   if (!known_.insert(from).second) return;
   const std::string to = Substitute(from, true);
   const auto add = [&](const std::vector<std::size_t>& lengths, const char* separator) {
@@ -165,6 +193,7 @@ void Replacements::AddHex(const std::string& text) {
   add({from.size()}, "");
   if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, ":");
   if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, "-");
+  if (from.size() == MAC_DIGITS) AddPattern(ShortMac(from), ShortMac(to), Edge::ADDRESS);
   if (from.size() == UUID_DIGITS) add({8, 4, 4, 4, 12}, "-");
   const std::string bytes = boost::algorithm::unhex(from);
   const std::string newBytes = boost::algorithm::unhex(to);
@@ -176,16 +205,12 @@ void Replacements::AddHex(const std::string& text) {
 std::string Replacements::SubstitutePart(const std::string& before, const std::string& part) {
   const auto [place, isNew] = parts_.emplace(before + part, part);
   if (!isNew) return place->second;
-  const bool isNumber = before.find(':') == std::string::npos;
-  for (int attempt = 0; attempt < 1000 && place->second == part; ++attempt) {
-    std::string candidate = part;
-    for (char& c : candidate) {
-      if (IsDigit(c) && c != '0') c = RandomFrom('1', 9);
-      if (IsLower(c)) c = RandomFrom('a', 6);
-    }
-    // Three digits of an IPv4 address are at most 255.
-    if (isNumber && part.size() == 3) candidate[0] = '1';
-    if (used_.insert(before + candidate).second) place->second = candidate;
+  for (int attempt = 0; attempt < 1000; ++attempt) {
+    const bool isIpv4 = before.find(':') == std::string::npos;
+    const std::string to = isIpv4 ? OtherNumber(part.size()) : OtherGroup(part);
+    if (to == part || !used_.insert(before + to).second) continue;
+    place->second = to;
+    break;
   }
   return place->second;
 }

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "common/identification/HostInfoProvider.h"
+#include "host/recording/EncodedBytes.h"
 
 namespace Norvik::Host {
 
@@ -20,7 +21,7 @@ namespace {
 
 using nlohmann::json;
 
-enum class Kind { TEXT, NAME, HOST, HEX, ADDRESS };
+enum class Kind { SERIAL, NAME, HOST, HEX, ADDRESS };
 
 struct SensitiveKey {
   std::string_view section;  ///< of the document; empty: any
@@ -29,10 +30,10 @@ struct SensitiveKey {
 };
 
 constexpr SensitiveKey DOCUMENT_KEYS[] = {
-    {"", "serial", Kind::TEXT},         {"", "serialNumber", Kind::TEXT},
-    {"", "assetTag", Kind::TEXT},       {"device", "name", Kind::HOST},
+    {"", "serial", Kind::SERIAL},       {"", "serialNumber", Kind::SERIAL},
+    {"", "assetTag", Kind::SERIAL},     {"device", "name", Kind::HOST},
     {"device", "alias", Kind::HOST},    {"device", "domain", Kind::HOST},
-    {"device", "userName", Kind::NAME}, {"device", "workGroup", Kind::TEXT},
+    {"device", "userName", Kind::NAME}, {"device", "workGroup", Kind::NAME},
     {"", "server", Kind::HOST},         {"", "uuid", Kind::HEX},
     {"", "macAddress", Kind::HEX},      {"", "address", Kind::ADDRESS},
     {"", "gateways", Kind::ADDRESS},    {"", "dnsServers", Kind::ADDRESS},
@@ -62,28 +63,43 @@ void AddName(const std::string& name, Replacements& replacements) {
   }
 }
 
+/// A host, or what comes after "host:/", which is left out.
 void AddHost(const std::string& text, Replacements& replacements) {
-  const std::string host = boost::trim_copy(text);
-  replacements.AddAddress(host);
+  replacements.AddAddress(text);
+  if (std::count(text.begin(), text.end(), ':') > 1) return;
+  const std::string host = text.substr(0, text.find_first_of(":/"));
   const std::string first = host.substr(0, host.find('.'));
   const bool isNumber = first.find_first_not_of("0123456789") == std::string::npos;
+  replacements.AddAddress(host);
   if (isNumber || IsCommonName(first)) return;
   // The first label alone is the name that tools print.
   replacements.AddText(first);
-  const std::string rest = host.substr(std::min(host.size(), first.size() + 1));
-  for (const auto& label : WordsIn(rest, ".")) {
-    const bool isTopLevel = boost::ends_with(host, "." + label);
-    if (!isTopLevel && !IsCommonName(label)) replacements.AddText(label);
+  const auto labels = WordsIn(host, ".");
+  for (std::size_t at = 1; at + 1 < labels.size(); ++at) {
+    if (!IsCommonName(labels[at])) replacements.AddText(labels[at]);
   }
+}
+
+bool LooksLikeSerial(const std::string& value) {
+  // Texts in place of a number, as "None" or "To be filled", have no digit or are words.
+  const bool hasDigit = value.find_first_of("0123456789") != std::string::npos;
+  const bool isZero = value.find_first_not_of("0x") == std::string::npos;
+  // What the collector gives for each number of a display that is too large.
+  if (value == "2147483647") return false;
+  const bool isOne = value.find_first_of(" \t<>{}()\"") == std::string::npos;
+  return value.size() >= 4 && isOne && !isZero && (hasDigit || value.size() >= 8);
 }
 
 void Add(Kind kind, const std::string& text, Replacements& replacements) {
   const std::string value = boost::trim_copy(text);
-  if (kind == Kind::TEXT && !IsCommonName(value)) replacements.AddText(value);
+  if (kind == Kind::SERIAL && LooksLikeSerial(value)) replacements.AddText(value);
   if (kind == Kind::NAME) AddName(value, replacements);
-  if (kind == Kind::HOST) AddHost(value, replacements);
   if (kind == Kind::HEX) replacements.AddHex(value);
   if (kind == Kind::ADDRESS) replacements.AddAddress(value);
+  if (kind != Kind::HOST) return;
+  // Of a network volume without a host the whole source is given; domains are one on a line.
+  if (value.find(' ') != std::string::npos) return;
+  for (const auto& host : WordsIn(value, "\n")) AddHost(host, replacements);
 }
 
 void AddTexts(Kind kind, const json& node, Replacements& replacements) {
@@ -106,30 +122,55 @@ void AddSection(const std::string& section, const json& node, Replacements& repl
   }
 }
 
-bool IsHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+/// Whether a text has hexadecimal digits where the form has "x", and otherwise the form's own
+/// characters, and no digit around them.
+bool HasForm(const std::string& text, std::size_t at, std::string_view form) {
+  if (at + form.size() > text.size() || (at > 0 && IsHexDigit(text[at - 1]))) return false;
+  for (std::size_t next = 0; next < form.size(); ++next) {
+    const char c = text[at + next];
+    if (form[next] == 'x' ? !IsHexDigit(c) : c != form[next]) return false;
+  }
+  return at + form.size() == text.size() || !IsHexDigit(text[at + form.size()]);
 }
 
-/// Words of the characters that addresses and UUIDs are made of.
-void AddFormedValues(const std::string& text, Replacements& replacements) {
-  const auto belongs = [](char c) { return IsHexDigit(c) || c == ':' || c == '-' || c == '.'; };
+void AddHexForms(const std::string& text, Replacements& replacements) {
+  static constexpr std::string_view FORMS[] = {"xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx",
+                                               "xx:xx:xx:xx:xx:xx", "xx-xx-xx-xx-xx-xx"};
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (!IsHexDigit(text[at])) continue;
+    for (const std::string_view form : FORMS) {
+      if (HasForm(text, at, form)) replacements.AddHex(text.substr(at, form.size()));
+    }
+  }
+}
+
+/// An address of the link layer whose parts have no leading zero, as in a table of routes.
+void AddShortMac(const std::string& word, Replacements& replacements) {
+  std::string digits;
+  for (const auto& part : WordsIn(word, ":")) {
+    if (part.empty() || part.size() > 2) return;
+    digits += part.size() == 1 ? "0" + part : part;
+  }
+  if (digits.find('.') == std::string::npos) replacements.AddHex(digits);
+}
+
+/// Words of the characters that network addresses are made of.
+void AddNetworkAddresses(const std::string& text, Replacements& replacements) {
+  const auto belongs = [](char c) { return IsHexDigit(c) || c == ':' || c == '.'; };
   for (auto at = text.begin(); at != text.end();) {
     at = std::find_if(at, text.end(), belongs);
     const auto end = std::find_if_not(at, text.end(), belongs);
-    std::string word(at, end);
+    const std::string word = boost::trim_right_copy_if(std::string(at, end), boost::is_any_of("."));
     at = end;
-    boost::trim_right_if(word, boost::is_any_of(".-"));
-    const auto count = [&](char c) { return std::count(word.begin(), word.end(), c); };
-    const bool isUuid = word.size() == 36 && count('-') == 4 && word[8] == '-' && word[23] == '-';
-    const bool isMac = word.size() == 17 && (count(':') == 5 || count('-') == 5);
-    if (isUuid || isMac) {
-      replacements.AddHex(word);
-    } else if (count('.') == 3 && word != Common::GetAgentVersion()) {
-      // A port may follow.
-      replacements.AddAddress(word.substr(0, word.find(':')));
-    } else if (count(':') >= 2) {
+    // A port may follow an IPv4 address.
+    const std::string address = word.substr(0, word.find(':'));
+    if (std::count(address.begin(), address.end(), '.') == 3 &&
+        address != Common::GetAgentVersion()) {
+      replacements.AddAddress(address);
+    } else if (std::count(word.begin(), word.end(), ':') >= 2) {
       replacements.AddAddress(word);
     }
+    if (std::count(word.begin(), word.end(), ':') == 5) AddShortMac(word, replacements);
   }
 }
 
@@ -140,57 +181,78 @@ bool HasSecretKey(const std::string& key) {
                      [&](std::string_view word) { return key.find(word) != std::string::npos; });
 }
 
-/// Serial numbers have digits, other texts after such a key mostly not.
-bool LooksLikeSerial(const std::string& value) {
-  return value.size() >= 4 && value.find_first_of("123456789") != std::string::npos &&
-         value.find_first_of(" <>{}()\"") == std::string::npos;
+bool IsSensitiveKey(const std::string& lower) {
+  return lower.find("serial") != std::string::npos || HasSecretKey(lower);
 }
 
 void AddKeyed(const std::string& key, const std::string& value, Replacements& replacements) {
   const std::string lower = boost::to_lower_copy(key, std::locale::classic());
-  const bool isSerial = lower.find("serial") != std::string::npos && LooksLikeSerial(value);
-  if (isSerial || (HasSecretKey(lower))) {
-    replacements.AddText(value);
+  const bool hasDigit = value.find_first_of("0123456789") != std::string::npos;
+  if (IsSensitiveKey(lower) && hasDigit && LooksLikeSerial(value)) replacements.AddText(value);
+}
+
+/// The text between two others, after a position that is moved past it; empty if it is not there.
+std::string Between(const std::string& text, std::string_view begin, std::string_view end,
+                    std::size_t& at) {
+  const auto first = text.find(begin, at);
+  const auto last = first == std::string::npos ? first : text.find(end, first + begin.size());
+  at = last == std::string::npos ? last : last + end.size();
+  if (at == std::string::npos) return {};
+  return text.substr(first + begin.size(), last - first - begin.size());
+}
+
+/// In XML: a text, or the bytes of a data element.
+void AddValuesOfKeys(const std::string& text, Replacements& replacements) {
+  for (std::size_t at = 0; at != std::string::npos;) {
+    const std::string key = Between(text, "<key>", "</key>", at);
+    if (at == std::string::npos) return;
+    const std::size_t value = text.find_first_not_of(" \t\r\n", at);
+    if (value == std::string::npos) return;
+    std::size_t end = value;
+    if (text.compare(value, 8, "<string>") == 0) {
+      AddKeyed(key, Between(text, "<string>", "</string>", end), replacements);
+    } else if (text.compare(value, 6, "<data>") == 0 &&
+               IsSensitiveKey(boost::to_lower_copy(key, std::locale::classic()))) {
+      const std::string bytes = FromBase64(Between(text, "<data>", "</data>", end));
+      replacements.AddHex(ToHex(bytes, ""));
+    }
   }
 }
 
-std::string Between(const std::string& text, const char* begin, const char* end) {
-  const auto first = text.find(begin);
-  if (first == std::string::npos) return {};
-  const auto start = first + std::string_view(begin).size();
-  const auto last = text.find(end, start);
-  return last == std::string::npos ? std::string() : text.substr(start, last - start);
-}
-
-/// Values after a key: in XML on the line after it, otherwise after ":" or "=" or, in a URI, up to
-/// its next parameter.
-void AddKeyedValues(const std::string& text, Replacements& replacements) {
+/// In other texts: after ":" or "=", in a URI up to its next parameter.
+void AddValuesOfLines(const std::string& text, Replacements& replacements) {
   std::istringstream stream(text);
-  std::string key;
   for (std::string line; std::getline(stream, line);) {
-    if (!key.empty()) AddKeyed(key, Between(line, "<string>", "</string>"), replacements);
-    key = Between(line, "<key>", "</key>");
-    if (!key.empty()) AddKeyed(key, Between(line, "<string>", "</string>"), replacements);
     // In a URI other separators come before the key.
     const auto word = line.find("erial");
     const auto separator = line.find_first_of(":=", word == std::string::npos ? 0 : word);
     if (separator == std::string::npos) continue;
     std::string value = line.substr(separator + 1);
     boost::trim_if(value, boost::is_any_of(" \t\r\";,"));
-    AddKeyed(line.substr(0, separator), value.substr(0, value.find('&')), replacements);
+    AddKeyed(line.substr(0, separator), value.substr(0, value.find_first_of("&<")), replacements);
   }
 }
 
-/// "//user:password@host:port/..."
+bool IsHostScheme(const std::string& text, std::size_t end) {
+  static constexpr std::string_view SCHEMES[] = {
+      "ipp:", "ipps:", "socket:", "lpd:", "smb:", "afp:", "nfs:", "cifs:"};
+  return std::any_of(std::begin(SCHEMES), std::end(SCHEMES), [&](std::string_view scheme) {
+    return end >= scheme.size() && text.compare(end - scheme.size(), scheme.size(), scheme) == 0;
+  });
+}
+
+/// "//user:password@host:port/...", and without a user after certain schemes only.
 void AddUris(const std::string& text, Replacements& replacements) {
   for (auto at = text.find("//"); at != std::string::npos; at = text.find("//", at)) {
+    const bool namesHost = IsHostScheme(text, at);
     at += 2;
     const auto end = text.find_first_of("/ \t\r\n\"'<>?;", at);
     const std::string authority = text.substr(at, end - at);
     const auto sign = authority.rfind('@');
-    if (sign == std::string::npos) continue;
-    for (const auto& part : WordsIn(authority.substr(0, sign), ":;")) AddName(part, replacements);
-    AddHost(authority.substr(sign + 1, authority.find(':', sign) - sign - 1), replacements);
+    if (sign == std::string::npos && !namesHost) continue;
+    const std::string user = sign == std::string::npos ? "" : authority.substr(0, sign);
+    for (const auto& part : WordsIn(user, ":;")) AddName(part, replacements);
+    AddHost(authority.substr(sign + 1), replacements);
   }
 }
 
@@ -211,10 +273,13 @@ void ProtectKeys(const std::string& file, const std::string& content, Replacemen
   std::istringstream stream(content);
   for (std::string line; std::getline(stream, line);) {
     // The names of shares are users' own.
-    if (file == "answers.txt")
+    if (file == "answers.txt") {
       keys.insert(line.substr(0, std::min(line.find("/SharePoints/"), line.find('|'))));
-    const std::string key = Between(line, "<key>", "</key>");
-    keys.insert(key.empty() ? Between(line, "\"", "\":") : key);
+    }
+    std::size_t at = 0;
+    std::size_t other = 0;
+    keys.insert(Between(line, "<key>", "</key>", at));
+    keys.insert(Between(line, "\"", "\":", other));
   }
   for (const auto& key : keys) replacements.Protect(key);
 }
@@ -244,8 +309,10 @@ void AddValuesOfFacts(const std::string& file, const std::string& content,
 }
 
 void AddValuesOfText(const std::string& text, Replacements& replacements) {
-  AddFormedValues(text, replacements);
-  AddKeyedValues(text, replacements);
+  AddHexForms(text, replacements);
+  AddNetworkAddresses(text, replacements);
+  AddValuesOfKeys(text, replacements);
+  AddValuesOfLines(text, replacements);
   AddUris(text, replacements);
   AddPemKeys(text, replacements);
 }

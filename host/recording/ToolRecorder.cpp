@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "RecordingScripts.h"
+#include "host/recording/RecordingScripts.h"
 #include "platform/Rehearsal.h"
 
 namespace Norvik::Host {

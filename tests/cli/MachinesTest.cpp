@@ -98,7 +98,9 @@ TextList SensitiveValues(const Json& document) {
   TextList values;
   const auto add = [&](const std::string& text) {
     const std::string value = boost::trim_copy(text);
-    if (value.size() >= 6 && value != "localhost") values.push_back(value);
+    const bool isText = value.find_first_of("0123456789") == std::string::npos;
+    if (value.size() >= 6 && (!isText || boost::ends_with(value, ".local")))
+      values.push_back(value);
   };
   for (const auto& [key, value] : document.flatten().items()) {
     TextList names;

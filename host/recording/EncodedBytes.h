@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace Norvik::Host {
+
+// Bytes that a text holds in digits: Base64 in a property list, or hexadecimal.
+
+/// Calls `take` with begin and length of each run of at least 24 hexadecimal digits that make whole
+/// bytes, or of what is between "<data>" and "</data>".
+using TakePart = std::function<void(std::size_t begin, std::size_t length)>;
+void ForEachHexPart(const std::string& text, const TakePart& take);
+void ForEachDataPart(const std::string& text, const TakePart& take);
+
+/// Empty for a text that is not valid Base64. White space is ignored.
+std::string FromBase64(const std::string& text);
+/// The Base64 of bytes, laid out as `text`, which is that of as many bytes.
+std::string ToBase64(const std::string& bytes, std::string text);
+
+/// @param digits an even number of hexadecimal digits
+std::string FromHex(const std::string& digits);
+/// In upper case if `digits` have an upper-case letter.
+std::string ToHex(const std::string& bytes, const std::string& digits);
+
+bool IsHexDigit(char c);
+
+}  // namespace Norvik::Host
