@@ -81,7 +81,9 @@ void ServiceRun::Reload() {
   managedState_ = StateOfManagedPreferences();
   try {
     ApplyConfiguration(host_, ReadConfiguration(configurationFile_, stored).values);
-    NORVIK_INFORMATION(boost::format("The configuration in %1% is read again") % file.string());
+    const bool hasFile = boost::filesystem::exists(file);
+    NORVIK_INFORMATION(boost::format("The configuration%1% is read again") %
+                       (hasFile ? " in " + file.string() : ""));
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format("The configuration is not read again: %1%") % error.what());
   }

@@ -62,6 +62,17 @@ class Image:
     def _find(self, *kinds):
         return next((start for command, start in self.commands if command in kinds), None)
 
+    def section(self, wanted):
+        """Content of the section of this name, or None."""
+        for command, start in self.commands:
+            if command != _SEGMENT:
+                continue
+            for number in range(struct.unpack_from("<I", self.data, start + 64)[0]):
+                name, _, _, size, place = struct.unpack_from("<16s16sQQI", self.data, start + 72 + 80 * number)
+                if name.rstrip(b"\0").decode() == wanted:
+                    return self.data[place:place + size]
+        return None
+
     def minimum(self):
         """Platform (1 is macOS) and lowest version, as (major, minor)."""
         start = self._find(_BUILD_VERSION)

@@ -126,8 +126,8 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
   return found == values.end() ? nullptr : found->second;
 }
 
-void CFDictionaryApplyFunction(CFDictionaryRef dictionary, CFDictionaryApplierFunction applier,
-                               void* context) {
+void CFDictionaryApplyFunction(CFDictionaryRef dictionary,
+                               CFDictionaryApplierFunction CF_NOESCAPE applier, void* context) {
   const auto& held = CfValueAs<CfDictionary>(dictionary, "CFDictionaryApplyFunction");
   for (const auto& [key, value] : held.values) {
     const CFTypeRef name = MakeCfObject(key);

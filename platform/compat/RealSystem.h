@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,5 +16,7 @@ std::vector<int> RealPids();
 RecordedProcess RealProcess(int pid);
 /// In bytes; 0 if it cannot be read.
 std::uint64_t RealMemorySize();
+/// As `sysctlbyname`; only a Mac has such values.
+int RealSysctlByName(const char* name, void* value, std::size_t* length);
 
 }  // namespace Norvik::Platform

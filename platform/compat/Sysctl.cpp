@@ -55,5 +55,6 @@ int sysctl(int* name, unsigned int nameLength, void* oldValue, size_t* oldLength
 }
 
 int sysctlbyname(const char* name, void* oldValue, size_t* oldLength, void*, size_t) {
+  if (!IsMachineRecorded()) return RealSysctlByName(name, oldValue, oldLength);
   return Store(RecordedValue(name), oldValue, oldLength);
 }

@@ -14,6 +14,4 @@ RecordedMachine::~RecordedMachine() = default;
 
 bool IsMachineRecorded() { return false; }
 
-SmBiosBytes RecordedSmBios() { return {}; }
-
 }  // namespace Norvik::Platform

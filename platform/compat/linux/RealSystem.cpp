@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -45,6 +46,11 @@ RecordedProcess RealProcess(int pid) {
 
 std::uint64_t RealMemorySize() {
   return static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES) * ::sysconf(_SC_PAGESIZE));
+}
+
+int RealSysctlByName(const char*, void*, std::size_t*) {
+  errno = ENOENT;
+  return -1;
 }
 
 }  // namespace Norvik::Platform

@@ -60,4 +60,8 @@ std::uint64_t RealMemorySize() {
   return read(name, 2, &size, &length, nullptr, 0) == 0 ? size : 0;
 }
 
+int RealSysctlByName(const char* name, void* value, std::size_t* length) {
+  return Real<decltype(::sysctlbyname)>("sysctlbyname")(name, value, length, nullptr, 0);
+}
+
 }  // namespace Norvik::Platform

@@ -33,6 +33,7 @@ typedef const struct __CFNumber* CFNumberRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFURL* CFURLRef;
 
+#define CF_NOESCAPE
 typedef void (*CFDictionaryApplierFunction)(const void* key, const void* value, void* context);
 
 enum { kCFStringEncodingUTF8 = 0x08000100 };
