@@ -21,7 +21,7 @@ namespace {
 
 using nlohmann::json;
 
-enum class Kind { SERIAL, NAME, HOST, DOMAIN, HEX, ADDRESS };
+enum class Kind { SERIAL, NAME, HOST, SEARCH_DOMAIN, HEX, ADDRESS };
 
 struct SensitiveKey {
   std::string_view section;  ///< of the document; empty: any
@@ -32,7 +32,7 @@ struct SensitiveKey {
 constexpr SensitiveKey DOCUMENT_KEYS[] = {
     {"", "serial", Kind::SERIAL},       {"", "serialNumber", Kind::SERIAL},
     {"", "assetTag", Kind::SERIAL},     {"device", "name", Kind::HOST},
-    {"device", "alias", Kind::HOST},    {"device", "domain", Kind::DOMAIN},
+    {"device", "alias", Kind::HOST},    {"device", "domain", Kind::SEARCH_DOMAIN},
     {"device", "userName", Kind::NAME}, {"device", "workGroup", Kind::NAME},
     {"", "server", Kind::HOST},         {"", "uuid", Kind::HEX},
     {"", "macAddress", Kind::HEX},      {"", "address", Kind::ADDRESS},
@@ -102,7 +102,7 @@ void Add(Kind kind, const std::string& text, Replacements& replacements) {
   // Of a network volume without a host the whole source is given.
   const bool isHost = value.find(' ') == std::string::npos;
   if (kind == Kind::HOST && isHost) AddHost(value, replacements);
-  if (kind != Kind::DOMAIN) return;
+  if (kind != Kind::SEARCH_DOMAIN) return;
   for (const auto& domain : WordsIn(value, "\n")) AddDomain(domain, replacements);
 }
 
