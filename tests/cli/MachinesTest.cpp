@@ -139,7 +139,8 @@ class Machines : public testing::TestWithParam<std::string> {
     fs::remove_all(folder_ / "data/previous");
     Run(machine, {"inventory"});
     Json document = Document();
-    if (document.is_object()) document["device"].erase("assetDate");
+    if (!document.is_object()) return {};  // what cannot be read equals nothing, not even itself
+    document["device"].erase("assetDate");
     return document;
   }
   Json Document() const {
