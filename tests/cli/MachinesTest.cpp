@@ -102,7 +102,8 @@ TextList SensitiveValues(const Json& document) {
     if (value.size() >= 6 && (!isText || boost::ends_with(value, ".local")))
       values.push_back(value);
   };
-  for (const auto& [key, value] : document.flatten().items()) {
+  const Json flat = document.flatten();
+  for (const auto& [key, value] : flat.items()) {
     TextList names;
     boost::split(names, key, [](char c) { return c == '/'; });
     const bool isSensitive = std::any_of(names.begin(), names.end(), [](const auto& name) {
