@@ -128,13 +128,16 @@ std::string SmbiosOrder(std::string bytes) {
 
 Replacements::Replacements() : beginnings_(std::size_t{1} << (8 * BEGINNING)) {}
 
-std::string Replacements::Substitute(const std::string& text, bool isHex) {
+std::string Replacements::Substitute(const std::string& text, bool keepsZeros) {
+  const bool isHex = text.find_first_not_of("0123456789abcdef-:") == std::string::npos;
   std::string replacement;
   // Short values may run out of replacements that nothing else has.
   for (int attempt = 0; attempt < 1000; ++attempt) {
     replacement = text;
     for (char& c : replacement) {
-      if (IsDigit(c) && !(isHex && c == '0')) c = isHex ? RandomFrom('1', 9) : RandomFrom('0', 10);
+      const bool isZero = c == '0';
+      if (IsDigit(c) && keepsZeros && !isZero) c = RandomFrom('1', 9);
+      if (IsDigit(c) && !keepsZeros) c = RandomFrom('0', 10);
       if (IsLower(c)) c = RandomFrom('a', isHex ? 6 : 26);
     }
     if (replacement != text && used_.count(replacement) == 0) break;

@@ -45,7 +45,7 @@ class Replacements {
     bool isExact = false;   ///< bytes, whatever their letters
   };
 
-  std::string Substitute(const std::string& text, bool isHex);
+  std::string Substitute(const std::string& text, bool keepsZeros);
   std::string SubstitutePart(const std::string& before, const std::string& part);
   void AddIpv4(const std::string& text);
   void AddIpv6(const std::string& text);

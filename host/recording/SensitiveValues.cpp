@@ -21,7 +21,7 @@ namespace {
 
 using nlohmann::json;
 
-enum class Kind { SERIAL, NAME, HOST, HEX, ADDRESS };
+enum class Kind { SERIAL, NAME, HOST, SEARCH_DOMAIN, HEX, ADDRESS };
 
 struct SensitiveKey {
   std::string_view section;  ///< of the document; empty: any
@@ -32,7 +32,7 @@ struct SensitiveKey {
 constexpr SensitiveKey DOCUMENT_KEYS[] = {
     {"", "serial", Kind::SERIAL},       {"", "serialNumber", Kind::SERIAL},
     {"", "assetTag", Kind::SERIAL},     {"device", "name", Kind::HOST},
-    {"device", "alias", Kind::HOST},    {"device", "domain", Kind::HOST},
+    {"device", "alias", Kind::HOST},    {"device", "domain", Kind::SEARCH_DOMAIN},
     {"device", "userName", Kind::NAME}, {"device", "workGroup", Kind::NAME},
     {"", "server", Kind::HOST},         {"", "uuid", Kind::HEX},
     {"", "macAddress", Kind::HEX},      {"", "address", Kind::ADDRESS},
@@ -63,6 +63,11 @@ void AddName(const std::string& name, Replacements& replacements) {
   }
 }
 
+void AddDomain(const std::string& domain, Replacements& replacements) {
+  // A single label, as "local", is no domain of anyone's own.
+  if (domain.find('.') != std::string::npos) replacements.AddText(domain);
+}
+
 /// A host, or what comes after "host:/", which is left out.
 void AddHost(const std::string& text, Replacements& replacements) {
   replacements.AddAddress(text);
@@ -72,12 +77,10 @@ void AddHost(const std::string& text, Replacements& replacements) {
   const bool isNumber = first.find_first_not_of("0123456789") == std::string::npos;
   replacements.AddAddress(host);
   if (isNumber || IsCommonName(first)) return;
-  // The first label alone is the name that tools print.
+  // Tools print the first label alone too. The others are replaced as a whole: one of them is
+  // mostly the name of an organisation, which is in names of programs as well.
   replacements.AddText(first);
-  const auto labels = WordsIn(host, ".");
-  for (std::size_t at = 1; at + 1 < labels.size(); ++at) {
-    if (!IsCommonName(labels[at])) replacements.AddText(labels[at]);
-  }
+  AddDomain(host.substr(std::min(host.size(), first.size() + 1)), replacements);
 }
 
 bool LooksLikeSerial(const std::string& value) {
@@ -96,10 +99,11 @@ void Add(Kind kind, const std::string& text, Replacements& replacements) {
   if (kind == Kind::NAME) AddName(value, replacements);
   if (kind == Kind::HEX) replacements.AddHex(value);
   if (kind == Kind::ADDRESS) replacements.AddAddress(value);
-  if (kind != Kind::HOST) return;
-  // Of a network volume without a host the whole source is given; domains are one on a line.
-  if (value.find(' ') != std::string::npos) return;
-  for (const auto& host : WordsIn(value, "\n")) AddHost(host, replacements);
+  // Of a network volume without a host the whole source is given.
+  const bool isHost = value.find(' ') == std::string::npos;
+  if (kind == Kind::HOST && isHost) AddHost(value, replacements);
+  if (kind != Kind::SEARCH_DOMAIN) return;
+  for (const auto& domain : WordsIn(value, "\n")) AddDomain(domain, replacements);
 }
 
 void AddTexts(Kind kind, const json& node, Replacements& replacements) {
@@ -269,7 +273,13 @@ void AddPemKeys(const std::string& text, Replacements& replacements) {
 }  // namespace
 
 void ProtectKeys(const std::string& file, const std::string& content, Replacements& replacements) {
+  static constexpr char IDENTIFIER[] =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
   std::set<std::string> keys;
+  const auto add = [&](const std::string& key) {
+    // Others are names of devices, with those of their owners.
+    if (key.find_first_not_of(IDENTIFIER) == std::string::npos) keys.insert(key);
+  };
   std::istringstream stream(content);
   for (std::string line; std::getline(stream, line);) {
     // The names of shares are users' own.
@@ -278,8 +288,8 @@ void ProtectKeys(const std::string& file, const std::string& content, Replacemen
     }
     std::size_t at = 0;
     std::size_t other = 0;
-    keys.insert(Between(line, "<key>", "</key>", at));
-    keys.insert(Between(line, "\"", "\":", other));
+    add(Between(line, "<key>", "</key>", at));
+    add(Between(line, "\"", "\":", other));
   }
   for (const auto& key : keys) replacements.Protect(key);
 }
