@@ -41,9 +41,6 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   // its own, which it reports.
   std::optional<Platform::Rehearsal> rehearsal;
   if (machine && !line.really && line.command != "action") rehearsal.emplace();
-  if (rehearsal && line.command == "run") {
-    errors << "norvik-agent: changes are only rehearsed, as --really is not given" << std::endl;
-  }
   return AllCommands().at(line.command)(line, output, errors);
 }
 

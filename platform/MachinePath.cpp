@@ -1,7 +1,6 @@
 #include "platform/MachinePath.h"
 
 #include <filesystem>
-#include <system_error>
 
 #include "platform/MachineObserver.h"
 
@@ -28,8 +27,7 @@ std::string Resolve(const std::string& absolute, Asked asked) {
 std::string MachinePath(const std::string& absolute) { return Resolve(absolute, Asked::FILE); }
 
 bool MachineHas(const std::string& absolute) {
-  std::error_code unknown;
-  return std::filesystem::exists(Resolve(absolute, Asked::EXISTENCE), unknown);
+  return std::filesystem::exists(Resolve(absolute, Asked::EXISTENCE));
 }
 
 void SetMachineRoot(const std::string& folder) { MachineRoot() = folder; }

@@ -10,7 +10,8 @@ namespace Norvik::Platform {
 /// unchanged.
 std::string MachinePath(const std::string& absolute);
 
-/// Whether the machine has a file or folder at an absolute path. Nothing of it is read.
+/// Whether the machine has a file or folder at an absolute path. Nothing of it is read. Throws
+/// `std::filesystem::filesystem_error` if that cannot be found out.
 bool MachineHas(const std::string& absolute);
 
 /// Sets the root of a recorded machine; an empty text restores the real one. Call it while no other

@@ -28,13 +28,16 @@ constexpr std::chrono::minutes MANAGED_CHECK(1);
 
 void ReportRunning(const CommandLine& line, const char* what,
                    const boost::filesystem::path& dataFolder, std::ostream& output) {
+  const bool isRehearsed = !line.machine.empty() && !line.really;
   const OrderedJson report = {{"running", what},
                               {"processId", ::getpid()},
                               {"dataFolder", dataFolder.string()},
-                              {"socket", line.socket.string()}};
+                              {"socket", line.socket.string()},
+                              {"rehearses", isRehearsed}};
   const std::string text = std::string("the ") + what + " runs as process " +
                            std::to_string(::getpid()) + " on " + dataFolder.string() + ", socket " +
-                           line.socket.string() + "\n";
+                           line.socket.string() +
+                           (isRehearsed ? "; it only rehearses changes" : "") + "\n";
   output << (line.json ? JsonLine(report) : text) << std::flush;
 }
 

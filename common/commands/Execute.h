@@ -17,7 +17,7 @@ namespace Norvik::Common {
 /// as a shell does (see `SplitCommandWords`), but no shell runs.
 class NORVIK_COMMON_API Execute {
  public:
-  static constexpr std::size_t MAX_OUTPUT = 64 << 10;
+  static constexpr std::size_t MAX_OUTPUT = 1 << 20;
 
   explicit Execute(const wxString& command);
 

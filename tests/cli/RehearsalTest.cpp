@@ -61,8 +61,8 @@ class Rehearsals : public testing::Test {
 TEST_F(Rehearsals, ReportEveryCodeAndChangeNothing) {
   EXPECT_TRUE(Rehearse({"1036"}).contains("rehearsal")) << errors_.str();
   EXPECT_FALSE(fs::exists(Data()));
-  ASSERT_EQ(Run({"action", "1071"})["statuses"].back()["status"], 2) << errors_.str();
-  ASSERT_EQ(Run({"action", "1037"})["statuses"].back()["status"], 2) << errors_.str();
+  ASSERT_EQ(Run({"action", "1071", "--really"})["statuses"].back()["status"], 2) << errors_.str();
+  ASSERT_EQ(Run({"action", "1037", "--really"})["statuses"].back()["status"], 2) << errors_.str();
   const Json actions = Run({"actions"});
   const auto before = Everything();
   WriteFile(Data() / ".rehearsal-killed/identity.json", "x");
@@ -85,7 +85,7 @@ TEST_F(Rehearsals, ReportWhatTheActionThenDoesAndAnswers) {
     Json rehearsed = Rehearse(request);
     EXPECT_EQ(Chosen(rehearsed["rehearsal"], row["reports"]), row["reports"]) << row;
     rehearsed.erase("rehearsal");
-    request.insert(request.begin(), "action");
+    request.insert(request.begin(), {"action", "--really"});
     Json done = Run(request);
     // The statuses of the actions that it starts at once come after its own.
     Json& statuses = done["statuses"];

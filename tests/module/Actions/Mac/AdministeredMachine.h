@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "module/ModuleUnderTest.h"
 #include "platform/RecordedMachine.h"
 #include "platform/Rehearsal.h"
@@ -48,7 +50,8 @@ class AdministeredMachine : public testing::Test {
   const std::shared_ptr<RecordedChanges> changes = std::make_shared<RecordedChanges>();
   FakeHost host;
   TemporaryFolder folder;
-  Platform::RecordedMachine recorded{folder.Path().string()};
+  /// Reset, the machine is the real one.
+  std::optional<Platform::RecordedMachine> recorded{folder.Path().string()};
   ModuleUnderTest module{host};
 
  private:

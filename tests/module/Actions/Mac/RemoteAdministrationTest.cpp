@@ -226,11 +226,12 @@ TEST(ToolText, TheProcessorShareIsTheLineAfterTheHeading) {
 }
 
 TEST_F(RemoteAdministrationTest, ARealProcessIsListedAndKilled) {
+  recorded.reset();
   BackgroundProcess sleeper({"/bin/sleep", "60"}, folder / "output");
   const std::string id = std::to_string(sleeper.Id());
   changes->killable = sleeper.Id();
   EXPECT_THAT(Request(1011),
-              Contains(MatchesRegex(id + "\\|sleep\\|/.*\\|100\\|[0-9]+\\|[0-9.]+")));
+              Contains(MatchesRegex(id + "\\|sleep\\|/.*\\|[0-9.]+\\|[0-9]+\\|[0-9.]+")));
   EXPECT_EQ(Request(1012, {{"id", id}}), Lines{"kill " + id + " 9"});
   EXPECT_EQ(sleeper.Wait(), 128 + SIGKILL);
 }
@@ -260,6 +261,7 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
                       Login(USER_PROCESS, 501, "console", "ada", "") +
                       Login(DEAD_PROCESS, 77, "ttys001", "", "") +
                       Login(USER_PROCESS, 9, fullLine, "bob", "192.0.2.7"));
+  recorded.reset();
   ::utmpxname((folder / "utmp").c_str());
   utsname machine{};
   ASSERT_EQ(::uname(&machine), 0);
