@@ -209,8 +209,8 @@ TEST(LocalUsersSection, AddsOneRecordWithAllAccounts) {
     ASSERT_EQ(result.size(), 1U) << time;
     std::map<std::string, TextList> found;
     for (const auto& group : result.front().groups) {
-      const Json record = JsonOf(group);
-      found[record["name"].get<std::string>()] = record.value("user", TextList());
+      TextList& names = found[Common::ToUtf8(group.name)];
+      for (const auto& user : group.users) names.push_back(Common::ToUtf8(user));
     }
     EXPECT_EQ(found, members) << time;
     const Json wanted = {
