@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "common/commands/CommandRunner.h"
 #include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
@@ -69,9 +70,11 @@ std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusi
 
 }  // namespace
 
-AgentConfigurationInfo ConfigurationOf(const AgentOptions& options, const fs::path& dataFolder) {
-  AgentConfigurationInfo configuration =
-      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE).values;
+AgentConfigurationInfo UseConfiguration(const AgentOptions& options, const fs::path& dataFolder) {
+  const EffectiveConfiguration effective =
+      ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
+  CommandRunner::SetQueryLimit(effective.toolTimeLimit);
+  AgentConfigurationInfo configuration = effective.values;
   if (options.communications) configuration.communications = *options.communications;
   return configuration;
 }
@@ -86,7 +89,7 @@ void UseUtf8Characters() {
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
   const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
-  const AgentConfigurationInfo configuration = ConfigurationOf(options, folder);
+  const AgentConfigurationInfo configuration = UseConfiguration(options, folder);
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
     RemoveLeftCopies(folder);

@@ -29,10 +29,10 @@ struct AgentOptions {
   LogListener logListener;  ///< may be empty
 };
 
-/// The configuration of an agent with these options and this data folder. Throws what
-/// `ReadConfiguration` throws.
-Common::AgentConfigurationInfo ConfigurationOf(const AgentOptions& options,
-                                               const boost::filesystem::path& dataFolder);
+/// The configuration of an agent with these options and this data folder. Sets the limit of tools
+/// that it has. Throws what `ReadConfiguration` throws.
+Common::AgentConfigurationInfo UseConfiguration(const AgentOptions& options,
+                                                const boost::filesystem::path& dataFolder);
 
 /// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();

@@ -152,9 +152,20 @@ Reader Survey(boost::optional<SurveyInfo>& target) {
   };
 }
 
-Readers ReadersOf(AgentConfigurationInfo& target) {
+Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
+  return [&target, longest](const Place& place) {
+    std::int64_t count = 0;
+    WholeNumber(count, 0, longest)(place);
+    target = std::chrono::seconds(count);
+  };
+}
+
+Readers ReadersOf(EffectiveConfiguration& configuration) {
+  constexpr std::int64_t DAY = 86400;
+  AgentConfigurationInfo& target = configuration.values;
   KobConfigurationInfo& kob = *target.kob;
   return {
+      {"toolTimeLimitSeconds", Seconds(configuration.toolTimeLimit, DAY)},
       {"profileId", WholeNumber(target.profileId, 0, std::numeric_limits<std::uint32_t>::max())},
       {"server", Server(target.communications)},
       {"excludedFiles", TextArray(kob.excludedFiles)},
@@ -193,10 +204,12 @@ Json ParseConfigurationJson(const std::string& text) {
   }
 }
 
-AgentConfigurationInfo ValuesOf(const Json& configuration) {
-  AgentConfigurationInfo values = DefaultConfiguration();
-  ReadObject({configuration, ""}, ReadersOf(values));
-  return values;
+/// Without the sources.
+EffectiveConfiguration ValuesOf(const Json& configuration) {
+  EffectiveConfiguration result;
+  result.values = DefaultConfiguration();
+  ReadObject({configuration, ""}, ReadersOf(result));
+  return result;
 }
 
 /// The managed preferences, each with a valid value.
@@ -224,20 +237,21 @@ AgentConfigurationInfo DefaultConfiguration() {
 }
 
 AgentConfigurationInfo ParseConfiguration(const std::string& text) {
-  return ValuesOf(ParseConfigurationJson(text));
+  return ValuesOf(ParseConfigurationJson(text)).values;
 }
 
 EffectiveConfiguration MakeConfiguration(const std::string& text) {
   Json configuration = ParseConfigurationJson(text);
-  EffectiveConfiguration result;
-  result.values = ValuesOf(configuration);
-  for (const auto& known : ReadersOf(result.values)) {
-    result.sources[known.first] = configuration.contains(known.first) ? FROM_FILE : FROM_DEFAULT;
+  std::map<std::string, std::string> sources;
+  EffectiveConfiguration ofText = ValuesOf(configuration);
+  for (const auto& known : ReadersOf(ofText)) {
+    sources[known.first] = configuration.contains(known.first) ? FROM_FILE : FROM_DEFAULT;
   }
   const Json managed = ReadValidManagedPreferences();
-  for (const auto& item : managed.items()) result.sources[item.key()] = FROM_MANAGED;
+  for (const auto& item : managed.items()) sources[item.key()] = FROM_MANAGED;
   configuration.update(managed);
-  result.values = ValuesOf(configuration);
+  EffectiveConfiguration result = ValuesOf(configuration);
+  result.sources = std::move(sources);
   return result;
 }
 

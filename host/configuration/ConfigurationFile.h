@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <chrono>
 #include <map>
 #include <string>
 
@@ -31,6 +32,8 @@ inline constexpr char FROM_DEFAULT[] = "default";
 /// A configuration as the agent uses it. A managed key replaces the value of the file as a whole.
 struct EffectiveConfiguration {
   Common::AgentConfigurationInfo values;
+  /// How long a tool that only queries the machine may run; 0 is unlimited.
+  std::chrono::seconds toolTimeLimit{300};
   /// By key of the first level, all of them.
   std::map<std::string, std::string> sources;
 };

@@ -3,9 +3,9 @@
 #include <tuple>
 
 #include "common/action/ActionCodes.h"
+#include "common/commands/CommandRunner.h"
 #include "common/files/TextFile.h"
 #include "common/log/Logger.h"
-#include "host/configuration/ConfigurationFile.h"
 
 namespace Norvik::Host {
 
@@ -24,7 +24,9 @@ auto FixedPart(const AgentConfigurationInfo& configuration) {
 
 }  // namespace
 
-void ApplyConfiguration(AgentHost& host, const AgentConfigurationInfo& configuration) {
+void ApplyConfiguration(AgentHost& host, const EffectiveConfiguration& effective) {
+  const AgentConfigurationInfo& configuration = effective.values;
+  CommandRunner::SetQueryLimit(effective.toolTimeLimit);
   if (FixedPart(configuration) != FixedPart(host.Configuration())) {
     NORVIK_INFORMATION("The new server and survey take effect at the next start of the agent");
   }
@@ -34,7 +36,7 @@ void ApplyConfiguration(AgentHost& host, const AgentConfigurationInfo& configura
 }
 
 void StoreConfiguration(AgentHost& host, const std::string& text) {
-  const AgentConfigurationInfo configuration = MakeConfiguration(text).values;
+  const EffectiveConfiguration configuration = MakeConfiguration(text);
   WriteTextFile(host.DataFolder() / CONFIGURATION_FILE, text);
   ApplyConfiguration(host, configuration);
 }

@@ -3,12 +3,13 @@
 #include <string>
 
 #include "host/assembly/AgentHost.h"
+#include "host/configuration/ConfigurationFile.h"
 
 namespace Norvik::Host {
 
-/// Passes a configuration to the module of a running agent. Changes of the server and of the survey
-/// take effect at the next start; the log says so.
-void ApplyConfiguration(AgentHost& host, const Common::AgentConfigurationInfo& configuration);
+/// Passes a configuration to the module of a running agent, and sets the limit of its tools.
+/// Changes of the server and of the survey take effect at the next start; the log says so.
+void ApplyConfiguration(AgentHost& host, const EffectiveConfiguration& effective);
 
 /// Parses a configuration, stores its text in the data folder and applies it, with the managed
 /// preferences over it. Throws `UsageError` if it is invalid, and another subclass of

@@ -80,7 +80,7 @@ void ServiceRun::Reload() {
   const auto file = configurationFile_.empty() ? stored : configurationFile_;
   managedState_ = StateOfManagedPreferences();
   try {
-    ApplyConfiguration(host_, ReadConfiguration(configurationFile_, stored).values);
+    ApplyConfiguration(host_, ReadConfiguration(configurationFile_, stored));
     const bool hasFile = boost::filesystem::exists(file);
     NORVIK_INFORMATION(boost::format("The configuration%1% is read again") %
                        (hasFile ? " in " + file.string() : ""));

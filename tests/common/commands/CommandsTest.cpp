@@ -25,6 +25,18 @@ TEST(CommandRunner, GivesTheOutputUnchangedAndLogsTheErrorChannelLineByLine) {
   }
 }
 
+TEST(CommandRunner, EndsAQueryAtItsLimitsAndTakesItAsAMissingTool) {
+  CommandRunner::SetQueryLimit(seconds(1));
+  const std::pair<const char*, const char*> cases[] = {{"echo begun; sleep 50; true", "too long"},
+                                                       {"head -c 67108865 /dev/zero", "too much"}};
+  for (const auto& [command, reason] : cases) {
+    const LogCapture log;
+    EXPECT_TRUE(CommandRunner::ExecCommand(command).empty()) << command;
+    EXPECT_THAT(log.Texts(Logger::LEVEL_WARNING), ElementsAre(HasSubstr(reason))) << command;
+  }
+  CommandRunner::SetQueryLimit(seconds(0));
+}
+
 TEST(CommandWords, AreSplitAsAShellDoes) {
   const Json tables = DataOf("common/commands/words.json");
   ExpectRows(
