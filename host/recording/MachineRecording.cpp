@@ -7,6 +7,7 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "host/assembly/ModuleActionCodes.h"
@@ -99,6 +100,8 @@ std::string TakeInventory(const RecordingOptions& options, const fs::path& dataF
   {
     const WorkingFolder working(dataFolder);
     AgentHost host(agent);
+    // The recorder ends a tool that hangs, and records that.
+    Common::CommandRunner::SetQueryLimit(std::chrono::seconds::zero());
     try {
       host.Run(ACTION_TOTAL_INVENTORY, {});
     } catch (const std::exception&) {

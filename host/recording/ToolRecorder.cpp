@@ -12,7 +12,6 @@
 #include <string_view>
 
 #include "host/recording/RecordingScripts.h"
-#include "platform/Rehearsal.h"
 
 namespace Norvik::Host {
 
@@ -138,10 +137,6 @@ void ToolRecorder::Prepare(const std::string& line) const {
 Platform::ChildResult ToolRecorder::Run(const Platform::ChildCommand& command) {
   if (command.isShellLine) Prepare(command.words.back());
   return RealSystemChanges::Run(command);
-}
-
-void ToolRecorder::Note(const Platform::RehearsedStep& step) {
-  if (step.kind == Platform::RehearsedStep::ASKED) Prepare(step.text);
 }
 
 std::vector<std::string> ToolRecorder::UnfinishedCalls() const {

@@ -28,8 +28,6 @@ class ToolRecorder final : public Platform::RealSystemChanges {
   ~ToolRecorder() override;
 
   Platform::ChildResult Run(const Platform::ChildCommand& command) override;
-  /// Takes a query too that is announced here and run in another way.
-  void Note(const Platform::RehearsedStep& step) override;
 
   /// Calls that reached the limit.
   std::vector<std::string> UnfinishedCalls() const;
