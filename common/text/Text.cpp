@@ -109,7 +109,7 @@ std::string EscapeControls(const std::string& text) {
   std::string escaped;
   for (std::size_t at = 0; at < text.size();) {
     const Utf8Step step = CharacterAt(text, at);
-    char number[8];
+    char number[12];
     if (step.code == '\n') {
       escaped += "\\n";
     } else if (step.kind != Utf8Step::Kind::Character || step.code < 0x20 || step.code == 0x7F) {
