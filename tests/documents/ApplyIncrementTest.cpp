@@ -214,10 +214,14 @@ TEST_F(ApplyIncrementTest, AServerHasWhatTheMachineHasExceptForTheDocumentedLoss
   EXPECT_EQ(losses, Tests::DocumentedLosses("documents.md"));
 }
 
-TEST_F(ApplyIncrementTest, NothingToApplyLeavesTheDocumentAsItIs) {
-  const std::string text = JsonText(FilledInventory());
-  EXPECT_EQ(ApplyIncrement({"full", text}, {"none", DifferenceOf({"old", text}, {"new", text})}),
-            text);
+TEST_F(ApplyIncrementTest, NothingToApplyChangesNothingAndIrregularBytesAreKept) {
+  InventoryKOBInfo inventory = FilledInventory();
+  const NamedText full{"full", JsonText(inventory)};
+  EXPECT_EQ(ApplyIncrement(full, {"none", DifferenceOf(full, full)}), full.text);
+  inventory.networkDrives.back().path = "\xED\xA0\x80 \xC0\xAF";
+  const std::string changes = DifferenceOf(full, {"new", JsonText(inventory)});
+  EXPECT_THAT(changes, testing::HasSubstr(inventory.networkDrives.back().path));
+  EXPECT_EQ(ApplyIncrement(full, {"changes", changes}), JsonText(inventory));
 }
 
 TEST_F(ApplyIncrementTest, ChangesGiveTheirResultOrAreRefusedWithTheReason) {

@@ -62,6 +62,8 @@ TEST(Rehearsal, ReportsWhetherEachProgramWouldStart) {
 }
 
 TEST(Rehearsal, RunsQueriesAndNotesTheirWords) {
+  SetSystemChanges(nullptr);
+  ASSERT_TRUE(GetSystemChanges()) << "the real ones";
   const Rehearsal rehearsal;
   EXPECT_THROW(Rehearsal(), std::logic_error);
   std::string output;

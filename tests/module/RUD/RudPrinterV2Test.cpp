@@ -55,12 +55,12 @@ TEST_F(RudPrinterTest, WithoutFilesOrTablesThereIsNoDocument) {
   for (const bool incremental : {false, true}) {
     EXPECT_EQ(RudPrinter::GenerateJSON("g", incremental), "");
   }
-  SaveScan({{"one"}, {"two", 0, 0, "/b"}}, false);
-  // The second row cannot be read.
+  SaveScan({{"one", 0, 0, "/a"}, {"two", 0, 0, "/b"}, {"three", 0, 0, "/c"}}, false);
+  // The second row cannot be read, from either end.
   TestDatabase::Run("alter table RUD2_FILE_PATH rename to stored");
   TestDatabase::Run(
       "create view RUD2_FILE_PATH as select id, "
-      "iif(id = 2, abs(-9223372036854775806 - id), path) as path from stored");
+      "iif(path = '/b', abs(-9223372036854775807 - (id > 0)), path) as path from stored");
   EXPECT_EQ(RudPrinter::GenerateJSON("g", false), "");
   TestDatabase::Run("drop view RUD2_FILE_PATH");
   TestDatabase::Run("alter table stored rename to RUD2_FILE_PATH");
