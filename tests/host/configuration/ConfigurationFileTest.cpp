@@ -91,7 +91,8 @@ TEST_F(ManagedPreferences, AnInvalidValueIsReportedWithItsKeyAndWhatIsExpected) 
 TEST_F(ManagedPreferences, TheirKeysReplaceThoseOfTheFileAsAWhole) {
   for (const Json& row : DataOf("host/configuration/managed-preferences.json")["merged"]) {
     Write(row[0]);
-    const auto [values, sources] = MakeConfiguration(row[1].dump());
+    const auto [values, toolTimeLimit, sources] = MakeConfiguration(row[1].dump());
+    EXPECT_EQ(toolTimeLimit, seconds(row[1].value("toolTimeLimitSeconds", 300))) << row;
     const CommunicationsInfo& server = values.communications;
     std::ostringstream kob;
     kob << *values.kob;
