@@ -214,7 +214,7 @@ EffectiveConfiguration ValuesOf(const Json& configuration) {
 
 /// The managed preferences, each with a valid value.
 Json ReadValidManagedPreferences() {
-  const Json managed = ReadManagedPreferences();
+  Json managed = ReadManagedPreferences();
   try {
     ValuesOf(managed);
   } catch (const ConfigurationError& error) {

@@ -34,7 +34,7 @@ fs::path ProgramFile(const std::string& name, const std::string& path) {
   std::vector<std::string> folders;
   boost::split(folders, path, boost::is_any_of(":"));
   for (const auto& folder : folders) {
-    const fs::path file = fs::path(folder) / name;
+    fs::path file = fs::path(folder) / name;
     if (::access(file.c_str(), X_OK) == 0 && !fs::is_directory(file)) return file;
   }
   return {};
