@@ -57,7 +57,7 @@ ProcessorInfo PackageOf(const Entries& entries, std::uint64_t index) {
   return info;
 }
 
-/// Adds the caches whose sizes have names that begin with `prefix`; false if there are none.
+/// Adds the caches whose sizes have names that begin with `prefix`. Returns whether it found any.
 bool AddCaches(const KernelValues& values, const std::string& prefix,
                std::list<CSmbCacheInfo>& caches) {
   static constexpr struct {

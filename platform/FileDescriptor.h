@@ -6,7 +6,7 @@
 
 namespace Norvik::Platform {
 
-/// Owns a file descriptor and closes it; -1 means that there is none.
+/// Owns a file descriptor and closes it; -1 while it owns no descriptor.
 class FileDescriptor {
  public:
   FileDescriptor() = default;

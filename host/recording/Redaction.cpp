@@ -108,7 +108,7 @@ class Redaction {
     ForEachDataPart(bytes, [&](std::size_t begin, std::size_t length) {
       const std::string text = bytes.substr(begin, length);
       const std::string before = FromBase64(text);
-      // Also without a change: what looks like a value in the digits is none.
+      // Also without a change: digits that look like a value are not one.
       if (!before.empty()) result.replace(begin, length, ToBase64(Apply(before, depth + 1), text));
     });
     return result;

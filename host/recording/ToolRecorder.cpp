@@ -29,7 +29,7 @@ std::string PathOfProcess() {
   return path ? path : "/usr/bin:/bin:/usr/sbin:/sbin";
 }
 
-/// The file that a shell runs for a name; empty if there is none.
+/// The file that a shell runs for a name; empty if no file is found.
 fs::path ProgramFile(const std::string& name, const std::string& path) {
   std::vector<std::string> folders;
   boost::split(folders, path, boost::is_any_of(":"));
