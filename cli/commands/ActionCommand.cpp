@@ -40,11 +40,12 @@ void RequireHandler(IModule& module, unsigned int code) {
                    "; `norvik-agent actions` lists those there are");
 }
 
-int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& errors) {
+int CodeFor(const ActionOutcome& outcome, unsigned int code, bool json, std::ostream& errors) {
   if (!outcome.HasFailed()) return EXIT_DONE;
   const std::string reason = outcome.Reason();
-  errors << "norvik-agent: action " << code << " failed" << (reason.empty() ? "" : ": ") << reason
-         << std::endl;
+  errors << MessageLine(json, "action " + std::to_string(code) + " failed" +
+                                  (reason.empty() ? "" : ": ") + reason)
+         << std::flush;
   return EXIT_FAILED;
 }
 
@@ -74,7 +75,7 @@ int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors
   RequireHandler(host.Module(), code);
   const RehearsalReport report(code, host.Run(code, parameters));
   output << host.InOriginal(line.json ? JsonLine(report.ToJson()) : report.ToText());
-  return CodeFor(report.Outcome(), code, errors);
+  return CodeFor(report.Outcome(), code, line.json, errors);
 }
 
 }  // namespace
@@ -88,7 +89,7 @@ int RunAction(const CommandLine& line, std::ostream& output, std::ostream& error
   RequireHandler(host.Module(), code);
   const ActionOutcome outcome = RunOne(host, code, parameters);
   output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
-  return CodeFor(outcome, code, errors);
+  return CodeFor(outcome, code, line.json, errors);
 }
 
 }  // namespace Norvik::Cli

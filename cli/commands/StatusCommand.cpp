@@ -158,7 +158,7 @@ std::string FileLines(const char* title, const OrderedJson& files) {
   std::string text;
   for (const auto& file : files) {
     text += std::string(title) + ": " + EscapeControls(file["file"].get<std::string>()) + ", " +
-            file["bytes"].dump() + " bytes, " + file["time"].get<std::string>() + "\n";
+            SizeText(file["bytes"]) + ", " + file["time"].get<std::string>() + "\n";
   }
   return text.empty() ? std::string(title) + ": none\n" : text;
 }
@@ -183,7 +183,8 @@ std::string ToText(const OrderedJson& status) {
     const std::string what = entry.contains("code")
                                  ? entry["code"].dump() + " " + entry["name"].get<std::string>()
                                  : "schedule " + entry["schedule"].get<std::string>();
-    text += "periodic: " + what + " every " + entry["periodSeconds"].dump() + " s, next " +
+    text += "periodic: " + what + " every " +
+            PeriodText(std::chrono::seconds(entry["periodSeconds"])) + ", next " +
             entry["nextTime"].get<std::string>() + "\n";
   }
   return text;

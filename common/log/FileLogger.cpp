@@ -35,7 +35,7 @@ class FileLogger : public Logger {
       : logger_("agent", std::move(sink)), maxLevel_(maxLevel) {
     logger_.set_level(spdlog::level::trace);
     logger_.flush_on(spdlog::level::trace);
-    logger_.set_pattern("%Y-%m-%d %H:%M:%S.%e %P:%t %v");
+    logger_.set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %P:%t %v");
   }
 
   void Log(Level level, const std::string& text, const char* file, int line,
