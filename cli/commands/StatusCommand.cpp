@@ -17,6 +17,7 @@
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/identity/AgentIdentity.h"
+#include "host/ipc/AskAgent.h"
 
 namespace Norvik::Cli {
 
@@ -116,17 +117,22 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
-/// The status of the running agent; null if no agent answers or it refuses.
-OrderedJson AskForStatus(const fs::path& socket) {
+/// The status of the running agent; null if no agent answers or it refuses, with the reason under
+/// `problem` if one runs all the same.
+OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   try {
     return AskRunningAgent(socket, {{"request", "status"}});
-  } catch (const std::runtime_error&) {
-    return nullptr;
+  } catch (const NoAnswer& silence) {
+    if (silence.Runs()) problem = silence.Reason();
+  } catch (const std::runtime_error& refusal) {
+    problem = refusal.what();
   }
+  return nullptr;
 }
 
 OrderedJson Gather(const CommandLine& line) {
-  OrderedJson agent = AskForStatus(line.socket);
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
   const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
   const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
   Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
@@ -142,6 +148,7 @@ OrderedJson Gather(const CommandLine& line) {
   const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
   return {{"dataFolder", folder.string()},
           {"agent", agent},
+          {"agentProblem", problem},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
           {"configured", configured},
           {"sources", configuration.sources},
@@ -168,7 +175,7 @@ std::string ToText(const OrderedJson& status) {
     return value.is_string() && !value.empty() ? value.get<std::string>() : otherwise;
   };
   std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
-  text += RunningAgentLines(status["agent"]);
+  text += RunningAgentLines(status["agent"], status["agentProblem"]);
   text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
   text += std::string("configuration: ") +
           (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +

@@ -3,6 +3,8 @@
 #include <boost/asio/post.hpp>
 #include <utility>
 
+#include "common/log/LineLimit.h"
+
 namespace Norvik::Host {
 
 ActionThreads::ActionThreads(std::size_t count) : guard_(boost::asio::make_work_guard(context_)) {
@@ -17,7 +19,12 @@ void ActionThreads::Post(std::function<void()> work) {
     if (stopping_) return;
     ++active_;
   }
-  boost::asio::post(context_, [this, work = std::move(work)] { Run(work); });
+  // What a user's message causes counts for that user on this thread, too.
+  boost::asio::post(context_,
+                    [this, work = std::move(work), lines = Common::LineLimitScope::Current()] {
+                      const Common::LineLimitScope scope(lines);
+                      Run(work);
+                    });
 }
 
 void ActionThreads::Run(const std::function<void()>& work) {
