@@ -129,6 +129,10 @@ bool ServiceRun::Stop() {
   NORVIK_INFORMATION("The service stops");
   processes_->Stop();
   if (host_.Server()) host_.Server()->Stop();
+  for (const auto& run : progress_->ToJson()) {
+    NORVIK_INFORMATION(boost::format("The stop finds an inventory of the %1% at \"%2%\"") %
+                       run.at("inventory").get<std::string>() % run.at("at").get<std::string>());
+  }
   return host_.StopActions();
 }
 
