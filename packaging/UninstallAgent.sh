@@ -47,8 +47,11 @@ remove_from_mac() {
   stop_services
 }
 
+# Only an installation to the usual folder has brought the services.
 service=
-! grep -q '/norvik-agent\.service$\|/com\.norvik\.agent\.plist$' "$list" || service=yes
+for file in /usr/lib/systemd/system/norvik-agent.service /Library/LaunchDaemons/com.norvik.agent.plist; do
+  ! grep -qxF "$file" "$list" || service=yes
+done
 case "$(uname -s)" in
   Darwin)
     if [ -n "$service" ]; then remove_from_mac; else remove_installed; fi ;;
