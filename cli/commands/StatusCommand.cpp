@@ -16,6 +16,8 @@
 #include "common/text/Text.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
+#include "host/configuration/ConfigurationWarnings.h"
+#include "host/data/DataFolder.h"
 #include "host/identity/AgentIdentity.h"
 #include "host/ipc/AskAgent.h"
 
@@ -61,7 +63,7 @@ Stored ReadStored(const fs::path& folder) {
 }
 
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
-  const auto found = data.find(LAST_INVENTORY_KEY);
+  const auto found = data.find(LAST_DOCUMENT_KEY);
   const auto state = found == data.end() ? boost::none : ParsePeriodicState("0 " + found->second);
   if (!state || state->next == system_clock::time_point()) return nullptr;
   return TimeToJson(state->next);
@@ -154,6 +156,8 @@ OrderedJson Gather(const CommandLine& line) {
           {"sources", configuration.sources},
           {"profileId", configuration.values.profileId},
           {"server", configuration.values.communications.address},
+          {"deliveryProblem",
+           DeliveryProblem(configuration.values.communications, folder / KEY_FOLDER)},
           {"lastInventory", LastInventory(database.data)},
           {"fileInventory", database.fileInventory},
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
@@ -172,7 +176,7 @@ std::string FileLines(const char* title, const OrderedJson& files) {
 
 std::string ToText(const OrderedJson& status) {
   const auto orElse = [](const OrderedJson& value, const char* otherwise) {
-    return value.is_string() && !value.empty() ? value.get<std::string>() : otherwise;
+    return value.is_string() && value != "" ? value.get<std::string>() : otherwise;
   };
   std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
   text += RunningAgentLines(status["agent"], status["agentProblem"]);
@@ -181,6 +185,9 @@ std::string ToText(const OrderedJson& status) {
           (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +
           SourceLines(status["sources"]);
   text += "profile: " + status["profileId"].dump() + "\n";
+  text += "server: " + orElse(status["server"], "none") + "\n";
+  const auto problem = status["deliveryProblem"].get<std::string>();
+  if (!problem.empty()) text += "no document is delivered: " + EscapeControls(problem) + "\n";
   const OrderedJson& last = status["lastInventory"];
   text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";
   text += FileInventoryLine(status["fileInventory"]);
@@ -198,11 +205,14 @@ std::string ToText(const OrderedJson& status) {
 
 }  // namespace
 
-int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   const OrderedJson status = Gather(line);
   output << (line.json ? JsonLine(status) : ToText(status));
-  return EXIT_DONE;
+  const auto problem = status["deliveryProblem"].get<std::string>();
+  if (problem.empty()) return EXIT_DONE;
+  errors << "norvik-agent: no document is delivered: " << EscapeControls(problem) << "\n";
+  return EXIT_FAILED;
 }
 
 }  // namespace Norvik::Cli

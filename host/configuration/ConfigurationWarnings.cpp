@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "common/files/ScanRules.h"
+#include "common/files/SealingKeys.h"
 #include "common/files/TextFile.h"
 #include "host/configuration/UsualExclusions.h"
 
@@ -79,7 +80,12 @@ void CheckServer(const Common::CommunicationsInfo& server, Warnings& warnings) {
 
 }  // namespace
 
-Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration) {
+std::string DeliveryProblem(const Common::CommunicationsInfo& server, const fs::path& keyFolder) {
+  return server.address.empty() ? "" : Common::SealingKeys(keyFolder).ServerKeyProblem();
+}
+
+Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration,
+                    const fs::path& keyFolder) {
   Warnings warnings;
   const Common::KobConfigurationInfo& kob = configuration.kob.value();
   CheckFolders(kob.excludedPaths, warnings);
@@ -88,6 +94,10 @@ Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration) {
   CheckExtensions("additionalExtensions", kob.additionalExtensions, warnings);
   CheckAdditional(kob.additionalExtensions, warnings);
   CheckServer(configuration.communications, warnings);
+  const std::string problem = DeliveryProblem(configuration.communications, keyFolder);
+  if (!problem.empty()) {
+    warnings.push_back({"server", "", "gets no document: " + problem});
+  }
   return warnings;
 }
 

@@ -5,6 +5,8 @@
 #include <future>
 #include <set>
 
+#include "common/files/FileSealer.h"
+#include "common/files/SealingKeys.h"
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "host/server/ManagementServer.h"
@@ -54,6 +56,7 @@ struct DeliverySetup {
     options.limits.answerBytes = 10'000;
     options.clock = clock;
     fs::create_directory(options.outbox);
+    PutServerKey();
     Restart();
   }
   void Restart() {
@@ -68,6 +71,24 @@ struct DeliverySetup {
   }
   void PutSealed(const std::string& name, const std::string& content) { Put(name, SEAL + content); }
   void Report(const std::string& requestId) { queue->Add({StatusOf(requestId)}); }
+  void PutServerKey() {
+    fs::create_directories(keys);
+    SealingKeys(folder / "server").ForSealing();
+    fs::copy_file(folder / "server" / "agent.pub", keys / "server.pub");
+  }
+  /// Puts a document that no server can read.
+  void PutSealedToOwnKey(const std::string& name, const std::string& content) {
+    WriteFile(folder / "plain", content + std::string(70'000, 'x'));
+    FileSealer(keys).Seal(folder / "plain", options.outbox / name);
+    delivery->NumberNewFiles();
+  }
+  /// The beginning of the last document, opened with the server's private key.
+  std::string LastOpened() const {
+    const std::string line = server.Requests().back();
+    WriteFile(folder / "sealed", SEAL + line.substr(line.find(' ', line.find(' ') + 1) + 1));
+    FileSealer(folder / "server").Open(folder / "sealed", folder / "opened");
+    return ContentOf(folder / "opened").substr(0, 3);
+  }
   /// Seconds from now to the next round; -1 if it needs none.
   double Round() {
     const auto next = delivery->Round();
@@ -93,6 +114,7 @@ struct DeliverySetup {
 
   ManagementServer server;
   TemporaryFolder folder;
+  const fs::path keys = folder / "keys";
   std::shared_ptr<FakeActionClock> clock = std::make_shared<FakeActionClock>(START);
   std::atomic<bool> stopped{false};
   ServerOptions options;
@@ -105,6 +127,10 @@ class Deliveries : public StepsTest, public DeliverySetup {
   Deliveries() {
     Verb("put", &DeliverySetup::PutSealed);
     Verb("put without seal", &DeliverySetup::Put);
+    Verb("no server key", [this] { fs::remove(keys / "server.pub"); });
+    Verb("server key", &DeliverySetup::PutServerKey);
+    Verb("put for nobody", &DeliverySetup::PutSealedToOwnKey);
+    Verb("server opens", [this] { return LastOpened(); });
     Verb("status", &DeliverySetup::Report);
     Verb("restart", &DeliverySetup::Restart);
     Verb("server", &DeliverySetup::Break);
