@@ -127,16 +127,25 @@ void ApplyToMachine(Json& document, const Json& changes) {
   }
 }
 
+/// Of either kind of document.
+Json NoChanges(const Json& device) {
+  return {{"create", nullptr},
+          {"delete", nullptr},
+          {"update", nullptr},
+          {"device", device},
+          {"paths", Json::array()}};
+}
+
 }  // namespace
 
 std::string ApplyIncrement(const NamedText& full, const NamedText& incremental) {
-  Document document = ParseDocument(full);
+  Document document = ParseDocument(full, Escapes::Kept);
   const bool files = IsFileDocument(document.value);
   CheckDocument(document, files ? CheckFullFileDocument : CheckFullDocument);
-  Document changes = ParseDocument(incremental);
+  Document changes = ParseDocument(incremental, Escapes::Kept);
   CheckSameKind(document, changes);
   CheckDocument(changes, files ? CheckIncrementalFileDocument : CheckIncrementalDocument);
-  if (changes.value.is_null()) return full.text;
+  if (changes.value.is_null()) changes.value = NoChanges(document.value.at("device"));
   try {
     if (files) {
       ApplyToFiles(document.value, std::move(changes.value));

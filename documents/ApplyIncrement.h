@@ -9,7 +9,8 @@ namespace Norvik::Documents {
 /// The full document that results when a server applies an incremental one. All records of a
 /// deleted identity are removed, an updated record replaces the first one of its identity, created
 /// records are appended, and "device" is that of the incremental document. A null incremental
-/// document returns the full text unchanged.
+/// document changes nothing. The text is that of an agent: the keys of each object in ascending
+/// order, on one line.
 ///
 /// Throws `DocumentError` if a text is not a document of its kind, or if the two do not belong
 /// together: the incremental one is of another machine, creates a record that exists, or updates or

@@ -1,12 +1,16 @@
 #include "documents/DocumentText.h"
 
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <sstream>
+#include <utility>
 
 #include "common/text/MaskedDocument.h"
 #include "documents/DocumentError.h"
 #include "json/BoundedReader.h"
+#include "json/Escape.h"
+#include "json/Numbers.h"
 
 namespace Norvik::Documents {
 
@@ -21,6 +25,29 @@ std::string Masked(const std::string& text) {
   return {std::istreambuf_iterator<char>(&masked), {}};
 }
 
+/// Whether this is the escape that the agent writes for a byte that is no UTF-8: "\u00e9".
+bool IsStrayByte(const std::string& escape) {
+  static constexpr char DIGITS[] = "0123456789abcdef";
+  return escape.size() == 6 && escape.compare(0, 4, "\\u00") == 0 &&
+         std::strchr(DIGITS + 8, escape[4]) && std::strchr(DIGITS, escape[5]);
+}
+
+/// Masks such bytes like the irregular sequences, so that they are not taken for the characters of
+/// their numbers.
+std::string WithMaskedEscapes(const std::string& masked) {
+  std::string text;
+  std::size_t copied = 0;
+  for (auto at = masked.find('\\'); at != std::string::npos; at = masked.find('\\', at + 2)) {
+    const std::string escape = masked.substr(at, 6);
+    if (!IsStrayByte(escape)) continue;
+    text.append(masked, copied, at - copied);
+    text +=
+        Common::MaskedDocument::Mask(static_cast<char>(std::stoi(escape.substr(2), nullptr, 16)));
+    copied = at + escape.size();
+  }
+  return text.append(masked, copied);
+}
+
 std::string MessageOf(const json::ReadError& error, const std::string& masked) {
   using Reason = json::ReadError::Reason;
   if (error.reason == Reason::NestsTooDeep) return "nests deeper than any inventory";
@@ -31,8 +58,7 @@ std::string MessageOf(const json::ReadError& error, const std::string& masked) {
 }
 
 template <class Value>
-Value Parse(const std::string& text) {
-  const std::string masked = Masked(text);
+Value Parse(const std::string& masked) {
   try {
     return json::ReadBounded<Value>(masked, MAX_NESTING);
   } catch (const json::ReadError& error) {
@@ -40,9 +66,35 @@ Value Parse(const std::string& text) {
   }
 }
 
-template <class Value>
-std::string Written(const Value& value, int indent) {
-  return Common::MaskedDocument::Unmask(value.dump(indent));
+void AppendText(std::string& out, const std::string& text) {
+  out += '"';
+  json::AppendEscaped(out, Common::MaskedDocument::Unmask(text));
+  out += '"';
+}
+
+/// The same text as `json::JSON` writes: the library's writer has other forms of fractions.
+void Append(std::string& out, const Json& value) {
+  if (value.is_object()) {
+    char lead = '{';
+    for (const auto& [key, member] : value.items()) {
+      out += std::exchange(lead, ',');
+      AppendText(out, key);
+      out += ':';
+      Append(out, member);
+    }
+    out += lead == '{' ? "{}" : "}";
+  } else if (value.is_array()) {
+    char lead = '[';
+    for (const Json& element : value) {
+      out += std::exchange(lead, ',');
+      Append(out, element);
+    }
+    out += lead == '[' ? "[]" : "]";
+  } else if (value.is_string()) {
+    AppendText(out, value.get_ref<const std::string&>());
+  } else {
+    out += value.is_number_float() ? json::FloatingText(value.get<double>()) : value.dump();
+  }
 }
 
 /// Runs an action; the text of a `DocumentError` from it then begins with the document's name.
@@ -57,15 +109,27 @@ auto Naming(const std::string& name, Action action) {
 
 }  // namespace
 
-Document ParseDocument(const NamedText& document) {
-  return {document.name, Naming(document.name, [&] { return Parse<Json>(document.text); })};
+Document ParseDocument(const NamedText& document, Escapes escapes) {
+  return {document.name, Naming(document.name, [&] {
+            // An error is counted in the text as it is.
+            const std::string masked = Masked(document.text);
+            Json value = Parse<Json>(masked);
+            const bool asRead = escapes == Escapes::Read || masked.find("\\u00") == masked.npos;
+            return asRead ? value : Parse<Json>(WithMaskedEscapes(masked));
+          })};
 }
 
-std::string TextOf(const Json& value) { return Written(value, -1); }
+std::string TextOf(const Json& value) {
+  std::string text;
+  Append(text, value);
+  return text;
+}
 
 std::string Indented(const NamedText& document) {
-  return Naming(document.name,
-                [&] { return Written(Parse<nlohmann::ordered_json>(document.text), 2) + "\n"; });
+  return Naming(document.name, [&] {
+    const auto value = Parse<nlohmann::ordered_json>(Masked(document.text));
+    return Common::MaskedDocument::Unmask(value.dump(2)) + "\n";
+  });
 }
 
 void CheckDocument(const Document& document, void (*check)(const Json&)) {

@@ -20,11 +20,15 @@ struct Document {
   Json value;
 };
 
+/// What becomes of the escape of a byte that is no UTF-8, such as "\u00e9": the character of that
+/// number, as for an agent that reads the document, or what was written.
+enum class Escapes { Read, Kept };
+
 /// Throws `DocumentError` if the text is no JSON, holds a number beyond a double, or nests deeper
 /// than any inventory does.
-Document ParseDocument(const NamedText& document);
+Document ParseDocument(const NamedText& document, Escapes escapes = Escapes::Read);
 
-/// A value of a parsed document as JSON on one line, with its original bytes.
+/// A value of a parsed document as JSON on one line, as an agent writes it.
 std::string TextOf(const Json& value);
 
 /// The document indented, one line per value, with the keys of each object in their original order.

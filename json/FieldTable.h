@@ -7,6 +7,7 @@
 #include <tuple>
 #include <type_traits>
 
+#include "json/Numbers.h"
 #include "json/SerializerHelpers.h"
 
 /// Field tables: a record lists its fields once, and its reader, its writer and its comparison walk
@@ -203,7 +204,8 @@ struct ToleranceFormat {
 
   template <class Tree>
   void Read(const Tree& node, const char* key, double& value) const {
-    value = ReadValue(node, key, 0.0, Conversion::Utf8);
+    const Tree* const child = ChildOf(node, key);
+    value = child ? FloatingOf(child->data()) : 0.0;
   }
   void Write(JSON& target, double value) const { target = value; }
   bool Equal(double left, double right) const { return std::abs(left - right) < tolerance; }

@@ -1,22 +1,11 @@
 #include "json/JSON.h"
 
 #include <charconv>
-#include <iostream>
-#include <sstream>
 
 #include "json/Escape.h"
+#include "json/Numbers.h"
 
 namespace json {
-namespace {
-
-std::string FloatingText(double number) {
-  std::ostringstream stream;
-  stream.imbue(std::locale(std::cout.getloc(), new JSON::DecimalSeparator<char, '.'>));
-  stream << number;
-  return stream.str();
-}
-
-}  // namespace
 
 /// Writes a value into one text.
 class Renderer {

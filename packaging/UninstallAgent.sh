@@ -1,7 +1,9 @@
 #!/bin/sh
 # Removes the agent from this machine and leaves its data folder; on macOS --remove-data removes that too.
+# Only what the installation put there, as its list of files says; so a copy of the folder removes nothing.
 # Started by hand, or by the server's action 1070 from inside the service: so the files are removed first
 # and the service is stopped last, which may end this script too.
+# NORVIK_ROOT is a folder in place of the system's root, for trials.
 set -u
 remove_data=${1:-}
 case "$remove_data" in
@@ -9,53 +11,60 @@ case "$remove_data" in
   *) echo "usage: UninstallAgent.sh [--remove-data]" >&2; exit 2 ;;
 esac
 home=$(cd "$(dirname "$0")" && pwd)
-[ -x "$home/bin/norvik-agent" ] || { echo "UninstallAgent: no agent beside $0" >&2; exit 1; }
+root=${NORVIK_ROOT:-}
+list=$home/share/norvik-agent/installed-files
+place=
+[ ! -f "$list" ] || IFS= read -r place <"$list"
+if [ -z "$place" ] || ! [ "$home" -ef "$root$place" ]; then
+  echo "UninstallAgent: nothing is removed, because no agent was installed into $home" >&2
+  exit 1
+fi
 # The service does not read the output to its end, and a write to a closed pipe would end the script.
 [ ! -p /dev/stdout ] || exec >/dev/null 2>&1
 
-remove_tree() {
-  rm -rf "$home/bin/norvik-agent" "$home"/lib/libNorvik* "$home/lib/cmake/NorvikAgent" \
-    "$home/include/norvik-agent" "$home/share/norvik-agent" "$home/share/doc/norvik-agent"
-  rm -f "$home/UninstallAgent.sh"
-  # Only empty folders: other files there are not ours.
-  find "$home" -depth -type d -empty ! -path "$home/data/*" -delete
+# The list has the folder of the installation, the files, with this script and the list last, and the
+# folders, inner ones first. Those with files of others stay.
+remove_installed() {
+  sed 1d "$list" | while IFS= read -r path; do
+    case "$path" in
+      */) rmdir "$root$path" 2>/dev/null ;;
+      *) rm -f "$root$path" ;;
+    esac
+  done
 }
 
-# The agent of the system, whose data folder is here too. Where it runs on without its files, it makes the
+# The agent of the system. Earlier versions had their data in the installation. Where it runs on without its files, it makes the
 # data folder anew: so it is stopped before that is removed.
 remove_from_mac() {
-  NORVIK_ROOT=${home%/opt/local/norvik}
   . "$home/share/norvik-agent/macos/services.sh"
   if [ -n "$remove_data" ]; then
     stop_services || exit 1
-    rm -rf "$home/data" "$root/var/log/norvik-agent.log"
+    rm -rf "$root/Library/Application Support/Norvik" "$home/data" "$root/var/log/norvik-agent.log"
   fi
-  rm -f "$service_file" "$user_file"
   rm -rf "$home/.new"
-  remove_tree
-  rmdir "$root/opt/local" "$root/opt" 2>/dev/null
+  remove_installed
   forget_receipt
   stop_services
 }
 
+# Only an installation to the usual folder has brought the services.
+service=
+for file in /usr/lib/systemd/system/norvik-agent.service /Library/LaunchDaemons/com.norvik.agent.plist; do
+  ! grep -qxF "$file" "$list" || service=yes
+done
 case "$(uname -s)" in
   Darwin)
-    case "$home" in
-      */opt/local/norvik) remove_from_mac ;;
-      *) remove_tree ;;
-    esac ;;
+    if [ -n "$service" ]; then remove_from_mac; else remove_installed; fi ;;
   *)
-    if dpkg-query -W norvik-agent >/dev/null 2>&1; then
+    if dpkg-query -S "$home/UninstallAgent.sh" >/dev/null 2>&1; then
       # Outside of the service, because the removal of the package stops that.
       if [ -d /run/systemd/system ]; then
         exec systemd-run --collect --quiet dpkg --remove norvik-agent
       fi
       exec dpkg --remove norvik-agent
     fi
-    rm -f /usr/lib/systemd/system/norvik-agent.service \
-      /usr/lib/systemd/user/norvik-agent-user.service
-    remove_tree
-    if [ -d /run/systemd/system ]; then
+    remove_installed
+    if [ -n "$service" ] && [ -d /run/systemd/system ]; then
       systemctl disable norvik-agent.service
       systemctl stop --no-block norvik-agent.service
     fi ;;

@@ -67,7 +67,8 @@ struct DirectoryReader::Stream {
       const ssize_t got = ::getdents64(descriptor.Get(), buffer, sizeof buffer);
       position = 0;
       length = got > 0 ? static_cast<std::size_t>(got) : 0;
-      errno = got < 0 ? errno : 0;
+      // A folder that was removed meanwhile has ended, as for `readdir`.
+      errno = got < 0 && errno != ENOENT ? errno : 0;
       if (length == 0) return nullptr;
     }
     const auto* const entry = reinterpret_cast<const dirent64*>(buffer + position);

@@ -10,6 +10,7 @@
 #include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ConfigurationWarnings.h"
+#include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
 
@@ -19,10 +20,11 @@ using namespace Common;
 
 namespace {
 
-int Check(const EffectiveConfiguration& configuration, bool json, std::ostream& output) {
+int Check(const EffectiveConfiguration& configuration, const boost::filesystem::path& dataFolder,
+          bool json, std::ostream& output) {
   OrderedJson list = OrderedJson::array();
   std::string text;
-  for (const auto& warning : WarningsOf(configuration.values)) {
+  for (const auto& warning : WarningsOf(configuration.values, dataFolder / KEY_FOLDER)) {
     list.push_back({{"key", warning.key}, {"value", warning.value}, {"text", warning.text}});
     text += warning.key + ": " + EscapeControls(warning.value) +
             (warning.value.empty() ? "" : " ") + warning.text + "\n";
@@ -48,7 +50,7 @@ int ReportAppliedByAgent(const AgentConfigurationInfo& configuration, const Orde
 
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const ConfigurationFile given = ReadConfigurationFile(line.file);
-  if (line.check) return Check(given.configuration, line.json, output);
+  if (line.check) return Check(given.configuration, line.agent.dataFolder, line.json, output);
   const AgentConfigurationInfo& configuration = given.configuration.values;
 
   const auto answer =

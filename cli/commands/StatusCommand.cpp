@@ -16,7 +16,10 @@
 #include "common/text/Text.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
+#include "host/configuration/ConfigurationWarnings.h"
+#include "host/data/DataFolder.h"
 #include "host/identity/AgentIdentity.h"
+#include "host/ipc/AskAgent.h"
 
 namespace Norvik::Cli {
 
@@ -60,7 +63,7 @@ Stored ReadStored(const fs::path& folder) {
 }
 
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
-  const auto found = data.find(LAST_INVENTORY_KEY);
+  const auto found = data.find(LAST_DOCUMENT_KEY);
   const auto state = found == data.end() ? boost::none : ParsePeriodicState("0 " + found->second);
   if (!state || state->next == system_clock::time_point()) return nullptr;
   return TimeToJson(state->next);
@@ -116,17 +119,22 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
-/// The status of the running agent; null if no agent answers or it refuses.
-OrderedJson AskForStatus(const fs::path& socket) {
+/// The status of the running agent; null if no agent answers or it refuses, with the reason under
+/// `problem` if one runs all the same.
+OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   try {
     return AskRunningAgent(socket, {{"request", "status"}});
-  } catch (const std::runtime_error&) {
-    return nullptr;
+  } catch (const NoAnswer& silence) {
+    if (silence.Runs()) problem = silence.Reason();
+  } catch (const std::runtime_error& refusal) {
+    problem = refusal.what();
   }
+  return nullptr;
 }
 
 OrderedJson Gather(const CommandLine& line) {
-  OrderedJson agent = AskForStatus(line.socket);
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
   const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
   const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
   Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
@@ -142,11 +150,14 @@ OrderedJson Gather(const CommandLine& line) {
   const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
   return {{"dataFolder", folder.string()},
           {"agent", agent},
+          {"agentProblem", problem},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
           {"configured", configured},
           {"sources", configuration.sources},
           {"profileId", configuration.values.profileId},
           {"server", configuration.values.communications.address},
+          {"deliveryProblem",
+           DeliveryProblem(configuration.values.communications, folder / KEY_FOLDER)},
           {"lastInventory", LastInventory(database.data)},
           {"fileInventory", database.fileInventory},
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
@@ -165,15 +176,18 @@ std::string FileLines(const char* title, const OrderedJson& files) {
 
 std::string ToText(const OrderedJson& status) {
   const auto orElse = [](const OrderedJson& value, const char* otherwise) {
-    return value.is_string() && !value.empty() ? value.get<std::string>() : otherwise;
+    return value.is_string() && value != "" ? value.get<std::string>() : otherwise;
   };
   std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
-  text += RunningAgentLines(status["agent"]);
+  text += RunningAgentLines(status["agent"], status["agentProblem"]);
   text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
   text += std::string("configuration: ") +
           (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +
           SourceLines(status["sources"]);
   text += "profile: " + status["profileId"].dump() + "\n";
+  text += "server: " + orElse(status["server"], "none") + "\n";
+  const auto problem = status["deliveryProblem"].get<std::string>();
+  if (!problem.empty()) text += "no document is delivered: " + EscapeControls(problem) + "\n";
   const OrderedJson& last = status["lastInventory"];
   text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";
   text += FileInventoryLine(status["fileInventory"]);
@@ -192,11 +206,14 @@ std::string ToText(const OrderedJson& status) {
 
 }  // namespace
 
-int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   const OrderedJson status = Gather(line);
   output << (line.json ? JsonLine(status) : ToText(status));
-  return EXIT_DONE;
+  const auto problem = status["deliveryProblem"].get<std::string>();
+  if (problem.empty()) return EXIT_DONE;
+  errors << "norvik-agent: no document is delivered: " << EscapeControls(problem) << "\n";
+  return EXIT_FAILED;
 }
 
 }  // namespace Norvik::Cli

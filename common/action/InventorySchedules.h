@@ -16,6 +16,10 @@ inline constexpr char LAST_INVENTORY_KEY[] = "KOB_INVENTORY";
 inline constexpr char LAST_FILE_INVENTORY_KEY[] = "RUD_INVENTORY";
 inline constexpr char LAST_INCREMENTAL_FILE_INVENTORY_KEY[] = "RUD_INVENTORY_INCREMENTAL";
 
+/// Key of the "DATA" table, written by `MoveToOutbox`: when the last document of a machine
+/// inventory reached the outbox, in seconds since the epoch.
+inline constexpr char LAST_DOCUMENT_KEY[] = "LAST_DOCUMENT";
+
 /// The schedule to install for an inventory that has no execution pending: the configured one, its
 /// next execution moved to the first of its times that is not past. Empty stays empty.
 NORVIK_COMMON_API boost::optional<ScheduleInfo> CheckInventoryNextExecutionInit(

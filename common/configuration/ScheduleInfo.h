@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 
@@ -10,9 +11,11 @@ struct ScheduleInfo {
   std::int64_t periodSeconds = 0;  ///< 0: once
   std::int64_t next = 0;           ///< next execution, seconds since the epoch
 
-  /// `next` as a point in time; it must be within the range of the clock.
+  /// `next` as a point in time; at most the year 2096, within the range of every system's clock.
   std::chrono::system_clock::time_point NextTime() const {
-    return std::chrono::system_clock::time_point(std::chrono::seconds(next));
+    constexpr std::int64_t LATEST = 4'000'000'000;
+    return std::chrono::system_clock::time_point(
+        std::chrono::seconds(std::clamp<std::int64_t>(next, 0, LATEST)));
   }
 };
 

@@ -18,10 +18,11 @@ constexpr std::chrono::milliseconds BUSY_PAUSE(20);
 // The cache is large enough for the index of a few hundred thousand paths while they are inserted;
 // the size limit returns the space of a large transaction's journal to the disk. Deleted rows are
 // not overwritten: they are file names in a file that only its owner can read, and clearing a full
-// table would take as long as filling it.
+// table would take as long as filling it. Temporary files would be outside the data folder, where
+// this process may not be able to write.
 constexpr char SETTINGS[] =
     "PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; PRAGMA journal_size_limit=4194304; "
-    "PRAGMA secure_delete=OFF;";
+    "PRAGMA secure_delete=OFF; PRAGMA temp_store=MEMORY;";
 
 struct SharedListener {
   std::mutex mutex;
@@ -95,7 +96,7 @@ bool Connection::Wait(bool begins) {
 
 void Connection::OnlyRead(bool hasLog) {
   CheckpointOnClose(!hasLog);
-  ExecuteScript("PRAGMA query_only=ON");
+  ExecuteScript("PRAGMA query_only=ON; PRAGMA temp_store=MEMORY");
 }
 
 void Connection::Configure() { ExecuteScript(SETTINGS); }

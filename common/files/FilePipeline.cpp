@@ -5,12 +5,15 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <exception>
 #include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "common/action/InventorySchedules.h"
+#include "common/database/DataBase.h"
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
@@ -61,6 +64,15 @@ bool Try(const char* what, const fs::path& source, Step step) {
     NORVIK_ERROR(boost::format("Unable to %1% the file %2%: %3%") % what % source.string() %
                  error.what());
     return false;
+  }
+}
+
+void RecordDocument() {
+  try {
+    // Cut to the 32 bits that the table's numbers have.
+    V2::DataBase::SetDataTable(LAST_DOCUMENT_KEY, static_cast<int>(std::time(nullptr)));
+  } catch (const std::exception& error) {
+    NORVIK_WARNING(boost::format("The time of the inventory is not recorded: %1%") % error.what());
   }
 }
 
@@ -140,6 +152,7 @@ bool CopyFileToDestination(const fs::path& source, const fs::path& target) {
 bool MoveToOutbox(fs::path&& file, boost::optional<bool> incremental) {
   const fs::path target = Paths(Paths::OUTBOX, false).AppData() / file.filename();
   const bool done = GetFilePipeline()->MoveToOutbox(file, incremental);
+  if (done && incremental) RecordDocument();
   ReportDocument({DocumentStep::MOVE, done, file, target, incremental});
   return done;
 }

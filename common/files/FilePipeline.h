@@ -47,7 +47,7 @@ NORVIK_COMMON_API bool AgentEncryptFile(const boost::filesystem::path& source,
 NORVIK_COMMON_API bool CopyFileToDestination(const boost::filesystem::path& source,
                                              const boost::filesystem::path& target);
 /// Moves the file to the outbox under its own name, replacing a file of that name. Its content is
-/// on the disk before it gets there.
+/// on the disk before it gets there. For a machine inventory, records the time in the agent data.
 /// @param incremental whether the document is incremental; empty if it has no such kind
 NORVIK_COMMON_API bool MoveToOutbox(boost::filesystem::path&& file,
                                     boost::optional<bool> incremental);

@@ -102,17 +102,31 @@ void WriteStart(const Platform::FileDescriptor& file, const PublicKey& recipient
   Write(file, header, header.size());
 }
 
-void WriteChunks(const Platform::FileDescriptor& from, const Platform::FileDescriptor& to,
-                 Stream& stream) {
+/// Appends chunks to a file whose start is written.
+class ChunkWriter {
+ public:
+  ChunkWriter(const Platform::FileDescriptor& file, Stream& stream)
+      : file_(file), stream_(stream) {}
+
+  void Write(const unsigned char* piece, std::size_t size, unsigned char tag) {
+    crypto_secretstream_xchacha20poly1305_push(&stream_.state, sealed_.data(), nullptr, piece, size,
+                                               MARK.data(), MARK.size(), tag);
+    Common::Write(file_, sealed_, size + CHUNK_EXTRA);
+  }
+
+ private:
+  const Platform::FileDescriptor& file_;
+  Stream& stream_;
+  Bytes sealed_ = Bytes(CHUNK + CHUNK_EXTRA);
+};
+
+void WriteChunks(const Platform::FileDescriptor& from, ChunkWriter writer) {
   PieceReader pieces(from, CHUNK);
-  Bytes sealed(CHUNK + CHUNK_EXTRA);
   unsigned char tag = MESSAGE_TAG;
   do {
     const Bytes& piece = pieces.Next();
     tag = pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG;
-    crypto_secretstream_xchacha20poly1305_push(&stream.state, sealed.data(), nullptr, piece.data(),
-                                               piece.size(), MARK.data(), MARK.size(), tag);
-    Write(to, sealed, piece.size() + CHUNK_EXTRA);
+    writer.Write(piece.data(), piece.size(), tag);
   } while (tag != FINAL_TAG);
 }
 
@@ -137,8 +151,9 @@ void ReadStart(const Platform::FileDescriptor& file, const SealingKeys& keys, St
   }
 }
 
-void ReadChunks(const Platform::FileDescriptor& from, const Platform::FileDescriptor& to,
-                Stream& stream) {
+/// @param take gets each piece: its bytes, their number and the tag
+template <class Take>
+void ReadChunks(const Platform::FileDescriptor& from, Stream& stream, Take take) {
   PieceReader pieces(from, CHUNK + CHUNK_EXTRA);
   Bytes opened(CHUNK);
   unsigned char tag = MESSAGE_TAG;
@@ -151,7 +166,7 @@ void ReadChunks(const Platform::FileDescriptor& from, const Platform::FileDescri
     }
     // Only the last chunk has the final tag.
     if (tag != (pieces.AtEnd() ? FINAL_TAG : MESSAGE_TAG)) ThrowDamaged();
-    Write(to, opened, piece.size() - CHUNK_EXTRA);
+    take(opened, piece.size() - CHUNK_EXTRA, tag);
   } while (tag != FINAL_TAG);
 }
 
@@ -168,7 +183,7 @@ void FileSealer::Seal(const boost::filesystem::path& source,
   Platform::ReplacementFile to(target.string());
   Stream stream;
   WriteStart(to.Descriptor(), recipient, stream);
-  WriteChunks(from, to.Descriptor(), stream);
+  WriteChunks(from, ChunkWriter(to.Descriptor(), stream));
   to.Commit();
 }
 
@@ -179,7 +194,35 @@ void FileSealer::Open(const boost::filesystem::path& source,
   Stream stream;
   ReadStart(from, keys, stream);
   Platform::ReplacementFile to(target.string());
-  ReadChunks(from, to.Descriptor(), stream);
+  ReadChunks(from, stream, [&](const Bytes& piece, std::size_t size, unsigned char /*tag*/) {
+    Write(to.Descriptor(), piece, size);
+  });
+  to.Commit();
+}
+
+bool FileSealer::IsSealedToOwnKey(const boost::filesystem::path& file) const {
+  try {
+    Stream stream;
+    ReadStart(Platform::OpenRegularFile(file.string()), SealingKeys(keyFolder_), stream);
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+void FileSealer::SealAgain(const boost::filesystem::path& file) const {
+  const SealingKeys keys(keyFolder_);
+  const PublicKey recipient = keys.ForSealing();
+  const Platform::FileDescriptor from = Platform::OpenRegularFile(file.string());
+  Stream old;
+  ReadStart(from, keys, old);
+  Platform::ReplacementFile to(file.string());
+  Stream stream;
+  WriteStart(to.Descriptor(), recipient, stream);
+  ChunkWriter writer(to.Descriptor(), stream);
+  ReadChunks(from, old, [&](const Bytes& piece, std::size_t size, unsigned char tag) {
+    writer.Write(piece.data(), size, tag);
+  });
   to.Commit();
 }
 

@@ -30,6 +30,13 @@ class NORVIK_COMMON_API FileSealer {
   /// file cannot be read or written, or there is no private key.
   void Open(const boost::filesystem::path& source, const boost::filesystem::path& target) const;
 
+  /// Whether this machine's own key opens the file. False also if it cannot be read.
+  bool IsSealedToOwnKey(const boost::filesystem::path& file) const;
+  /// Seals a file that is sealed to this machine's own key to the key of `SealingKeys::ForSealing`
+  /// instead; its content is never on the disk. Throws what `Open` and `Seal` throw, and leaves the
+  /// file as it was then.
+  void SealAgain(const boost::filesystem::path& file) const;
+
  private:
   boost::filesystem::path keyFolder_;
 };

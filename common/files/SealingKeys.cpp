@@ -18,6 +18,7 @@ namespace {
 
 namespace fs = boost::filesystem;
 
+constexpr char SERVER_KEY[] = "server.pub";
 constexpr std::size_t KEY_BYTES = 32;
 static_assert(crypto_box_PUBLICKEYBYTES == KEY_BYTES && crypto_box_SECRETKEYBYTES == KEY_BYTES);
 
@@ -81,13 +82,26 @@ SealingKeys::SealingKeys(fs::path folder) : folder_(std::move(folder)) {
 }
 
 PublicKey SealingKeys::ForSealing() const {
-  for (const char* name : {"server.pub", "agent.pub"}) {
+  for (const char* name : {SERVER_KEY, "agent.pub"}) {
     if (!fs::exists(folder_ / name)) continue;
     PublicKey key;
     ReadKey(folder_ / name, key);
     return key;
   }
   return OwnKey();
+}
+
+std::string SealingKeys::ServerKeyProblem() const {
+  const fs::path path = folder_ / SERVER_KEY;
+  boost::system::error_code ignored;
+  if (fs::status(path, ignored).type() == fs::file_not_found) return path.string() + " is missing";
+  try {
+    PublicKey key;
+    ReadKey(path, key);
+    return {};
+  } catch (const std::exception& error) {
+    return error.what();
+  }
 }
 
 PublicKey SealingKeys::OwnKey() const {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <boost/filesystem/path.hpp>
+#include <string>
 
 #include "common/Api.h"
 
@@ -31,6 +32,9 @@ class NORVIK_COMMON_API SealingKeys {
   /// key it creates the pair and the folder; if several processes do that at once, all get the same
   /// pair.
   PublicKey ForSealing() const;
+  /// Why there is no usable public key of the server, as in "FILE is missing"; empty if there is
+  /// one. Never throws.
+  std::string ServerKeyProblem() const;
   /// Both halves of this machine's own pair.
   void ForOpening(PublicKey& publicKey, PrivateKey& privateKey) const;
 

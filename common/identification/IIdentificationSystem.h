@@ -15,7 +15,8 @@ class NORVIK_COMMON_API IIdentificationSystem {
  public:
   virtual ~IIdentificationSystem();
 
-  /// A copy of the facts that the host gathered; may take long at the first call.
+  /// The facts of the machine as they are at this call, which may take long. An inventory asks
+  /// once.
   virtual FirstInventoryInfo GetFirstInventoryInfo() = 0;
   /// The machine's SMBIOS table; an invalid one (`IsValid`) on a machine that has none. The host
   /// owns it.

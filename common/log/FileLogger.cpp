@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "common/log/LineLimit.h"
+
 namespace Norvik::Common {
 
 namespace {
@@ -40,7 +42,7 @@ class FileLogger : public Logger {
 
   void Log(Level level, const std::string& text, const char* file, int line,
            const char* function) override {
-    if (level > maxLevel_) return;
+    if (level > maxLevel_ || !LineLimitScope::Allows(level)) return;
     logger_.log(spdlog::level::info, "[{}] {}:{} {}: {}", static_cast<int>(level), file, line,
                 function, WithEscapedLineEnds(text));
   }

@@ -29,17 +29,17 @@ bool IsMask(const std::string& sequence, std::size_t at) {
   return sequence.compare(at, 2, MASK) == 0 && (sequence[at + 2] & 0x3E) == 0x3E;
 }
 
-std::string MaskOf(char byte) {
-  const int code = static_cast<unsigned char>(byte);
-  return {MASK[0], MASK[1], static_cast<char>(0xBC | (code >> 6)),
-          static_cast<char>(0x80 | (code & 0x3F))};
-}
-
 }  // namespace
 
 MaskedDocument::MaskedDocument(std::istream& document) : document_(document) {}
 
 MaskedDocument::~MaskedDocument() = default;
+
+std::string MaskedDocument::Mask(char byte) {
+  const int code = static_cast<unsigned char>(byte);
+  return {MASK[0], MASK[1], static_cast<char>(0xBC | (code >> 6)),
+          static_cast<char>(0x80 | (code & 0x3F))};
+}
 
 std::string MaskedDocument::Unmask(std::string text) {
   for (auto at = text.find(MASK); at != std::string::npos; at = text.find(MASK, at + 1)) {
@@ -94,7 +94,7 @@ void MaskedDocument::AddSequence() {
   } else if (IsCharacter(sequence) && !IsMask(sequence, 0)) {
     masked_ += sequence;
   } else {
-    for (const char byte : sequence) masked_ += MaskOf(byte);
+    for (const char byte : sequence) masked_ += Mask(byte);
   }
 }
 

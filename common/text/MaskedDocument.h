@@ -20,6 +20,8 @@ class NORVIK_COMMON_API MaskedDocument : public std::streambuf {
   explicit MaskedDocument(std::istream& document);
   ~MaskedDocument() override;
 
+  /// The character that stands for a byte from 0x80 on.
+  static std::string Mask(char byte);
   /// The original bytes of a text that comes from the parsed document, or of a JSON text made of
   /// it.
   static std::string Unmask(std::string text);

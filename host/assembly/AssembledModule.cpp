@@ -13,7 +13,8 @@ std::unique_ptr<AssembledModule> AssembleModule(const boost::filesystem::path& f
                                                 AgentParts parts) {
   auto assembled = std::make_unique<AssembledModule>();
   assembled->parts = std::move(parts);
-  assembled->identification = std::make_shared<MachineFacts>(assembled->parts.identity);
+  const auto facts = std::make_shared<MachineFacts>(assembled->parts.identity);
+  assembled->identification = facts;
 
   assembled->dependencies = std::make_shared<ModuleDependencies>();
   ModuleDependencies& dependencies = *assembled->dependencies;
@@ -25,6 +26,7 @@ std::unique_ptr<AssembledModule> AssembleModule(const boost::filesystem::path& f
   dependencies.dataBase = assembled->parts.dataBase;
 
   assembled->module = LoadModule(file, assembled->dependencies);
+  facts->ModuleIsMade();
   assembled->parts.actions->SetActionFactory(
       [&module = *assembled->module](unsigned int code, const ActionParameters& parameters) {
         return module.GetAction(code, parameters);

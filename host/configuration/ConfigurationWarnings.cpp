@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "common/files/ScanRules.h"
+#include "common/files/SealingKeys.h"
 #include "common/files/TextFile.h"
 #include "host/configuration/UsualExclusions.h"
 
@@ -97,7 +98,12 @@ bool WantsNoFile(const Common::KobConfigurationInfo& configuration) {
   return ScanRules(configuration).Configuration().at(Common::IncludeExtension).empty();
 }
 
-Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration) {
+std::string DeliveryProblem(const Common::CommunicationsInfo& server, const fs::path& keyFolder) {
+  return server.address.empty() ? "" : Common::SealingKeys(keyFolder).ServerKeyProblem();
+}
+
+Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration,
+                    const fs::path& keyFolder) {
   Warnings warnings;
   const Common::KobConfigurationInfo& kob = configuration.kob.value();
   CheckFolders(kob.excludedPaths, warnings);
@@ -108,6 +114,10 @@ Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration) {
   if (WantsNoFile(kob)) warnings.push_back({"includedExtensions", "", NO_FILE_WANTED});
   CheckSchedules(kob, warnings);
   CheckServer(configuration.communications, warnings);
+  const std::string problem = DeliveryProblem(configuration.communications, keyFolder);
+  if (!problem.empty()) {
+    warnings.push_back({"server", "", "gets no document: " + problem});
+  }
   return warnings;
 }
 

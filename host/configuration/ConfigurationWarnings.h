@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/filesystem/path.hpp>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,13 @@ inline constexpr char NO_FILE_WANTED[] =
 /// The settings of the file inventory that match nothing or have another effect than expected, and
 /// those of the server that cannot work. Checks the folders and files of this machine. The
 /// configuration's `kob` must be set.
-std::vector<ConfigurationWarning> WarningsOf(const Common::AgentConfigurationInfo& configuration);
+/// @param keyFolder of the agent, where the server's key must be
+std::vector<ConfigurationWarning> WarningsOf(const Common::AgentConfigurationInfo& configuration,
+                                             const boost::filesystem::path& keyFolder);
+
+/// Why no document can be delivered to the configured server, as in "FILE is missing"; empty if
+/// there is no reason or no server.
+std::string DeliveryProblem(const Common::CommunicationsInfo& server,
+                            const boost::filesystem::path& keyFolder);
 
 }  // namespace Norvik::Host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/optional.hpp>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -9,25 +11,34 @@
 
 namespace Norvik::Host {
 
-/// The agent's identity, and the facts of the machine. The facts are gathered once in a process, at
-/// the first call that needs them. Safe on any thread.
+/// The agent's identity, and the facts of the machine, gathered anew by each request for them. Safe
+/// on any thread; requests wait for one another.
 class MachineFacts : public Common::IIdentificationSystem {
  public:
   explicit MachineFacts(std::shared_ptr<const AgentIdentity> identity);
   ~MachineFacts() override;
 
+  /// To be called once the module is made. What was gathered for that also serves the next request,
+  /// if it comes within ten seconds, so that the first inventory does not start all tools twice.
+  void ModuleIsMade();
+
   Common::FirstInventoryInfo GetFirstInventoryInfo() override;
+  /// The firmware's table, which does not change while the system runs: it is read again only if
+  /// there was none.
   std::weak_ptr<Common::SmBios> GetSmBios() override;
   std::string GetAgentIdentifier() override { return identity_->Get().identifier; }
   std::string GetToken() override { return identity_->Get().token; }
 
  private:
-  void Gather();
+  void ReadTable();
 
   const std::shared_ptr<const AgentIdentity> identity_;
-  std::once_flag gathered_;
+  std::mutex mutex_;
   std::shared_ptr<Common::SmBios> smBios_;
-  std::unique_ptr<const Common::FirstInventoryInfo> firstInventory_;
+  std::shared_ptr<Common::SmBios> noTable_;  ///< the former one, which an inventory may still use
+  bool isModuleMade_ = false;
+  boost::optional<Common::FirstInventoryInfo> forModule_;
+  std::chrono::steady_clock::time_point gathered_;  ///< when `forModule_` was
 };
 
 }  // namespace Norvik::Host

@@ -4,8 +4,10 @@
 #include <boost/format.hpp>
 #include <utility>
 
+#include "common/files/SealingKeys.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "host/data/DataFolder.h"
 
 namespace Norvik::Host {
 
@@ -29,13 +31,15 @@ Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> 
       session_(std::move(session)),
       queue_(std::move(queue)),
       statuses_(session_, queue_),
-      sender_(session_, stopped_),
+      sender_(session_, options.dataFolder / KEY_FOLDER, stopped_),
       files_(options.outbox, options.extensions, options.clock),
       client_(session_->NewClient()),
       server_(options.limits, options.clock) {}
 
 Delivery::TimePoint Delivery::Round() {
   files_.NumberNewFiles();
+  // Before the server is asked: it may not answer.
+  HasServerKey();
   const bool isAllowed = !stopped_ && server_.IsDue() && HasWork();
   if (isAllowed && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
   return stopped_ ? TimePoint::max() : NextTry();
@@ -58,7 +62,24 @@ bool Delivery::DeliverStatuses() {
   return Record(STATUSES, STATUSES_TEXT, statuses_.Send(*client_));
 }
 
+/// Logs each change of the answer.
+bool Delivery::HasServerKey() {
+  const auto keys = options_.dataFolder / KEY_FOLDER;
+  const std::string problem = Common::SealingKeys(keys).ServerKeyProblem();
+  if (std::exchange(keyProblem_, problem) != problem) {
+    if (problem.empty()) {
+      NORVIK_INFORMATION("The server's key is there; documents are delivered");
+    } else {
+      NORVIK_WARNING(boost::format("No document is delivered to %1%, %2% wait: %3%") %
+                     session_->Origin() % std::to_string(files_.List().size()) %
+                     OnOneLine(problem));
+    }
+  }
+  return problem.empty();
+}
+
 bool Delivery::DeliverFiles() {
+  if (!HasServerKey()) return true;
   for (const OutboxFile& file : files_.List()) {
     if (IsHeldUp(file.extension)) continue;
     const std::string what = OnOneLine(file.path.filename().string());

@@ -16,9 +16,10 @@
 namespace Norvik::Host {
 
 /// Sends to the server what waits for it: first the states of tasks, then the files of the outbox,
-/// oldest first. Each item is deleted only after the server has acknowledged it. A failure of the
-/// server ends the round. An item that the server refuses delays only items of its kind, since they
-/// may build on it. Each failure is logged in one line.
+/// oldest first; files only while there is a usable key of the server. Each item is deleted only
+/// after the server has acknowledged it. A failure of the server ends the round. An item that the
+/// server refuses delays only items of its kind, since they may build on it. Each failure is logged
+/// in one line.
 class Delivery {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
@@ -44,6 +45,7 @@ class Delivery {
   bool Enrol();
   bool DeliverStatuses();
   bool DeliverFiles();
+  bool HasServerKey();
   bool Record(const std::string& kind, const std::string& what, const Attempt& attempt);
   bool IsHeldUp(const std::string& kind) const;
   TimePoint NextTry() const;
@@ -57,6 +59,7 @@ class Delivery {
   OutboxFiles files_;
   std::unique_ptr<HttpClient> client_;
 
+  std::string keyProblem_;  ///< that was logged last
   Backoff server_;
   std::map<std::string, Backoff> refused_;  ///< by kind: the extension of files, or "statuses"
 };

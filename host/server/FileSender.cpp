@@ -42,8 +42,9 @@ std::string PercentEncoded(const std::string& text) {
 
 }  // namespace
 
-FileSender::FileSender(std::shared_ptr<ServerSession> session, const std::atomic<bool>& stopped)
-    : session_(std::move(session)), stopped_(stopped) {}
+FileSender::FileSender(std::shared_ptr<ServerSession> session, fs::path keyFolder,
+                       const std::atomic<bool>& stopped)
+    : session_(std::move(session)), keyFolder_(std::move(keyFolder)), stopped_(stopped) {}
 
 Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
   try {
@@ -51,6 +52,8 @@ Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
     // A run without a valid key cannot seal its document and leaves it in plain text.
     if (!Common::IsSealedFile(file.path))
       return {Attempt::Result::Refused, NOT_SEALED, boost::none};
+    const Common::FileSealer sealer(keyFolder_);
+    if (sealer.IsSealedToOwnKey(file.path)) sealer.SealAgain(file.path);
     const auto opened = Platform::OpenRegularFile(file.path.string());
     const FileDigest digest = DigestOf(opened, stopped_);
 

@@ -53,6 +53,14 @@ std::vector<SectionReader> ReadersOf(std::index_sequence<indices...> /*all*/) {
   return {ReaderOf<indices>()...};
 }
 
+/// A number as the document has it: in the parser's text the C locale's decimal point replaces the
+/// document's.
+std::string WithPoint(std::string number) {
+  const auto place = number.find_first_not_of("0123456789+-eE");
+  if (place != std::string::npos) number[place] = '.';
+  return number;
+}
+
 /// Receives the parser's events. Level 1 is the document's object, level 2 a section, and level 3 a
 /// record of a list.
 class Reader : public Json::json_sax_t {
@@ -72,7 +80,9 @@ class Reader : public Json::json_sax_t {
   bool boolean(bool value) override { return Value(value ? "true" : "false"); }
   bool number_integer(number_integer_t value) override { return Value(std::to_string(value)); }
   bool number_unsigned(number_unsigned_t value) override { return Value(std::to_string(value)); }
-  bool number_float(number_float_t /*value*/, const string_t& text) override { return Value(text); }
+  bool number_float(number_float_t /*value*/, const string_t& text) override {
+    return Value(WithPoint(text));
+  }
   bool string(string_t& value) override {
     return Value(Common::MaskedDocument::Unmask(std::move(value)));
   }

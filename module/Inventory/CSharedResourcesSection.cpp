@@ -1,6 +1,7 @@
 #include "module/Inventory/CSharedResourcesSection.h"
 
 #include <boost/algorithm/string/erase.hpp>
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/format.hpp>
 #include <sstream>
@@ -21,6 +22,14 @@ constexpr char PROPERTIES_COMMAND[] =
     R"(rm /tmp/propertyShare;dscl . -read "/SharePoints/%s" > /tmp/propertyShare)";
 constexpr char LIST_FILE[] = "/tmp/shareList";
 constexpr char PROPERTIES_FILE[] = "/tmp/propertyShare";
+
+/// Whether a line of the list is a complaint: `dscl` prints some of them on its output.
+bool IsComplaint(const std::string& line) {
+  using boost::algorithm::ends_with;
+  using boost::algorithm::starts_with;
+  return line == "list: Invalid Path" || starts_with(line, "<dscl_cmd> DS Error: ") ||
+         (starts_with(line, "Data source (") && ends_with(line, ") is not valid."));
+}
 
 struct Attribute {
   const char* label;
@@ -60,6 +69,7 @@ std::list<SharedResourceInfo> ReadShares(const std::string& names,
   std::list<SharedResourceInfo> shares;
   std::istringstream stream(names);
   for (std::string line; std::getline(stream, line);) {
+    if (IsComplaint(line)) continue;
     SharedResourceInfo share;
     share.name = WxStringFromStdString(line);
     ReadProperties(propertiesOf(line), share);

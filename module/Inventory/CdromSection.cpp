@@ -40,6 +40,13 @@ IoObject MediumOf(IoObject& services) {
   return medium;
 }
 
+/// Whether `diskutil` reports that there is no such disk, as it does for an empty drive.
+bool IsError(CFDictionaryRef report) {
+  const CFTypeRef value = CFDictionaryGetValue(report, Platform::CfTextOf("Error").Get());
+  return value && CFGetTypeID(value) == CFBooleanGetTypeID() &&
+         CFBooleanGetValue(static_cast<CFBooleanRef>(value));
+}
+
 /// The dictionary that `diskutil` wrote; null without a dictionary.
 CfRef<CFDictionaryRef> ReadDiskFile() {
   const CfRef<CFURLRef> url(CFURLCreateWithFileSystemPath(
@@ -65,7 +72,7 @@ Common::LogicalDiskInfo DiskFrom(CFDictionaryRef& dictionary) {
 void AddDisk(CdromInfo& record) {
   RunToFile((boost::format(DISK_COMMAND) % Common::ToUtf8(record.pnpDeviceId)).str());
   CfRef<CFDictionaryRef> dictionary = ReadDiskFile();
-  if (!dictionary) return;
+  if (!dictionary || IsError(dictionary.Get())) return;
   record.logicalDisks.push_back(DiskFrom(dictionary.Ref()));
   const wxString kinds =
       AppleFundation::GetCFDictionaryStringProperty(dictionary.Ref(), "OpticalDeviceType");

@@ -1,5 +1,6 @@
 #include "module/Inventory/MonitorsSection.h"
 
+#include <algorithm>
 #include <boost/property_tree/ptree.hpp>
 #include <sstream>
 #include <vector>
@@ -28,6 +29,12 @@ wxString TextOf(const std::string& bytes) {
   return Common::WxStringFromStdString(Common::EncodeUtf8Characters(bytes));
 }
 
+/// A product number as four digits: the report leaves out zeros in front.
+std::string ProductDigits(const std::string& number) {
+  constexpr std::size_t DIGITS = 4;
+  return std::string(DIGITS - std::min(DIGITS, number.size()), '0') + number;
+}
+
 MonitorInfo MonitorFromEdid(const std::string& line) {
   const std::string manufacturer = getIDManufacturer(line.substr(16, 4));
   MonitorInfo monitor;
@@ -50,8 +57,8 @@ MonitorInfo MonitorFromReport(const ptree& display) {
   MonitorInfo monitor;
   monitor.manufacturer = TextOf(manufacturer);
   // Deliberately decoded as three letters: the server knows models from this source by them.
-  monitor.model = TextOf(manufacturer +
-                         getIDManufacturer(getProductCode(text("_spdisplays_display-product-id"))));
+  const std::string product = ProductDigits(text("_spdisplays_display-product-id"));
+  monitor.model = TextOf(manufacturer + getIDManufacturer(getProductCode(product)));
   monitor.name = TextOf(text("_name"));
   monitor.serial = TextOf(text("_spdisplays_display-serial-number"));
   // Deliberately reads decimal numbers as hexadecimal digits: dates stay comparable with those that

@@ -52,10 +52,13 @@ mkdir -m 700 "$new" || fail "$home cannot be written"
 for file in bin/norvik-agent lib/libNorvikAgentCommon.dylib lib/libNorvikKOB.dylib UninstallAgent.sh; do
   copy "$file" 755
 done
+copy "${shared%/macos}/installed-files" 644
 for file in services.sh "$label.plist" "$label.user.plist"; do copy "$shared/$file" 644; done
 
 stopped=yes
 stop_services || fail "the old service does not stop"
+# First, so that what a cut leaves can be removed.
+put installed-files "$home/${shared%/macos}"
 put norvik-agent "$home/bin"
 put libNorvikAgentCommon.dylib "$home/lib"
 put libNorvikKOB.dylib "$home/lib"

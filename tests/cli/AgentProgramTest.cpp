@@ -95,6 +95,16 @@ TEST_F(AgentProgram, AWaitForTheDatabaseIsReportedOnce) {
             "norvik-agent: waiting for the database, which another program holds\n");
 }
 
+TEST_F(AgentProgram, MakesNoTemporaryFileOutsideTheDataFolder) {
+  const fs::path temporary = folder_ / "temporary";
+  fs::create_directory(temporary);
+  fs::last_write_time(temporary, 1);
+  ::setenv("SQLITE_TMPDIR", temporary.c_str(), 1);
+  RunWell({"inventory"});
+  ::unsetenv("SQLITE_TMPDIR");
+  EXPECT_EQ(fs::last_write_time(temporary), 1);
+}
+
 /// Paths are relative to the folder of the test. In words and texts "$" stands for this folder, and
 /// "@name" for a text that was kept.
 class ProgramSteps : public StepsTest, public Program {
@@ -138,7 +148,8 @@ class ProgramSteps : public StepsTest, public Program {
       const Answer answer = Run(Filled(words));
       EXPECT_EQ(answer.code, 1);
       EXPECT_THAT(answer.errors, Not(IsEmpty()));
-      EXPECT_EQ(Chosen(Json::parse(answer.output, nullptr, false), wanted), wanted);
+      const Json filled = Filled(wanted);
+      EXPECT_EQ(Chosen(Json::parse(answer.output, nullptr, false), filled), filled);
     });
     Verb("prints", [this](const TextList& words, const TextList& patterns) {
       const Answer answer = RunWell(Filled(words));

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
-#include <cstdio>
+#include <iomanip>
+#include <locale>
 #include <sstream>
 
 #include "common/log/Logger.h"
@@ -99,10 +100,11 @@ std::string ReadProcessorShare(const std::string& output) {
 
 std::string PercentText(unsigned long long part, long long whole) {
   if (whole < 1) return "0";
-  char text[64];
-  const double percent = static_cast<double>(part) / static_cast<double>(whole) * 100;
-  std::snprintf(text, sizeof(text), "%0.2f", percent);
-  return text;
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << std::fixed << std::setprecision(2)
+       << static_cast<double>(part) / static_cast<double>(whole) * 100;
+  return text.str();
 }
 
 std::string WithoutShare(const std::string& listing, const std::string& name) {

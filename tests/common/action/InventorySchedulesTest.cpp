@@ -28,6 +28,7 @@ TEST(CheckInventoryNextExecutionInit, GivesTheFirstTimeThatIsNotPast) {
   for (const ScheduleInfo extreme :
        {ScheduleInfo{HUGE_NUMBER, 1}, {1, HUGE_NUMBER}, {-HUGE_NUMBER, -HUGE_NUMBER}, {1, -5}}) {
     EXPECT_GE(CheckInventoryNextExecutionInit(extreme)->next, 0);
+    EXPECT_EQ(extreme.NextTime() > system_clock::now(), extreme.next > now);
   }
 }
 

@@ -18,6 +18,39 @@ std::string ReadAndWritten(const std::string& text) {
   return written.str();
 }
 
+/// A C locale with a decimal comma, compiled for the test where the system has none.
+class DecimalComma : Norvik::Tests::Scope {
+ public:
+  DecimalComma()
+      : Scope([] {
+          std::setlocale(LC_NUMERIC, "C");
+          ::unsetenv("LOCPATH");
+        }) {
+    constexpr char NAME[] = "de_DE.UTF-8";
+    if (std::setlocale(LC_NUMERIC, NAME)) return;
+    const std::string compile = "localedef -i de_DE -f UTF-8 " + (folder_ / NAME).string();
+    EXPECT_EQ(std::system(compile.c_str()), 0);
+    ::setenv("LOCPATH", folder_.Path().c_str(), 1);
+    EXPECT_TRUE(std::setlocale(LC_NUMERIC, NAME));
+  }
+
+ private:
+  const Norvik::Tests::TemporaryFolder folder_;
+};
+
+TEST(InventoryReaderTest, ReadsFractionsUnderAnyLocale) {
+  InventoryKOBInfo inventory;
+  inventory.location.latitude = -33.4568;
+  inventory.location.height = 1e-5;
+  const std::string text = JsonText(inventory);
+  {
+    const DecimalComma comma;
+    EXPECT_EQ(ReadAndWritten(text), text);
+  }
+  const CommaLocale comma;
+  EXPECT_EQ(ReadAndWritten(text), text);
+}
+
 TEST(InventoryReaderTest, ReadsWhatWasWrittenRecordByRecord) {
   const ScopedLocale utf8("C.UTF-8");
   InventoryKOBInfo withoutLists = FilledInventory();

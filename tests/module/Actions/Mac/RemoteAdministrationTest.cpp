@@ -281,6 +281,17 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   ::utmpxname(_PATH_UTMP);
 }
 
+TEST_F(RemoteAdministrationTest, MoreFilesThanTheLoopCanCountAreRefused) {
+  AddFile("root/x");
+  EXPECT_THAT(Request(1000, {{"file", "/x" + std::string(65535, '|')}}),
+              ElementsAre("text Invalid Parameter file",
+                          "error A request to delete 65536 files is refused: at most 65535 are "
+                          "allowed, and none is deleted"));
+  EXPECT_TRUE(fs::exists(folder / "root/x"));
+  EXPECT_THAT(Request(1000, {{"file", "/x" + std::string(65534, '|')}}), IsEmpty());
+  EXPECT_FALSE(fs::exists(folder / "root/x"));
+}
+
 TEST_F(RemoteAdministrationTest, PowerAndLogOutAreEventsToTheSystemAndTheClockIsSetInWholeSeconds) {
   RunRequests("power-refused.txt");
   Platform::SetAppleEventAnswer(0);
