@@ -1,117 +1,98 @@
-"""One hostile user: attacker.py KIND SOCKET UID CONNECTIONS. It is started as root and becomes the user. All
-its connections write what the stream of this kind gives, as fast as the service reads, and are opened again
-after the service has closed them, unless the kind ends with "once". Prints "ready" after it has tried to open each, and at SIGTERM, as JSON, what
-happened to them.
+"""One hostile user: attacker.py KIND SOCKET UID CONNECTIONS. It is started as root and becomes the user. Its
+connections write what the stream of this kind gives, as fast as the service reads, and are opened again after
+the service has closed them, unless the kind ends with "once". Prints a line after it has tried to open each.
 """
 
 import itertools
-import json
 import os
 import random
 import selectors
-import signal
 import socket
 import struct
 import sys
 
-from frames import JOIN, drive, frame, message
-
-numbers = itertools.count(random.randrange(1 << 30))
 LONG = 200_000  # bytes of a message
 
 
-def forever(*parts):
-    while True:
-        yield from parts
+def frame(kind, content=b""):
+    return struct.pack(">I", 1 + len(content)) + kind + content
 
 
-def joined(*parts):
-    return itertools.chain([JOIN], parts)
+def message(code, key, value):
+    return frame(b"M", struct.pack(">iII", 1, code, len(key)) + key + value)
+
+
+def archive(text):
+    return message(32001, b"getNetworkDrives", text)
 
 
 def drives(length):
-    for number in numbers:
-        yield drive(number, f"/volumes/{number}/" + "x" * length)
+    for number in itertools.count(random.randrange(1 << 30)):
+        path = f"/volumes/{number}/" + "x" * length
+        yield archive(f"22 serialization::archive 18 0 0 {number} 2 Z: {len(path)} {path} 8 nas.test".encode())
 
 
-def noise():
-    while True:
-        yield random.randbytes(4096)
+def joined(*parts, rest=()):
+    return itertools.chain([frame(b"J"), *parts], rest)
 
 
 # What breaks the protocol. Each connection takes the next one.
 VIOLATIONS = itertools.cycle([
-    lambda: forever(frame("R", b'{"request": "status"}')),
-    lambda: forever(JOIN),
-    lambda: iter([drive(1, "/early")]),
-    lambda: iter([frame("A", b"{}")]),
-    lambda: iter([struct.pack(">I", 0)]),
-    lambda: iter([struct.pack(">I", 0xFFFFFFFF)]),
-    lambda: joined(frame("M", b"short")),
-    lambda: joined(frame("M", struct.pack(">iII", 1, 32001, 0xFFFFFFFF))),
-    lambda: joined(message(1013, "cmd", "reboot"), message(1066, "\x1b[2J\nforged", "x"),
-                   b"\0\0\0\x10M" + b"\xed\xa0\x80" * 5),
-    noise,
+    lambda: itertools.repeat(frame(b"R", b'{"request": "status"}')),
+    lambda: itertools.repeat(frame(b"J")),
+    lambda: drives(1),
+    lambda: [frame(b"A", b"{}")],
+    lambda: [struct.pack(">I", 0)],
+    lambda: [struct.pack(">I", 0xFFFFFFFF)],
+    lambda: joined(frame(b"M", b"short")),
+    lambda: joined(frame(b"M", struct.pack(">iII", 1, 32001, 0xFFFFFFFF))),
+    lambda: joined(rest=itertools.repeat(message(1013, b"\x1b[2J\nforged", b"\xed\xa0\x80"))),
+    lambda: iter(lambda: random.randbytes(4096), b""),
 ])
 
 STREAMS = {
-    "idle": lambda: iter(()),
-    "idle once": lambda: iter(()),
+    "idle": lambda: (),
+    "idle once": lambda: (),
     "silent": joined,
-    "unfinished": lambda: joined(struct.pack(">I", 1 << 20) + b"M", bytes((1 << 20) - 2)),
-    "archives": lambda: itertools.chain(
-        [JOIN], forever(message(32001, "getNetworkDrives", "22 serialization::archive 18 0 0 x") * 50)),
-    "drives": lambda: itertools.chain([JOIN], drives(1000)),
-    "long drives": lambda: itertools.chain([JOIN], drives(LONG)),
-    "long messages": lambda: itertools.chain(
-        [JOIN], forever(message(32001, "getNetworkDrives", "x" * LONG))),
+    "unfinished": lambda: joined(struct.pack(">I", 1 << 20) + b"M" + bytes((1 << 20) - 2)),
+    "archives": lambda: joined(rest=itertools.repeat(archive(b"22 serialization::archive 18 0 0 x") * 50)),
+    "drives": lambda: joined(rest=drives(1000)),
+    "long drives": lambda: joined(rest=drives(LONG)),
+    "long messages": lambda: joined(rest=itertools.repeat(archive(b"x" * LONG))),
     "violations": lambda: next(VIOLATIONS)(),
 }
 
 
-class Connections:
-    def __init__(self, path, kind):
-        self.path, self.kind = path, kind
+class Attacker:
+    def __init__(self, kind, path):
+        self.kind, self.path = kind, path
         self.selector = selectors.DefaultSelector()
-        self.unread = []
-        self.figures = {"opened": 0, "closed": 0, "refused": 0, "sent": 0, "open": 0}
+        self.silent = []  # connections that nobody reads
 
     def open(self):
         connection = socket.socket(socket.AF_UNIX)
+        connection.settimeout(0.05)  # the service's queue of new connections may be full
         try:
-            # The queue of connections may be full.
-            connection.settimeout(0.05)
             connection.connect(self.path)
         except OSError:
-            connection.close()
-            self.figures["refused"] += 1
-            return False
+            return connection.close()
         connection.setblocking(False)
-        self.figures["opened"] += 1
-        self.figures["open"] += 1
-        state = {"stream": STREAMS[self.kind](), "left": b""}
+        state = {"stream": iter(STREAMS[self.kind]()), "left": b""}
         self.selector.register(connection, selectors.EVENT_READ | selectors.EVENT_WRITE, state)
-        return True
 
     def close(self, connection):
-        self.figures["closed"] += 1
-        self.figures["open"] -= 1
         self.selector.unregister(connection)
         connection.close()
 
     def write(self, connection, state):
-        if not state["left"]:
-            state["left"] = memoryview(next(state["stream"], b""))
-        if not state["left"]:
-            if self.kind == "silent":
-                self.selector.unregister(connection)
-                self.unread.append(connection)
-            else:
-                self.selector.modify(connection, selectors.EVENT_READ, state)
-            return
-        sent = connection.send(state["left"])
-        self.figures["sent"] += sent
-        state["left"] = state["left"][sent:]
+        state["left"] = state["left"] or memoryview(next(state["stream"], b""))
+        if state["left"]:
+            state["left"] = state["left"][connection.send(state["left"]):]
+        elif self.kind == "silent":
+            self.selector.unregister(connection)
+            self.silent.append(connection)
+        else:
+            self.selector.modify(connection, selectors.EVENT_READ, state)
 
     def turn(self):
         for key, events in self.selector.select(0.1):
@@ -130,19 +111,14 @@ def main(kind, path, user, count):
     os.setgroups([])
     os.setresgid(user, user, user)
     os.setresuid(user, user, user)
-    connections = Connections(path, kind)
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit())
-    try:
-        for _ in range(count):
-            connections.open()
-        print("ready", flush=True)
-        while True:
-            for _ in range(0 if kind.endswith("once") else count - connections.figures["open"]):
-                connections.open()
-            connections.turn()
-    finally:
-        print(json.dumps(connections.figures), flush=True)
+    attacker = Attacker(kind, path)
+    for turn in itertools.count():
+        if turn == 0 or not kind.endswith("once"):
+            for _ in range(count - len(attacker.selector.get_map()) - len(attacker.silent)):
+                attacker.open()
+        if turn == 0:
+            print("ready", flush=True)
+        attacker.turn()
 
 
-if __name__ == "__main__":
-    main(sys.argv[1], sys.argv[2], int(sys.argv[3]), int(sys.argv[4]))
+main(sys.argv[1], sys.argv[2], int(sys.argv[3]), int(sys.argv[4]))

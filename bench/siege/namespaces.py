@@ -3,7 +3,6 @@
 import fcntl
 import os
 import pathlib
-import shutil
 import signal
 import socket
 import struct
@@ -21,50 +20,39 @@ def reason_not_to():
     if sys.platform != "linux":
         return "this system has no namespaces"
     if os.geteuid() != 0:
-        return "only root may make namespaces and become other users"
+        return "only root can make namespaces and become other users"
     if subprocess.run([*UNSHARE, "true"], capture_output=True).returncode != 0:
         return "this account may not make namespaces"
     return ""
 
 
-def mount(*words):
-    return subprocess.run(["mount", *map(str, words)], capture_output=True, text=True)
+def mount(*words, check=True):
+    subprocess.run(["mount", *map(str, words)], capture_output=True, check=check)
 
 
-def unmount(folder):
-    subprocess.run(["umount", "--lazy", folder], check=True)
-
-
-def make_disk(folder, size, *options):
+def make_disk(folder, size, mode="0755"):
     folder.mkdir(parents=True, exist_ok=True)
-    if mount("-t", "tmpfs", "-o", ",".join([f"size={size}", "mode=0755", *options]), "siege", folder).returncode:
-        sys.exit(f"siege: no disk can be mounted at {folder}")
+    mount("-t", "tmpfs", "-o", f"size={size},mode={mode}", "siege", folder)
 
 
-def furnish(build, sources, machine):
-    """Makes the memory disks, and everything else read-only. Users see the programs below PLACE."""
+def furnish(sources):
+    """Shows folders to all users, by their names in PLACE, and makes everything but memory disks read-only."""
     make_disk(PLACE, "4g")
-    for name, folder in ("build", build), ("siege", sources), ("machine", machine):
+    for name, folder in sources.items():
         (PLACE / name).mkdir()
-        if mount("--bind", folder, PLACE / name).returncode:
-            sys.exit(f"siege: {folder} cannot be shown to the users")
+        mount("--bind", folder, PLACE / name)
     for folder in SCRATCH:
-        make_disk(folder, "256m")
-        folder.chmod(0o1777)
-    with open("/proc/self/mounts") as mounts:
-        points = [line.split()[1] for line in mounts]
+        make_disk(folder, "256m", "1777")
     kept = {str(folder) for folder in [PLACE, *SCRATCH]}
-    for point in points:
-        if point not in kept and not point.startswith(("/proc", "/sys", "/dev")):
-            mount("-o", "remount,bind,ro", point)
-    start_loopback()
-    os.chdir(PLACE)
-
-
-def start_loopback():
-    SIOCSIFFLAGS, IFF_UP = 0x8914, 1
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as any_socket:
+    with open("/proc/self/mounts") as mounts:
+        for point in [line.split()[1] for line in mounts]:
+            if point not in kept and not point.startswith(("/proc", "/sys", "/dev")):
+                # Mounts below the memory disks cannot be reached any more.
+                mount("-o", "remount,bind,ro", point, check=point == "/")
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as any_socket:  # the loopback interface goes up
+        SIOCSIFFLAGS, IFF_UP = 0x8914, 1
         fcntl.ioctl(any_socket, SIOCSIFFLAGS, struct.pack("16sh", b"lo", IFF_UP))
+    os.chdir(PLACE)
 
 
 def end_all_others():
@@ -77,14 +65,3 @@ def end_all_others():
             os.waitpid(-1, 0)
     except (ProcessLookupError, ChildProcessError):
         pass
-
-
-def scratch_files():
-    """What anyone has left in the folders of temporary files."""
-    return sorted(str(path) for folder in SCRATCH for path in folder.rglob("*"))
-
-
-def clean_scratch():
-    for folder in SCRATCH:
-        for path in folder.iterdir():
-            shutil.rmtree(path) if path.is_dir() else path.unlink()

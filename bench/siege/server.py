@@ -2,7 +2,6 @@
 
 import http.server
 import json
-import pathlib
 import ssl
 import subprocess
 import threading
@@ -14,17 +13,15 @@ def compact(value):
 
 
 class ManagementServer:
-    """`mode` is how it treats every connection from now on: "well", or it stalls or floods as `Handler` says."""
+    """`mode` is how it treats requests from now on: "well", or how `Handler` stalls or floods."""
 
     def __init__(self, folder):
         self.mode = "well"
         self.tasks = []  # given out until a final state of them has come
-        self.states = []  # (requestId, status)
+        self.states = set()  # (requestId, status)
         self.asked = 0  # requests for tasks
-        self.files = 0
         self.reached = 0  # connections that came while the mode was another than "well"
-        self.certificate = pathlib.Path(folder) / "server.pem"
-        key = pathlib.Path(folder) / "server.key"
+        self.certificate, key = folder / "server.pem", folder / "server.key"
         subprocess.run(
             ["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=siege",
              "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", self.certificate],
@@ -32,41 +29,34 @@ class ManagementServer:
         self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         self.tls.load_cert_chain(self.certificate, key)
         handler = type("BoundHandler", (Handler,), {"owner": self})
-        self.listener = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
-        self.listener.daemon_threads = True
-        self.listener.handle_error = lambda *_: None  # a client that hangs up is expected
-        threading.Thread(target=self.listener.serve_forever, daemon=True).start()
-
-    def end(self):
-        self.mode = "ended"
-        self.listener.shutdown()
-        self.listener.server_close()
+        listener = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+        listener.handle_error = lambda *_: None  # a client that hangs up is expected
+        self.port = listener.server_address[1]
+        threading.Thread(target=listener.serve_forever, daemon=True).start()
 
     def configuration(self):
-        return {"address": "127.0.0.1", "port": self.listener.server_address[1],
-                "caFile": str(self.certificate), "connectTimeoutSeconds": 3, "requestTimeoutSeconds": 3}
+        return {"address": "127.0.0.1", "port": self.port, "caFile": str(self.certificate),
+                "connectTimeoutSeconds": 3, "requestTimeoutSeconds": 3}
 
-    def give(self, name, command, code=1013):
-        """A task that runs a program, or of another code, with its number as a process."""
-        parameters = [("cmd", command), ("type", "0")] if code == 1013 else [("id", command)]
+    def give(self, name, text, code=1013):
+        """A task that runs a program, or of another code with an `id`."""
+        parameters = {"cmd": text, "type": "0"} if code == 1013 else {"id": text}
         self.tasks.append({"identifier": name, "requestId": name, "name": name, "code": code,
-                           "parameters": [{"name": key, "value": value} for key, value in parameters]})
+                           "parameters": [{"name": key, "value": value} for key, value in parameters.items()]})
 
-    def status_of(self, name):
-        return [status for task, status in self.states if task == name]
+    def has(self, name, status):
+        return (name, status) in self.states
 
-    def keep(self, resource, handler, body):
+    def answer_to(self, resource, body):
         if resource == "tasks":
             self.asked += 1
             return {"tasks": self.tasks}
         if resource == "statuses":
             sent = json.loads(body)["statuses"]
-            self.states += [(state["requestId"], state["status"]) for state in sent]
-            ended = {state["requestId"] for state in sent if state["status"] != 7}
-            self.tasks = [task for task in self.tasks if task["identifier"] not in ended]
+            self.states |= {(state["requestId"], state["status"]) for state in sent}
+            self.tasks = [task for task in self.tasks if not {(task["identifier"], end) for end in (2, 3, 8)} & self.states]
             return {"acknowledged": sent[-1]["id"]}
         if resource.startswith("files/"):
-            self.files += 1
             return {"sha256": resource[6:], "size": len(body)}
         return {"result": 0, "message": "{}"}
 
@@ -76,27 +66,27 @@ class Handler(http.server.BaseHTTPRequestHandler):
     owner = None
 
     def setup(self):
-        if self.owner.mode != "well":
-            self.owner.reached += 1
-        self.stall("connect")
+        self.stall_in("connect")
         self.request = self.owner.tls.wrap_socket(self.request, server_side=True)
         super().setup()
 
-    def stall(self, step):
+    def stall_in(self, step):
+        self.owner.reached += self.owner.mode != "well"
         while self.owner.mode == step:
             time.sleep(0.05)
 
     def answer(self):
         body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
-        resource = self.path.partition("/norvik/v1/agents/")[2].partition("/")[2]
-        if self.owner.mode == "well":
-            answer = self.owner.keep(resource, self, body) if resource else {"identifier": self.path.split("/")[-1]}
-            return self.send(compact(answer).encode())
-        self.owner.reached += 1
-        self.stall("headers")
+        agent, _, resource = self.path.partition("/norvik/v1/agents/")[2].partition("/")
+        self.stall_in("headers")
         self.send_response(200)
         while self.owner.mode == "endless headers":
             self.wfile.write(b"X: " + b"x" * 5000 + b"\r\n")
+        if self.owner.mode == "well":
+            text = compact(self.owner.answer_to(resource, body) if resource else {"identifier": agent}).encode()
+            self.send_header("Content-Length", str(len(text)))
+            self.end_headers()
+            return self.wfile.write(text)
         self.send_header("Content-Length", str(1 << 40))
         self.end_headers()
         while self.owner.mode == "body":
@@ -104,14 +94,6 @@ class Handler(http.server.BaseHTTPRequestHandler):
             time.sleep(0.2)
         while self.owner.mode == "endless body":
             self.wfile.write(b" " * 65536)
-        self.close_connection = True
-
-    def send(self, body):
-        self.send_response(200)
-        self.send_header("Content-Type", "application/json")
-        self.send_header("Content-Length", str(len(body)))
-        self.end_headers()
-        self.wfile.write(body)
 
     do_PUT = do_POST = answer
 
