@@ -11,7 +11,8 @@ import socket
 import struct
 import sys
 
-LONG = 200_000  # bytes of a message
+LENGTHS = itertools.cycle([200_000, 30_000])  # bytes of a long message; the second is within the limits
+DRIVES = itertools.cycle([7000, 20, 200_000])  # bytes of a path
 
 
 def frame(kind, content=b""):
@@ -54,11 +55,11 @@ STREAMS = {
     "idle": lambda: (),
     "idle once": lambda: (),
     "silent": joined,
-    "unfinished": lambda: joined(struct.pack(">I", 1 << 20) + b"M" + bytes((1 << 20) - 2)),
+    "unfinished": lambda: joined(frame(b"M", bytes(next(LENGTHS)))[:-1]),
     "archives": lambda: joined(rest=itertools.repeat(archive(b"22 serialization::archive 18 0 0 x") * 50)),
-    "drives": lambda: joined(rest=drives(1000)),
-    "long drives": lambda: joined(rest=drives(LONG)),
-    "long messages": lambda: joined(rest=itertools.repeat(archive(b"x" * LONG))),
+    "drives": lambda: joined(rest=drives(next(DRIVES))),
+    "no drives once": lambda: joined(message(1066, b"truncateNetDrivesTable", b"truncateNetDrivesTable")),
+    "long messages": lambda: joined(rest=itertools.repeat(archive(b"x" * next(LENGTHS)))),
     "violations": lambda: next(VIOLATIONS)(),
 }
 

@@ -38,12 +38,13 @@ def hanging(command, ends):
 
 
 attack("4 tasks leave a process that holds their output: `sh -c 'sleep 100000 & echo started'`", "later tasks, "
-       "messages and inventories go on; a stop takes 5 s")(hanging("sh -c 'sleep 100000 & echo started'", True))
+       "messages and inventories go on; a stop takes 5 s", is_short=False)(hanging("sh -c 'sleep 100000 & echo started'", True))
 attack("4 tasks hang: `sleep 100000`", "messages and inventories go on; a stop takes 5 s, and the log names what it "
        "waits for")(hanging("sleep 100000", False))
 
 
-@attack("a task prints without end: action 1013 with `yes`", "bounded memory, answers for root; a stop takes 5 s")
+@attack("a task prints without end: action 1013 with `yes`", "bounded memory, answers for root; a stop takes 5 s",
+        is_short=False)
 def endless_task(siege):
     server = siege.server()
     server.give("flood", "yes")
@@ -80,7 +81,7 @@ def odd_tool(script, peak):
 
 HANGS = 'case "$*" in *Displays*) sleep 100000 & sleep 100000 ;; *) exit 1 ;; esac\n'
 attack("a tool of the system hangs, with a process that it started; `toolTimeLimitSeconds` is 2",
-       "the inventory goes on without it, nothing of it is left running")(odd_tool(HANGS, PEAK))
+       "the inventory goes on without it, nothing of it is left running", is_short=False)(odd_tool(HANGS, PEAK))
 attack("a tool of the system prints without end", "64 MiB of it are read; the inventory goes on without it",
        is_short=False)(odd_tool("exec yes\n", PEAK + 2 * 64))
 

@@ -82,7 +82,7 @@ class Siege:
         yield holds("the service runs" if service.runs() else "the service has ended", service.runs())
         if service.runs():
             left = service.open_descriptors() - service.first_descriptors - service.sessions()
-            yield at_most("more descriptors", max(0, left), 3)
+            yield at_most("more descriptors", max(0, left), 8)
             yield at_most("ended children", sum(p == service.process.pid and s == "Z" for _, s, p in processes()), 0)
 
     def carry_out(self, attack):
