@@ -95,6 +95,11 @@ class Service:
         self.run("notify", "hardware")
         return until(lambda: self.outbox_state() - before, seconds)
 
+    def seal_for_server(self):
+        """Lets the next documents be delivered. Nobody has the private key."""
+        (self.data / "keys").mkdir(exist_ok=True)
+        (self.data / "keys/server.pub").write_text("09".ljust(64, "0") + "\n")
+
     # What the kernel and the data folder show.
 
     def figure(self, file, name):
@@ -121,7 +126,8 @@ class Service:
         return [file for file in (self.data / "outbox").glob("*") if file.name[0] != "."]
 
     def outbox_state(self):
-        return {(file.name, file.stat().st_ino) for file in self.outbox()}
+        # The names of files that wait for the server change.
+        return {file.stat().st_ino for file in self.outbox()}
 
     def damaged(self):
         """The number of files in the outbox that do not open, and whether the database is damaged."""
