@@ -5,9 +5,9 @@
 #include "machine/ProcessorText.h"
 #include "machine/SystemText.h"
 
-/// Parses the input as the output of a tool or as a file that the facts of the machine come from. Its
-/// first character chooses which. `diskutil` gets the part up to the first NUL as its information,
-/// the rest as its list.
+/// Parses the input as the output of a tool or as a file that the facts of the machine come from.
+/// Its first character chooses which. `diskutil` gets the part up to the first NUL as its
+/// information, the rest as its list.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace Norvik::Machine;
   static const Norvik::Fuzz::Quiet quiet;

@@ -18,6 +18,7 @@ def stalling(mode):
         yield holds("the server was asked", until(lambda: server.reached, 15) is not None)
         for user in range(4):
             service.add_user(30 + user)
+        until(lambda: service.sessions() == 4, 10)
         yield from siege.serve(service)
         yield from siege.under_load(service)
         yield at_most("memory", service.peak(), PEAK, "MB")

@@ -66,6 +66,7 @@ def never_reading(siege):
     for _ in range(40):
         service.run("message", "x" * LENGTH)
         time.sleep(0.1)
+    yield from siege.under_load(service)
     yield at_most("memory", service.peak(), PEAK, "MB")
     end_attack(crowd)
     yield siege.settled(service)
@@ -127,6 +128,6 @@ def killed(siege):
     end_attack(crowd)
     yield at_most("the session was back after", until(service.sessions, 20), 10, "s")
     service.forget_inventory()
-    yield at_most("an inventory took", service.take_inventory(), 20, "s")
+    yield at_most("an inventory took", service.take_inventory(), 10, "s")
     yield at_most("damaged files", service.damaged(), 0)
     yield from siege.aftermath(service)
