@@ -30,7 +30,7 @@ int Connect(IpcConnection::Socket& socket,
   socket.non_blocking(true);
   while (::connect(socket.native_handle(), endpoint.data(),
                    static_cast<socklen_t>(endpoint.size())) != 0) {
-    if (errno != EAGAIN && errno != EINPROGRESS) return errno;
+    if (errno != EAGAIN) return errno;
     if (steady_clock::now() >= until) return EAGAIN;
     std::this_thread::sleep_for(CONNECT_PAUSE);
   }
