@@ -77,12 +77,13 @@ class Siege:
         yield at_most("an inventory took", service.take_inventory(), 10, "s")
 
     def aftermath(self, service):
-        """What must hold of every service after its attack."""
-        time.sleep(1)
+        """What must hold of every service soon after its attack."""
+        def left():
+            return max(0, service.open_descriptors() - service.first_descriptors - service.sessions())
         yield holds("the service runs" if service.runs() else "the service has ended", service.runs())
         if service.runs():
-            left = service.open_descriptors() - service.first_descriptors - service.sessions()
-            yield at_most("more descriptors", max(0, left), 8)
+            until(lambda: left() <= 8, 15)
+            yield at_most("more descriptors", left(), 8)
             yield at_most("ended children", sum(p == service.process.pid and s == "Z" for _, s, p in processes()), 0)
 
     def carry_out(self, attack):
