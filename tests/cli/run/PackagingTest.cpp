@@ -78,7 +78,7 @@ TEST(Packaging, ProfilesAreTheSameForTheSameTeamAndNeedOne) {
     const std::string team = row[0];
     const std::string line = row[3];
     Tests::WriteFile(in("program"), row[1].get<Tests::Bytes>());
-    Tests::WriteFile(in("settings"), row[2]);
+    Tests::WriteFile(in("settings"), row[2].get<Tests::Bytes>());
     std::set<std::string> contents;
     for (const char* output : {"first", "second"}) {
       Platform::ChildCommand command;

@@ -255,6 +255,14 @@ TEST_F(RemoteAdministrationTest, TwoRemovalsOfSoftwareRunOneAfterTheOther) {
   EXPECT_EQ(ContentOf(folder / "log"), "begin\nend\nbegin\nend\n");
 }
 
+TEST_F(RemoteAdministrationTest, SessionsOfARecordedMachineAreOnThatMachine) {
+  recorded.reset();
+  const Platform::RecordedMachine machine(NORVIK_SOURCE_DIR "/tests/machines/intel-t2");
+  const Lines sessions = Request(1024);
+  ASSERT_EQ(sessions.size(), 4u);
+  EXPECT_EQ(sessions[1], "149|1|anna||Darwin|annas-skerry-pro.local|console");
+}
+
 TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   const std::string fullLine = "pts" + std::string(29, 'x');
   AddFile("utmp", Login(BOOT_TIME, 0, "~", "reboot", "") +
