@@ -67,7 +67,7 @@ complete -o default -F _norvik_agent norvik-agent
 )";
 }
 
-/// One specification for _arguments: '--data[the data folder]:DIR:_files'
+/// One option for _arguments: '--data[the data folder]:DIR:_files'
 std::string ZshOption(const CLI::Option& option) {
   std::string meaning = option.get_description();
   for (const char* special : {"\\", "[", "]", ":"})

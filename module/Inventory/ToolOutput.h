@@ -12,7 +12,7 @@ wxString OutputOf(const char* command);
 /// Runs a shell command line whose tool writes a file. Reports no failure: the file shows it.
 void RunToFile(const std::string& command);
 
-/// The whole content of a file; empty if there is none. One that cannot be read or is longer than
+/// The whole content of a file; empty without the file. One that cannot be read or is longer than
 /// `CommandRunner::MAX_OUTPUT` is empty too, with a warning.
 std::string ReadToolFile(const char* path);
 
