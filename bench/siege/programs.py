@@ -38,7 +38,8 @@ def hanging(command, ends):
 
 
 attack("4 tasks leave a process that holds their output: `sh -c 'sleep 100000 & echo started'`", "later tasks, "
-       "messages and inventories go on; a stop takes 5 s", is_short=False)(hanging("sh -c 'sleep 100000 & echo started'", True))
+       "messages and inventories go on; a stop takes 5 s", is_short=False)(
+           hanging("sh -c 'sleep 100000 & echo started'", True))
 attack("4 tasks hang: `sleep 100000`", "messages and inventories go on; a stop takes 5 s, and the log names what it "
        "waits for")(hanging("sleep 100000", False))
 

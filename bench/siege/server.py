@@ -55,7 +55,8 @@ class ManagementServer:
         if resource == "statuses":
             sent = json.loads(body)["statuses"]
             self.states |= {(state["requestId"], state["status"]) for state in sent}
-            self.tasks = [task for task in self.tasks if not {(task["identifier"], end) for end in (2, 3, 8)} & self.states]
+            ended = {name for name, status in self.states if status != 7}
+            self.tasks = [task for task in self.tasks if task["identifier"] not in ended]
             return {"acknowledged": sent[-1]["id"]}
         if resource.startswith("files/"):
             self.files += 1

@@ -94,7 +94,8 @@ class Siege:
         except Exception as error:  # one attack must not end the others
             figures.append(holds(f"ended by {type(error).__name__}: {error}", False))
         namespaces.end_all_others()
-        left = [path for path in self.folder.iterdir() if not path.name.startswith(("data", "user", "agent.", "server."))]
+        left = [path for path in self.folder.iterdir()
+                if not path.name.startswith(("data", "user", "agent.", "server."))]
         for folder in namespaces.SCRATCH:
             for path in folder.iterdir():
                 left += [path] if str(path) not in LEFT_BY_TOOLS else []

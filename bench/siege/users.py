@@ -53,8 +53,8 @@ attack("8 users send damaged network drives, on 4 connections each", "a bounded 
        "answers for root")(flood("archives", 4))
 attack("8 users break the protocol in ten ways, on 32 connections each that they open again and again",
        "the same")(flood("violations"))
-attack("8 users begin frames of 30,000 and 200,000 bytes on 32 connections each and do not end them", "at most 64 MB for all users, given back "
-       "after they leave")(flood("unfinished"))
+attack("8 users begin frames of 30,000 and 200,000 bytes on 32 connections each and do not end them",
+       "at most 64 MB for all users, given back after they leave")(flood("unfinished"))
 attack("8 users send messages of 30,000 and 200,000 bytes on 32 connections each", "the same")(flood("long messages"))
 
 
