@@ -23,6 +23,8 @@ namespace {
 using namespace Norvik;
 using std::chrono::steady_clock;
 
+constexpr unsigned long long DRIVES_IN_ROUND = 20;
+
 double SecondsSince(steady_clock::time_point start) {
   return std::chrono::duration<double>(steady_clock::now() - start).count();
 }
@@ -55,7 +57,7 @@ int QueueActions(std::size_t count, std::size_t threads) {
   return once == count ? 0 : 1;
 }
 
-/// Acts as a user's process that reports drives at the given rate.
+/// Acts as a user's process that sends messages at the given rate: rounds of network drives.
 int ReportDrives(const std::string& socket, unsigned long long user, unsigned long long count,
                  unsigned long long perSecond) {
   Host::IpcUser service(socket);
@@ -68,7 +70,11 @@ int ReportDrives(const std::string& socket, unsigned long long user, unsigned lo
     std::this_thread::sleep_until(start + std::chrono::microseconds(1'000'000 * i / perSecond));
     drive.id = user * 1'000'000 + i;
     drive.path = "/volumes/" + std::to_string(drive.id);
-    const Common::IPCMessage message{1, 32001, "getNetworkDrives", KOB::Serialize(drive)};
+    // No more drives together than one user may have.
+    const bool begins = i % DRIVES_IN_ROUND == 0;
+    const Common::IPCMessage message =
+        begins ? Common::IPCMessage{1, 1066, "truncateNetDrivesTable", "truncateNetDrivesTable"}
+               : Common::IPCMessage{1, 32001, "getNetworkDrives", KOB::Serialize(drive)};
     while (!service.Send(message, Host::IpcUser::SERVICE)) {
       if (SecondsSince(start) > 120) throw std::runtime_error("the service takes no messages");
       std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -1,5 +1,6 @@
 #include "cli/AgentProgram.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <map>
@@ -8,6 +9,7 @@
 
 #include "cli/RecordedMachineOption.h"
 #include "cli/commands/Commands.h"
+#include "cli/commands/Rendering.h"
 #include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
 #include "host/assembly/StandardChannels.h"
@@ -47,10 +49,11 @@ int Run(const CommandLine& line, std::ostream& output, std::ostream& errors) {
 /// Reports a wait for the database, once.
 class WaitNotice {
  public:
-  explicit WaitNotice(std::ostream& errors) {
-    Common::AgentDatabase::SetWaitListener([&errors, reported = false]() mutable {
+  WaitNotice(std::ostream& errors, bool json) {
+    Common::AgentDatabase::SetWaitListener([&errors, json, reported = false]() mutable {
       if (std::exchange(reported, true)) return;
-      errors << "norvik-agent: waiting for the database, which another program holds" << std::endl;
+      errors << MessageLine(json, "waiting for the database, which another program holds")
+             << std::flush;
     });
   }
   WaitNotice(const WaitNotice&) = delete;
@@ -58,25 +61,26 @@ class WaitNotice {
   ~WaitNotice() { Common::AgentDatabase::SetWaitListener({}); }
 };
 
-int Fail(const std::exception& error, ExitCode code, std::ostream& errors) {
-  errors << "norvik-agent: " << ReasonOf(error) << std::endl;
-  return code;
-}
-
 }  // namespace
 
 int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
                     std::ostream& errors) {
   Common::AgentDatabase::LeaveOutConnectionLocks();
-  const WaitNotice notice(errors);
+  // Known before the command line is, so that its errors are in JSON as well.
+  const bool json = std::count(arguments.begin(), arguments.end(), "--json") > 0;
+  const WaitNotice notice(errors, json);
+  const auto fail = [&](const std::exception& error, ExitCode code) {
+    errors << MessageLine(json, ReasonOf(error)) << std::flush;
+    return code;
+  };
   try {
     const int code = Run(ParseCommandLine(arguments), output, errors);
     if (output.flush()) return code;
     throw std::runtime_error("cannot write the output");
   } catch (const UsageError& error) {
-    return Fail(error, EXIT_WRONG_USE, errors);
+    return fail(error, EXIT_WRONG_USE);
   } catch (const std::exception& error) {
-    return Fail(error, EXIT_FAILED, errors);
+    return fail(error, EXIT_FAILED);
   }
 }
 

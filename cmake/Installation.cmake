@@ -43,6 +43,11 @@ install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
 install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)
 install(FILES README.md DESTINATION share/doc/norvik-agent)
 install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent)
+install(FILES packaging/help/norvik-agent.1 DESTINATION share/man/man1)
+install(FILES packaging/help/norvik-agent.bash DESTINATION share/bash-completion/completions
+  RENAME norvik-agent)
+install(FILES packaging/help/_norvik-agent DESTINATION share/zsh/site-functions)
+install(FILES packaging/help/norvik-agent.fish DESTINATION share/fish/vendor_completions.d)
 install(DIRECTORY packaging/macos packaging/systemd DESTINATION share/norvik-agent)
 
 configure_package_config_file(cmake/NorvikAgentConfig.cmake.in

@@ -33,13 +33,13 @@ remove_installed() {
   done
 }
 
-# The agent of the system, whose data folder is here too. Where it runs on without its files, it makes the
+# The agent of the system. Earlier versions had their data in the installation. Where it runs on without its files, it makes the
 # data folder anew: so it is stopped before that is removed.
 remove_from_mac() {
   . "$home/share/norvik-agent/macos/services.sh"
   if [ -n "$remove_data" ]; then
     stop_services || exit 1
-    rm -rf "$home/data" "$root/var/log/norvik-agent.log"
+    rm -rf "$root/Library/Application Support/Norvik" "$home/data" "$root/var/log/norvik-agent.log"
   fi
   rm -rf "$home/.new"
   remove_installed

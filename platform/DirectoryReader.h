@@ -34,7 +34,7 @@ class DirectoryReader {
 
   /// Leaves the former folder. Throws `boost::filesystem::filesystem_error`.
   void Open(const std::string& folder);
-  /// False after the last entry, and after a read error: `error` tells the two apart, and no
+  /// False after the last entry, and after a read error: `error` distinguishes the two, and no
   /// further entry follows either.
   bool Next(DirectoryEntry& entry, std::error_code& error);
   /// Metadata of an entry of the open folder, read by one call.

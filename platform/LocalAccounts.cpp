@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <pwd.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <utility>
@@ -49,6 +50,12 @@ std::string HostName() {
   // The system's limit is 255 bytes or less; a name of that length comes without a NUL.
   char name[257] = {};
   return ::gethostname(name, sizeof(name) - 1) == 0 ? name : std::string();
+}
+
+std::string SystemName() {
+  if (const auto recorded = RecordedAccounts()) return recorded->systemName;
+  utsname system{};
+  return ::uname(&system) < 0 ? std::string() : system.sysname;
 }
 
 std::shared_ptr<const MachineAccounts> RecordedAccounts() { return Recorded(); }

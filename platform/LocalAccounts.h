@@ -27,9 +27,13 @@ std::vector<LocalGroup> LocalGroups();
 /// The machine's host name; empty if it has none.
 std::string HostName();
 
+/// The name of the machine's kernel, as "Darwin"; empty if it is not known.
+std::string SystemName();
+
 /// What replaces the answers of the functions above and of `LoginRecords`.
 struct MachineAccounts {
   std::string hostName;
+  std::string systemName;
   std::vector<LocalUser> users;
   std::vector<LocalGroup> groups;
   std::vector<utmpx> logins;

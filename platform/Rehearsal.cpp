@@ -62,7 +62,7 @@ class Rehearsal::Recorder final : public SystemChanges {
     return NoteChange(RehearsedStep::SYSTEM_CALL, call, ProcessesOf(processId), error);
   }
 
-  int SetClock(const timeval& time) override {
+  int ChangeClock(const timeval& time) override {
     // Microseconds have six digits, with leading zeros.
     const std::string fraction = std::to_string(1'000'000 + time.tv_usec).substr(1);
     const std::string call = "settimeofday " + std::to_string(time.tv_sec) + "." + fraction;

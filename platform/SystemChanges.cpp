@@ -32,7 +32,13 @@ SystemChanges::~SystemChanges() = default;
 
 int RealSystemChanges::Kill(pid_t processId, int signal) { return ::kill(processId, signal); }
 
-int RealSystemChanges::SetClock(const timeval& time) { return ::settimeofday(&time, nullptr); }
+int SystemChanges::SetClock(const timeval& time) {
+  if (time.tv_sec > 0) return ChangeClock(time);
+  errno = EINVAL;
+  return -1;
+}
+
+int RealSystemChanges::ChangeClock(const timeval& time) { return ::settimeofday(&time, nullptr); }
 
 int RealSystemChanges::Remove(const std::string& path) { return std::remove(path.c_str()); }
 

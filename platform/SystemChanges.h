@@ -24,7 +24,8 @@ class SystemChanges {
   // Results as of the system calls: 0, or -1 with the reason in `errno`.
 
   virtual int Kill(pid_t processId, int signal) = 0;
-  virtual int SetClock(const timeval& time) = 0;
+  /// Refuses, with EINVAL, the zero time, which stands for a text that is no date, and all before.
+  int SetClock(const timeval& time);
   /// Removes a file, a link or an empty folder.
   virtual int Remove(const std::string& path) = 0;
   /// Removes a file or a link from an open folder.
@@ -54,6 +55,8 @@ class SystemChanges {
   virtual void Note(const RehearsedStep& step) = 0;
 
  protected:
+  virtual int ChangeClock(const timeval& time) = 0;
+
   SystemChanges() = default;
   SystemChanges(const SystemChanges&) = default;
   SystemChanges& operator=(const SystemChanges&) = default;
@@ -63,7 +66,6 @@ class SystemChanges {
 class RealSystemChanges : public SystemChanges {
  public:
   int Kill(pid_t processId, int signal) override;
-  int SetClock(const timeval& time) override;
   int Remove(const std::string& path) override;
   int RemoveAt(int folder, const std::string& name, const std::string& path) override;
   int Sync(int descriptor) override;
@@ -72,6 +74,9 @@ class RealSystemChanges : public SystemChanges {
   int ClockError() override;
   int AppleEventError() override;
   void Note(const RehearsedStep& step) override;
+
+ protected:
+  int ChangeClock(const timeval& time) override;
 };
 
 /// The object in force, never null, and its replacement; null stands for the real one. Replace it

@@ -1,6 +1,8 @@
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
 #include <ostream>
+#include <set>
+#include <thread>
 
 #include "cli/RecordedMachineOption.h"
 #include "cli/commands/ActionArguments.h"
@@ -12,6 +14,7 @@
 #include "cli/rehearsal/RehearsalReport.h"
 #include "common/log/Logger.h"
 #include "host/HostError.h"
+#include "host/actions/ActionLanes.h"
 
 namespace Norvik::Cli {
 
@@ -21,9 +24,34 @@ namespace {
 
 using namespace Common;
 
+/// Records the statuses of one action, which this thread runs: not those of the actions that it
+/// starts, except for the second half of a file inventory.
+class OwnStatuses : public StatusRecorder {
+ public:
+  explicit OwnStatuses(unsigned int code)
+      : continues_(LaneOf(code) == Lane::Inventories), own_{std::this_thread::get_id()} {}
+
+  void RunBegun(const RunInfo& run) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (continues_ && run.kind == RunKind::FileInventory) own_.insert(std::this_thread::get_id());
+  }
+  void TaskReported(const TaskResponseInfo& status) override {
+    if (IsOwn()) StatusRecorder::TaskReported(status);
+  }
+
+ private:
+  bool IsOwn() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return own_.count(std::this_thread::get_id()) != 0;
+  }
+
+  const bool continues_;
+  std::set<std::thread::id> own_;
+};
+
 ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
   ActionOutcome outcome;
-  const auto recorder = std::make_shared<StatusRecorder>();
+  const auto recorder = std::make_shared<OwnStatuses>(code);
   const ProgressListenerScope listening(recorder);
   try {
     outcome.response = host.Run(code, parameters);
@@ -40,11 +68,12 @@ void RequireHandler(IModule& module, unsigned int code) {
                    "; `norvik-agent actions` lists those there are");
 }
 
-int CodeFor(const ActionOutcome& outcome, unsigned int code, std::ostream& errors) {
+int CodeFor(const ActionOutcome& outcome, unsigned int code, bool json, std::ostream& errors) {
   if (!outcome.HasFailed()) return EXIT_DONE;
   const std::string reason = outcome.Reason();
-  errors << "norvik-agent: action " << code << " failed" << (reason.empty() ? "" : ": ") << reason
-         << std::endl;
+  errors << MessageLine(json, "action " + std::to_string(code) + " failed" +
+                                  (reason.empty() ? "" : ": ") + reason)
+         << std::flush;
   return EXIT_FAILED;
 }
 
@@ -74,7 +103,7 @@ int Rehearse(const CommandLine& line, std::ostream& output, std::ostream& errors
   RequireHandler(host.Module(), code);
   const RehearsalReport report(code, host.Run(code, parameters));
   output << host.InOriginal(line.json ? JsonLine(report.ToJson()) : report.ToText());
-  return CodeFor(report.Outcome(), code, errors);
+  return CodeFor(report.Outcome(), code, line.json, errors);
 }
 
 }  // namespace
@@ -88,7 +117,7 @@ int RunAction(const CommandLine& line, std::ostream& output, std::ostream& error
   RequireHandler(host.Module(), code);
   const ActionOutcome outcome = RunOne(host, code, parameters);
   output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
-  return CodeFor(outcome, code, errors);
+  return CodeFor(outcome, code, line.json, errors);
 }
 
 }  // namespace Norvik::Cli

@@ -42,7 +42,7 @@ OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome) {
   }
   return {{"code", code},
           {"text", outcome.response.text.get_value_or("")},
-          {"success", outcome.response.success},
+          {"success", !outcome.HasFailed()},
           {"titles", titles},
           {"rows", rows},
           {"statuses", StatusesToJson(outcome.statuses)}};
@@ -53,7 +53,7 @@ std::string ToText(const ActionOutcome& outcome) {
   for (const auto& row : outcome.response.table.Rows()) rows.push_back(CellsOf(row));
   std::string text = TableText(rows);
   if (outcome.response.text) text += "text: " + EscapeControls(*outcome.response.text) + "\n";
-  text += std::string("success: ") + (outcome.response.success ? "true" : "false") + "\n";
+  text += std::string("success: ") + (outcome.HasFailed() ? "false" : "true") + "\n";
   for (const auto& status : outcome.statuses) text += "status: " + StatusText(status) + "\n";
   return text;
 }

@@ -1,17 +1,27 @@
+#include <boost/filesystem/operations.hpp>
 #include <map>
 #include <ostream>
 
 #include "cli/commands/Commands.h"
+#include "cli/commands/PrivateFolder.h"
 #include "cli/commands/Rendering.h"
 #include "common/action/ActionCodes.h"
+#include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
 
 using namespace Host;
 
 int RunActions(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+  const PrivateFolder folder;
   AgentOptions options = line.agent;
-  options.exclusive = false;  // runs no action
+  if (const auto stored = options.dataFolder / CONFIGURATION_FILE;
+      options.configurationFile.empty() && boost::filesystem::exists(stored)) {
+    options.configurationFile = stored;
+  }
+  // The actions do not depend on the agent's data, and listing them makes none.
+  options.dataFolder = folder.Path();
+  options.exclusive = false;
   AgentHost host(options);
 
   std::map<unsigned int, std::string> registered;

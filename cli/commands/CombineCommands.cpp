@@ -34,7 +34,7 @@ int WriteCombined(const CommandLine& line, std::ostream& output, Combine combine
   // The library's log would mix with the answer.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   const auto read = [&](const fs::path& file) {
-    return NamedText{file.string(), ReadDocument(file, line.agent.dataFolder / KEY_FOLDER)};
+    return NamedText{file.string(), ReadDocument(file, line)};
   };
   const std::string document = combine(read(line.file), read(line.secondFile));
   if (line.outputFile.empty()) {

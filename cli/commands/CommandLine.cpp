@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/join.hpp>
 
 #include "cli/RecordedMachineOption.h"
+#include "cli/help/HelpPages.h"
 #include "common/identification/HostInfoProvider.h"
 #include "host/HostError.h"
 #include "host/assembly/ModuleLoader.h"
@@ -29,21 +30,42 @@ struct Texts {
   std::string file;
   std::string secondFile;
   std::string outputFile;
+  std::string shell;
 };
+
+constexpr char FOOTER[] =
+    R"(The data folder is, unless --data names another:
+  on macOS   /Library/Application Support/Norvik for root,
+             ~/Library/Application Support/Norvik for a user
+  elsewhere  $XDG_STATE_HOME/norvik, or ~/.local/state/norvik without that variable
+The socket of the service is /var/run/norvik/agent.sock for root, agent.sock in the data folder otherwise.
+
+Examples:
+  norvik-agent inventory                       take an inventory into the outbox
+  norvik-agent open --pretty FILE              read what it has written
+  norvik-agent configure --check FILE          check a configuration, store nothing
+  norvik-agent status --json                   the state of the agent, for programs
+  norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
 
 std::string NotEmpty(const std::string& value) {
   return value.empty() ? "wants a text that is not empty" : "";
 }
 
 void AddGlobalOptions(CLI::App& program, CommandLine& line, Texts& texts) {
-  program.add_option("--data", texts.data, "the data folder")->check(NotEmpty)->type_name("DIR");
+  program.add_option("--data", texts.data, "the data folder; see below for the default")
+      ->check(NotEmpty)
+      ->type_name("DIR");
   program.add_option("--config", texts.configuration, "use this configuration for one call")
       ->check(NotEmpty)
       ->type_name("FILE");
-  program.add_option("--log-level", line.agent.logLevel, "from 2 (errors) to 7 (everything)")
+  program
+      .add_option("--log-level", line.agent.logLevel,
+                  "from 2 (errors) to 7 (everything); default: 4")
       ->check(CLI::Range(2, 7))
       ->type_name("N");
-  program.add_option("--module", texts.module, "the module to load")
+  program
+      .add_option("--module", texts.module,
+                  "the module to load; default: the one installed with this program")
       ->check(NotEmpty)
       ->type_name("FILE");
   program.add_option("--socket", texts.socket, "the socket of the running agent")
@@ -114,6 +136,12 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
   record->add_flag("--redact", line.redact, "replace serial numbers, names and addresses");
+
+  program.add_subcommand("manual", "print the manual page of this program, for man");
+  auto* completion = program.add_subcommand("completion", "print a shell's completions");
+  completion->add_option("SHELL", texts.shell, "bash, zsh or fish")
+      ->required()
+      ->check(CLI::IsMember({"bash", "zsh", "fish"}));
 }
 
 void AddCommandsOfRunningAgents(CLI::App& program, CommandLine& line) {
@@ -180,6 +208,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CommandLine line;
   Texts texts;
   CLI::App program("Inventory and remote administration of this machine", "norvik-agent");
+  program.footer(FOOTER);
   program.set_version_flag("--version", Common::GetAgentVersion());
   program.require_subcommand(1);
   program.fallthrough();
@@ -202,6 +231,11 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     throw UsageError(TextOf(error, program));
   }
   line.command = program.get_subcommands().front()->get_name();
+  if (line.command == "manual" || line.command == "completion") {
+    line.help = texts.shell.empty() ? ManualOf(program) : CompletionsOf(program, texts.shell);
+    line.command.clear();
+    return line;
+  }
   ApplyOptions(texts, line);
   return line;
 }

@@ -19,7 +19,7 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
 int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Explains whether the next file inventory would list a path. Changes nothing.
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors);
-/// Prints the document in a file of the outbox.
+/// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);

@@ -65,6 +65,9 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
   WriteTextFile(stored, given.text);
 
+  if (!line.json) {
+    output << "applying it; if it differs from the last one, an inventory is taken" << std::endl;
+  }
   const auto recorder = std::make_shared<StatusRecorder>();
   const ProgressListenerScope listening(recorder);
   ActionParameters parameters;

@@ -1,67 +1,67 @@
 #include "cli/commands/DocumentFile.h"
 
-#include <stdlib.h>
-
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <stdexcept>
+#include <vector>
 
+#include "cli/commands/PrivateFolder.h"
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/TextFile.h"
+#include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
 
 namespace {
 
 using Common::ReadTextFile;
+using Host::KEY_FOLDER;
 namespace fs = boost::filesystem;
 
 constexpr std::size_t MAX_DOCUMENT_BYTES = std::size_t{1} << 30;
 
-/// A folder that only this user can enter, removed with its content.
-class PrivateFolder {
- public:
-  PrivateFolder() {
-    std::string pattern = (fs::temp_directory_path() / "norvik-open-XXXXXX").string();
-    if (!::mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
-    path_ = pattern;
-  }
-  PrivateFolder(const PrivateFolder&) = delete;
-  PrivateFolder& operator=(const PrivateFolder&) = delete;
-  ~PrivateFolder() {
-    boost::system::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  const fs::path& Path() const { return path_; }
+/// Folders to look for a key in, best first.
+std::vector<fs::path> KeyFolders(const fs::path& file, const CommandLine& line) {
+  const fs::path usual = line.agent.dataFolder / KEY_FOLDER;
+  const fs::path beside = fs::absolute(file).parent_path().parent_path() / KEY_FOLDER;
+  if (line.dataFolderGiven || beside == usual || !fs::is_directory(beside)) return {usual};
+  return {beside, usual};
+}
 
- private:
-  fs::path path_;
-};
+/// Throws `std::runtime_error` with what each key failed with.
+void Unseal(const fs::path& file, const std::vector<fs::path>& keyFolders, const fs::path& target) {
+  std::string failures;
+  for (const fs::path& keys : keyFolders) {
+    try {
+      return Common::FileSealer(keys).Open(file, target);
+    } catch (const std::exception& error) {
+      failures += (failures.empty() ? ": " : "; ") + ("with the keys in " + keys.string()) + ": " +
+                  error.what();
+    }
+  }
+  throw std::runtime_error("cannot open " + file.string() + failures +
+                           "; --data names the data folder that has its key");
+}
 
 }  // namespace
 
-std::string ReadSealedDocument(const fs::path& file, const fs::path& keys) {
-  if (!fs::is_regular_file(file)) {
-    throw std::runtime_error("cannot open " + file.string() +
-                             (fs::exists(file) ? ": it is no plain file" : ": it does not exist"));
-  }
+bool IsSealed(const fs::path& file) {
+  // A pipe can be read only once, so it is not tested.
+  return fs::is_regular_file(file) && Common::IsSealedFile(file);
+}
+
+std::string ReadDocument(const fs::path& file, const CommandLine& line) {
+  if (!IsSealed(file)) return ReadTextFile(file, MAX_DOCUMENT_BYTES);
   const PrivateFolder folder;
   const fs::path archive = folder.Path() / "document.zip";
+  // The library does not follow links, but a user may name one.
+  Unseal(fs::is_symlink(file) ? fs::canonical(file) : file, KeyFolders(file, line), archive);
   try {
-    // The library does not follow links, but a user may name one.
-    Common::FileSealer(keys).Open(fs::is_symlink(file) ? fs::canonical(file) : file, archive);
     return Common::ReadArchive(archive);
   } catch (const std::exception& error) {
     throw std::runtime_error("cannot open " + file.string() + ": " + error.what());
   }
-}
-
-std::string ReadDocument(const fs::path& file, const fs::path& keys) {
-  // A pipe can be read only once, so it is not tested.
-  if (fs::is_regular_file(file) && Common::IsSealedFile(file))
-    return ReadSealedDocument(file, keys);
-  return ReadTextFile(file, MAX_DOCUMENT_BYTES);
 }
 
 }  // namespace Norvik::Cli

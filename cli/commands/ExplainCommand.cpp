@@ -6,6 +6,7 @@
 #include "cli/commands/ScanExplanation.h"
 #include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
+#include "host/configuration/ConfigurationWarnings.h"
 #include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
@@ -29,10 +30,13 @@ std::string FullPath(const fs::path& given) {
 
 }  // namespace
 
-int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
+int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const auto configuration =
       ReadConfiguration(line.agent.configurationFile, line.agent.dataFolder / CONFIGURATION_FILE);
   const Common::ScanRules rules(*configuration.values.kob);
+  if (WantsNoFile(*configuration.values.kob)) {
+    errors << MessageLine(line.json, NO_FILE_WANTED) << std::flush;
+  }
   const std::string path = FullPath(line.file);
   const ScanExplanation explanation = ExplainScan(rules, path);
   if (line.json) {

@@ -6,9 +6,10 @@
 #include "cli/commands/FilesProgress.h"
 #include "cli/commands/FilesRecorder.h"
 #include "cli/commands/FilesReport.h"
+#include "cli/commands/Rendering.h"
 #include "common/action/ActionCodes.h"
-#include "common/text/Text.h"
 #include "host/assembly/ModuleActionCodes.h"
+#include "host/configuration/ConfigurationWarnings.h"
 
 namespace Norvik::Cli {
 
@@ -62,6 +63,9 @@ int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors
   options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
   AgentHost host(options);
 
+  if (WantsNoFile(host.Configuration().kob.value())) {
+    errors << MessageLine(line.json, NO_FILE_WANTED) << std::flush;
+  }
   if (!line.json) progress = std::make_unique<FilesProgress>(output);
   const FilesReport report = TakeInventory(host, line, *recorder);
   progress.reset();
@@ -71,7 +75,7 @@ int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors
     output << report.ToText();
   }
   for (const auto& problem : report.problems) {
-    errors << "norvik-agent: " << OnOneLine(problem) << std::endl;
+    errors << MessageLine(line.json, problem) << std::flush;
   }
   return report.Succeeded() ? EXIT_DONE : EXIT_FAILED;
 }

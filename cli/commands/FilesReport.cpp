@@ -43,8 +43,7 @@ std::string FilesReport::ToText() const {
   if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
   if (nothingToSend) text += "document: none, there is nothing to report\n";
   if (!File().empty()) {
-    text +=
-        "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " + kind + "\n";
+    text += "document: " + File().string() + ", " + SizeText(Bytes()) + ", " + kind + "\n";
   }
   return text + "taken in " + SecondsText(seconds) + "\n";
 }

@@ -6,8 +6,8 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/InventoryRecorder.h"
 #include "cli/commands/InventoryReport.h"
+#include "cli/commands/Rendering.h"
 #include "common/files/Paths.h"
-#include "common/text/Text.h"
 #include "host/assembly/ModuleActionCodes.h"
 
 namespace Norvik::Cli {
@@ -66,7 +66,7 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
   const InventoryReport report = TakeInventory(host, line.incremental, *recorder);
   output << (line.json ? report.ToJsonText() : report.ToText());
   for (const auto& problem : report.problems) {
-    errors << "norvik-agent: " << OnOneLine(problem) << std::endl;
+    errors << MessageLine(line.json, problem) << std::flush;
   }
   return report.Succeeded() ? EXIT_DONE : EXIT_FAILED;
 }

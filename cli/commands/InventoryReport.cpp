@@ -58,8 +58,7 @@ std::string InventoryReport::ToText() const {
   for (const auto& status : statuses) text += "status: " + StatusText(status) + "\n";
   if (!fallbackReason.empty()) text += "total instead of incremental: " + fallbackReason + "\n";
   if (!File().empty()) {
-    text += "document: " + File().string() + ", " + std::to_string(Bytes()) + " bytes, " +
-            SentKind() + "\n";
+    text += "document: " + File().string() + ", " + SizeText(Bytes()) + ", " + SentKind() + "\n";
   }
   return text + "taken in " + SecondsText(seconds) + "\n";
 }

@@ -3,7 +3,6 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/DocumentFile.h"
 #include "documents/DocumentText.h"
-#include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
 
@@ -12,9 +11,14 @@ using namespace Host;
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   // The library's log would mix with the answer.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  std::string document = ReadSealedDocument(line.file, line.agent.dataFolder / KEY_FOLDER);
-  if (line.pretty) document = Documents::Indented({line.file.string(), document});
-  output << document;
+  const Documents::NamedText document{line.file.string(), ReadDocument(line.file, line)};
+  if (line.pretty) {
+    output << Documents::Indented(document);
+    return EXIT_DONE;
+  }
+  // What was sealed is a document. Any other file may be anything.
+  if (!IsSealed(line.file)) Documents::ParseDocument(document);
+  output << document.text;
   return EXIT_DONE;
 }
 

@@ -21,7 +21,8 @@ int RunRecord(const CommandLine& line, std::ostream& output, std::ostream& error
   options.logLevel = line.agent.logLevel;
   options.redact = line.redact;
   const RecordingResult result = RecordMachine(options);
-  for (const auto& warning : result.warnings) errors << "norvik-agent: " << warning << std::endl;
+  for (const auto& warning : result.warnings)
+    errors << MessageLine(line.json, warning) << std::flush;
   if (line.json) {
     output << JsonLine({{"folder", line.file.string()},
                         {"calls", result.calls},

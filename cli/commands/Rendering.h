@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,16 @@ std::string TableText(const std::vector<std::vector<OrderedJson>>& rows);
 /// The keys of a configuration by where they come from, from an object of key and source: a line
 /// for each source that has keys, such as "from the file: profileId, server".
 std::string SourceLines(const OrderedJson& sources);
+
+/// A message for the error channel, on one line: "norvik-agent: text", or in JSON
+/// {"message":"text"}.
+std::string MessageLine(bool json, const std::string& text);
+
+/// "812 bytes", "58.3 kB", "1.2 GB": decimal units.
+std::string SizeText(std::uintmax_t bytes);
+
+/// A period in its largest two units: "7 days", "1 hour 30 minutes", "45 seconds".
+std::string PeriodText(std::chrono::seconds period);
 
 /// "0.123 s"
 std::string SecondsText(double seconds);

@@ -46,7 +46,10 @@ std::string ProgressLine(const OrderedJson& run) {
 
 }  // namespace
 
-std::string RunningAgentLines(const OrderedJson& agent) {
+std::string RunningAgentLines(const OrderedJson& agent, const OrderedJson& problem) {
+  if (problem.is_string()) {
+    return "agent: running, but it does not answer: " + problem.get<std::string>() + "\n";
+  }
   if (agent.is_null()) return "agent: not running\n";
   std::string text = "agent: running as process " + agent.value("processId", OrderedJson()).dump();
   text += ", " + std::to_string(agent.value("sessions", OrderedJson()).size()) + " sessions\n";

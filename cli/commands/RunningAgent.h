@@ -16,7 +16,8 @@ OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const Ordered
 boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& socket,
                                                const OrderedJson& request);
 
-/// The lines for a running agent's answer to "status". Null: no agent runs.
-std::string RunningAgentLines(const OrderedJson& agent);
+/// The lines for a running agent's answer to "status". Null: no agent answers.
+/// @param problem why an agent that runs does not answer; null: no agent runs
+std::string RunningAgentLines(const OrderedJson& agent, const OrderedJson& problem);
 
 }  // namespace Norvik::Cli

@@ -19,6 +19,7 @@
 #include "host/configuration/ConfigurationWarnings.h"
 #include "host/data/DataFolder.h"
 #include "host/identity/AgentIdentity.h"
+#include "host/ipc/AskAgent.h"
 
 namespace Norvik::Cli {
 
@@ -118,17 +119,22 @@ OrderedJson FilesIn(const fs::path& folder) {
   return list;
 }
 
-/// The status of the running agent; null if no agent answers or it refuses.
-OrderedJson AskForStatus(const fs::path& socket) {
+/// The status of the running agent; null if no agent answers or it refuses, with the reason under
+/// `problem` if one runs all the same.
+OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   try {
     return AskRunningAgent(socket, {{"request", "status"}});
-  } catch (const std::runtime_error&) {
-    return nullptr;
+  } catch (const NoAnswer& silence) {
+    if (silence.Runs()) problem = silence.Reason();
+  } catch (const std::runtime_error& refusal) {
+    problem = refusal.what();
   }
+  return nullptr;
 }
 
 OrderedJson Gather(const CommandLine& line) {
-  OrderedJson agent = AskForStatus(line.socket);
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
   const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
   const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
   Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
@@ -144,6 +150,7 @@ OrderedJson Gather(const CommandLine& line) {
   const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
   return {{"dataFolder", folder.string()},
           {"agent", agent},
+          {"agentProblem", problem},
           {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
           {"configured", configured},
           {"sources", configuration.sources},
@@ -162,7 +169,7 @@ std::string FileLines(const char* title, const OrderedJson& files) {
   std::string text;
   for (const auto& file : files) {
     text += std::string(title) + ": " + EscapeControls(file["file"].get<std::string>()) + ", " +
-            file["bytes"].dump() + " bytes, " + file["time"].get<std::string>() + "\n";
+            SizeText(file["bytes"]) + ", " + file["time"].get<std::string>() + "\n";
   }
   return text.empty() ? std::string(title) + ": none\n" : text;
 }
@@ -172,7 +179,7 @@ std::string ToText(const OrderedJson& status) {
     return value.is_string() && value != "" ? value.get<std::string>() : otherwise;
   };
   std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
-  text += RunningAgentLines(status["agent"]);
+  text += RunningAgentLines(status["agent"], status["agentProblem"]);
   text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
   text += std::string("configuration: ") +
           (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +
@@ -190,7 +197,8 @@ std::string ToText(const OrderedJson& status) {
     const std::string what = entry.contains("code")
                                  ? entry["code"].dump() + " " + entry["name"].get<std::string>()
                                  : "schedule " + entry["schedule"].get<std::string>();
-    text += "periodic: " + what + " every " + entry["periodSeconds"].dump() + " s, next " +
+    text += "periodic: " + what + " every " +
+            PeriodText(std::chrono::seconds(entry["periodSeconds"])) + ", next " +
             entry["nextTime"].get<std::string>() + "\n";
   }
   return text;

@@ -1,10 +1,9 @@
 #include "cli/rehearsal/RehearsedActions.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
-#include "common/action/ActionCodes.h"
+#include "host/actions/ActionLanes.h"
 #include "host/assembly/ModuleActionCodes.h"
 
 namespace Norvik::Cli {
@@ -15,14 +14,6 @@ using namespace Common;
 using std::chrono::seconds;
 
 namespace {
-
-/// The code of an action by its name; 0 for an unknown name.
-unsigned int CodeOf(const std::string& name) {
-  const auto* const found =
-      std::find_if(std::begin(ACTION_NAMES), std::end(ACTION_NAMES),
-                   [&](const ActionName& action) { return action.name == name; });
-  return found == std::end(ACTION_NAMES) ? 0 : found->code;
-}
 
 StartedAction Plain(StartedAction::Kind kind, unsigned int code, const std::string& name) {
   StartedAction started;
@@ -72,12 +63,12 @@ void RehearsedActions::AddSchedule(const Schedule& schedule) {
 }
 
 ActionResponse RehearsedActions::RunAction(ModuleAction action) {
-  Keep(Plain(StartedAction::RUN, CodeOf(action.name), action.name));
+  Keep(Plain(StartedAction::RUN, ActionCodeOf(action.name), action.name));
   return stopped_.RunAction(std::move(action));
 }
 
 void RehearsedActions::QueueAction(ModuleAction action) {
-  Keep(Plain(StartedAction::QUEUED, CodeOf(action.name), action.name));
+  Keep(Plain(StartedAction::QUEUED, ActionCodeOf(action.name), action.name));
 }
 
 void RehearsedActions::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {

@@ -25,8 +25,7 @@ if(NOT CMAKE_HOST_APPLE)
     find_program(NORVIK_${tool} llvm-${name}${NORVIK_LLVM} REQUIRED)
     set(CMAKE_${tool} "${NORVIK_${tool}}" CACHE FILEPATH "")
   endforeach()
-  # CMake asks the Mac that it runs on whether the linker knows the option.
-  set(CMAKE_SHARED_LIBRARY_RUNTIME_C_FLAG "-Wl,-rpath,")
+  set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_CURRENT_LIST_DIR}/macos-rpath.cmake")
   # A signature that says nothing of the signer; Apple's linker makes it by itself.
   set(linker "-fuse-ld=lld -Wl,-adhoc_codesign")
 endif()

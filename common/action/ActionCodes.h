@@ -1,7 +1,7 @@
 #pragma once
 
 // The codes of all actions. The numbers are shared with the management server and never change: a
-// new action takes a new number, and a number that is free again is not reused. Each number stands
+// new action takes a new number, and a number that is free again is not reused. Each number is
 // in one list only; the enumerations, and the names that logs show, are made from the lists.
 
 /// Codes of the host contract: X(enumerator, code).

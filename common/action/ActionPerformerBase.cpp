@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "common/action/TaskOrigin.h"
 #include "common/log/Logger.h"
 #include "common/rest/ICommunicationSystem.h"
-#include "common/text/Text.h"
 
 namespace Norvik::Common {
 
@@ -19,28 +19,6 @@ std::string ActionNameOf(unsigned int code) {
   const auto* const name = std::find_if(std::begin(ACTION_NAMES), std::end(ACTION_NAMES),
                                         [&](const ActionName& a) { return a.code == code; });
   return name == std::end(ACTION_NAMES) ? std::to_string(code) : name->name;
-}
-
-/// A parameter as text, whatever type its sender chose. Empty for a type without a plain text.
-struct ParameterText : boost::static_visitor<std::string> {
-  std::string operator()(const std::string& text) const { return text; }
-  std::string operator()(const wxString& text) const { return ToUtf8(text); }
-  std::string operator()(bool value) const { return value ? "true" : "false"; }
-  std::string operator()(const ActionTimePoint& time) const {
-    using std::chrono::duration_cast, std::chrono::seconds;
-    return std::to_string(duration_cast<seconds>(time.time_since_epoch()).count());
-  }
-  std::string operator()(const AgentConfigurationInfo&) const { return {}; }
-  template <class Number>
-  std::string operator()(Number number) const {
-    return std::to_string(number);
-  }
-};
-
-std::string TextOf(const ActionParameters& parameters, const char* name) {
-  const auto found = parameters.Values().find(name);
-  if (found == parameters.Values().end()) return {};
-  return boost::apply_visitor(ParameterText(), found->second);
 }
 
 using Dependencies = std::shared_ptr<ModuleDependencies>;
@@ -113,14 +91,8 @@ void ActionPerformerBase::ReplacePeriodicAction(unsigned int code, AgentData& da
 void ActionPerformerBase::SendStatusForProgrammedTask(
     ActionParameters& parameters, const TaskResponseInfo::ResponseStatusTypes& status,
     const char* message) {
-  TaskResponseInfo response;
-  response.status = status;
-  if (message) response.message = message;
-  response.taskName = TextOf(parameters, COMMON_PARAMETER_TASK_NAME);
-  response.taskCreationDate = TextOf(parameters, COMMON_PARAMETER_TASK_CREATION_DATE);
-  response.taskTimeStamp = TextOf(parameters, COMMON_PARAMETER_TASK_TIME_STAMP);
-  response.requestId = TextOf(parameters, COMMON_PARAMETER_REQUEST_ID);
-  std::shared_ptr<ICommunicationSystem>(communications)->ReportTaskStatus(response);
+  std::shared_ptr<ICommunicationSystem>(communications)
+      ->ReportTaskStatus(StatusOfTask(parameters, status, message ? message : ""));
 }
 
 void ActionPerformerBase::RiseNewFileOnOutbox() {

@@ -23,6 +23,9 @@ IModule::~IModule() = default;
 IActionSystem::~IActionSystem() = default;
 ICommunicationIPC::~ICommunicationIPC() = default;
 ICommunicationSystem::~ICommunicationSystem() = default;
+void ICommunicationSystem::ReportTaskStatuses(const std::vector<TaskResponseInfo>& statuses) {
+  for (const TaskResponseInfo& status : statuses) ReportTaskStatus(status);
+}
 IDataBase::~IDataBase() = default;
 IIdentificationSystem::~IIdentificationSystem() = default;
 IRestRequest::~IRestRequest() = default;

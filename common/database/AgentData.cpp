@@ -64,6 +64,12 @@ bool AgentData::SetDateTime(const std::string& name, const system_clock::time_po
   return SetInt64(name, duration_cast<seconds>(value.time_since_epoch()).count());
 }
 
+std::vector<std::string> AgentData::NamesFrom(const std::string& prefix) const {
+  const auto dataBase = dataBase_.lock();
+  if (!dataBase) return {};
+  return ReadKeysFrom(table_, prefix);
+}
+
 bool AgentData::Remove(const std::string& name) {
   return Try(dataBase_, name, [&] { RemoveKey(table_, name); });
 }

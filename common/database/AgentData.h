@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "common/Api.h"
 #include "common/database/IDataBase.h"
@@ -37,6 +38,8 @@ class NORVIK_COMMON_API AgentData {
   /// Fractions of a second are cut off.
   bool SetDateTime(const std::string& name, const std::chrono::system_clock::time_point& value);
 
+  /// The keys that begin with a text of letters, digits and underscores, in order.
+  std::vector<std::string> NamesFrom(const std::string& prefix) const;
   /// Removes a key. True also if it was missing.
   bool Remove(const std::string& name);
 

@@ -73,7 +73,7 @@ class NORVIK_COMMON_API CorruptDatabaseError : public std::runtime_error {
   boost::filesystem::path keptAs_;
 };
 
-/// Copies an agent database as it stands at one moment, even while an agent writes to it; the
+/// Copies an agent database as it is at one moment, even while an agent writes to it; the
 /// source is only read. Throws a subclass of `std::exception` if there is no source or it is
 /// damaged.
 NORVIK_COMMON_API void CopyDatabase(const boost::filesystem::path& source,

@@ -96,6 +96,25 @@ void UseWriteAheadLog(Connection& connection) {
 // A file inventory fills the file and compares it by long paths, for which SQLite's own size makes
 // trees too deep. A file that holds something keeps the size that it was made with.
 constexpr char SET_PAGE_SIZE[] = "PRAGMA page_size=16384";
+// Lets free space be given back to the file system, see `GiveBackFreedSpace`.
+constexpr char SET_VACUUM[] = "PRAGMA auto_vacuum=INCREMENTAL";
+
+long long Number(Connection& connection, const char* pragma) {
+  return boost::get<int>(Statement(connection, pragma).Run({}).at(0).at(0));
+}
+
+// A file that is nearly empty, but large, is rewritten; it may be from before `SET_VACUUM`. In
+// memory, as the folder for temporary files need not exist.
+void CompactIfNearlyEmpty(Connection& connection) {
+  constexpr long long LARGE = 64 << 20;
+  const long long page = Number(connection, "PRAGMA page_size");
+  const long long free = Number(connection, "PRAGMA freelist_count") * page;
+  const long long used = Number(connection, "PRAGMA page_count") * page - free;
+  if (free < LARGE || used > LARGE / 2) return;
+  connection.ExecuteScript(SET_VACUUM);
+  connection.ExecuteScript("PRAGMA temp_store=MEMORY; VACUUM; PRAGMA temp_store=DEFAULT");
+  connection.ExecuteScript("PRAGMA wal_checkpoint(PASSIVE)");
+}
 
 std::unique_ptr<Connection> OpenUndamaged(const fs::path& file) {
   auto connection = std::make_unique<Connection>(file);
@@ -118,9 +137,12 @@ std::unique_ptr<Connection> OpenNewest(const fs::path& file) {
   auto connection = OpenUndamaged(file);
   CheckSchemaVersion(*connection);
   connection->ExecuteScript(SET_PAGE_SIZE);
+  // An existing file is not written to before its schema is known.
+  if (Number(*connection, "PRAGMA page_count") == 0) connection->ExecuteScript(SET_VACUUM);
   connection->Configure();
   UseWriteAheadLog(*connection);
   UpgradeSchema(*connection);
+  CompactIfNearlyEmpty(*connection);
   return connection;
 }
 

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstdint>
 #include <stdexcept>
-#include <vector>
 
 #include "common/database/DataBase.h"
 
@@ -56,6 +55,18 @@ void WriteKey(const std::string& table, const std::string& key, const std::strin
                    "(name, value) values('{1}', '{2}') "
                    "on conflict(name) do update set value=excluded.value",
                {key, value});
+}
+
+std::vector<std::string> ReadKeysFrom(const std::string& table, const std::string& prefix) {
+  V2::DataBase dataBase;
+  std::vector<std::string> keys;
+  for (const auto& row : dataBase.ExecuteSentence("select name from " + QuotedTableName(table) +
+                                                      " where substr(name, 1, {2}) = '{1}' "
+                                                      "order by name",
+                                                  {prefix, static_cast<int>(prefix.size())})) {
+    keys.push_back(boost::get<std::string>(row.front()));
+  }
+  return keys;
 }
 
 void RemoveKey(const std::string& table, const std::string& key) {

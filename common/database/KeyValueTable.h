@@ -2,6 +2,7 @@
 
 #include <boost/optional.hpp>
 #include <string>
+#include <vector>
 
 namespace Norvik::Common {
 
@@ -18,6 +19,8 @@ boost::optional<Integer> ParseInteger(const std::string& text);
 /// Empty if the key is missing.
 boost::optional<std::string> ReadKey(const std::string& table, const std::string& key);
 void WriteKey(const std::string& table, const std::string& key, const std::string& value);
+/// The keys that begin with this text, in order.
+std::vector<std::string> ReadKeysFrom(const std::string& table, const std::string& prefix);
 void RemoveKey(const std::string& table, const std::string& key);
 
 }  // namespace Norvik::Common

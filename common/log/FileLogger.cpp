@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "common/log/LineLimit.h"
+
 namespace Norvik::Common {
 
 namespace {
@@ -35,12 +37,12 @@ class FileLogger : public Logger {
       : logger_("agent", std::move(sink)), maxLevel_(maxLevel) {
     logger_.set_level(spdlog::level::trace);
     logger_.flush_on(spdlog::level::trace);
-    logger_.set_pattern("%Y-%m-%d %H:%M:%S.%e %P:%t %v");
+    logger_.set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %P:%t %v");
   }
 
   void Log(Level level, const std::string& text, const char* file, int line,
            const char* function) override {
-    if (level > maxLevel_) return;
+    if (level > maxLevel_ || !LineLimitScope::Allows(level)) return;
     logger_.log(spdlog::level::info, "[{}] {}:{} {}: {}", static_cast<int>(level), file, line,
                 function, WithEscapedLineEnds(text));
   }

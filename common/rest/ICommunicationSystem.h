@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "common/Api.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/rest/RestMessages.h"
@@ -19,6 +21,8 @@ class NORVIK_COMMON_API ICommunicationSystem {
   virtual void ReportTaskStatus(const TaskResponseInfo& status) = 0;
   /// Notifies that a new file is in the outbox, and returns at once.
   virtual void NewFileOnOutbox() = 0;
+  /// Queues statuses in their order, as one by one; a host may do it in one step.
+  virtual void ReportTaskStatuses(const std::vector<TaskResponseInfo>& statuses);
 
  protected:
   ICommunicationSystem() = default;

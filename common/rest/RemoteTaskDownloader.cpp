@@ -4,8 +4,10 @@
 #include <exception>
 #include <utility>
 
+#include "common/action/TaskOrigin.h"
 #include "common/log/Logger.h"
 #include "common/rest/PendingTasks.h"
+#include "common/text/Text.h"
 
 namespace Norvik::Common {
 
@@ -13,13 +15,9 @@ namespace {
 
 constexpr char NOT_FETCHED[] = "The pending tasks could not be fetched: %1%";
 
-/// The task's own text of a parameter; empty if it has none.
-std::string OwnText(const Schedule& task, const char* name) {
-  const auto found = task.parameters.Values().find(name);
-  const auto* const text =
-      found == task.parameters.Values().end() ? nullptr : boost::get<std::string>(&found->second);
-  return text ? *text : std::string();
-}
+// One answer can hold 20,000 tasks.
+constexpr std::size_t NAMED = 10;
+constexpr std::size_t LONGEST_REASON = 200;  ///< in the log
 
 }  // namespace
 
@@ -38,17 +36,22 @@ bool RemoteTaskDownloader::IsKnown(unsigned int code) const {
   return !factory_ || !factory_(code, ActionParameters()).name.empty();
 }
 
-void RemoteTaskDownloader::Refuse(const Schedule& task, const std::string& reason) {
-  NORVIK_WARNING(boost::format("The server's task \"%1%\" is left out: %2%") % task.identifier %
-                 reason);
-  TaskResponseInfo status;
-  status.status = TaskResponseInfo::TASK_NOT_RUN;
-  status.message = reason;
-  status.requestId = OwnText(task, COMMON_PARAMETER_REQUEST_ID);
-  status.taskName = OwnText(task, COMMON_PARAMETER_TASK_NAME);
-  status.taskCreationDate = OwnText(task, COMMON_PARAMETER_TASK_CREATION_DATE);
-  status.taskTimeStamp = OwnText(task, COMMON_PARAMETER_TASK_TIME_STAMP);
-  if (!status.requestId.empty()) communications_->ReportTaskStatus(status);
+void RemoteTaskDownloader::Refuse(const std::vector<RefusedTask>& tasks) {
+  std::vector<TaskResponseInfo> statuses;
+  for (std::size_t i = 0; i < tasks.size(); ++i) {
+    const auto& [task, reason] = tasks[i];
+    if (i < NAMED) {
+      NORVIK_WARNING(boost::format("The server's task \"%1%\" is left out: %2%") %
+                     OnOneLine(task.identifier) % OnOneLine(reason.substr(0, LONGEST_REASON)));
+    }
+    auto status = StatusOfTask(task.parameters, TaskResponseInfo::TASK_NOT_RUN, reason);
+    if (!status.requestId.empty()) statuses.push_back(std::move(status));
+  }
+  if (tasks.size() > NAMED) {
+    NORVIK_WARNING(boost::format("%1% more tasks of the same answer of the server are left out") %
+                   std::to_string(tasks.size() - NAMED));
+  }
+  if (!statuses.empty()) communications_->ReportTaskStatuses(statuses);
 }
 
 Schedule RemoteTaskDownloader::Completed(Schedule task) const {
@@ -70,14 +73,15 @@ std::vector<Schedule> RemoteTaskDownloader::GetSchedules() {
       NORVIK_DETAIL(boost::format(NOT_FETCHED) % "there was no answer");
       return {};
     }
-    for (const RefusedTask& refused : response.refused) Refuse(refused.task, refused.reason);
     for (Schedule& task : response.schedules) {
       if (IsKnown(task.code)) {
         schedules.push_back(Completed(std::move(task)));
       } else {
-        Refuse(task, "no action has the code " + std::to_string(task.code));
+        std::string reason = "no action has the code " + std::to_string(task.code);
+        response.refused.push_back({std::move(task), std::move(reason)});
       }
     }
+    Refuse(response.refused);
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format(NOT_FETCHED) % error.what());
   }

@@ -11,6 +11,8 @@
 
 namespace Norvik::Common {
 
+struct RefusedTask;
+
 /// Fetches the tasks that are pending on the server for this agent. One thread at a time.
 class NORVIK_COMMON_API RemoteTaskDownloader {
  public:
@@ -23,13 +25,14 @@ class NORVIK_COMMON_API RemoteTaskDownloader {
                        const ActionParameters* parameters);
 
   /// Asks the server, waits for the answer, and returns the tasks in the order of the server. Empty
-  /// after a failure, which is logged. A task that cannot be run is left out: it is logged, and
-  /// reported to the server with the status "not run". Never throws.
+  /// after a failure, which is logged. A task that cannot be run is left out and reported to the
+  /// server with the status "not run". The log names the first ten of an answer and counts the
+  /// rest. Never throws.
   std::vector<Schedule> GetSchedules();
 
  private:
   bool IsKnown(unsigned int code) const;
-  void Refuse(const Schedule& task, const std::string& reason);
+  void Refuse(const std::vector<RefusedTask>& tasks);
   Schedule Completed(Schedule task) const;
 
   const std::shared_ptr<ICommunicationSystem> communications_;

@@ -1,11 +1,14 @@
 #include "host/actions/ActionSystem.h"
 
 #include <algorithm>
+#include <boost/asio/post.hpp>
 #include <boost/format.hpp>
 #include <exception>
 #include <utility>
 
+#include "common/action/TaskOrigin.h"
 #include "common/log/Logger.h"
+#include "common/text/Text.h"
 
 namespace Norvik::Host {
 
@@ -16,9 +19,10 @@ using std::chrono::system_clock;
 /// A periodic action. `state`, `waiting` and `spent` are guarded by the system's `mutex_`; the rest
 /// does not change.
 struct ActionSystem::Periodic {
-  Periodic(std::string keyText, std::string labelText, ModuleAction runnable, AgentData store,
-           const ActionTiming& timing)
-      : key(std::move(keyText)),
+  Periodic(Lane threads, std::string keyText, std::string labelText, ModuleAction runnable,
+           AgentData store, const ActionTiming& timing)
+      : lane(threads),
+        key(std::move(keyText)),
         label(std::move(labelText)),
         action(std::move(runnable)),
         data(std::move(store)) {
@@ -26,6 +30,7 @@ struct ActionSystem::Periodic {
     state.next = timing.next;
   }
 
+  const Lane lane;
   const std::string key;
   const std::string label;
   const ModuleAction action;
@@ -44,6 +49,13 @@ constexpr seconds LONGEST_WAIT(30);
 constexpr seconds LONGEST_DELAY(std::chrono::hours(24 * 3650));
 /// Smaller differences between the two clocks are normal corrections.
 constexpr seconds CLOCK_TOLERANCE(60);
+/// How long an action may wait for a thread without a warning.
+constexpr seconds LATE(60);
+/// So many runs of a task may end with the process. One more in the state: that is reported.
+constexpr unsigned int DEATHS_LIMIT = 2;
+constexpr char GIVEN_UP[] =
+    "the agent has ended twice while this task ran; it is not started again";
+constexpr std::size_t NAMED = 5;  ///< schedules that one line names
 
 std::string LabelOf(unsigned int code, const ModuleAction& action) {
   return std::to_string(code) + (action.name.empty() ? "" : " " + action.name);
@@ -87,18 +99,33 @@ void ActionSystem::SetActionFactory(ActionFactory factory) {
   factory_ = std::move(factory);
 }
 
+void ActionSystem::SetTaskReporter(TaskReporter reporter) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  reporter_ = std::move(reporter);
+}
+
 ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(action); }
 
 void ActionSystem::QueueAction(ModuleAction action) {
-  threads_.Post([this, action = std::move(action)] { RunLogged(action.name, action); });
+  const Lane lane = LaneOf(ActionCodeOf(action.name));
+  std::string label = action.name;
+  Post({lane, std::move(label), std::move(action)});
+}
+
+void ActionSystem::RunInLane(Lane lane, unsigned int code, ModuleAction action) {
+  std::string label = LabelOf(code, action);
+  Post({lane, std::move(label), std::move(action)});
+}
+
+void ActionSystem::Post(OneShot shot) {
+  const Lane lane = shot.lane;
+  threads_.Post(lane, clock_->Steady(), [this, shot = std::move(shot)] { RunLogged(shot); });
 }
 
 void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {
-  OneShot shot{LabelOf(code, action), std::move(action)};
-  if (delay <= seconds(0)) {
-    threads_.Post([this, shot = std::move(shot)] { RunLogged(shot.label, shot.action); });
-    return;
-  }
+  if (delay <= seconds(0)) return RunInLane(LaneOf(code), code, std::move(action));
+  std::string label = LabelOf(code, action);
+  OneShot shot{LaneOf(code), std::move(label), std::move(action)};
   const std::lock_guard<std::mutex> lock(mutex_);
   oneShots_.emplace(clock_->Steady() + std::min(delay, LONGEST_DELAY), std::move(shot));
   ArmTimer();
@@ -142,8 +169,10 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
   }
   ModuleAction action = factory(schedule.code, schedule.parameters);
   std::string label = LabelOf(schedule.code, action);
+  const bool isInventory = LaneOf(schedule.code) == Lane::Inventories;
   const auto entry = std::make_shared<Periodic>(
-      SCHEDULE_KEY_PREFIX + schedule.identifier, std::move(label), std::move(action), scheduleData_,
+      isInventory ? Lane::Inventories : Lane::Tasks, SCHEDULE_KEY_PREFIX + schedule.identifier,
+      std::move(label), std::move(action), scheduleData_,
       ActionTiming{seconds(schedule.when.periodSeconds), schedule.when.NextTime()});
 
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
@@ -152,18 +181,63 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
     const bool same = known->state.period == entry->state.period;
     if (same && known->state.next >= entry->state.next) return;
   } else if (const auto stored = Load(entry->data, entry->key)) {
-    const bool same = stored->period == entry->state.period;
-    if (same && stored->next >= entry->state.next) RestoreState(*entry);
+    if (stored->period == entry->state.period) {
+      if (GivesUp(schedule, *entry, *stored)) return;
+      entry->state.begun = stored->begun;
+      if (stored->next >= entry->state.next) entry->state.next = stored->Due();
+    }
   }
   Install(entry);
+}
+
+/// Whether the process has died too often in this task. The first time that is reported, and then
+/// kept as long as the server lists the task. `stateMutex_` must be held.
+bool ActionSystem::GivesUp(const Schedule& schedule, const Periodic& entry, PeriodicState state) {
+  if (state.begun < DEATHS_LIMIT) return false;
+  if (state.begun > DEATHS_LIMIT) return true;
+  NORVIK_ERROR(boost::format("The server's task %1%, action %2%: %3%") %
+               OnOneLine(schedule.identifier) % entry.label % GIVEN_UP);
+  TaskReporter reporter;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    reporter = reporter_;
+  }
+  if (reporter) {
+    reporter(StatusOfTask(schedule.parameters, TaskResponseInfo::TASK_FAILED, GIVEN_UP));
+  }
+  ++state.begun;
+  AgentData data = entry.data;
+  Store(data, entry.key, state);
+  return true;
+}
+
+void ActionSystem::KeepSchedules(const std::set<std::string>& identifiers) {
+  const std::size_t prefix = sizeof SCHEDULE_KEY_PREFIX - 1;
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  std::string names;
+  std::size_t count = 0;
+  for (const std::string& key : scheduleData_.NamesFrom(SCHEDULE_KEY_PREFIX)) {
+    const std::string identifier = key.substr(prefix);
+    if (identifiers.count(identifier) != 0) continue;
+    scheduleData_.Remove(key);
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      periodics_.erase(key);
+    }
+    if (++count <= NAMED) names += (names.empty() ? "" : ", ") + OnOneLine(identifier);
+  }
+  if (count == 0) return;
+  if (count > NAMED) names += ", ...";
+  NORVIK_INFORMATION(boost::format("The server no longer lists %1% of its tasks, which end: %2%") %
+                     std::to_string(count) % names);
 }
 
 ActionSystem::PeriodicPointer ActionSystem::MakePeriodic(unsigned int code, ModuleAction action,
                                                          const AgentData& data,
                                                          const ActionTiming& timing) {
   std::string label = LabelOf(code, action);
-  auto entry = std::make_shared<Periodic>(PeriodicKey(code), std::move(label), std::move(action),
-                                          data, timing);
+  auto entry = std::make_shared<Periodic>(LaneOf(code), PeriodicKey(code), std::move(label),
+                                          std::move(action), data, timing);
   entry->doneKey = DoneKey(code);
   return entry;
 }
@@ -187,6 +261,7 @@ bool ActionSystem::RestoreState(Periodic& entry) {
   if (!stored) return false;
   entry.state.period = stored->period;
   entry.state.next = stored->Due();
+  entry.state.begun = stored->begun;
   return true;
 }
 
@@ -211,7 +286,7 @@ bool ActionSystem::IsCurrent(const PeriodicPointer& entry) const {
 
 void ActionSystem::RunPeriodic(const PeriodicPointer& entry) {
   if (!Begin(entry)) return;
-  RunLogged(entry->label, entry->action);
+  RunLogged({entry->lane, entry->label, entry->action});
   End(entry);
 }
 
@@ -222,6 +297,7 @@ bool ActionSystem::Begin(const PeriodicPointer& entry) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!IsCurrent(entry)) return false;
     entry->state.interrupted = entry->state.next;
+    ++entry->state.begun;
     entry->state.next = entry->state.Following(clock_->Now());
     entry->spent = entry->state.period == seconds(0);
     state = entry->state;
@@ -237,6 +313,7 @@ void ActionSystem::End(const PeriodicPointer& entry) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!IsCurrent(entry)) return;
     entry->state.interrupted = boost::none;
+    entry->state.begun = 0;
     state = entry->state;
   }
   if (entry->spent) {
@@ -250,9 +327,11 @@ void ActionSystem::End(const PeriodicPointer& entry) {
   StartDue();
 }
 
-void ActionSystem::RunLogged(const std::string& label, ModuleAction action) {
+void ActionSystem::RunLogged(const OneShot& shot) {
+  const std::string& label = shot.label;
+  ModuleAction action = shot.action;
   std::list<RunningAction> entry;
-  entry.push_back({label, clock_->Now()});
+  entry.push_back({label, clock_->Now(), shot.lane});
   const auto place = entry.begin();
   {
     const std::lock_guard<std::mutex> lock(runningMutex_);
@@ -297,8 +376,25 @@ void ActionSystem::CheckClock() {
     const std::lock_guard<std::mutex> stateLock(stateMutex_);
     StoreMoved(FollowTimeOfDay());
   }
+  WarnOfLateLanes();
   const std::lock_guard<std::mutex> lock(mutex_);
   StartDue();
+}
+
+/// The time limits of tools, connections and programs differ, so nothing is ended for those that
+/// wait.
+void ActionSystem::WarnOfLateLanes() {
+  for (const auto& late : threads_.TakeLate(clock_->Steady() - LATE)) {
+    std::string longest;
+    for (const RunningAction& action : Running()) {
+      if (action.lane != late.lane) continue;
+      longest = action.label;
+      break;
+    }
+    NORVIK_WARNING(boost::format("All threads for %1% are taken, the longest by action %2%; %3% "
+                                 "actions wait") %
+                   NameOf(late.lane) % longest % std::to_string(late.waiting));
+  }
 }
 
 /// Detects that the time of day was set, and returns the actions whose next time it moved.
@@ -343,14 +439,14 @@ void ActionSystem::StartDue() {
   if (stopped_) return;
   const auto end = oneShots_.upper_bound(clock_->Steady());
   for (auto next = oneShots_.begin(); next != end; next = oneShots_.erase(next)) {
-    threads_.Post([this, shot = std::move(next->second)] { RunLogged(shot.label, shot.action); });
+    Post(std::move(next->second));
   }
   const auto now = clock_->Now();
   for (const auto& item : periodics_) {
     const PeriodicPointer& entry = item.second;
     if (entry->waiting || entry->state.next > now) continue;
     entry->waiting = true;
-    threads_.Post([this, entry] { RunPeriodic(entry); });
+    threads_.Post(entry->lane, clock_->Steady(), [this, entry] { RunPeriodic(entry); });
   }
   ArmTimer();
 }
@@ -381,7 +477,24 @@ void ActionSystem::ArmTimer() {
 
 bool ActionSystem::StopWithin(std::chrono::milliseconds limit) {
   StopTimer();
+  // Not on this thread: a running action may block the database for longer than the limit.
+  boost::asio::post(threads_.Context(), [this] { ForgiveRunning(); });
   return threads_.StopWithin(limit);
+}
+
+/// The process may end in the middle of these runs, and not because of them.
+void ActionSystem::ForgiveRunning() {
+  const std::lock_guard<std::mutex> stateLock(stateMutex_);
+  std::vector<std::pair<PeriodicPointer, PeriodicState>> running;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& [key, entry] : periodics_) {
+      if (!entry->state.interrupted || entry->state.begun == 0) continue;
+      running.emplace_back(entry, entry->state);
+      --running.back().second.begun;
+    }
+  }
+  for (const auto& [entry, state] : running) Store(entry->data, entry->key, state);
 }
 
 void ActionSystem::Stop() {

@@ -3,14 +3,17 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/optional.hpp>
 #include <chrono>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "common/action/IActionSystem.h"
+#include "common/action/TaskResponseInfo.h"
 #include "common/database/AgentData.h"
 #include "host/actions/ActionThreads.h"
 #include "host/actions/Clock.h"
@@ -23,6 +26,7 @@ namespace Norvik::Host {
 struct RunningAction {
   std::string label;  ///< code and name: "1036 ACTION_NAME"
   std::chrono::system_clock::time_point since;
+  Lane lane;
 };
 
 /// The delayed or periodic action that is due next.
@@ -31,7 +35,8 @@ struct DueAction {
   std::chrono::system_clock::time_point time;
 };
 
-/// Runs a module's actions on a few threads of its own: at once, after a delay, or periodically. An
+/// Runs a module's actions on threads of its own: at once, after a delay, or periodically. Each
+/// lane has its own threads; a warning names a lane whose actions wait longer than a minute. An
 /// exception that a handler throws there is logged with the action's code, and the thread
 /// continues. Safe on any thread.
 ///
@@ -41,9 +46,13 @@ struct DueAction {
 /// period 0 runs once; then only the time of that run is kept, so that it does not run again when
 /// `ReplacePeriodic` requests it again. When the time of day is set back, a periodic action that
 /// would wait longer than its period is moved to its next time.
+///
+/// A task of the server during which the process died twice in a row is not started again: that is
+/// logged and reported. A stop that does not wait for it is no death.
 class ActionSystem : public HostActions {
  public:
-  static constexpr std::size_t THREADS = 4;
+  static constexpr std::size_t THREADS = 4;  ///< at most, of each lane
+  using TaskReporter = std::function<void(const Common::TaskResponseInfo&)>;
 
   /// @param scheduleData stores the state of the schedules given to `AddSchedule`
   explicit ActionSystem(Common::AgentData scheduleData,
@@ -54,14 +63,22 @@ class ActionSystem : public HostActions {
   ~ActionSystem() override;
 
   void SetActionFactory(Common::ActionFactory factory) override;
+  /// To be called before schedules are added. Gets the states of tasks that never reach their
+  /// handlers; it must not call back.
+  void SetTaskReporter(TaskReporter reporter);
 
   /// A schedule whose identifier is known, from this process or from before a restart, continues if
   /// its period is the same and its time not later; otherwise it replaces the known one.
   void AddSchedule(const Common::Schedule& schedule) override;
+  /// Ends all schedules but these, and removes their states. A run that has begun goes on. Throws
+  /// what the database throws.
+  void KeepSchedules(const std::set<std::string>& identifiers);
   Common::ActionResponse RunAction(Common::ModuleAction action) override;
   void QueueAction(Common::ModuleAction action) override;
   void RunOneShot(unsigned int code, Common::ModuleAction action,
                   std::chrono::seconds delay) override;
+  /// Queues an action for the threads of a lane.
+  void RunInLane(Lane lane, unsigned int code, Common::ModuleAction action);
   void CreatePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
                       const Common::ActionTiming& timing) override;
   void ReplacePeriodic(unsigned int code, Common::ModuleAction action, Common::AgentData& data,
@@ -91,6 +108,7 @@ class ActionSystem : public HostActions {
 
  private:
   struct OneShot {
+    Lane lane;
     std::string label;
     Common::ModuleAction action;
   };
@@ -103,13 +121,17 @@ class ActionSystem : public HostActions {
   bool HasRun(const Periodic& entry) const;
   void Remove(const PeriodicPointer& entry);
   bool RestoreState(Periodic& entry);
+  bool GivesUp(const Common::Schedule& schedule, const Periodic& entry, PeriodicState state);
   PeriodicPointer Find(const std::string& key);
   bool IsCurrent(const PeriodicPointer& entry) const;
   void Install(const PeriodicPointer& entry);
   void RunPeriodic(const PeriodicPointer& entry);
   bool Begin(const PeriodicPointer& entry);
   void End(const PeriodicPointer& entry);
-  void RunLogged(const std::string& label, Common::ModuleAction action);
+  void RunLogged(const OneShot& shot);
+  void Post(OneShot shot);
+  void WarnOfLateLanes();
+  void ForgiveRunning();
   std::vector<PeriodicPointer> FollowTimeOfDay();
   void StoreMoved(const std::vector<PeriodicPointer>& moved);
   void StartDue();
@@ -126,6 +148,7 @@ class ActionSystem : public HostActions {
   mutable std::mutex mutex_;
   bool stopped_ = false;
   Common::ActionFactory factory_;
+  TaskReporter reporter_;
   /// The time of both clocks when they were last compared.
   std::chrono::system_clock::time_point lastNow_;
   std::chrono::steady_clock::time_point lastSteady_;

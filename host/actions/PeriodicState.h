@@ -17,6 +17,8 @@ struct PeriodicState {
   std::chrono::seconds period{0};  ///< 0: runs once
   TimePoint next;
   boost::optional<TimePoint> interrupted;
+  /// How many runs in a row have begun and not ended, with the one that runs.
+  unsigned int begun = 0;
 
   /// When the action is due after a start of the process.
   TimePoint Due() const { return interrupted ? *interrupted : next; }
@@ -24,7 +26,9 @@ struct PeriodicState {
   TimePoint Following(TimePoint now) const;
 };
 
-/// "86400 1767225600": period and next time in seconds, followed by the time of an interrupted run.
+/// "86400 1767225600": period and next time in seconds, followed by the time of an interrupted run,
+/// and by "x2" if two runs have begun and not ended. Without a number an interrupted run is the
+/// only one.
 std::string ToText(const PeriodicState& state);
 /// Empty if the text is no such state or a time is out of range.
 boost::optional<PeriodicState> ParsePeriodicState(const std::string& text);

@@ -22,7 +22,7 @@ class AtEnd {
 
 }  // namespace
 
-SerialActions::SerialActions(std::weak_ptr<IActionSystem> system) : system_(std::move(system)) {}
+SerialActions::SerialActions(std::weak_ptr<ActionSystem> system) : system_(std::move(system)) {}
 
 void SerialActions::Add(unsigned int code, ModuleAction action, std::function<void()> done) {
   Item item{code, std::move(action), std::move(done)};
@@ -49,7 +49,7 @@ void SerialActions::Start(Item item) {
     });
     return handler(parameters);
   };
-  system->RunOneShot(item.code, std::move(step), std::chrono::seconds(0));
+  system->RunInLane(Lane::Users, item.code, std::move(step));
 }
 
 void SerialActions::StartNext() {

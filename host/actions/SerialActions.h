@@ -5,15 +5,16 @@
 #include <memory>
 #include <mutex>
 
-#include "common/action/IActionSystem.h"
+#include "host/actions/ActionSystem.h"
 
 namespace Norvik::Host {
 
-/// Runs actions on an action system one at a time, in the order in which they are added, so that
-/// they occupy at most one of its threads. Create it with `std::make_shared`. Safe on any thread.
+/// Runs messages of users as actions one at a time, in the order in which they are added, so that
+/// they occupy at most one thread of their lane. Create it with `std::make_shared`. Safe on any
+/// thread.
 class SerialActions : public std::enable_shared_from_this<SerialActions> {
  public:
-  explicit SerialActions(std::weak_ptr<Common::IActionSystem> system);
+  explicit SerialActions(std::weak_ptr<ActionSystem> system);
 
   /// @param done called after the action has ended, even by an exception; not called if the action
   ///             never starts because the system has stopped
@@ -29,7 +30,7 @@ class SerialActions : public std::enable_shared_from_this<SerialActions> {
   void Start(Item item);
   void StartNext();
 
-  const std::weak_ptr<Common::IActionSystem> system_;
+  const std::weak_ptr<ActionSystem> system_;
   std::mutex mutex_;
   bool busy_ = false;
   std::deque<Item> waiting_;

@@ -29,7 +29,7 @@ namespace {
 using namespace Common;
 namespace fs = boost::filesystem;
 
-constexpr std::chrono::seconds STOP_LIMIT(30);
+constexpr std::chrono::seconds STOP_LIMIT(5);
 
 fs::path MakeDataFolder(const fs::path& folder) {
   Paths::SetDataFolder(folder);
@@ -105,10 +105,17 @@ AgentHost::AgentHost(const AgentOptions& options) {
   parts.communications = communications_ = std::make_shared<Communications>();
   parts.actions = actionSystem_ =
       std::make_shared<ActionSystem>(AgentData(parts.dataBase, AGENT_DATA_TABLE));
+  actionSystem_->SetTaskReporter([communications = communications_](const TaskResponseInfo& s) {
+    communications->ReportTaskStatus(s);
+  });
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
   server_ = MakeServerLink(configuration.communications, folder, identity, Module());
   communications_->SetServer(server_);
+  if (!server_) return;
+  server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {
+    if (const auto actions = weak.lock()) actions->KeepSchedules(listed);
+  });
 }
 
 AgentHost::~AgentHost() {
@@ -140,6 +147,12 @@ void AgentHost::ResumePeriodicActions() {
 }
 
 bool AgentHost::StopActions() {
+  if (actionSystem_->StopWithin(std::chrono::seconds(0))) return true;
+  for (const auto& action : actionSystem_->Running()) {
+    NORVIK_INFORMATION(boost::format("The stop waits up to %1% seconds for action %2%, which has "
+                                     "run since %3%") %
+                       std::to_string(STOP_LIMIT.count()) % action.label % TimeText(action.since));
+  }
   if (actionSystem_->StopWithin(STOP_LIMIT)) return true;
   for (const auto& action : actionSystem_->Running()) {
     NORVIK_WARNING(boost::format("Action %1%, which has run since %2%, did not end in time; the "

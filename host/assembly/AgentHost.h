@@ -68,9 +68,9 @@ class AgentHost {
   void ResumePeriodicActions();
   /// Runs an action on the action threads. Returns at once.
   void Queue(unsigned int code, const Common::ActionParameters& parameters);
-  /// Starts no further action, and waits up to 30 seconds for those that run. Returns false, after
-  /// logging each action that still runs then: the process may then only exit without destroying
-  /// what they use. Periodic actions stay due for the next start.
+  /// Starts no further action, and waits up to 5 seconds for those that run; the log names them.
+  /// Returns false, after logging each action that still runs then: the process may then only exit
+  /// without destroying what they use. Periodic actions stay due for the next start.
   bool StopActions();
 
  private:

@@ -43,6 +43,13 @@ void Communications::ReportTaskStatus(const TaskResponseInfo& status) {
   ReportTask(status);
 }
 
+void Communications::ReportTaskStatuses(const std::vector<TaskResponseInfo>& statuses) {
+  if (statuses.size() == 1) return ReportTaskStatus(statuses.front());
+  NORVIK_DETAIL(boost::format("%1% tasks have a new status") % std::to_string(statuses.size()));
+  if (const auto server = Server()) server->ReportTaskStatuses(statuses);
+  for (const TaskResponseInfo& status : statuses) ReportTask(status);
+}
+
 void Communications::NewFileOnOutbox() {
   if (const auto server = Server()) return server->NewFileOnOutbox();
   NORVIK_DETAIL("A new file waits in the outbox; there is no server to send it to");

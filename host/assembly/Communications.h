@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "common/ipc/ICommunicationIPC.h"
 #include "common/rest/ICommunicationSystem.h"
@@ -22,6 +23,8 @@ class Communications : public Common::ICommunicationSystem, public Common::IComm
   bool ProcessMessage(const Common::IRestRequest& request,
                       Common::IRestResponse& response) override;
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
+  /// Several make one line of the log.
+  void ReportTaskStatuses(const std::vector<Common::TaskResponseInfo>& statuses) override;
   void NewFileOnOutbox() override;
 
   bool Send(const Common::IPCMessage& message, unsigned long long session) override;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/ForeignComplaints.h"
+
 namespace Norvik::Host {
 
 using Common::Logger;
@@ -11,6 +13,7 @@ ListeningLogger::ListeningLogger(std::shared_ptr<Logger> log, LogListener listen
 
 void ListeningLogger::Log(Level level, const std::string& text, const char* file, int line,
                           const char* function) {
+  if (level < LEVEL_DETAIL && IsForeignComplaint(text)) level = LEVEL_DETAIL;
   if (log_) log_->Log(level, text, file, line, function);
   if (listener_) listener_({level, text});
 }

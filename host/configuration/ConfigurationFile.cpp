@@ -188,7 +188,7 @@ Json ParseConfigurationJson(const std::string& text) {
     if (event == Json::parse_event_t::object_end) open.pop_back();
     if (event == Json::parse_event_t::key &&
         !open.back().insert(parsed.get<std::string>()).second) {
-      throw ConfigurationError("the key " + parsed.get<std::string>() + " stands twice");
+      throw ConfigurationError("the key " + parsed.get<std::string>() + " occurs twice");
     }
     return true;
   };

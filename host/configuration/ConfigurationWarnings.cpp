@@ -64,6 +64,20 @@ void CheckAdditional(const TextList& extensions, Warnings& warnings) {
   }
 }
 
+/// Schedules are meant for hours and days, so a short one is likely a mistake.
+void CheckSchedules(const Common::KobConfigurationInfo& kob, Warnings& warnings) {
+  const std::pair<const char*, const boost::optional<Common::ScheduleInfo>&> schedules[] = {
+      {"inventorySchedule", kob.inventorySchedule},
+      {"fileInventoryIncrementalSchedule", kob.fileInventoryIncrementalSchedule},
+      {"fileInventorySchedule", kob.fileInventorySchedule},
+      {"pendingTasksSchedule", kob.pendingTasksSchedule}};
+  for (const auto& [key, schedule] : schedules) {
+    if (!schedule || schedule->periodSeconds == 0 || schedule->periodSeconds >= 60) continue;
+    warnings.push_back({std::string(key) + ".periodSeconds",
+                        std::to_string(schedule->periodSeconds), "is less than a minute"});
+  }
+}
+
 void CheckServer(const Common::CommunicationsInfo& server, Warnings& warnings) {
   const std::string& caFile = server.certificateFile;
   if (server.address.empty() && !caFile.empty()) {
@@ -80,6 +94,10 @@ void CheckServer(const Common::CommunicationsInfo& server, Warnings& warnings) {
 
 }  // namespace
 
+bool WantsNoFile(const Common::KobConfigurationInfo& configuration) {
+  return ScanRules(configuration).Configuration().at(Common::IncludeExtension).empty();
+}
+
 std::string DeliveryProblem(const Common::CommunicationsInfo& server, const fs::path& keyFolder) {
   return server.address.empty() ? "" : Common::SealingKeys(keyFolder).ServerKeyProblem();
 }
@@ -93,6 +111,8 @@ Warnings WarningsOf(const Common::AgentConfigurationInfo& configuration,
   CheckExtensions("includedExtensions", kob.includedExtensions, warnings);
   CheckExtensions("additionalExtensions", kob.additionalExtensions, warnings);
   CheckAdditional(kob.additionalExtensions, warnings);
+  if (WantsNoFile(kob)) warnings.push_back({"includedExtensions", "", NO_FILE_WANTED});
+  CheckSchedules(kob, warnings);
   CheckServer(configuration.communications, warnings);
   const std::string problem = DeliveryProblem(configuration.communications, keyFolder);
   if (!problem.empty()) {

@@ -15,6 +15,13 @@ struct ConfigurationWarning {
   std::string text;   ///< completes a sentence that begins with the entry or the key
 };
 
+/// Whether a file inventory of this configuration can list no file.
+bool WantsNoFile(const Common::KobConfigurationInfo& configuration);
+/// What to do then, as a sentence for users.
+inline constexpr char NO_FILE_WANTED[] =
+    "no extension is wanted, so a file inventory lists no file: set includedExtensions in the "
+    "configuration";
+
 /// The settings of the file inventory that match nothing or have another effect than expected, and
 /// those of the server that cannot work. Checks the folders and files of this machine. The
 /// configuration's `kob` must be set.

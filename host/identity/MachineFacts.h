@@ -23,8 +23,8 @@ class MachineFacts : public Common::IIdentificationSystem {
   void ModuleIsMade();
 
   Common::FirstInventoryInfo GetFirstInventoryInfo() override;
-  /// The firmware's table, which does not change while the system runs: it is read again only if
-  /// there was none.
+  /// The firmware's table, which does not change while the system runs: read again only if it
+  /// was missing.
   std::weak_ptr<Common::SmBios> GetSmBios() override;
   std::string GetAgentIdentifier() override { return identity_->Get().identifier; }
   std::string GetToken() override { return identity_->Get().token; }

@@ -10,7 +10,17 @@ namespace Norvik::Host {
 /// The agent at a socket did not answer. The text names the socket and the reason.
 class NoAnswer : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  NoAnswer(const boost::filesystem::path& socket, const std::string& reason, bool runs)
+      : std::runtime_error("no agent answers at " + socket.string() + ": " + reason),
+        reason_(reason),
+        runs_(runs) {}
+  const std::string& Reason() const { return reason_; }
+  /// Whether a process serves the socket all the same.
+  bool Runs() const { return runs_; }
+
+ private:
+  std::string reason_;
+  bool runs_;
 };
 
 /// Sends a request to the agent that serves a socket, waits and returns its answer; both are JSON.

@@ -90,9 +90,17 @@ boost::optional<Frame> FrameReader::Next() {
   const std::size_t start = position_ + NUMBER_BYTES;
   if (bytes_.size() == start) return boost::none;
   const FrameKind kind = KindOf(bytes_[start]);
-  if (bytes_.size() - start < length) return boost::none;
+  if (bytes_.size() - start < length) {
+    bytes_.reserve(start + length);
+    return boost::none;
+  }
+  Frame frame{kind, bytes_.substr(start + 1, length - 1)};
   position_ = start + length;
-  return Frame{kind, bytes_.substr(start + 1, length - 1)};
+  if (position_ == bytes_.size()) {
+    std::string().swap(bytes_);
+    position_ = 0;
+  }
+  return frame;
 }
 
 }  // namespace Norvik::Host

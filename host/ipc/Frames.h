@@ -51,6 +51,8 @@ class FrameReader {
   boost::optional<Frame> Next();
   /// Whether an incomplete frame is buffered.
   bool IsInside() const { return position_ < bytes_.size(); }
+  /// The memory of the buffer in bytes.
+  std::size_t Memory() const { return bytes_.capacity(); }
 
  private:
   const std::size_t limit_;

@@ -9,13 +9,24 @@ namespace Norvik::Host {
 
 using boost::system::error_code;
 
+namespace {
+
+/// What a connection occupies besides its frames: itself with its buffer, and what the context, the
+/// system's structures and the allocator add.
+constexpr std::size_t CONNECTION_BYTES = 16 << 10;
+constexpr std::size_t FRAME_BYTES = 512;  ///< likewise, for a frame
+
+}  // namespace
+
 IpcConnection::IpcConnection(Socket socket, const Platform::PeerCredentials& peer,
-                             const ConnectionLimits& limits)
+                             const ConnectionLimits& limits, std::shared_ptr<MemoryLimit> memory)
     : socket_(std::move(socket)),
       peer_(peer),
       limits_(limits),
       reader_(limits.frameBytes),
-      frameTimer_(socket_.get_executor()) {}
+      frameTimer_(socket_.get_executor()),
+      receiving_(memory),
+      sending_(std::move(memory)) {}
 
 std::string IpcConnection::PeerText() const {
   return "user " + std::to_string(peer_.user) + ", process " + std::to_string(peer_.process);
@@ -23,7 +34,22 @@ std::string IpcConnection::PeerText() const {
 
 void IpcConnection::Start(Events events) {
   events_ = std::move(events);
+  try {
+    CountMemory();
+  } catch (const FrameError& refused) {
+    return CloseNow(refused.what());
+  }
+  if (limits_.firstFrameTime.count() > 0) {
+    Watch(limits_.firstFrameTime, "neither joined nor sent a request in time");
+  }
   Read();
+}
+
+void IpcConnection::CountMemory() {
+  // A waiting frame exists as its content and, for a moment, as the message in it.
+  const std::string refusal =
+      receiving_.Resize(CONNECTION_BYTES + reader_.Memory() + 2 * waitingBytes_);
+  if (!refusal.empty()) throw FrameError("exceeds " + refusal);
 }
 
 void IpcConnection::Read() {
@@ -44,11 +70,12 @@ void IpcConnection::DeliverFrames() {
   try {
     while (!closed_ && waitingBytes_ <= limits_.waitingBytes) {
       auto frame = reader_.Next();
+      if (frame) waitingBytes_ += FRAME_BYTES + frame->content.size();
+      CountMemory();
       if (!frame) {
-        WatchFrame();
+        if (reader_.IsInside()) Watch(limits_.frameTime, "did not end a frame in time");
         return Read();
       }
-      waitingBytes_ += 1 + frame->content.size();
       StopWatch();
       events_.onFrame(std::move(*frame));
     }
@@ -58,15 +85,15 @@ void IpcConnection::DeliverFrames() {
   paused_ = true;
 }
 
-/// Limits the time of the unfinished frame, however slowly its bytes come.
-void IpcConnection::WatchFrame() {
-  if (watching_ || !reader_.IsInside()) return;
-  watching_ = true;
-  frameTimer_.expires_after(limits_.frameTime);
-  frameTimer_.async_wait([self = shared_from_this()](const error_code& error) {
+/// Limits the time of the next frame, however slowly its bytes come. The limit of a frame that is
+/// watched already stays.
+void IpcConnection::Watch(std::chrono::milliseconds limit, const char* problem) {
+  if (std::exchange(watching_, true)) return;
+  frameTimer_.expires_after(limit);
+  frameTimer_.async_wait([self = shared_from_this(), problem](const error_code& error) {
     // A timer that has expired cannot be cancelled any more.
     const bool late = self->frameTimer_.expiry() <= std::chrono::steady_clock::now();
-    if (!error && self->watching_ && late) self->CloseNow("did not end a frame in time");
+    if (!error && self->watching_ && late) self->CloseNow(problem);
   });
 }
 
@@ -76,7 +103,7 @@ void IpcConnection::StopWatch() {
 
 void IpcConnection::Handled(std::size_t contentSize) {
   boost::asio::post(socket_.get_executor(), [self = shared_from_this(), contentSize] {
-    self->waitingBytes_ -= 1 + contentSize;
+    self->waitingBytes_ -= FRAME_BYTES + contentSize;
     if (!std::exchange(self->paused_, false) || self->closed_) return;
     self->DeliverFrames();
   });
@@ -85,18 +112,28 @@ void IpcConnection::Handled(std::size_t contentSize) {
 bool IpcConnection::Send(std::string frame) {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (ending_) return false;
-  unsentBytes_ += frame.size();
-  unsent_.push_back(std::move(frame));
-  if (unsentBytes_ > limits_.unsentBytes) {
+  std::string refusal = "the limit of " + std::to_string(limits_.unsentBytes) + " bytes";
+  if (unsentBytes_ + frame.size() <= limits_.unsentBytes) {
+    refusal = sending_.Resize(unsentBytes_ + frame.size() + FRAME_BYTES * (1 + unsent_.size()));
+  }
+  if (!refusal.empty()) {
     ending_ = true;
+    const std::string problem = "reads too slowly: what waits for it exceeds " + refusal;
     boost::asio::post(socket_.get_executor(),
-                      [self = shared_from_this()] { self->CloseNow("reads too slowly"); });
+                      [self = shared_from_this(), problem] { self->CloseNow(problem); });
     return false;
   }
+  unsentBytes_ += frame.size();
+  unsent_.push_back(std::move(frame));
   if (unsent_.size() == 1) {
     boost::asio::post(socket_.get_executor(), [self = shared_from_this()] { self->Write(); });
   }
   return true;
+}
+
+std::size_t IpcConnection::UnsentBytes() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return unsentBytes_;
 }
 
 void IpcConnection::Write() {
@@ -116,6 +153,7 @@ void IpcConnection::OnWritten(const error_code& error) {
     const std::lock_guard<std::mutex> lock(mutex_);
     unsentBytes_ -= unsent_.front().size();
     unsent_.pop_front();
+    sending_.Resize(unsentBytes_ + FRAME_BYTES * unsent_.size());
     more = !unsent_.empty();
   }
   if (more) Write();

@@ -11,16 +11,19 @@
 #include <string>
 
 #include "host/ipc/Frames.h"
+#include "host/ipc/MemoryLimit.h"
 #include "platform/PeerCredentials.h"
 
 namespace Norvik::Host {
 
 /// The resources that one connection may use.
 struct ConnectionLimits {
-  std::size_t frameBytes = 1 << 20;      ///< length of a frame
-  std::size_t unsentBytes = 4 << 20;     ///< queued for a peer that reads slowly
-  std::size_t waitingBytes = 256 << 10;  ///< received but not handled; beyond it, reading pauses
+  std::size_t frameBytes = 1 << 20;   ///< length of a frame
+  std::size_t unsentBytes = 4 << 20;  ///< queued for a peer that reads slowly
+  /// Received but not handled; beyond it, reading pauses. With 0 one frame is handled at a time.
+  std::size_t waitingBytes = 256 << 10;
   std::chrono::milliseconds frameTime{30'000};  ///< from the first byte of a frame to its last
+  std::chrono::milliseconds firstFrameTime{0};  ///< until the first frame has come; 0: no limit
 };
 
 /// One end of a connection between two processes of the agent: whole frames in both directions. It
@@ -41,8 +44,9 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   };
 
   /// @param socket must be connected
+  /// @param memory has to grant what the connection occupies; null: nothing is limited
   IpcConnection(Socket socket, const Platform::PeerCredentials& peer,
-                const ConnectionLimits& limits);
+                const ConnectionLimits& limits, std::shared_ptr<MemoryLimit> memory = nullptr);
 
   /// Begins to read.
   void Start(Events events);
@@ -51,6 +55,8 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   bool Send(std::string frame);
   /// Reports that a frame has been handled. Safe on any thread.
   void Handled(std::size_t contentSize);
+  /// The bytes that are queued for the peer. Safe on any thread.
+  std::size_t UnsentBytes() const;
   /// Closes the connection without a callback. Only when no thread runs the context any more.
   void Abandon();
 
@@ -62,7 +68,8 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   void Read();
   void OnRead(const boost::system::error_code& error, std::size_t size);
   void DeliverFrames();
-  void WatchFrame();
+  void CountMemory();
+  void Watch(std::chrono::milliseconds limit, const char* problem);
   void StopWatch();
   void Write();
   void OnWritten(const boost::system::error_code& error);
@@ -77,13 +84,15 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   std::array<char, 8192> buffer_;
   boost::asio::steady_timer frameTimer_;
   std::size_t waitingBytes_ = 0;
-  bool watching_ = false;  ///< the timer runs for the frame that has begun
+  bool watching_ = false;  ///< the timer runs for the frame that has begun, or the first one
   bool paused_ = false;
   bool closed_ = false;
+  MemoryShare receiving_;
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::deque<std::string> unsent_;  ///< the first is being written
   std::size_t unsentBytes_ = 0;
+  MemoryShare sending_;
   bool ending_ = false;  ///< no further frame is accepted
 };
 

@@ -16,12 +16,19 @@ using namespace Common;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+ConnectionLimits LimitsOfUsersProcess() {
+  ConnectionLimits limits;
+  limits.waitingBytes = 64 << 20;
+  return limits;
+}
+
 IpcUser::IpcUser(const boost::filesystem::path& socket, const ReconnectWaits& waits,
                  const ConnectionLimits& limits)
     : path_(socket),
       endpoint_(EndpointOf(socket)),
       waits_(waits),
       limits_(limits),
+      guard_(boost::asio::make_work_guard(context_)),
       timer_(context_),
       wait_(waits.first) {}
 
@@ -62,7 +69,8 @@ void IpcUser::Connect() {
 
 void IpcUser::OnConnected(const std::shared_ptr<Socket>& socket) {
   const auto peer = Platform::CredentialsOfPeer(socket->native_handle());
-  if (!peer || (peer->user != 0 && peer->user != ::geteuid())) {
+  if (!peer) return RetryLater("it does not accept the connection");
+  if (peer->user != 0 && peer->user != ::geteuid()) {
     return RetryLater("it is served by another user");
   }
   const auto connection = std::make_shared<IpcConnection>(std::move(*socket), *peer, limits_);

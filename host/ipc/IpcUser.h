@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/filesystem/path.hpp>
@@ -18,8 +19,12 @@ namespace Norvik::Host {
 /// How long a user's process waits between its attempts to connect; each wait doubles the last.
 struct ReconnectWaits {
   std::chrono::milliseconds first{1000};
-  std::chrono::milliseconds longest{60'000};
+  std::chrono::milliseconds longest{5'000};
 };
+
+/// The usual limits of a user's process. It reads on while its output is slow, since the service
+/// would cut it off, and notices at once that the service ends.
+ConnectionLimits LimitsOfUsersProcess();
 
 /// A user's end of the agent's local socket. Connects to the service, and reconnects whenever the
 /// connection is lost. Accepts only allowed messages, and only from a service that runs as root or
@@ -34,7 +39,7 @@ class IpcUser : public Common::ICommunicationIPC {
 
   /// Throws `std::runtime_error` for a path that is too long for a socket.
   explicit IpcUser(const boost::filesystem::path& socket, const ReconnectWaits& waits = {},
-                   const ConnectionLimits& limits = {});
+                   const ConnectionLimits& limits = LimitsOfUsersProcess());
   IpcUser(const IpcUser&) = delete;
   IpcUser& operator=(const IpcUser&) = delete;
   ~IpcUser() override;
@@ -63,6 +68,8 @@ class IpcUser : public Common::ICommunicationIPC {
   const ReconnectWaits waits_;
   const ConnectionLimits limits_;
   boost::asio::io_context context_{1};
+  /// While reading is paused nothing else keeps the context running.
+  const boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard_;
   boost::asio::steady_timer timer_;
   OnMessage onMessage_;
   std::minstd_rand random_{std::random_device{}()};

@@ -24,6 +24,11 @@ class RateLimit {
     return count_ == times_ + 1 ? Verdict::FIRST_REFUSED : Verdict::REFUSED;
   }
 
+  /// Whether nothing was asked for the length of a span.
+  bool IsUnused(TimePoint now = std::chrono::steady_clock::now()) const {
+    return count_ == 0 || now - start_ >= span_;
+  }
+
  private:
   std::size_t times_;
   std::chrono::seconds span_;

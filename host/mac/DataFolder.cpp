@@ -1,12 +1,18 @@
-#include <unistd.h>
-
 #include "host/data/DataFolder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Norvik::Host {
 
 boost::filesystem::path DefaultDataFolder() {
-  if (::geteuid() == 0) return "/opt/local/norvik/data";
-  return HomeFolder() / "Library" / "Application Support" / "Norvik";
+  const char* const inFolder = "Library/Application Support/Norvik";
+  if (::geteuid() != 0) return HomeFolder() / inFolder;
+  // Earlier versions kept their data here, in the installation.
+  const char* const former = "/opt/local/norvik/data";
+  struct stat status {};
+  if (::stat(former, &status) == 0 && S_ISDIR(status.st_mode)) return former;
+  return boost::filesystem::path("/") / inFolder;
 }
 
 }  // namespace Norvik::Host

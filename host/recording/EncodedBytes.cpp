@@ -11,7 +11,7 @@ namespace Norvik::Host {
 namespace {
 
 /// Shorter digits are no bytes of interest.
-constexpr std::size_t LEAST_HEX_DIGITS = 24;
+constexpr std::size_t LEAST_HEX_DIGITS = 12;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 

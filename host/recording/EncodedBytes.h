@@ -7,7 +7,7 @@ namespace Norvik::Host {
 
 // Bytes that a text holds in digits: Base64 in a property list, or hexadecimal.
 
-/// Calls `take` with begin and length of each run of at least 24 hexadecimal digits that make whole
+/// Calls `take` with begin and length of each run of at least 12 hexadecimal digits that make whole
 /// bytes, or of what is between "<data>" and "</data>".
 using TakePart = std::function<void(std::size_t begin, std::size_t length)>;
 void ForEachHexPart(const std::string& text, const TakePart& take);

@@ -1,10 +1,15 @@
 #include "host/recording/MachineRecording.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+
 #include <algorithm>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
+#include <cerrno>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 
 #include "common/commands/CommandRunner.h"
@@ -14,8 +19,10 @@
 #include "host/recording/MachineFiles.h"
 #include "host/recording/Questions.h"
 #include "host/recording/Redaction.h"
+#include "host/recording/RemovalOnDeath.h"
 #include "host/recording/SystemFacts.h"
 #include "host/recording/ToolRecorder.h"
+#include "platform/FileDescriptor.h"
 #include "platform/SystemChanges.h"
 
 namespace Norvik::Host {
@@ -31,9 +38,14 @@ class PartialFolder {
     if (fs::exists(fs::symlink_status(folder))) {
       throw UsageError(folder.string() + " exists already");
     }
-    // A recorder that was killed leaves one.
-    if (fs::is_directory(Recording()) && fs::is_directory(Work())) fs::remove_all(path_);
+    if (fs::is_directory(Recording()) && fs::is_directory(Work())) {
+      if (!Lock()) throw UsageError(folder.string() + " is being recorded by another process");
+      // Of a machine that was switched off meanwhile.
+      fs::remove_all(path_);
+    }
     if (!fs::create_directory(path_)) throw UsageError(path_.string() + " exists already");
+    removal_.emplace(path_);
+    Lock();
     fs::permissions(path_, fs::owner_all);
     fs::create_directory(Recording());
     fs::create_directory(Work());
@@ -49,7 +61,14 @@ class PartialFolder {
   fs::path Work() const { return path_ / "work"; }
 
  private:
+  bool Lock() {
+    lock_ = Platform::FileDescriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return ::flock(lock_.Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+  }
+
   const fs::path path_;
+  Platform::FileDescriptor lock_;
+  std::optional<RemovalOnDeath> removal_;
 };
 
 /// A collector writes a file into the working folder.
@@ -161,6 +180,9 @@ RecordingResult RecordMachine(const RecordingOptions& options) {
       result.warnings.push_back(std::move(failure));
     }
     WriteFacts(SystemFacts(questions), recording);
+    for (const auto& program : tools->UnrecordedPrograms()) {
+      result.warnings.push_back(program + " is called by its path, so it is not recorded");
+    }
     for (const auto& call : tools->UnfinishedCalls()) {
       result.warnings.push_back(call + " did not end within " +
                                 std::to_string(options.toolLimit.count()) +

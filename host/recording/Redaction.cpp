@@ -3,6 +3,7 @@
 #include <sodium.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdint>
@@ -12,10 +13,15 @@
 #include <map>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "host/OutputText.h"
 #include "host/recording/EncodedBytes.h"
 #include "host/recording/Replacements.h"
+#include "host/recording/SensitiveFirmware.h"
+#include "host/recording/SensitiveForms.h"
+#include "host/recording/SensitiveKeys.h"
 #include "host/recording/SensitiveValues.h"
 
 namespace Norvik::Host {
@@ -80,7 +86,9 @@ class Redaction {
   /// Displays come first: their numbers are replaced in a way of their own.
   void AddDisplays(const std::string& bytes, int depth = 0) {
     ForEachEdidBlock(bytes, [&](std::size_t at, bool isFirst) {
-      if (isFirst) AddDisplay(bytes.substr(at + EDID_SERIAL, 4));
+      if (!isFirst) return;
+      AddDisplay(bytes.substr(at + EDID_SERIAL, 4));
+      AddValuesOfDisplay(bytes.substr(at, EDID_BLOCK), replacements);
     });
     if (depth == MAX_DEPTH) return;
     ForEachHexPart(bytes, [&](std::size_t begin, std::size_t length) {
@@ -166,6 +174,30 @@ std::vector<fs::path> EntriesBelow(const fs::path& folder) {
   return {fs::recursive_directory_iterator(folder), fs::recursive_directory_iterator()};
 }
 
+/// Another place on Earth for each; equal ones stay equal, and (0, 0), which is no position, stays.
+void RedactPosition(const fs::path& file) {
+  static constexpr struct {
+    const char* key;
+    std::uint32_t most;  ///< in degrees or metres
+  } NUMBERS[] = {{"latitude", 80}, {"longitude", 170}, {"altitude", 500}};
+  if (!fs::exists(file)) return;
+  OrderedJson location = OrderedJson::parse(ContentOf(file), nullptr, /*allow_exceptions=*/false);
+  // A damaged file holds no position that could be read, but digits of it.
+  if (!location.is_object() || !location["fixes"].is_array()) location = {{"enabled", false}};
+  std::map<std::pair<std::string, double>, double> others;
+  for (OrderedJson& fix : location["fixes"]) {
+    for (const auto& [key, most] : NUMBERS) {
+      if (!fix.is_object() || !fix.value(key, OrderedJson()).is_number()) continue;
+      constexpr std::uint32_t STEPS = 1'000'000;
+      const auto steps = static_cast<double>(::randombytes_uniform(2 * most * STEPS));
+      const double other = (steps - static_cast<double>(most * STEPS)) / STEPS;
+      const double value = fix[key];
+      if (value != 0.0) fix[key] = others.emplace(std::pair(key, value), other).first->second;
+    }
+  }
+  Rewrite(file, location.dump(1) + "\n");
+}
+
 void RedactNames(const fs::path& root, const Redaction& redaction) {
   std::vector<fs::path> entries = EntriesBelow(root);
   std::reverse(entries.begin(), entries.end());
@@ -203,9 +235,16 @@ std::size_t RedactRecording(const fs::path& recording, const std::string& docume
   for (const fs::path& file : files) {
     const std::string content = ContentOf(file);
     AddValuesOfFacts(file.filename().string(), content, redaction.replacements);
-    AddValuesOfText(content, redaction.replacements);
+    AddValuesOfSmbios(content, redaction.replacements);
+    AddKeyedValues(content, redaction.replacements);
+    // In a binary list the next value begins directly after a text.
+    if (!boost::starts_with(content, "bplist")) AddForms(content, redaction.replacements);
+  }
+  for (const fs::path& entry : EntriesBelow(recording / "root")) {
+    AddForms(entry.filename().string(), redaction.replacements);
   }
   for (const fs::path& file : files) Rewrite(file, redaction.Apply(ContentOf(file)));
+  RedactPosition(recording / "location.json");
   RedactNames(recording / "root", redaction);
   return redaction.replacements.Count();
 }

@@ -180,7 +180,8 @@ void Replacements::AddText(const std::string& text) {
 
 void Replacements::AddHex(const std::string& text) {
   std::string from = LowerText(text);
-  from.erase(std::remove_if(from.begin(), from.end(), [](char c) { return c == ':' || c == '-'; }),
+  from.erase(std::remove_if(from.begin(), from.end(),
+                            [](char c) { return c == ':' || c == '-' || c == '_'; }),
              from.end());
   const bool isHex = from.find_first_not_of("0123456789abcdef") == std::string::npos;
   // One digit all over is what machines have that were given no value.
@@ -194,8 +195,9 @@ void Replacements::AddHex(const std::string& text) {
     AddPattern(Grouped(from, lengths, separator), Grouped(to, lengths, separator), Edge::ANY);
   };
   add({from.size()}, "");
-  if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, ":");
-  if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, "-");
+  for (const char* separator : {":", "-", "_"}) {
+    if (from.size() == MAC_DIGITS) add({2, 2, 2, 2, 2, 2}, separator);
+  }
   if (from.size() == MAC_DIGITS) AddPattern(ShortMac(from), ShortMac(to), Edge::ADDRESS);
   if (from.size() == UUID_DIGITS) add({8, 4, 4, 4, 12}, "-");
   const std::string bytes = boost::algorithm::unhex(from);
@@ -264,6 +266,12 @@ void Replacements::AddNumber(const std::string& digits, const std::string& repla
   if (!known_.insert(digits).second) return;
   AddPattern(digits, replacement, Edge::WORD);
 }
+
+void Replacements::AddNumber(const std::string& digits) {
+  AddNumber(digits, digits.substr(0, 1) + Substitute(digits.substr(1), false));
+}
+
+bool Replacements::Has(const std::string& text) const { return known_.count(LowerText(text)) != 0; }
 
 const Replacements::Pattern* Replacements::MatchAt(const std::string& bytes,
                                                    const std::string& lower, std::size_t at) const {

@@ -23,15 +23,19 @@ class Replacements {
   /// A name, a serial number and the like. Below six bytes it is found as a whole word only, and
   /// below three bytes not at all.
   void AddText(const std::string& text);
-  /// Bytes in hexadecimal digits, with or without ":" or "-", as in a UUID. Found with any of these
-  /// separators, and as the bytes themselves. Zeros stay.
+  /// Bytes in hexadecimal digits, with or without ":", "-" or "_", as in a UUID. Found with any of
+  /// these separators, and as the bytes themselves. Zeros stay.
   void AddHex(const std::string& text);
   /// An IPv4 or IPv6 address, which keeps its first part; addresses of one network stay in one.
   /// Any other text, a mask and an address that all machines have are ignored.
   void AddAddress(const std::string& text);
+  /// A decimal number, found as a whole word. Its first digit stays, so that it is no larger.
+  void AddNumber(const std::string& digits);
   /// A number, found as a whole word, and a replacement of the caller's with as many digits.
   void AddNumber(const std::string& digits, const std::string& replacement);
 
+  /// Whether `AddText` has taken this text.
+  bool Has(const std::string& text) const;
   std::size_t Count() const { return known_.size(); }
   /// Replaces all values. The length stays, and so does the case of letters.
   std::string Apply(const std::string& bytes) const;

@@ -124,18 +124,23 @@ ToolRecorder::~ToolRecorder() {
   }
 }
 
-void ToolRecorder::Prepare(const std::string& line) const {
-  for (const std::string& name : ProgramsOf(line)) {
-    if (name.find('/') != std::string::npos) continue;
-    const fs::path file = ProgramFile(name, path_);
-    if (file.empty() || IsInBin(file)) continue;
-    boost::system::error_code exists;
-    fs::create_symlink("../record-tool", work_ / "tools" / name, exists);
+void ToolRecorder::Prepare(const std::string& program) {
+  if (program.find('/') != std::string::npos) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!IsInBin(program)) unrecorded_.insert(program);
+    return;
   }
+  const fs::path file = ProgramFile(program, path_);
+  if (file.empty() || IsInBin(file)) return;
+  boost::system::error_code exists;
+  fs::create_symlink("../record-tool", work_ / "tools" / program, exists);
 }
 
 Platform::ChildResult ToolRecorder::Run(const Platform::ChildCommand& command) {
-  if (command.isShellLine) Prepare(command.words.back());
+  for (const auto& program : command.isShellLine ? ProgramsOf(command.words.back())
+                                                 : std::vector{command.words.front()}) {
+    Prepare(program);
+  }
   return RealSystemChanges::Run(command);
 }
 

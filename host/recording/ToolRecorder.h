@@ -2,6 +2,8 @@
 
 #include <boost/filesystem/path.hpp>
 #include <chrono>
+#include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,12 +33,16 @@ class ToolRecorder final : public Platform::RealSystemChanges {
 
   /// Calls that reached the limit.
   std::vector<std::string> UnfinishedCalls() const;
+  /// Programs that were called by their path, which nothing can take the place of.
+  const std::set<std::string>& UnrecordedPrograms() const { return unrecorded_; }
 
  private:
-  void Prepare(const std::string& line) const;
+  void Prepare(const std::string& program);
 
   const boost::filesystem::path work_;
   const std::string path_;  ///< PATH before
+  std::mutex mutex_;
+  std::set<std::string> unrecorded_;
 };
 
 }  // namespace Norvik::Host

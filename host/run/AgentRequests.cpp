@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <boost/format.hpp>
+#include <chrono>
 #include <map>
 #include <stdexcept>
 #include <utility>
@@ -21,10 +22,17 @@ using namespace Common;
 
 namespace {
 
+constexpr std::size_t MOST_WAITING = 64 << 20;
+/// What a user's process may have left to read when the next text is sent, and how long that waits.
+constexpr std::size_t MOST_UNREAD = 1 << 20;
+constexpr std::chrono::seconds READING_TIME(1);
+
 struct Agent {
   AgentHost& host;
-  ICommunicationIPC& processes;
+  IpcService& processes;
   const ServiceProgress& progress;
+  SerialActions& texts;
+  const std::shared_ptr<std::atomic<std::size_t>>& waiting;
 };
 
 std::string TextAt(const OrderedJson& request, const char* key) {
@@ -50,6 +58,7 @@ OrderedJson Status(const Agent& agent, const OrderedJson&) {
   return {{"processId", ::getpid()},
           {"dataFolder", agent.host.DataFolder().string()},
           {"sessions", sessions},
+          {"messages", agent.processes.HandledMessages()},
           {"running", running},
           {"progress", agent.progress.ToJson()},
           {"next", due}};
@@ -64,14 +73,33 @@ OrderedJson Notify(const Agent& agent, const OrderedJson& request) {
   return {{"queued", found->second}};
 }
 
+void QueueText(const Agent& agent, const std::string& text) {
+  *agent.waiting += text.size();
+  ModuleAction action = agent.host.Module().GetAction(ACTION_SHOW_MESSAGE, {});
+  // The parameters are made when the action runs: they take four times the memory of the text.
+  action.handler = [&module = agent.host.Module(), &processes = agent.processes,
+                    text](ActionParameters&) {
+    ActionParameters parameters;
+    parameters.Set(PARAMETER_NAME, WxStringFromStdString(text));
+    ModuleAction show = module.GetAction(ACTION_SHOW_MESSAGE, parameters);
+    const ActionResponse response = show.handler(show.parameters);
+    processes.WaitForReaders(MOST_UNREAD, READING_TIME);
+    return response;
+  };
+  agent.texts.Add(ACTION_SHOW_MESSAGE, std::move(action),
+                  [waiting = agent.waiting, size = text.size()] { *waiting -= size; });
+}
+
 OrderedJson Message(const Agent& agent, const OrderedJson& request) {
   const std::string text = TextAt(request, "text");
   if (agent.processes.GetSessions().empty()) {
     throw std::runtime_error("no user's process is connected");
   }
-  ActionParameters parameters;
-  parameters.Set(PARAMETER_NAME, WxStringFromStdString(text));
-  agent.host.Queue(ACTION_SHOW_MESSAGE, parameters);
+  if (*agent.waiting + text.size() > MOST_WAITING) {
+    throw std::runtime_error("more than " + std::to_string(MOST_WAITING) +
+                             " bytes of messages wait to be sent; try again later");
+  }
+  QueueText(agent, text);
   return {{"queued", static_cast<unsigned int>(ACTION_SHOW_MESSAGE)},
           {"sessions", agent.processes.GetSessions().size()}};
 }
@@ -101,14 +129,18 @@ OrderedJson Refusal(const std::exception& error, const std::string& from, bool w
 
 }  // namespace
 
-AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<ICommunicationIPC> processes,
+AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<IpcService> processes,
                              std::shared_ptr<const ServiceProgress> progress)
-    : host_(host), processes_(std::move(processes)), progress_(std::move(progress)) {}
+    : host_(host),
+      processes_(std::move(processes)),
+      progress_(std::move(progress)),
+      texts_(std::make_shared<SerialActions>(host.Actions())),
+      waiting_(std::make_shared<std::atomic<std::size_t>>(0)) {}
 
 std::string AgentRequests::Answer(const std::string& request, const std::string& from) const {
   OrderedJson answer;
   try {
-    answer = Dispatch({host_, *processes_, *progress_}, request);
+    answer = Dispatch({host_, *processes_, *progress_, *texts_, waiting_}, request);
   } catch (const UsageError& error) {
     answer = Refusal(error, from, true);
   } catch (const std::exception& error) {

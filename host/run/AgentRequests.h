@@ -1,10 +1,13 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <memory>
 #include <string>
 
-#include "common/ipc/ICommunicationIPC.h"
+#include "host/actions/SerialActions.h"
 #include "host/assembly/AgentHost.h"
+#include "host/ipc/IpcService.h"
 #include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {
@@ -14,14 +17,16 @@ namespace Norvik::Host {
 /// the result, or with the reason under "error" and, under "wrongUse", whether the request itself
 /// is invalid.
 ///
-///   status                   returns what runs and how far it is, who is connected, and what is
-///   due next notify     "what"        reports that "software" or "hardware" has changed message
-///   "text"        shows a text to the logged-on users configure  "text"        stores a
-///   configuration and applies it
+/// - status: returns what runs and how far it is, who is connected, how many messages of users were
+///   handled, and what is due next
+/// - notify, "what": reports that "software" or "hardware" has changed
+/// - message, "text": shows a text to the logged-on users. Texts are sent in their order, the next
+///   one when the users' processes have read most of the last or a second has passed
+/// - configure, "text": stores a configuration and applies it
 class AgentRequests {
  public:
   /// @param host must outlive this object
-  AgentRequests(AgentHost& host, std::shared_ptr<Common::ICommunicationIPC> processes,
+  AgentRequests(AgentHost& host, std::shared_ptr<IpcService> processes,
                 std::shared_ptr<const ServiceProgress> progress);
 
   /// Carries out a request and returns the answer. Throws only `std::bad_alloc`. A refused request
@@ -31,8 +36,12 @@ class AgentRequests {
 
  private:
   AgentHost& host_;
-  const std::shared_ptr<Common::ICommunicationIPC> processes_;
+  const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<const ServiceProgress> progress_;
+  const std::shared_ptr<SerialActions>
+      texts_;  ///< the module refuses a text while it sends another
+  /// The bytes of the texts that wait to be sent.
+  const std::shared_ptr<std::atomic<std::size_t>> waiting_;
 };
 
 }  // namespace Norvik::Host

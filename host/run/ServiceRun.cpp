@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "common/database/FreedSpace.h"
 #include "common/log/Logger.h"
 #include "host/assembly/ModuleActionCodes.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ManagedPreferences.h"
 #include "host/ipc/AllowedMessages.h"
 #include "host/run/ConfigurationChange.h"
+#include "platform/DescriptorLimit.h"
 
 namespace Norvik::Host {
 
@@ -19,6 +21,21 @@ using namespace Common;
 namespace {
 
 constexpr char SESSION_PARAMETER[] = "SessionEventData";
+/// Enough for all connections, the database and the tools. More would only slow down what closes
+/// them all for a child.
+constexpr std::size_t DESCRIPTORS = 1024;
+
+ServiceLimits LimitsOfThisProcess() {
+  const std::size_t descriptors = Platform::RaiseDescriptorLimit(DESCRIPTORS);
+  const ServiceLimits limits = LimitsFor(descriptors);
+  if (descriptors < DESCRIPTORS) {
+    NORVIK_WARNING(boost::format("This process may open only %1% files, where %2% are wanted; at "
+                                 "most %3% connections are served") %
+                   std::to_string(descriptors) % std::to_string(DESCRIPTORS) %
+                   std::to_string(limits.connections));
+  }
+  return limits;
+}
 
 }  // namespace
 
@@ -28,7 +45,7 @@ ServiceRun::ServiceRun(const AgentOptions& options, const boost::filesystem::pat
       progress_(std::make_shared<ServiceProgress>()),
       listening_(progress_),
       host_(options),
-      processes_(std::make_shared<IpcService>(socket)),
+      processes_(std::make_shared<IpcService>(socket, LimitsOfThisProcess())),
       messages_(std::make_shared<SerialActions>(host_.Actions())),
       requests_(host_, processes_, progress_) {
   host_.GetCommunications().SetProcesses(processes_);
@@ -53,19 +70,32 @@ void ServiceRun::Initialise() {
 }
 
 void ServiceRun::Start() {
-  processes_->Start({[this](IPCMessage message, std::function<void()> handled) {
-                       RunMessage(std::move(message), std::move(handled));
-                     },
-                     [this](IpcService::SessionId session) { BeginSession(session); },
-                     [this](const std::string& request, const std::string& from) {
-                       return requests_.Answer(request, from);
-                     }});
+  processes_->Start(
+      {[this](const IPCMessage& message, const IpcService::Sender& sender,
+              std::function<void()> handled) { RunMessage(message, sender, std::move(handled)); },
+       [this](IpcService::SessionId session) { BeginSession(session); },
+       [this](const std::string& request, const std::string& from) {
+         return requests_.Answer(request, from);
+       }});
   if (host_.Server()) host_.Server()->Start();
   NORVIK_INFORMATION("The service runs");
 }
 
-void ServiceRun::RunMessage(IPCMessage message, std::function<void()> handled) {
+void ServiceRun::RunMessage(const IPCMessage& message, const IpcService::Sender& sender,
+                            std::function<void()> handled) {
+  const std::string reason = drives_.ReasonToDrop(sender.user, message);
+  if (!reason.empty()) {
+    NORVIK_WARNING(boost::format("A network drive of %1% is dropped: %2%") % sender.text % reason);
+    return handled();
+  }
   ModuleAction action = host_.Module().GetAction(message.code, ParametersOf(message));
+  if (message.code == ACTION_TRUNCATE_NETWORK_DRIVES) {
+    action.handler = [handler = std::move(action.handler)](ActionParameters& parameters) {
+      ActionResponse response;
+      GiveBackFreedSpace([&] { response = handler(parameters); });
+      return response;
+    };
+  }
   messages_->Add(message.code, std::move(action), std::move(handled));
 }
 
@@ -99,6 +129,10 @@ bool ServiceRun::Stop() {
   NORVIK_INFORMATION("The service stops");
   processes_->Stop();
   if (host_.Server()) host_.Server()->Stop();
+  for (const auto& run : progress_->ToJson()) {
+    NORVIK_INFORMATION(boost::format("The stop finds an inventory of the %1% at \"%2%\"") %
+                       run.at("inventory").get<std::string>() % run.at("at").get<std::string>());
+  }
   return host_.StopActions();
 }
 

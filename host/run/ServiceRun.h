@@ -7,6 +7,7 @@
 #include "host/assembly/AgentHost.h"
 #include "host/ipc/IpcService.h"
 #include "host/run/AgentRequests.h"
+#include "host/run/DriveLimits.h"
 #include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {
@@ -36,7 +37,8 @@ class ServiceRun {
 
  private:
   void Initialise();
-  void RunMessage(Common::IPCMessage message, std::function<void()> handled);
+  void RunMessage(const Common::IPCMessage& message, const IpcService::Sender& sender,
+                  std::function<void()> handled);
   void BeginSession(IpcService::SessionId session);
 
   const boost::filesystem::path configurationFile_;
@@ -46,6 +48,7 @@ class ServiceRun {
   AgentHost host_;
   const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<SerialActions> messages_;
+  DriveLimits drives_;
   const AgentRequests requests_;
 };
 

@@ -1,9 +1,11 @@
 #include "host/server/ServerLink.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
 #include <boost/optional.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <exception>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -21,6 +23,16 @@ namespace {
 
 bool IsForTasks(const IRestRequest& request) {
   return dynamic_cast<const PendingTasksRequest*>(&request) != nullptr;
+}
+
+/// The identifiers of all tasks in an answer; empty if one task has none, since it may be any of
+/// those that are known.
+boost::optional<std::set<std::string>> IdentifiersIn(const PendingTasksResponse& answer) {
+  std::set<std::string> identifiers;
+  for (const Schedule& task : answer.schedules) identifiers.insert(task.identifier);
+  for (const RefusedTask& refused : answer.refused) identifiers.insert(refused.task.identifier);
+  if (identifiers.count("") != 0) return boost::none;
+  return identifiers;
 }
 
 void Assign(const HttpAnswer& answer, IRestResponse& response) {
@@ -69,6 +81,7 @@ bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& resp
     if (!session_->Enrol(*client, retryAfter)) return false;
     const std::string body = static_cast<json::JSON>(request).strUgly();
     Assign(session_->Post(*client, forTasks ? "tasks" : "messages", body), response);
+    if (const auto* tasks = dynamic_cast<const PendingTasksResponse*>(&response)) List(*tasks);
     return true;
   } catch (const std::exception& error) {
     NORVIK_WARNING(boost::format("The server %1% gave no answer to a question: %2%") %
@@ -77,9 +90,21 @@ bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& resp
   return false;
 }
 
-void ServerLink::ReportTaskStatus(const TaskResponseInfo& status) {
-  if (status.requestId.empty() && status.taskName.empty()) return;
-  statuses_->Add(status);
+void ServerLink::List(const PendingTasksResponse& answer) {
+  const auto identifiers = IdentifiersIn(answer);
+  if (identifiers && onTasksListed_) onTasksListed_(*identifiers);
+}
+
+void ServerLink::ReportTaskStatus(const TaskResponseInfo& status) { ReportTaskStatuses({status}); }
+
+void ServerLink::ReportTaskStatuses(const std::vector<TaskResponseInfo>& statuses) {
+  std::vector<TaskResponseInfo> ofTasks;
+  std::copy_if(statuses.begin(), statuses.end(), std::back_inserter(ofTasks),
+               [](const TaskResponseInfo& status) {
+                 return !status.requestId.empty() || !status.taskName.empty();
+               });
+  if (ofTasks.empty()) return;
+  statuses_->Add(ofTasks);
   thread_.Wake();
 }
 

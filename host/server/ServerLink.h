@@ -1,9 +1,15 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "common/rest/ICommunicationSystem.h"
+#include "common/rest/PendingTasks.h"
 #include "host/server/Delivery.h"
 #include "host/server/PacedThread.h"
 #include "host/server/ServerOptions.h"
@@ -20,12 +26,18 @@ namespace Norvik::Host {
 /// a thread that sleeps while there is nothing to do.
 class ServerLink : public Common::ICommunicationSystem {
  public:
+  /// Gets the identifiers of all tasks in an answer.
+  using TasksListed = std::function<void(const std::set<std::string>& identifiers)>;
+
   /// Sends nothing. Throws a subclass of `std::exception` if the waiting states cannot be read.
   explicit ServerLink(const ServerOptions& options);
   ServerLink(const ServerLink&) = delete;
   ServerLink& operator=(const ServerLink&) = delete;
   ~ServerLink() override;
 
+  /// To be called before questions are sent. The function is called with each complete answer to a
+  /// request for tasks, before `ProcessMessage` returns; what it throws makes the question fail.
+  void OnTasksListed(TasksListed listener) { onTasksListed_ = std::move(listener); }
   /// Starts the delivery, including what already waits.
   void Start();
   /// Ends the delivery and every pending question without waiting for the server. Items that are
@@ -38,11 +50,15 @@ class ServerLink : public Common::ICommunicationSystem {
   /// Sends a question and waits for the answer. False after a failure, which is logged in one line.
   bool ProcessMessage(const Common::IRestRequest& request,
                       Common::IRestResponse& response) override;
-  /// Ignores a state that belongs to no task of the server.
+  // Both ignore a state that belongs to no task of the server.
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
+  void ReportTaskStatuses(const std::vector<Common::TaskResponseInfo>& statuses) override;
   void NewFileOnOutbox() override;
 
  private:
+  void List(const Common::PendingTasksResponse& answer);
+
+  TasksListed onTasksListed_;
   std::atomic<bool> started_{false};
   std::atomic<bool> stopped_{false};
   const std::shared_ptr<StatusQueue> statuses_;

@@ -30,6 +30,10 @@ using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::size_t LONGEST_MESSAGE = 4096;
 constexpr std::size_t LONGEST_NAME = 1024;
+constexpr std::chrono::minutes BETWEEN_LINES(1);  ///< about dropped states
+/// A long file that could not be written, for example on a full disk, is not tried again for each
+/// state: one try in as many changes as this part of its states.
+constexpr std::size_t RETRY_SHARE = 16;
 
 std::string JsonOf(const std::string& id, const TaskResponseInfo& status,
                    std::chrono::system_clock::time_point time) {
@@ -45,11 +49,16 @@ std::string JsonOf(const std::string& id, const TaskResponseInfo& status,
   return node.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
-/// The id is empty if the line is damaged.
-WaitingStatus ParseLine(const std::string& line) {
-  const OrderedJson node = OrderedJson::parse(line, nullptr, false);
-  if (!node.is_object() || !node.contains("id") || !node["id"].is_string()) return {};
-  return {node["id"].get<std::string>(), line};
+constexpr char ACKNOWLEDGED[] = "acknowledged";
+
+std::string AcknowledgementOf(const std::string& id) {
+  return OrderedJson({{ACKNOWLEDGED, id}}).dump() + "\n";
+}
+
+/// The text of a key; empty if the line has none.
+std::string TextAt(const OrderedJson& line, const char* key) {
+  const bool isThere = line.is_object() && line.contains(key) && line[key].is_string();
+  return isThere ? line[key].get<std::string>() : std::string();
 }
 
 }  // namespace
@@ -63,15 +72,21 @@ StatusQueue::StatusQueue(boost::filesystem::path file, std::shared_ptr<const Clo
 void StatusQueue::Load() {
   if (!boost::filesystem::exists(file_)) return;
   std::istringstream lines(ReadTextFile(file_, boost::filesystem::file_size(file_)));
+  std::size_t count = 0;
   std::size_t damaged = 0;
-  for (std::string line; std::getline(lines, line);) {
-    WaitingStatus status = ParseLine(line);
-    if (status.id.empty()) {
-      ++damaged;
+  for (std::string line; std::getline(lines, line); ++count) {
+    const OrderedJson node = OrderedJson::parse(line, nullptr, false);
+    if (const std::string id = TextAt(node, "id"); !id.empty()) {
+      waiting_.push_back({id, std::move(line)});
+    } else if (const std::string last = TextAt(node, ACKNOWLEDGED); !last.empty()) {
+      Erase(last);
     } else {
-      waiting_.push_back(std::move(status));
+      ++damaged;
     }
   }
+  DropOldest();
+  untold_ = 0;
+  dropped_ = count - waiting_.size();
   if (damaged == 0) return;
   // The file is rewritten: the next state must not be appended to an incomplete line.
   fileIsWhole_ = false;
@@ -79,39 +94,68 @@ void StatusQueue::Load() {
                  std::to_string(damaged) % file_.string());
 }
 
-void StatusQueue::Add(const TaskResponseInfo& status) {
+void StatusQueue::Add(const std::vector<TaskResponseInfo>& statuses) {
   boost::uuids::random_generator generator;
-  const std::string id = to_string(generator());
-  std::string json = JsonOf(id, status, clock_->Now());
-
+  const auto now = clock_->Now();
   const std::lock_guard<std::mutex> lock(mutex_);
-  waiting_.push_back({id, std::move(json)});
-  while (waiting_.size() > limit_) {
-    NORVIK_ERROR(boost::format("More than %1% states of tasks wait for the server; the oldest is "
-                               "dropped") %
-                 std::to_string(limit_));
-    waiting_.pop_front();
-    fileIsWhole_ = false;
+  // The first ones of too many would be dropped at once.
+  const std::size_t left = statuses.size() - std::min(statuses.size(), limit_);
+  untold_ += left;
+  std::string lines;
+  for (std::size_t i = left; i < statuses.size(); ++i) {
+    const std::string id = to_string(generator());
+    std::string json = JsonOf(id, statuses[i], now);
+    lines += json + "\n";
+    waiting_.push_back({id, std::move(json)});
+  }
+  DropOldest();
+  TellOfDropped();
+  Store(lines, true);
+}
+
+void StatusQueue::DropOldest() {
+  if (waiting_.size() <= limit_) return;
+  const std::size_t excess = waiting_.size() - limit_;
+  waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(excess));
+  dropped_ += excess;
+  untold_ += excess;
+}
+
+void StatusQueue::TellOfDropped() {
+  const auto now = clock_->Steady();
+  if (untold_ == 0 || (told_ && now - *told_ < BETWEEN_LINES)) return;
+  NORVIK_ERROR(boost::format("More than %1% states of tasks wait for the server; the oldest %2% "
+                             "are dropped") %
+               std::to_string(limit_) % std::to_string(untold_));
+  untold_ = 0;
+  told_ = now;
+}
+
+/// Brings the file up to date, to which these lines are missing.
+void StatusQueue::Store(const std::string& lines, bool sync) {
+  if (skips_ > 0) {
+    --skips_;
+    return;
   }
   try {
-    if (fileIsWhole_) {
-      Append(waiting_.back().json);
+    if (fileIsWhole_ && dropped_ <= limit_ && !waiting_.empty()) {
+      Append(lines, sync);
     } else {
       Save();
     }
   } catch (const std::exception& error) {
     fileIsWhole_ = false;
-    NORVIK_ERROR(boost::format("A state of a task could not be stored: %1%") % error.what());
+    skips_ = waiting_.size() / RETRY_SHARE;
+    NORVIK_ERROR(boost::format("The states of tasks could not be stored: %1%") % error.what());
   }
 }
 
-void StatusQueue::Append(const std::string& line) {
+void StatusQueue::Append(const std::string& lines, bool sync) {
   constexpr int FLAGS = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
   const Platform::FileDescriptor file(::open(file_.c_str(), FLAGS, 0600));
   if (!file.IsOpen()) throw std::system_error(errno, std::generic_category(), file_.string());
-  const std::string text = line + "\n";
-  Platform::WriteAll(file, text.data(), text.size());
-  Platform::SyncFile(file);
+  Platform::WriteAll(file, lines.data(), lines.size());
+  if (sync) Platform::SyncFile(file);
 }
 
 void StatusQueue::Save() {
@@ -119,6 +163,7 @@ void StatusQueue::Save() {
   for (const WaitingStatus& status : waiting_) text += status.json + "\n";
   WriteTextFile(file_, text);
   fileIsWhole_ = true;
+  dropped_ = 0;
 }
 
 bool StatusQueue::IsEmpty() const {
@@ -132,18 +177,21 @@ std::vector<WaitingStatus> StatusQueue::First(std::size_t count) const {
   return {waiting_.begin(), waiting_.begin() + size};
 }
 
-bool StatusQueue::DropThrough(const std::string& id) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+bool StatusQueue::Erase(const std::string& id) {
   const auto found = std::find_if(waiting_.begin(), waiting_.end(),
                                   [&](const WaitingStatus& status) { return status.id == id; });
   if (found == waiting_.end()) return false;
+  dropped_ += static_cast<std::size_t>(found - waiting_.begin()) + 1;
   waiting_.erase(waiting_.begin(), found + 1);
-  try {
-    Save();
-  } catch (const std::exception& error) {
-    fileIsWhole_ = false;
-    NORVIK_ERROR(boost::format("The states of tasks could not be stored: %1%") % error.what());
-  }
+  return true;
+}
+
+bool StatusQueue::DropThrough(const std::string& id) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!Erase(id)) return false;
+  ++dropped_;  // the line that says so
+  // Not synced: a state that is sent again does no harm.
+  Store(AcknowledgementOf(id), false);
   return true;
 }
 

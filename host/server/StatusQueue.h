@@ -1,6 +1,8 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <boost/optional.hpp>
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <memory>
@@ -20,7 +22,10 @@ struct WaitingStatus {
 };
 
 /// The states of tasks that the server has not acknowledged, in order. A file stores them, one JSON
-/// object per line, so that they outlive the process. Safe on any thread; one object per file.
+/// object per line, so that they outlive the process. It only grows: a line {"acknowledged": id}
+/// drops that state and all before it, and of more states than the limit the last ones count. The
+/// file is written anew once it has more dropped lines than the limit, and when no state waits.
+/// Safe on any thread; one object per file.
 class StatusQueue {
  public:
   static constexpr std::size_t LIMIT = 10'000;
@@ -32,10 +37,10 @@ class StatusQueue {
   StatusQueue(boost::filesystem::path file, std::shared_ptr<const Clock> clock,
               std::size_t limit = LIMIT);
 
-  /// Appends a state. It is on the disk when this returns; if it cannot be stored, that is logged
-  /// and the state waits in memory. Beyond the limit the oldest state is dropped, with a line in
-  /// the log.
-  void Add(const Common::TaskResponseInfo& status);
+  /// Appends states with one write. They are on the disk when this returns; if they cannot be
+  /// stored, that is logged and they wait in memory. Beyond the limit the oldest states are
+  /// dropped, with at most one line a minute in the log.
+  void Add(const std::vector<Common::TaskResponseInfo>& statuses);
 
   bool IsEmpty() const;
   /// The oldest states, at most `count`.
@@ -45,7 +50,11 @@ class StatusQueue {
 
  private:
   void Load();
-  void Append(const std::string& line);
+  bool Erase(const std::string& id);
+  void DropOldest();
+  void TellOfDropped();
+  void Store(const std::string& lines, bool sync);
+  void Append(const std::string& lines, bool sync);
   void Save();
 
   const boost::filesystem::path file_;
@@ -54,6 +63,10 @@ class StatusQueue {
   mutable std::mutex mutex_;
   std::deque<WaitingStatus> waiting_;
   bool fileIsWhole_ = true;  ///< the file holds the same states as `waiting_`
+  std::size_t dropped_ = 0;  ///< lines of the file that hold no state of `waiting_`
+  std::size_t skips_ = 0;    ///< changes to keep in memory before the file is tried again
+  std::size_t untold_ = 0;   ///< states dropped since the log said so
+  boost::optional<std::chrono::steady_clock::time_point> told_;
 };
 
 }  // namespace Norvik::Host

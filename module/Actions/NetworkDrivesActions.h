@@ -16,7 +16,7 @@ namespace Norvik::KOB {
 /// service, which stores them. Each side registers its own handlers.
 ///
 /// A round starts when the service asks each user's process, or by the timer of such a process. The
-/// process tells the service to clear the store and then sends its drives, one message each; so the
+/// process asks the service to clear the store and then sends its drives, one message each; so the
 /// drives of the last user replace all others. Failures are logged, and the next round tries again.
 class NetworkDrivesActions final : public Common::ActionPerformerBase {
  public:

@@ -4,6 +4,7 @@
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <sstream>
 #include <stdexcept>
 
@@ -67,7 +68,7 @@ boost::optional<std::string> RequestSurvey(Common::ICommunicationSystem& server,
   const std::string message = Common::ToUtf8(response.message);
   if (answered && response.result == 0) return message;
   NORVIK_WARNING(boost::format("Unable to get Survey info with Request. Result: %1% message: %2%") %
-                 std::to_string(response.result) % message);
+                 std::to_string(static_cast<std::int32_t>(response.result)) % message);
   return boost::none;
 }
 

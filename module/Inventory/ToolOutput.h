@@ -12,7 +12,8 @@ wxString OutputOf(const char* command);
 /// Runs a shell command line whose tool writes a file. Reports no failure: the file shows it.
 void RunToFile(const std::string& command);
 
-/// The whole content of a file; empty if it cannot be opened.
+/// The whole content of a file; empty without the file. One that cannot be read or is longer than
+/// `CommandRunner::MAX_OUTPUT` is empty too, with a warning.
 std::string ReadToolFile(const char* path);
 
 }  // namespace Norvik::KOB

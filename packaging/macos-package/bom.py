@@ -120,15 +120,16 @@ def _leaves(image, index, tree):
     magic, _, child, _, count, _ = _TREE.unpack_from(_block(image, index, tree))
     if magic != b"tree":
         raise ValueError("no tree is where the paths belong")
-    leaf, found = _block(image, index, child), []
-    while not _LEAF.unpack_from(leaf)[0]:
-        leaf = _block(image, index, struct.unpack_from(">I", leaf, _LEAF.size)[0])
-    while True:
-        _, number, forward, _ = _LEAF.unpack_from(leaf)
-        found += [struct.unpack_from(">II", leaf, _LEAF.size + 8 * i) for i in range(number)]
-        if not forward:
-            break
-        leaf = _block(image, index, forward)
+    block, found, seen = child, [], set()
+    while block:
+        if block in seen:
+            raise ValueError("the blocks of the tree form a ring")
+        seen.add(block)
+        leaf = _block(image, index, block)
+        is_leaf, number, forward, _ = _LEAF.unpack_from(leaf)
+        if is_leaf:
+            found += [struct.unpack_from(">II", leaf, _LEAF.size + 8 * i) for i in range(number)]
+        block = forward if is_leaf else struct.unpack_from(">I", leaf, _LEAF.size)[0]
     if len(found) != count:
         raise ValueError(f"the tree has {len(found)} paths and says {count}")
     return found
@@ -159,6 +160,8 @@ def read(image):
         name = _block(image, index, key)
         rows.append((number, struct.unpack_from(">I", name)[0], name[4:].rstrip(b"\0").decode(), facts))
     for number, parent, name, facts in sorted(rows):
+        if parent not in paths:
+            raise ValueError(f"{name} is in no folder")
         paths[number] = name if paths[parent] is None else f"{paths[parent]}/{name}"
         kind, _, _, mode, user, group, time, size, _, crc, _ = _FACTS.unpack_from(
             _block(image, index, facts))

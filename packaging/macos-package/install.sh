@@ -3,7 +3,7 @@
 # All files are copied before the service stops; if one cannot be, nothing has changed.
 # NORVIK_ROOT is a folder in place of the system's root, for trials.
 set -u
-here=$(cd "$(dirname "$0")" && pwd)
+here=$(CDPATH= cd -- "$(dirname "$0")" && pwd)
 shared=share/norvik-agent/macos
 . "$here/$shared/services.sh"
 new=$home/.new

@@ -17,8 +17,10 @@ def slices(data):
     """The parts of a file by their processor."""
     if struct.unpack_from(">I", data)[0] != _FAT:
         return {PROCESSORS[struct.unpack_from("<I", data, 4)[0]]: data}
-    parts = {}
-    for number in range(struct.unpack_from(">I", data, 4)[0]):
+    parts, count = {}, struct.unpack_from(">I", data, 4)[0]
+    if count > len(PROCESSORS):
+        raise ValueError(f"{count} parts")
+    for number in range(count):
         kind, _, start, size, _ = struct.unpack_from(">IIIII", data, 8 + 20 * number)
         parts[PROCESSORS[kind]] = data[start:start + size]
     return parts
@@ -49,6 +51,8 @@ class Image:
         self.commands, start = [], 32
         for _ in range(count):
             command, size = struct.unpack_from("<II", data, start)
+            if size < 8:
+                raise ValueError("a load command without a size")
             self.commands.append((command, start))
             start += size
         self.libraries = [self._string(s) for c, s in self.commands if c in _LIBRARIES]
@@ -114,9 +118,12 @@ class Image:
         else:
             place, size = struct.unpack_from("<II", self.data, self._find(_INFO) + 40)
         trie, names = self.data[place:place + size], set()
-        open_nodes = [(0, b"")] if size else []
+        open_nodes, seen = [(0, b"")] if size else [], set()
         while open_nodes:
             node, prefix = open_nodes.pop()
+            if node in seen:
+                raise ValueError("two exported names end in the same place")
+            seen.add(node)
             terminal, next_byte = _uleb(trie, node)
             if terminal:
                 names.add(prefix.decode())
@@ -148,7 +155,7 @@ class Image:
         faults = [] if flags & 0x2 else ["not signed ad hoc"]
         page = 1 << shift
         if limit != place or pages != -(-limit // page):
-            faults.append("the signature ends at another place than the code")
+            return [*faults, "the signature ends at another place than the code"]
         wrong = sum(hashlib.sha256(self.data[n * page:min(limit, (n + 1) * page)]).digest() !=
                     directory[hashes + 32 * n:hashes + 32 * (n + 1)] for n in range(pages))
         return faults + ([f"{wrong} of {pages} pages do not have their hash"] if wrong else [])

@@ -87,7 +87,9 @@ MachineAccounts ReadRecordedAccounts() {
                 [&](const json& node) { accounts.groups.push_back(GroupFrom(node)); });
   ForEachObject(MemberOf(root, "logins"),
                 [&](const json& node) { accounts.logins.push_back(LoginFrom(node)); });
-  accounts.hostName = TextAt(RecordedJson("sysctl.json"), "kern.hostname");
+  const json kernel = RecordedJson("sysctl.json");
+  accounts.systemName = TextAt(kernel, "kern.ostype");
+  accounts.hostName = TextAt(kernel, "kern.hostname");
   // The name of a Mac that has none. Documents are named after it.
   if (accounts.hostName.empty()) accounts.hostName = "localhost";
   return accounts;

@@ -1,8 +1,10 @@
 #include "platform/RecordedMachine.h"
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -40,6 +42,29 @@ std::string ExistingFolder(const std::string& text) {
   return folder.string();
 }
 
+/// Makes a folder of links to the system's filters. All other programs of the system would answer
+/// for the real machine. Recorded tools may be scripts, which use them as well.
+std::string MakeFilters() {
+  static constexpr const char* NAMES[] = {
+      "awk", "basename", "cat",   "chmod", "cp",    "cut",  "date", "dirname", "echo", "egrep",
+      "env", "expr",     "false", "fgrep", "find",  "grep", "head", "ln",      "ls",   "mkdir",
+      "mv",  "printf",   "pwd",   "rm",    "rmdir", "sed",  "sh",   "sleep",   "sort", "tail",
+      "tee", "test",     "touch", "tr",    "true",  "uniq", "wc",   "xargs"};
+  std::string folder = (fs::temp_directory_path() / "norvik-filters-XXXXXX").string();
+  if (!::mkdtemp(folder.data())) {
+    throw std::runtime_error("cannot make " + folder + ": " + std::strerror(errno));
+  }
+  for (const char* const name : NAMES) {
+    for (const char* const place : {"/usr/bin/", "/bin/"}) {
+      std::error_code exists;
+      if (fs::exists(std::string(place) + name, exists)) {
+        fs::create_symlink(std::string(place) + name, folder + "/" + name, exists);
+      }
+    }
+  }
+  return folder;
+}
+
 void Replace(const std::string& folder) {
   Recording& recording = Current();
   const std::lock_guard lock(recording.mutex);
@@ -55,7 +80,8 @@ RecordedMachine::RecordedMachine(const std::string& folder) {
   if (IsMachineRecorded()) throw std::runtime_error("a recorded machine is in force already");
   const std::string real = ExistingFolder(folder);
   if (const char* const path = ::getenv("PATH")) previousPath_ = path;
-  ::setenv("PATH", (real + "/bin:/usr/bin:/bin").c_str(), 1);
+  filters_ = MakeFilters();
+  ::setenv("PATH", (real + "/bin:" + filters_).c_str(), 1);
   SetMachineRoot(real + "/root");
   Replace(real);
   SetRecordedAccounts(std::make_shared<const MachineAccounts>(ReadRecordedAccounts()));
@@ -70,6 +96,8 @@ RecordedMachine::~RecordedMachine() {
   } else {
     ::unsetenv("PATH");
   }
+  std::error_code ignored;
+  fs::remove_all(filters_, ignored);
 }
 
 bool IsMachineRecorded() { return !RecordingFile("").empty(); }

@@ -46,8 +46,8 @@ struct RecordedLocation {
 /// The positions of the recorded machine; not enabled without their file.
 RecordedLocation ReadRecordedLocation();
 
-/// The accounts, login records and host name of the recorded machine. Without a name it is
-/// "localhost".
+/// The accounts, login records, host name and kernel's name of the recorded machine. Without a name
+/// it is "localhost".
 MachineAccounts ReadRecordedAccounts();
 
 /// The SMBIOS table of the recorded machine, from `smbios.bin`: the entry point, and the table at

@@ -51,7 +51,8 @@ NSMutableDictionary* DictionaryOf(io_registry_entry_t entry, NSArray<NSString*>*
   if (!list) list = [NSMutableDictionary dictionary];
   io_name_t name = {};
   if (IORegistryEntryGetName(entry, name) == kIOReturnSuccess) {
-    list[@"IORegistryEntryName"] = @(name) ?: @"";
+    NSString* const text = @(name);
+    list[@"IORegistryEntryName"] = text ? text : @"";
   }
   NSString* const className = CFBridgingRelease(IOObjectCopyClass(entry));
   if (className) list[@"IOObjectClass"] = className;

@@ -1,6 +1,7 @@
 #include "cli/commands/CommandLine.h"
 
 #include "cli/commands/ActionArguments.h"
+#include "common/files/TextFile.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "support/Test.h"
@@ -42,6 +43,14 @@ TEST(CommandLine, OptionsComeBeforeOrAfterTheCommandAndHaveDefaults) {
     EXPECT_EQ(Shown(Chosen(ParsedFrom(row[0]), row[1])), Shown(row[1])) << row;
   }
   EXPECT_NE(Parse({"user"}).agent.dataFolder, Parse({"run"}).agent.dataFolder);
+}
+
+TEST(CommandLine, TheInstalledHelpPagesAreThoseOfTheProgram) {
+  for (const Json& row : Rows("help pages")) {
+    const std::string file = NORVIK_SOURCE_DIR "/packaging/help/" + row[1].get<std::string>();
+    EXPECT_EQ(ReadTextFile(file), Parse(row[0]).help)
+        << row[1] << " is out of date: print it again with " << row[0];
+  }
 }
 
 TEST(CommandLine, WrongUseIsReportedOnOneLineWithTheOption) {

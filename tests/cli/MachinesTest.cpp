@@ -206,10 +206,16 @@ TEST_P(Machines, AreRecordedWholeAndARecordingAsItself) {
 }
 
 TEST_P(Machines, GiveARedactedDocumentFromARedactedRecording) {
-  const Json document = DocumentOf(MACHINES / GetParam());
+  Json document = DocumentOf(MACHINES / GetParam());
   const fs::path recording = Recorded(MACHINES / GetParam(), "redacted", true);
   std::map<std::string, std::string> replaced;
-  ExpectSameShape(document, DocumentOf(recording), replaced);
+  Json redacted = DocumentOf(recording);
+  for (const char* coordinate : {"latitude", "longitude", "height"}) {
+    if (!document.is_object() || !document["location"].is_object()) break;
+    EXPECT_NE(redacted["location"][coordinate], document["location"][coordinate]);
+    redacted["location"][coordinate] = document["location"][coordinate];
+  }
+  ExpectSameShape(document, redacted, replaced);
   std::string contents;
   for (const auto& [file, content] : ContentsBelow(recording)) contents += file + content;
   boost::to_lower(contents);

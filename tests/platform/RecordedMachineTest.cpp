@@ -43,8 +43,10 @@ TEST(RecordedMachine, ProgramsAndFilesAreItsOwnAsLongAsItLives) {
   recording.AddProgram("sw_vers", "#!/bin/sh\nexit 7\n");
   recording.PutInForce();
   EXPECT_TRUE(IsMachineRecorded());
-  EXPECT_EQ(::getenv("PATH"), recording.Path().string() + "/bin:/usr/bin:/bin");
+  EXPECT_EQ(std::string(::getenv("PATH")).find(recording.Path().string() + "/bin:"), 0u);
   EXPECT_EQ(::system("sw_vers"), 7 << 8);
+  EXPECT_EQ(::system("echo a | grep -q a"), 0);
+  EXPECT_NE(::system("id >/dev/null 2>&1"), 0) << "answers for the real machine";
   for (const char* const path : {"/etc/hosts", "/../../etc/hosts"}) {
     EXPECT_EQ(MachinePath(path), recording.Path().string() + "/root/etc/hosts") << path;
   }

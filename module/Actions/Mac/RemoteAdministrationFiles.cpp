@@ -8,6 +8,7 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
+#include <limits>
 
 #include "common/files/DeleteExtension.h"
 #include "common/log/Logger.h"
@@ -159,9 +160,17 @@ Common::ActionResponse RemoteAdministration::DeleteFile(Parameters& parameters) 
   const wxLogNull quiet;
   std::string results;
   bool allGood = true;
-  // Deliberately a 16-bit index: a request with more files than it can count never ends.
+  // Deliberately a 16-bit index. With more files than it can count the loop would never end.
+  using Index = unsigned short;
+  if (files.size() > std::numeric_limits<Index>::max()) {
+    NORVIK_ERROR(boost::format("A request to delete %1% files is refused: at most %2% are allowed, "
+                               "and none is deleted") %
+                 std::to_string(files.size()) % std::to_string(std::numeric_limits<Index>::max()));
+    response.text = "Invalid Parameter file";
+    return response;
+  }
   // NOLINTNEXTLINE(bugprone-too-small-loop-variable)
-  for (unsigned short i = 0; i < files.size(); ++i) {
+  for (Index i = 0; i < files.size(); ++i) {
     if (files[i].empty()) continue;
     const bool good = DeleteOne(files[i]);
     results += good ? "1|" : "0|";

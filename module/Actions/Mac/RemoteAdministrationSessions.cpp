@@ -1,6 +1,5 @@
 #include <CoreServices/CoreServices.h>
 #include <string.h>
-#include <sys/utsname.h>
 
 #include <boost/format.hpp>
 #include <cerrno>
@@ -75,15 +74,14 @@ Common::ActionResponse RemoteAdministration::ListSessions(Parameters&) {
   Response response;
   AddTitles(response.table,
             {"Id", "Status", "UserName", "DomainName", "ClientName", "StationName", "Type"});
-  utsname machine{};
-  if (::uname(&machine) != 0) machine = {};
+  const std::string system = Platform::SystemName();
+  const std::string host = Platform::HostName();
   Platform::LoginRecords records;
   while (const utmpx* const entry = records.Next()) {
     const std::string line = FieldText(entry->ut_line);
     if (!IsTerminal(line)) continue;
-    AddTextRow(response.table,
-               {std::to_string(entry->ut_pid), "1", FieldText(entry->ut_user),
-                FieldText(entry->ut_host), machine.sysname, machine.nodename, line});
+    AddTextRow(response.table, {std::to_string(entry->ut_pid), "1", FieldText(entry->ut_user),
+                                FieldText(entry->ut_host), system, host, line});
   }
   return response;
 }

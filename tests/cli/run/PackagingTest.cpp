@@ -1,3 +1,5 @@
+#include <regex>
+
 #include "cli/commands/CommandLine.h"
 #include "common/identification/HostInfoProvider.h"
 #include "platform/ChildProcess.h"
@@ -54,6 +56,10 @@ TEST(Packaging, EachDescriptionIsWellFormedAndStartsACommandThatThereIs) {
     ASSERT_FALSE(words.empty()) << row.file;
     EXPECT_EQ(words.front(), "/opt/local/norvik/bin/norvik-agent") << row.file;
     EXPECT_EQ(Cli::ParseCommandLine(words).command, row.command) << row.file;
+    const bool limits =
+        std::regex_search(ContentOf(PACKAGING + row.file),
+                          std::regex("LimitNOFILE=1024:|NumberOfFiles</key>\\s*<integer>1024<"));
+    EXPECT_EQ(limits, row.command == std::string("run")) << row.file;
   }
 }
 
@@ -72,7 +78,7 @@ TEST(Packaging, ProfilesAreTheSameForTheSameTeamAndNeedOne) {
     const std::string team = row[0];
     const std::string line = row[3];
     Tests::WriteFile(in("program"), row[1].get<Tests::Bytes>());
-    Tests::WriteFile(in("settings"), row[2]);
+    Tests::WriteFile(in("settings"), row[2].get<Tests::Bytes>());
     std::set<std::string> contents;
     for (const char* output : {"first", "second"}) {
       Platform::ChildCommand command;

@@ -5,6 +5,7 @@
 #include "common/database/AgentDatabase.h"
 #include "host/actions/PeriodicState.h"
 #include "host/ipc/Frames.h"
+#include "host/ipc/IpcService.h"
 #include "support/BackgroundProcess.h"
 #include "support/LocalClient.h"
 #include "support/PropertyListText.h"
@@ -235,6 +236,56 @@ TEST_F(Service, ARoundOfTheNetworkDrivesLeavesWhatTheLastUserReported) {
   EXPECT_TRUE(Eventually([&] { return Drives() == Paths{"/Volumes/It's", "/Volumes/Two"}; }));
   EXPECT_EQ(CountOf("Can not deserialize NetworkDriveInfo: ", Log()), 1);
   EXPECT_THAT(Log(), HasSubstr("Message 32001 \"getNetworkDrives\" of session"));
+}
+
+std::string RequestFrame(const std::string& text) {
+  return Host::EncodeFrame(Host::FrameKind::REQUEST,
+                           PlainJson{{"request", "message"}, {"text", text}}.dump());
+}
+
+TEST_F(Service, LargeMessagesInARowAreAllShownWhileTheOutputWaits) {
+  const auto service = Start({"run"});
+  const auto user = Start({"user"}, "user");
+  ASSERT_TRUE(HasSessions(1));
+  user->Signal(SIGSTOP);
+  const LocalClient administrator(Socket());
+  constexpr int COUNT = 30;
+  for (int i = 0; i < COUNT; ++i) {
+    ASSERT_TRUE(administrator.Send(RequestFrame(std::string(100'000, 'x') + "!")));
+  }
+  ASSERT_THAT(administrator.Receive(), HasSubstr("queued"));
+  user->Signal(SIGCONT);
+  EXPECT_TRUE(Eventually([&] { return CountOf("x!\n", user->Output()) == COUNT; }));
+}
+
+TEST_F(Service, WhatAUserSendsTooMuchOfIsDroppedAndLoggedOnFewLines) {
+  auto service = Start({"run"});
+  const LocalClient user(Socket());
+  std::string frames = Host::EncodeFrame(Host::FrameKind::JOIN, "");
+  const std::string path(9000, 'p');
+  for (const auto& archive :
+       {std::string("bad"), ArchiveOf(1, path), ArchiveOf(2, "/Volumes/Two")}) {
+    const int count = archive == "bad" ? 100 : 1;
+    for (int i = 0; i < count; ++i) frames += MessageFrame(32001, "getNetworkDrives", archive);
+  }
+  ASSERT_TRUE(user.Send(frames));
+  EXPECT_TRUE(Eventually([&] { return Drives() == std::multiset<std::string>{"/Volumes/Two"}; }));
+  EXPECT_EQ(Status()["agent"]["messages"], 102);
+  EXPECT_EQ(service->End(SIGTERM), 0);
+  EXPECT_LE(CountOf("Can not deserialize NetworkDriveInfo: ", Log()), 20);
+  EXPECT_THAT(Log(),
+              ContainsRegex("[0-9]+ lines that user [0-9]+ caused are left out: at most 20 "));
+}
+
+TEST_F(Service, StatusSaysThatAnAgentRunsButDoesNotAnswer) {
+  EXPECT_THAT(RunWell({"status"}).output, HasSubstr("agent: not running\n"));
+  Host::ServiceLimits limits;
+  limits.connection.frameBytes = 1;
+  const LogCapture silence;
+  Host::IpcService busy(Socket(), limits);
+  busy.Start({});
+  EXPECT_THAT(RunWell({"status"}).output,
+              HasSubstr("agent: running, but it does not answer: the agent hung up\n"));
 }
 
 }  // namespace

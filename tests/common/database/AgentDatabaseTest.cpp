@@ -5,6 +5,7 @@
 #include <boost/filesystem/fstream.hpp>
 
 #include "common/database/DatabaseSchema.h"
+#include "common/database/FreedSpace.h"
 #include "support/Test.h"
 #include "support/TestDatabase.h"
 
@@ -192,6 +193,25 @@ TEST(AgentDatabase, IsMadeOnceByProcessesThatStartTogether) {
   }
   const AgentDatabase database(folder.Path());
   EXPECT_THAT(DataBase().ExecuteSentence("select * from DATA"), SizeIs(6));
+}
+
+TEST(AgentDatabase, GivesTheSpaceOfDeletedRowsBack) {
+  TestDatabase database;
+  const auto bytes = [&] { return boost::filesystem::file_size(database.File()); };
+  const auto fill = [](int megabytes) {
+    TestDatabase::Run("insert into KOB_DATA values(1, 'x', zeroblob(" +
+                      std::to_string(megabytes << 20) + "))");
+  };
+  const auto empty = [] { TestDatabase::Run("delete from KOB_DATA"); };
+  fill(8);
+  GiveBackFreedSpace(empty);
+  EXPECT_LT(bytes(), 1u << 20);
+  fill(70);
+  empty();
+  database.Close();
+  EXPECT_GT(bytes(), 70u << 20);  // kept for the next rows
+  database.Open();
+  EXPECT_LT(bytes(), 1u << 20);  // but a start does not keep that much
 }
 
 TEST(AgentDatabase, GivesAWholeTable) {

@@ -1,6 +1,7 @@
 #include "common/log/Logger.h"
 
 #include "common/log/FileLogger.h"
+#include "common/log/LineLimit.h"
 #include "support/Test.h"
 
 namespace {
@@ -51,6 +52,32 @@ TEST(Logger, MayBeReplacedWhileThreadsLog) {
   for (int i = 0; i < 100; ++i) const LogCapture inner;
   for (auto& thread : threads) thread.join();
   EXPECT_THAT(Logger::GetInstance(), NotNull());
+}
+
+TEST(FileLogger, LeavesOutWhatExceedsTheLimitOfAScope) {
+  const TemporaryFolder folder;
+  const auto logger = MakeFileLogger(folder / "agent.log", Logger::LEVEL_DETAIL);
+  const auto log = [&](Logger::Level level, int count) {
+    for (int i = 0; i < count; ++i) logger->Log(level, "x", "File.cpp", 12, "Run");
+  };
+  const auto limit = std::make_shared<LineLimit>(2, 3);
+  {
+    const LineLimitScope scope(limit);
+    log(Logger::LEVEL_ERROR, 10);
+    log(Logger::LEVEL_DETAIL, 10);
+    log(Logger::LEVEL_TRACE, 10);  // not written anyway
+    const LineLimitScope without(nullptr);
+    log(Logger::LEVEL_ERROR, 1);
+  }
+  log(Logger::LEVEL_ERROR, 1);
+  const std::string text = ContentOf(folder / "agent.log");
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2 + 3 + 1 + 1);
+  const auto now = std::chrono::steady_clock::now();
+  EXPECT_EQ(limit->TakeLeftOut(now), 0u);
+  EXPECT_FALSE(limit->IsUnused(now + std::chrono::minutes(2)));
+  EXPECT_EQ(limit->TakeLeftOut(now + std::chrono::minutes(2)), 8u + 7u);
+  EXPECT_TRUE(limit->IsUnused(now + std::chrono::minutes(2)));
+  EXPECT_TRUE(limit->Allows(Logger::LEVEL_ERROR, now + std::chrono::minutes(2)));
 }
 
 TEST(FileLogger, WritesOneLinePerTextUpToItsLevel) {

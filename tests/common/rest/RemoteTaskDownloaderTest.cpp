@@ -61,6 +61,15 @@ TEST(RemoteTaskDownloader, GivesTheGoodTasksAndReportsTheOthers) {
     return Json{{"identifier", std::string(length, 'x')}, {"code", 1}};
   };
   EXPECT_EQ(Fetched({{"tasks", {taskOf(200), taskOf(201)}}}).size(), 1u);
+  const LogCapture log;
+  EXPECT_EQ(
+      Fetched({{"tasks", std::vector<Json>(
+                             30, {{"identifier", "x\n"}, {"code", 3000}, {"requestId", "r"}})}})
+          .size(),
+      30u);
+  ASSERT_THAT(log.Texts(3), SizeIs(11));
+  EXPECT_THAT(log.Texts(3)[9], HasSubstr("task \"x\" is left out: no action has the code 3000"));
+  EXPECT_THAT(log.Texts(3)[10], HasSubstr("20 more tasks"));
   EXPECT_TRUE(RemoteTaskDownloader(nullptr, PRODUCT_KOB, {}, "", nullptr).GetSchedules().empty());
 }
 

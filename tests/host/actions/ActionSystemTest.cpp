@@ -17,6 +17,7 @@ constexpr unsigned int CODE = 1036;
 constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
 const std::string KEY = PeriodicKey(CODE);
+const std::string TASK_KEY = std::string(SCHEDULE_KEY_PREFIX) + "task-1";
 
 ActionTiming Timing(long period, long next) {
   return {seconds(period), system_clock::time_point(seconds(START + next))};
@@ -42,6 +43,9 @@ struct ActionsUnderTest {
   void Start() {
     system_ = std::make_unique<ActionSystem>(Data(), clock_);
     system_->SetActionFactory([this](unsigned int, const ActionParameters&) { return Counting(); });
+    system_->SetTaskReporter([this](const TaskResponseInfo& status) {
+      reported_.push_back(std::to_string(status.status) + " " + status.requestId);
+    });
   }
   /// Simulates a clean stop of the process, and a new start after a while.
   void Restart(long downTime) {
@@ -49,6 +53,17 @@ struct ActionsUnderTest {
     clock_->Move(seconds(downTime));
     dataBase_.Reopen();
     Start();
+  }
+  /// Simulates the end of the process in the middle of the latest run of the task, and a new start.
+  void Die() {
+    system_.reset();
+    Data().SetString(TASK_KEY, during_);
+    Start();
+  }
+  void Schedule(long period, long next) {
+    ActionParameters parameters;
+    parameters.Set(COMMON_PARAMETER_REQUEST_ID, std::string("r1"));
+    system_->AddSchedule({"task-1", CODE, parameters, {period, START + next}});
   }
   AgentData Data() const { return AgentData(dataBase_, "DATA"); }
 
@@ -64,7 +79,10 @@ struct ActionsUnderTest {
     return action;
   }
   ModuleAction Counting() {
-    return Action([this] { ++runs_; });
+    return Action([this] {
+      ++runs_;
+      during_ = Stored(TASK_KEY);
+    });
   }
   void RunOnce(Work work) { system_->RunOneShot(CODE, Action(work), seconds(0)); }
   void Create(unsigned int code, long period, long next, Work work) {
@@ -93,6 +111,8 @@ struct ActionsUnderTest {
   LogCapture log_;
   std::shared_ptr<FakeActionClock> clock_ = std::make_shared<FakeActionClock>(START);
   std::atomic<int> runs_{0};
+  std::string during_;  ///< the state of the task during its latest run
+  TextList reported_;
   std::unique_ptr<ActionSystem> system_;
 };
 
@@ -155,9 +175,10 @@ struct Timetable : StepsTest, ActionsUnderTest {
     Verb("once", [this](long delay) { system_->RunOneShot(CODE, Counting(), seconds(delay)); });
     Verb("create", &ActionsUnderTest::CreateCounting);
     Verb("replace", &ActionsUnderTest::Replace);
-    Verb("schedule", [this](long period, long next) {
-      system_->AddSchedule({"task-1", CODE, {}, {period, START + next}});
-    });
+    Verb("schedule", &ActionsUnderTest::Schedule);
+    Verb("keep", [this](const std::string& name) { system_->KeepSchedules({name}); });
+    Verb("die", &ActionsUnderTest::Die);
+    Verb("reported", [this] { return reported_; });
     Verb("restart after", &ActionsUnderTest::Restart);
     Verb("set clock", [this](long time) { clock_->SetTimeOfDay(START + time); });
     Verb("store", [this](const std::string& state) { Data().SetString(KEY, state); });
@@ -227,7 +248,7 @@ TEST_F(ActionSystemTest, AStoppedSystemStartsNothingAndLeavesPeriodicActionsDue)
   LongWork first;
   RunOnce([&] { first.Do(); });
   CreateCounting(CODE, PERIOD, 0);
-  system_->QueueAction(Counting());
+  RunOnce([this] { ++runs_; });
   first.WaitForStart();
   auto stopping = std::async(std::launch::async, [&] { system_->Stop(); });
   EXPECT_EQ(stopping.wait_for(milliseconds(50)), std::future_status::timeout);
@@ -254,6 +275,55 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   EXPECT_TRUE(system_->Running().empty());
 }
 
+TEST_F(ActionSystemTest, ATaskThatAStopDoesNotWaitForHasNotKilledTheProcess) {
+  LongWork endless;
+  system_->SetActionFactory(
+      [&](unsigned int, const ActionParameters&) { return Action([&] { endless.Do(); }); });
+  Schedule(0, 0);
+  endless.WaitForStart();
+  EXPECT_EQ(Stored(TASK_KEY), "0 1000000 1000000");
+  EXPECT_FALSE(system_->StopWithin(milliseconds(0)));
+  for (int i = 0; i < 2000 && Stored(TASK_KEY) != "0 1000000 1000000 x0"; ++i) {
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  EXPECT_EQ(Stored(TASK_KEY), "0 1000000 1000000 x0");
+  endless.LetGo();
+}
+
+TEST_F(ActionSystemTest, ActionsOfOneLaneKeepNoOtherOneFromRunning) {
+  std::promise<void> release;
+  const auto released = release.get_future().share();
+  const auto endless = Action([&] { released.wait(); });
+  for (const Lane lane : {Lane::Inventories, Lane::Tasks, Lane::Users, Lane::Sessions}) {
+    std::promise<void> ran;
+    system_->RunInLane(lane, CODE, Action([&] { ran.set_value(); }));
+    EXPECT_EQ(ran.get_future().wait_for(seconds(20)), std::future_status::ready) << NameOf(lane);
+    for (std::size_t i = 0; i <= ActionSystem::THREADS; ++i) {
+      system_->RunInLane(lane, CODE, endless);
+    }
+  }
+  std::promise<void> fetched;
+  system_->RunOneShot(ActionCodeOf("ACTION_GET_PENDING_TASKS"),
+                      Action([&] { fetched.set_value(); }), seconds(0));
+  EXPECT_EQ(fetched.get_future().wait_for(seconds(20)), std::future_status::ready);
+  for (int i = 0; i < 3; ++i) {
+    clock_->Move(seconds(61));
+    system_->CheckClock();
+  }
+  EXPECT_THAT(
+      log_.Texts(Logger::LEVEL_WARNING),
+      ElementsAre(HasSubstr("inventories are taken, the longest by action 1036"),
+                  HasSubstr("tasks of the server are taken"), HasSubstr("messages of users"),
+                  HasSubstr("sessions of users are taken")));
+  release.set_value();
+}
+
+std::string LaneNamed(const std::string& action) { return NameOf(LaneOf(ActionCodeOf(action))); }
+
+TEST(ActionLanes, InventoriesAndQuestionsAboutUsersHaveTheirOwn) {
+  ExpectRows(DataOf("host/actions/lanes.json"), LaneNamed);
+}
+
 TEST_F(ActionSystemTest, SerialActionsRunInTheirOrderOneAtATime) {
   const std::shared_ptr<ActionSystem> system(std::move(system_));
   const auto serial = std::make_shared<SerialActions>(system);
@@ -268,7 +338,6 @@ TEST_F(ActionSystemTest, SerialActionsRunInTheirOrderOneAtATime) {
     };
     serial->Add(CODE, Action(work), [&, text] { done += text; });
   }
-  // Runs after everything that was posted to the threads so far.
   system->QueueAction(Action([&] { release.set_value(); }));
   system->WaitIdle();
   EXPECT_EQ(order, "abxc");

@@ -30,13 +30,15 @@ TEST(ToolRecorder, RunsEachCallOnceAndEndsOneThatHangs) {
   ::setenv("PATH", ((folder / "tools").string() + ":/usr/bin:/bin").c_str(), 1);
   std::string output;
   auto command = Platform::ChildCommand::ShellLine(
-      "count a '|b'; count a '|b' | cat; echo $?; hang | cat; count; missing; rm -f none");
+      "count a '|b'; count a '|b' | cat; echo $?; hang | cat; count; missing; rm -f none; "
+      "/no/tool");
   command.onOutput = [&](std::string_view piece) { output += piece; };
   command.onErrors = [](std::string_view) {};
   {
     Host::ToolRecorder recorder(folder / "recording", folder / "work", std::chrono::seconds(1));
-    EXPECT_EQ(recorder.Run(command).exitCode, 0);
+    EXPECT_EQ(recorder.Run(command).exitCode, 127);
     EXPECT_THAT(recorder.UnfinishedCalls(), testing::ElementsAre("hang"));
+    EXPECT_THAT(recorder.UnrecordedPrograms(), testing::ElementsAre("/no/tool"));
   }
   EXPECT_EQ(output, "1\n1\n0\n2\n");
   EXPECT_THAT(ContentOf(folder / "recording/answers.txt"),

@@ -1,6 +1,9 @@
 #include "host/server/ServerLink.h"
 
+#include <sys/stat.h>
+
 #include <future>
+#include <set>
 
 #include "common/files/FileSealer.h"
 #include "common/files/SealingKeys.h"
@@ -67,6 +70,7 @@ struct DeliverySetup {
     delivery->NumberNewFiles();
   }
   void PutSealed(const std::string& name, const std::string& content) { Put(name, SEAL + content); }
+  void Report(const std::string& requestId) { queue->Add({StatusOf(requestId)}); }
   void PutServerKey() {
     fs::create_directories(keys);
     SealingKeys(folder / "server").ForSealing();
@@ -85,7 +89,6 @@ struct DeliverySetup {
     FileSealer(folder / "server").Open(folder / "sealed", folder / "opened");
     return ContentOf(folder / "opened").substr(0, 3);
   }
-  void Report(const std::string& requestId) { queue->Add(StatusOf(requestId)); }
   /// Seconds from now to the next round; -1 if it needs none.
   double Round() {
     const auto next = delivery->Round();
@@ -219,6 +222,8 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
                      {"tasks", R"({"tasks": [{"identifier": "t", "code": 5}]})"}};
   });
   const auto link = std::make_shared<ServerLink>(setup.options);
+  std::vector<std::set<std::string>> listed;
+  link->OnTasksListed([&](const auto& identifiers) { listed.push_back(identifiers); });
   ProcessMessageRequest request;
   request.message = wxString::FromUTF8("ü\"");
   ProcessMessageResponse response;
@@ -234,15 +239,21 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
   setup.Break();
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(1));
+  for (const char* tasks : {R"([{"identifier": "s"}, {"code": 5}])", R"([{"identifier": "u"}])"}) {
+    setup.server.Set(
+        [&](State& state) { state.answers["tasks"] = std::string(R"({"tasks": )") + tasks + "}"; });
+    EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
+  }
   setup.server.Set([](State& state) { state.answers["tasks"] = R"({"tasks": 5})"; });
   const LogCapture log;
   EXPECT_THAT(downloader.GetSchedules(), SizeIs(0));
   EXPECT_THAT(log.Texts(3), ElementsAre("The server " + setup.options.Origin() +
                                         " gave no answer to a question: tasks is no list"));
+  EXPECT_THAT(listed, ElementsAre(std::set<std::string>{"t"}, std::set<std::string>{"u"}));
   const std::string message = R"(messages {"code":0,"message":"ü\"","subcode":0})";
   const std::string tasks = R"(tasks {"agentIdentifier":"agent","product":1})";
   EXPECT_THAT(setup.server.Requests(),
-              ElementsAre("enrol", message, message, "statuses 7", tasks, tasks));
+              ElementsAre("enrol", message, message, "statuses 7", tasks, tasks, tasks, tasks));
 }
 
 TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
@@ -280,21 +291,71 @@ TEST(StatusQueue, OutlivesAnyEndOfTheProcessAndIsBounded) {
   const auto clock = std::make_shared<FakeActionClock>(START);
   const auto count = std::make_shared<SyncCount>();
   Norvik::Platform::SetSystemChanges(count);
-  StatusQueue(file, clock).Add(StatusOf("a"));
+  StatusQueue(file, clock).Add({StatusOf("a")});
   Norvik::Platform::SetSystemChanges(nullptr);
   EXPECT_EQ(count->syncs, 1);
   WriteFile(file, ContentOf(file) + "{\"id\": \"cut");
   const LogCapture log;
-  StatusQueue(file, clock, 2).Add(StatusOf("\xFF\n" + std::string(5000, 'x')));
+  StatusQueue(file, clock, 2).Add({StatusOf("\xFF\n" + std::string(5000, 'x'))});
   EXPECT_THAT(log.Texts(3), SizeIs(1)) << "the line that was cut";
   StatusQueue queue(file, clock, 2);
-  queue.Add(StatusOf("c"));
+  queue.Add({StatusOf("c")});
   EXPECT_THAT(log.Texts(2), SizeIs(1)) << "the oldest is dropped";
   EXPECT_FALSE(queue.DropThrough("unknown"));
   EXPECT_TRUE(queue.DropThrough(queue.First(5).at(0).id));
   const auto left = StatusQueue(file, clock, 2).First(5);
   ASSERT_THAT(left, SizeIs(1));
   EXPECT_THAT(left[0].json, HasSubstr(R"("time":1767225600,"requestId":"c")"));
+}
+
+TEST(StatusQueue, WritesAsManyStatesAsThereAreAndSeldomMore) {
+  constexpr std::size_t LIMIT = 100;
+  const TemporaryFolder folder;
+  const auto file = folder / "statuses.jsonl";
+  const auto clock = std::make_shared<FakeActionClock>(START);
+  const auto count = std::make_shared<SyncCount>();
+  const LogCapture log;
+  StatusQueue queue(file, clock, LIMIT);
+  Norvik::Platform::SetSystemChanges(count);
+  queue.Add(std::vector<TaskResponseInfo>(30 * LIMIT, StatusOf("many")));
+  Norvik::Platform::SetSystemChanges(nullptr);
+  EXPECT_EQ(count->syncs, 1);
+  const std::size_t full = ContentOf(file).size();
+  const auto number = [&] {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
+  };
+  int rewritten = 0;
+  for (std::size_t i = 0; i < 10 * LIMIT; ++i) {
+    const auto before = number();
+    queue.Add({StatusOf("one")});
+    if (number() != before) ++rewritten;
+    EXPECT_LE(ContentOf(file).size(), 2 * full);
+  }
+  EXPECT_THAT(rewritten, AllOf(Ge(8), Le(10)));
+  EXPECT_THAT(log.Texts(2), ElementsAre(HasSubstr("the oldest 2900 are dropped")));
+  clock->Move(60s);
+  const auto first = queue.First(10);
+  ASSERT_TRUE(queue.DropThrough(first[4].id));
+  EXPECT_EQ(StatusQueue(file, clock, LIMIT).First(1).at(0).id, first[5].id);
+  queue.Add({6, StatusOf("one")});
+  EXPECT_THAT(log.Texts(2), ElementsAre(_, HasSubstr("the oldest 1001 are dropped")));
+  ASSERT_TRUE(queue.DropThrough(queue.First(LIMIT).back().id));
+  EXPECT_EQ(ContentOf(file), "");
+}
+
+TEST(StatusQueue, OnAFullDiskTriesALongFileSeldom) {
+  const TemporaryFolder folder;
+  const auto file = folder / "statuses.jsonl";
+  StatusQueue queue(file, std::make_shared<FakeActionClock>(START));
+  queue.Add(std::vector<TaskResponseInfo>(320, StatusOf("x")));
+  const LogCapture log;
+  fs::rename(folder.Path(), folder.Path().string() + ".away");
+  for (int i = 0; i < 42; ++i) queue.Add({StatusOf("y")});
+  EXPECT_THAT(log.Texts(2), SizeIs(2));
+  fs::rename(folder.Path().string() + ".away", folder.Path());
+  for (int i = 0; i < 20; ++i) queue.Add({StatusOf("y")});
+  EXPECT_THAT(StatusQueue(file, std::make_shared<FakeActionClock>(START)).First(1000), SizeIs(382));
 }
 
 }  // namespace

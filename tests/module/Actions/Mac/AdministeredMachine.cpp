@@ -36,7 +36,7 @@ int RecordedChanges::Kill(pid_t processId, int signal) {
   return -1;
 }
 
-int RecordedChanges::SetClock(const timeval& time) {
+int RecordedChanges::ChangeClock(const timeval& time) {
   const std::string fraction = std::to_string(1000000 + time.tv_usec).substr(1);
   made.push_back("settimeofday " + std::to_string(time.tv_sec) + "." + fraction);
   errno = EPERM;

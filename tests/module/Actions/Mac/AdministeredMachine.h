@@ -13,7 +13,7 @@ namespace Norvik::Tests {
 /// changes.
 struct RecordedChanges final : Platform::RealSystemChanges {
   int Kill(pid_t processId, int signal) override;
-  int SetClock(const timeval& time) override;
+  int ChangeClock(const timeval& time) override;
   int ClockError() override;
 
   std::vector<std::string> made;  ///< "kill 7 9", "settimeofday 1767225600.000000"

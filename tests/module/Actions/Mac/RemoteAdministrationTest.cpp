@@ -255,6 +255,14 @@ TEST_F(RemoteAdministrationTest, TwoRemovalsOfSoftwareRunOneAfterTheOther) {
   EXPECT_EQ(ContentOf(folder / "log"), "begin\nend\nbegin\nend\n");
 }
 
+TEST_F(RemoteAdministrationTest, SessionsOfARecordedMachineAreOnThatMachine) {
+  recorded.reset();
+  const Platform::RecordedMachine machine(NORVIK_SOURCE_DIR "/tests/machines/intel-t2");
+  const Lines sessions = Request(1024);
+  ASSERT_EQ(sessions.size(), 4u);
+  EXPECT_EQ(sessions[1], "149|1|anna||Darwin|annas-skerry-pro.local|console");
+}
+
 TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   const std::string fullLine = "pts" + std::string(29, 'x');
   AddFile("utmp", Login(BOOT_TIME, 0, "~", "reboot", "") +
@@ -279,6 +287,17 @@ TEST_F(RemoteAdministrationTest, SessionsAreTheEntriesAtATerminal) {
   }
   EXPECT_EQ(second.get(), expected) << "after another walk";
   ::utmpxname(_PATH_UTMP);
+}
+
+TEST_F(RemoteAdministrationTest, MoreFilesThanTheLoopCanCountAreRefused) {
+  AddFile("root/x");
+  EXPECT_THAT(Request(1000, {{"file", "/x" + std::string(65535, '|')}}),
+              ElementsAre("text Invalid Parameter file",
+                          "error A request to delete 65536 files is refused: at most 65535 are "
+                          "allowed, and none is deleted"));
+  EXPECT_TRUE(fs::exists(folder / "root/x"));
+  EXPECT_THAT(Request(1000, {{"file", "/x" + std::string(65534, '|')}}), IsEmpty());
+  EXPECT_FALSE(fs::exists(folder / "root/x"));
 }
 
 TEST_F(RemoteAdministrationTest, PowerAndLogOutAreEventsToTheSystemAndTheClockIsSetInWholeSeconds) {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Norvik::Platform {
+
+/// Raises the number of descriptors that this process and its children may have open, as far as the
+/// system allows. Never lowers it. Returns the number that is in force.
+std::size_t RaiseDescriptorLimit(std::size_t wanted);
+
+}  // namespace Norvik::Platform
