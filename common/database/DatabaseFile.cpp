@@ -112,7 +112,7 @@ void CompactIfNearlyEmpty(Connection& connection) {
   const long long used = Number(connection, "PRAGMA page_count") * page - free;
   if (free < LARGE || used > LARGE / 2) return;
   connection.ExecuteScript(SET_VACUUM);
-  connection.ExecuteScript("PRAGMA temp_store=MEMORY; VACUUM; PRAGMA temp_store=DEFAULT");
+  connection.ExecuteScript("VACUUM");
   connection.ExecuteScript("PRAGMA wal_checkpoint(PASSIVE)");
 }
 
