@@ -81,7 +81,7 @@ void AddKeyedData(const std::string& key, const std::string& bytes, Replacements
     AddKeyedValues(bytes, replacements);
   } else if (KindOf(key)) {
     // Bytes that are mostly zero are found everywhere.
-    constexpr std::ptrdiff_t LEAST = 4;
+    constexpr std::ptrdiff_t LEAST = 3;
     const auto zeros = std::count(bytes.begin(), bytes.end(), '\0');
     const auto size = static_cast<std::ptrdiff_t>(bytes.size());
     if (size - zeros >= LEAST && zeros <= size / 2) replacements.AddHex(ToHex(bytes, ""));
