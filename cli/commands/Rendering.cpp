@@ -128,8 +128,8 @@ std::string SourceLines(const OrderedJson& sources) {
 }
 
 std::string MessageLine(bool json, const std::string& text) {
-  const std::string line = Common::OnOneLine(text);
-  return json ? JsonLine({{"message", line}}) : "norvik-agent: " + line + "\n";
+  const std::string line = OnOneLine(text);
+  return json ? JsonLine({{"message", line}}) : "norvik-agent: " + EscapeControls(line) + "\n";
 }
 
 std::string SizeText(std::uintmax_t bytes) {

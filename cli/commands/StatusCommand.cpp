@@ -212,7 +212,7 @@ int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& error
   output << (line.json ? JsonLine(status) : ToText(status));
   const auto problem = status["deliveryProblem"].get<std::string>();
   if (problem.empty()) return EXIT_DONE;
-  errors << "norvik-agent: no document is delivered: " << EscapeControls(problem) << std::endl;
+  errors << MessageLine(line.json, "no document is delivered: " + problem) << std::flush;
   return EXIT_FAILED;
 }
 

@@ -84,7 +84,7 @@ TEST_F(AgentProgram, DiffAndApplyTakeSealedAndPlainDocuments) {
 }
 
 TEST_F(AgentProgram, AWaitForTheDatabaseIsReportedOnce) {
-  RunWell({"actions"});
+  RunWell({"inventory"});
   const Common::AgentDatabase dataBase(Data());
   auto holder = std::make_unique<Common::V2::DataBase>();
   holder->ExecuteSentence("delete from DATA");

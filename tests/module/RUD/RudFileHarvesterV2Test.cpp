@@ -129,18 +129,15 @@ struct ListeningLogger final : Common::Logger {
   const std::shared_ptr<Common::Logger> next = GetInstance();
 };
 
-#ifdef __linux__  // The C library of other systems reports the end of the folder.
-TEST_F(FileHarvesterTest, AReadErrorInAFolderIsReportedAndTheWalkGoesOn) {
+TEST_F(FileHarvesterTest, AFolderThatIsRemovedWhileItIsReadHasEnded) {
   Make("gone/tool.exe");
   Make("kept/x.txt");
   Common::Logger::SetInstance(std::make_shared<ListeningLogger>([&](const std::string& text) {
     if (text == "NOT IMPLEMENTED") fs::remove_all(root / "gone");  // as soon as the file is found
   }));
   EXPECT_THAT(Names(), UnorderedElementsAre("gone/tool.exe", "kept/x.txt"));
-  EXPECT_THAT(log.Texts(5), ElementsAre("Skipping " + (root / "gone").string() +
-                                        " due to error: No such file or directory"));
+  EXPECT_THAT(log.Texts(5), IsEmpty());
 }
-#endif
 
 TEST_F(FileHarvesterTest, AFolderMayBeClosedAndAnotherVanishOnTheWay) {
   for (const std::string name : {"1", "2"}) {

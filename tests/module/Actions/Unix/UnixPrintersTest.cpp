@@ -23,6 +23,7 @@ TEST_F(UnixPrintersTest, AQueueOfARealServerIsRemovedUnlessTheServerRefuses) {
   // The recorded machine finds its tools in bin/.
   fs::create_directory(folder / "bin");
   fs::create_symlink("/usr/sbin/lpadmin", folder / "bin/lpadmin");
+  fs::create_symlink("/usr/bin/lpstat", folder / "bin/lpstat");
   {
     const PrintServer server(true);
     ASSERT_TRUE(server.IsRunning());
