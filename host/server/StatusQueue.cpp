@@ -85,7 +85,7 @@ void StatusQueue::Load() {
     }
   }
   DropOldest();
-  untold_ = 0;
+  unreported_ = 0;
   dropped_ = count - waiting_.size();
   if (damaged == 0) return;
   // The file is rewritten: the next state must not be appended to an incomplete line.
@@ -100,7 +100,7 @@ void StatusQueue::Add(const std::vector<TaskResponseInfo>& statuses) {
   const std::lock_guard<std::mutex> lock(mutex_);
   // The first ones of too many would be dropped at once.
   const std::size_t left = statuses.size() - std::min(statuses.size(), limit_);
-  untold_ += left;
+  unreported_ += left;
   std::string lines;
   for (std::size_t i = left; i < statuses.size(); ++i) {
     const std::string id = to_string(generator());
@@ -109,7 +109,7 @@ void StatusQueue::Add(const std::vector<TaskResponseInfo>& statuses) {
     waiting_.push_back({id, std::move(json)});
   }
   DropOldest();
-  TellOfDropped();
+  ReportDropped();
   Store(lines, true);
 }
 
@@ -118,17 +118,17 @@ void StatusQueue::DropOldest() {
   const std::size_t excess = waiting_.size() - limit_;
   waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(excess));
   dropped_ += excess;
-  untold_ += excess;
+  unreported_ += excess;
 }
 
-void StatusQueue::TellOfDropped() {
+void StatusQueue::ReportDropped() {
   const auto now = clock_->Steady();
-  if (untold_ == 0 || (told_ && now - *told_ < BETWEEN_LINES)) return;
+  if (unreported_ == 0 || (reportedAt_ && now - *reportedAt_ < BETWEEN_LINES)) return;
   NORVIK_ERROR(boost::format("More than %1% states of tasks wait for the server; the oldest %2% "
                              "are dropped") %
-               std::to_string(limit_) % std::to_string(untold_));
-  untold_ = 0;
-  told_ = now;
+               std::to_string(limit_) % std::to_string(unreported_));
+  unreported_ = 0;
+  reportedAt_ = now;
 }
 
 /// Brings the file up to date, to which these lines are missing.

@@ -52,7 +52,7 @@ class StatusQueue {
   void Load();
   bool Erase(const std::string& id);
   void DropOldest();
-  void TellOfDropped();
+  void ReportDropped();
   void Store(const std::string& lines, bool sync);
   void Append(const std::string& lines, bool sync);
   void Save();
@@ -62,11 +62,11 @@ class StatusQueue {
   const std::size_t limit_;
   mutable std::mutex mutex_;
   std::deque<WaitingStatus> waiting_;
-  bool fileIsWhole_ = true;  ///< the file holds the same states as `waiting_`
-  std::size_t dropped_ = 0;  ///< lines of the file that hold no state of `waiting_`
-  std::size_t skips_ = 0;    ///< changes to keep in memory before the file is tried again
-  std::size_t untold_ = 0;   ///< states dropped since the log said so
-  boost::optional<std::chrono::steady_clock::time_point> told_;
+  bool fileIsWhole_ = true;     ///< the file holds the same states as `waiting_`
+  std::size_t dropped_ = 0;     ///< lines of the file that hold no state of `waiting_`
+  std::size_t skips_ = 0;       ///< changes to keep in memory before the file is tried again
+  std::size_t unreported_ = 0;  ///< states dropped since the log said so
+  boost::optional<std::chrono::steady_clock::time_point> reportedAt_;
 };
 
 }  // namespace Norvik::Host
