@@ -4,7 +4,7 @@
 
 namespace Norvik::Platform {
 
-/// Raises the number of descriptors that this process and its children may have open, as far as the
+/// Increases the number of descriptors that this process and its children may have open, as far as the
 /// system allows. Never lowers it. Returns the number that is in force.
 std::size_t RaiseDescriptorLimit(std::size_t wanted);
 
