@@ -77,8 +77,9 @@ class Service:
 
     def status(self):
         """The running agent's status, None if it did not answer; and the seconds that it took."""
-        code, output, seconds = self.run("status", "--json")
-        return json.loads(output)["agent"] if code == 0 else None, seconds
+        # It also exits with 1 if no document can be delivered.
+        _, output, seconds = self.run("status", "--json")
+        return json.loads(output)["agent"] if output else None, seconds
 
     def sessions(self):
         agent, _ = self.status()
