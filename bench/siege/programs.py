@@ -84,7 +84,7 @@ HANGS = 'case "$*" in *Displays*) sleep 100000 & sleep 100000 ;; *) exit 1 ;; es
 attack("a tool of the system hangs, with a process that it started; `toolTimeLimitSeconds` is 2",
        "the inventory goes on without it, nothing of it is left running", is_short=False)(odd_tool(HANGS, PEAK))
 attack("a tool of the system prints without end", "64 MiB of it are read; the inventory goes on without it",
-       is_short=False)(odd_tool("exec yes\n", PEAK + 2 * 64))
+       is_short=False)(odd_tool("exec /usr/bin/yes\n", PEAK + 2 * 64))
 
 
 @attack("a task ends the agent at each start, as long as the server lists it: action 1012 with `id=abc`",
