@@ -293,7 +293,7 @@ TEST_F(ActionSystemTest, ATaskThatAStopDoesNotWaitForHasNotKilledTheProcess) {
 TEST_F(ActionSystemTest, ActionsOfOneLaneKeepNoOtherOneFromRunning) {
   std::promise<void> release;
   const auto released = release.get_future().share();
-  const auto endless = Action([&] { released.wait(); });
+  const auto endless = Action([released] { released.wait(); });
   for (const Lane lane : {Lane::Inventories, Lane::Tasks, Lane::Users, Lane::Sessions}) {
     std::promise<void> ran;
     system_->RunInLane(lane, CODE, Action([&] { ran.set_value(); }));
