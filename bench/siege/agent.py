@@ -139,6 +139,10 @@ class Service:
     def database_size(self):
         return sum(file.stat().st_size for file in self.data.glob(DATABASE + "*")) / MEGABYTE
 
+    def file_size(self):
+        """The database without its log, which becomes small again when the next rows are written."""
+        return (self.data / DATABASE).stat().st_size / MEGABYTE
+
     def log_lines(self, pattern=""):
         logs = [file.read_text(errors="replace") for file in (self.data / "log").glob("*")]
         return sum(bool(re.search(pattern, line)) for log in logs for line in log.splitlines())
