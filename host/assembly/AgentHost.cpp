@@ -20,6 +20,7 @@
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolderCopy.h"
+#include "host/ledger/LedgerRecorder.h"
 #include "platform/ReplacementFile.h"
 
 namespace Norvik::Host {
@@ -108,6 +109,9 @@ AgentHost::AgentHost(const AgentOptions& options) {
   actionSystem_->SetTaskReporter([communications = communications_](const TaskResponseInfo& s) {
     communications->ReportTaskStatus(s);
   });
+  if (options.exclusive) {
+    ledger_ = std::make_unique<const ProgressWitnessScope>(std::make_shared<LedgerRecorder>());
+  }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
   server_ = MakeServerLink(configuration.communications, folder, identity, Module());
