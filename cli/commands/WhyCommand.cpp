@@ -24,42 +24,20 @@ bool IsMac() {
   return ::uname(&system) == 0 && std::string(system.sysname) == "Darwin";
 }
 
-/// What is known to keep the key empty now.
-OrderedJson ReasonsOf(const Explanation& explained, const OrderedJson& answer) {
-  OrderedJson reasons = OrderedJson::array();
-  if (explained.filled == "never") reasons.push_back("this version of the agent never fills it");
-  for (const auto& source : answer["asked"]) {
-    if (source["there"] == true) continue;
-    reasons.push_back(source["name"].get<std::string>() + ": " +
-                      source["problem"].get<std::string>());
-  }
-  if (answer["permission"]["has"] == false) {
-    reasons.push_back("this process does not have the permission: " + explained.needs);
-  }
-  for (const auto& tool : answer["trouble"]) {
-    if (tool["outcome"] == "missing") continue;
-    reasons.push_back(tool["command"].get<std::string>() + ": " +
-                      tool["outcome"].get<std::string>());
-  }
-  return reasons;
-}
-
 OrderedJson Answer(const Explanation& explained, const Ledger& ledger) {
   OrderedJson asked = OrderedJson::array();
   for (const auto& source : explained.asked) asked.push_back(StateOf(source));
   OrderedJson notes = explained.notes;
   notes.insert(notes.begin(), "`" + explained.section + "`: " + explained.emptyOrOdd);
-  OrderedJson answer = {{"key", explained.key},
-                        {"description", explained.description},
-                        {"filled", explained.filled},
-                        {"source", explained.source},
-                        {"asked", asked},
-                        {"permission", PermissionOf(explained.needs)},
-                        {"last", LastOf(explained.section, ledger)},
-                        {"trouble", TroubleOf(explained.section, ledger)},
-                        {"notes", notes}};
-  answer["reasons"] = ReasonsOf(explained, answer);
-  return answer;
+  return {{"key", explained.key},
+          {"description", explained.description},
+          {"filled", explained.filled},
+          {"source", explained.source},
+          {"asked", asked},
+          {"permission", PermissionOf(explained.needs)},
+          {"last", LastOf(explained.section, ledger)},
+          {"trouble", TroubleOf(explained.section, ledger)},
+          {"notes", notes}};
 }
 
 }  // namespace

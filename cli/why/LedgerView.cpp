@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdint>
 #include <map>
@@ -48,15 +49,14 @@ void AddTrouble(const OrderedJson& tool, OrderedJson& trouble) {
   }
 }
 
-/// The first few with their outcomes; empty without any.
-std::string TroubleText(const OrderedJson& trouble) {
-  constexpr std::size_t MOST = 3;
+/// Those that held the inventory up, with their outcomes; empty without any.
+std::string HindrancesText(const OrderedJson& trouble) {
   std::string text;
-  for (std::size_t i = 0; i < std::min(MOST, trouble.size()); ++i) {
-    text += (i == 0 ? "" : "; ") + trouble[i]["command"].get<std::string>() + " (" +
-            trouble[i]["outcome"].get<std::string>() + ")";
+  for (const auto& tool : trouble) {
+    const std::string outcome = tool["outcome"];
+    if (outcome == "missing" || boost::algorithm::starts_with(outcome, "exit code")) continue;
+    text += (text.empty() ? "" : "; ") + tool["command"].get<std::string>() + " (" + outcome + ")";
   }
-  if (trouble.size() > MOST) text += "; and " + std::to_string(trouble.size() - MOST) + " more";
   return Common::EscapeControls(text);
 }
 
@@ -104,9 +104,6 @@ OrderedJson TroubleOf(const std::string& section, const Ledger& ledger) {
       for (const auto& tool : retrieved["tools"]) AddTrouble(tool, trouble);
     }
   }
-  // The tools that hold an inventory up come first.
-  std::stable_partition(trouble.begin(), trouble.end(),
-                        [](const auto& item) { return item["outcome"] == "time limit"; });
   return trouble;
 }
 
@@ -158,8 +155,8 @@ std::string LastRunLines(const OrderedJson& lastRun) {
   if (!tool.is_null())
     text += ", slowest tool " + tool["command"].get<std::string>() + " " + time(tool);
   text = Common::EscapeControls(text) + "\n";
-  const std::string tools = TroubleText(lastRun["trouble"]);
-  return tools.empty() ? text : text + "tools that did not end well: " + tools + "\n";
+  const std::string tools = HindrancesText(lastRun["trouble"]);
+  return tools.empty() ? text : text + "tools that held it up: " + tools + "\n";
 }
 
 }  // namespace Norvik::Cli

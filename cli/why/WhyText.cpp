@@ -47,12 +47,13 @@ std::string CountText(const OrderedJson& records) {
   return records == 1 ? "1 record" : records.dump() + " records";
 }
 
-/// What keeps a section from being filled, in short; empty if nothing is known to.
-std::string ProblemsText(const OrderedJson& section) {
+/// What keeps a section from being filled, in short.
+std::string StateText(const OrderedJson& section) {
+  if (section["filled"] == "never") return "never filled";
   Texts problems;
   for (const auto& source : section["asked"]) {
     if (source["there"] == true) continue;
-    problems.push_back(source["name"].get<std::string>() + " " +
+    problems.push_back(source["name"].get<std::string>() + ": " +
                        source["problem"].get<std::string>());
   }
   const auto& permission = section["permission"];
@@ -64,7 +65,7 @@ std::string ProblemsText(const OrderedJson& section) {
     if (outcome == "missing") continue;
     problems.push_back(tool["command"].get<std::string>() + ": " + outcome);
   }
-  return boost::algorithm::join(problems, "; ");
+  return problems.empty() ? "all there" : boost::algorithm::join(problems, "; ");
 }
 
 std::string PermissionText(const OrderedJson& permission) {
@@ -90,8 +91,10 @@ std::string AskedLines(const OrderedJson& asked) {
     const std::string path = source["path"];
     const std::string state = source["there"] == true ? (path.empty() ? "there" : path)
                                                       : source["problem"].get<std::string>();
-    text += Wrapped("  asks: ", source["name"].get<std::string>() + " (" +
-                                    source["kind"].get<std::string>() + "), " + state);
+    const std::string kind = source["kind"];
+    const bool isNamed = kind == "tool" || kind == "file" || kind == "call";
+    text += Wrapped("  asks: ",
+                    (isNamed ? kind + " " : "") + source["name"].get<std::string>() + ": " + state);
   }
   return text;
 }
@@ -102,10 +105,9 @@ std::string SectionsText(const OrderedJson& sections) {
   std::vector<std::vector<OrderedJson>> rows;
   for (const auto& section : sections) {
     const auto& last = section["last"];
-    const std::string problems = ProblemsText(section);
     rows.push_back({section["key"], last.is_null() ? "-" : CountText(last["records"]),
                     last.is_null() ? OrderedJson("-") : last["milliseconds"],
-                    last.is_null() ? "" : "ms", problems.empty() ? "all there" : problems});
+                    last.is_null() ? "" : "ms", StateText(section)});
   }
   std::istringstream table(TableText(rows));
   std::string text;
@@ -113,7 +115,7 @@ std::string SectionsText(const OrderedJson& sections) {
   for (const auto& section : sections) {
     std::getline(table, line);
     text += Common::EscapeControls(line) + "\n" +
-            Wrapped("    from ", section["source"].get<std::string>());
+            Wrapped("    source: ", section["source"].get<std::string>());
   }
   return text;
 }
@@ -122,6 +124,8 @@ std::string KeyText(const OrderedJson& key) {
   const auto textAt = [&](const char* name) { return key[name].get<std::string>(); };
   std::string text = textAt("key") + ": " + Plain(textAt("description")) + "\n";
   text += Wrapped("  source: ", textAt("source"));
+  if (key["filled"] == "never") text += "  filled: never, by this version of the agent\n";
+  if (key["filled"] == "constant") text += "  filled: with the same in each document\n";
   text += AskedLines(key["asked"]);
   text += "  permission: " + PermissionText(key["permission"]) + "\n";
   const auto& last = key["last"];
@@ -138,7 +142,6 @@ std::string KeyText(const OrderedJson& key) {
                                        tool["outcome"].get<std::string>() + ", in " +
                                        tool["runs"].dump() + " of the recorded runs");
   }
-  for (const auto& reason : key["reasons"]) text += Wrapped("  empty since: ", reason);
   if (!key["notes"].empty()) text += "  on macOS:\n";
   for (const auto& note : key["notes"]) text += Wrapped("  - ", Plain(note));
   return text;
