@@ -65,7 +65,8 @@ std::string StateText(const OrderedJson& section) {
     if (outcome == "missing") continue;
     problems.push_back(tool["command"].get<std::string>() + ": " + outcome);
   }
-  return problems.empty() ? "all there" : boost::algorithm::join(problems, "; ");
+  if (problems.empty()) return "all there";
+  return Common::EscapeControls(boost::algorithm::join(problems, "; "));
 }
 
 std::string PermissionText(const OrderedJson& permission) {
@@ -114,8 +115,7 @@ std::string SectionsText(const OrderedJson& sections) {
   std::string line;
   for (const auto& section : sections) {
     std::getline(table, line);
-    text += Common::EscapeControls(line) + "\n" +
-            Wrapped("    source: ", section["source"].get<std::string>());
+    text += line + "\n" + Wrapped("    source: ", section["source"].get<std::string>());
   }
   return text;
 }
@@ -154,7 +154,8 @@ std::string LedgerText(const OrderedJson& ledger) {
   std::vector<std::vector<OrderedJson>> rows;
   for (const auto& section : ledger["costliest"]) {
     rows.push_back({"  " + JoinedKeys(section["keys"]), section["milliseconds"], "ms, last time",
-                    section["last"], "ms", section["tool"]});
+                    section["last"], "ms",
+                    Common::EscapeControls(section["tool"].get<std::string>())});
   }
   const std::string runs = ledger["runs"].dump();
   return "costliest sections, on average over " + (ledger["runs"] == 1 ? "1 run" : runs + " runs") +
