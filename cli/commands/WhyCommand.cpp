@@ -27,8 +27,6 @@ bool IsMac() {
 OrderedJson Answer(const Explanation& explained, const Ledger& ledger) {
   OrderedJson asked = OrderedJson::array();
   for (const auto& source : explained.asked) asked.push_back(StateOf(source));
-  OrderedJson notes = explained.notes;
-  notes.insert(notes.begin(), "`" + explained.section + "`: " + explained.emptyOrOdd);
   return {{"key", explained.key},
           {"description", explained.description},
           {"filled", explained.filled},
@@ -37,7 +35,8 @@ OrderedJson Answer(const Explanation& explained, const Ledger& ledger) {
           {"permission", PermissionOf(explained.needs)},
           {"last", LastOf(explained.section, ledger)},
           {"trouble", TroubleOf(explained.section, ledger)},
-          {"notes", notes}};
+          {"emptyOrOdd", explained.emptyOrOdd},
+          {"notes", explained.notes}};
 }
 
 }  // namespace

@@ -53,9 +53,9 @@ void AddTrouble(const OrderedJson& tool, OrderedJson& trouble) {
 std::string HindrancesText(const OrderedJson& trouble) {
   std::string text;
   for (const auto& tool : trouble) {
-    const std::string outcome = tool["outcome"];
-    if (outcome == "missing" || boost::algorithm::starts_with(outcome, "exit code")) continue;
-    text += (text.empty() ? "" : "; ") + tool["command"].get<std::string>() + " (" + outcome + ")";
+    if (!HeldUp(tool)) continue;
+    text += (text.empty() ? "" : "; ") + tool["command"].get<std::string>() + " (" +
+            tool["outcome"].get<std::string>() + ")";
   }
   return Common::EscapeControls(text);
 }
@@ -105,6 +105,11 @@ OrderedJson TroubleOf(const std::string& section, const Ledger& ledger) {
     }
   }
   return trouble;
+}
+
+bool HeldUp(const OrderedJson& tool) {
+  const std::string outcome = tool["outcome"];
+  return outcome != "missing" && !boost::algorithm::starts_with(outcome, "exit code");
 }
 
 OrderedJson CostliestOf(const Ledger& ledger, std::size_t most) {

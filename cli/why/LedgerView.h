@@ -26,6 +26,10 @@ OrderedJson LastOf(const std::string& section, const Ledger& ledger);
 /// "outcome":"time limit", "runs":2}], the newest outcome of each. All sections if it is empty.
 OrderedJson TroubleOf(const std::string& section, const Ledger& ledger);
 
+/// Whether a tool's outcome is that it reached a limit or could not be started. A missing one, or
+/// one that has nothing to say, costs no time.
+bool HeldUp(const OrderedJson& tool);
+
 /// The sections that took longest, on average over the runs, the costliest first, with the slowest
 /// tool of the newest run: [{"keys":["software"], "milliseconds":8000, "last":7900,
 /// "tool":"system_profiler ..."}]. "tool" is empty if the section started none.

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <vector>
 
+#include "cli/why/LedgerView.h"
 #include "common/text/Text.h"
 
 namespace Norvik::Cli {
@@ -50,6 +51,8 @@ std::string CountText(const OrderedJson& records) {
 /// What keeps a section from being filled, in short.
 std::string StateText(const OrderedJson& section) {
   if (section["filled"] == "never") return "never filled";
+  const auto& last = section["last"];
+  const bool isEmpty = !last.is_null() && last["records"] == 0;
   Texts problems;
   for (const auto& source : section["asked"]) {
     if (source["there"] == true) continue;
@@ -61,10 +64,12 @@ std::string StateText(const OrderedJson& section) {
     problems.push_back("no permission: " + permission["needs"].get<std::string>());
   }
   for (const auto& tool : section["trouble"]) {
-    const std::string outcome = tool["outcome"];
-    if (outcome == "missing") continue;
-    problems.push_back(tool["command"].get<std::string>() + ": " + outcome);
+    // A missing tool is among the sources; one may also end badly and have said enough.
+    if (!HeldUp(tool) && (!isEmpty || tool["outcome"] == "missing")) continue;
+    problems.push_back(tool["command"].get<std::string>() + ": " +
+                       tool["outcome"].get<std::string>());
   }
+  if (problems.empty() && isEmpty) return Plain(section["emptyOrOdd"].get<std::string>());
   if (problems.empty()) return "all there";
   return Common::EscapeControls(boost::algorithm::join(problems, "; "));
 }
@@ -142,7 +147,7 @@ std::string KeyText(const OrderedJson& key) {
                                        tool["outcome"].get<std::string>() + ", in " +
                                        tool["runs"].dump() + " of the recorded runs");
   }
-  if (!key["notes"].empty()) text += "  on macOS:\n";
+  text += "  on macOS:\n" + Wrapped("  - the section: ", Plain(textAt("emptyOrOdd")));
   for (const auto& note : key["notes"]) text += Wrapped("  - ", Plain(note));
   return text;
 }
