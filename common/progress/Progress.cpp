@@ -32,7 +32,7 @@ struct Installed {
   };
 
   std::mutex mutex;
-  /// The process's listener, which may be null, and the witnesses.
+  /// The process's listener, which may be null, and the observers.
   std::vector<Listener> listeners{1};
 };
 
@@ -114,19 +114,19 @@ void SetProgressListener(std::shared_ptr<IProgressListener> listener) {
   // The former listener ends here, outside the lock.
 }
 
-ProgressWitnessScope::ProgressWitnessScope(std::shared_ptr<IProgressListener> witness)
-    : witness_(std::move(witness)) {
+ProgressObserverScope::ProgressObserverScope(std::shared_ptr<IProgressListener> observer)
+    : observer_(std::move(observer)) {
   Installed& installed = TheInstalled();
   const std::lock_guard<std::mutex> lock(installed.mutex);
-  installed.listeners.push_back({witness_});
+  installed.listeners.push_back({observer_});
 }
 
-ProgressWitnessScope::~ProgressWitnessScope() {
+ProgressObserverScope::~ProgressObserverScope() {
   Installed& installed = TheInstalled();
   const std::lock_guard<std::mutex> lock(installed.mutex);
   auto& listeners = installed.listeners;
   listeners.erase(std::find_if(listeners.begin() + 1, listeners.end(),
-                               [&](const auto& known) { return known.object == witness_; }));
+                               [&](const auto& known) { return known.object == observer_; }));
 }
 
 RunScope::RunScope(RunKind kind)

@@ -142,15 +142,15 @@ class ProgressListenerScope {
 
 /// Has a listener hear everything besides the process's listener, after it, as long as the object
 /// exists.
-class NORVIK_COMMON_API ProgressWitnessScope {
+class NORVIK_COMMON_API ProgressObserverScope {
  public:
-  explicit ProgressWitnessScope(std::shared_ptr<IProgressListener> witness);
-  ProgressWitnessScope(const ProgressWitnessScope&) = delete;
-  ProgressWitnessScope& operator=(const ProgressWitnessScope&) = delete;
-  ~ProgressWitnessScope();
+  explicit ProgressObserverScope(std::shared_ptr<IProgressListener> observer);
+  ProgressObserverScope(const ProgressObserverScope&) = delete;
+  ProgressObserverScope& operator=(const ProgressObserverScope&) = delete;
+  ~ProgressObserverScope();
 
  private:
-  std::shared_ptr<IProgressListener> witness_;
+  std::shared_ptr<IProgressListener> observer_;
 };
 
 }  // namespace Norvik::Common

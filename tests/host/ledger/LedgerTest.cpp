@@ -22,7 +22,7 @@ void TakeInventory(const TextList& lines) {
 
 TEST(Ledger, NamesToolsByHowTheyEndedAndCountsWhatWasGatheredBefore) {
   const TestDatabase database;
-  const ProgressWitnessScope ledger(std::make_shared<LedgerRecorder>());
+  const ProgressObserverScope ledger(std::make_shared<LedgerRecorder>());
   CommandRunner::SetQueryLimit(seconds(1));
   { const SectionScope before({"disk"}); }
   { const RunScope ofFiles(RunKind::FileInventory); }
@@ -50,7 +50,7 @@ TEST(Ledger, NamesToolsByHowTheyEndedAndCountsWhatWasGatheredBefore) {
 
 TEST(Ledger, KeepsTheNewestRunsAndFewCommandsOfEach) {
   const TestDatabase database;
-  const ProgressWitnessScope ledger(std::make_shared<LedgerRecorder>());
+  const ProgressObserverScope ledger(std::make_shared<LedgerRecorder>());
   for (std::size_t i = 0; i < LEDGER_RUNS + 2; ++i) {
     WriteLedgerRun({{"begun", ""},
                     {"milliseconds", i},
@@ -74,7 +74,7 @@ TEST(Ledger, ThatCannotBeWrittenIsALineInTheLog) {
   const LogCapture log;
   TestDatabase::Run("drop table LEDGER");
   {
-    const ProgressWitnessScope ledger(std::make_shared<LedgerRecorder>());
+    const ProgressObserverScope ledger(std::make_shared<LedgerRecorder>());
     TakeInventory({});
   }
   TakeInventory({});
