@@ -43,7 +43,7 @@ RehearsalHost::RehearsalHost(const AgentOptions& options,
         logged_.emplace_back(line.level, line.text);
       }));
   AgentParts parts;
-  parts.configuration = UseConfiguration(options, copy_.Path());
+  parts.configuration = UseConfiguration(options, copy_.Path()).values;
   parts.userProcess = options.userProcess;
   parts.dataBase = std::make_shared<AgentDatabase>(copy_.Path());
   parts.identity = std::make_shared<const AgentIdentity>(copy_.Path() / IDENTITY_FILE);

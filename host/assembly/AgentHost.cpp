@@ -50,6 +50,7 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
 std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configuration,
                                            const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
+                                           const std::shared_ptr<DocumentHistory>& history,
                                            IModule& module) {
   ServerOptions options = ServerOptionsOf(configuration);
   if (options.address.empty()) return nullptr;
@@ -57,6 +58,7 @@ std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configurati
   options.outbox = Paths(Paths::OUTBOX, true).AppData();
   options.extensions = module.GetOutputExtensionFiles();
   options.identity = identity;
+  options.history = history;
   return std::make_shared<ServerLink>(options);
 }
 
@@ -70,13 +72,12 @@ std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusi
 
 }  // namespace
 
-AgentConfigurationInfo UseConfiguration(const AgentOptions& options, const fs::path& dataFolder) {
-  const EffectiveConfiguration effective =
+EffectiveConfiguration UseConfiguration(const AgentOptions& options, const fs::path& dataFolder) {
+  EffectiveConfiguration effective =
       ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
   CommandRunner::SetQueryLimit(effective.toolTimeLimit);
-  AgentConfigurationInfo configuration = effective.values;
-  if (options.communications) configuration.communications = *options.communications;
-  return configuration;
+  if (options.communications) effective.values.communications = *options.communications;
+  return effective;
 }
 
 void UseUtf8Characters() {
@@ -89,13 +90,20 @@ void UseUtf8Characters() {
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
   const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
-  const AgentConfigurationInfo configuration = UseConfiguration(options, folder);
+  const EffectiveConfiguration effective = UseConfiguration(options, folder);
+  const AgentConfigurationInfo& configuration = effective.values;
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
     RemoveLeftCopies(folder);
+    if (!options.userProcess) history_ = std::make_shared<DocumentHistory>(folder);
+    if (history_) history_->Recover();
     Platform::RemoveLeftReplacements(folder.string());
   }
   logger_ = OpenLog(folder, options);
+  if (history_) {
+    history_->SetLimits(effective.history);
+    keeping_ = std::make_unique<const KeepingScope>(history_);
+  }
   AgentParts parts;
   parts.configuration = configuration;
   parts.userProcess = options.userProcess;
@@ -110,7 +118,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   });
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration.communications, folder, identity, Module());
+  server_ = MakeServerLink(configuration.communications, folder, identity, history_, Module());
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

@@ -8,7 +8,9 @@
 #include "host/assembly/AssembledModule.h"
 #include "host/assembly/Communications.h"
 #include "host/assembly/ListeningLogger.h"
+#include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolder.h"
+#include "host/history/KeepingScope.h"
 #include "host/server/ServerLink.h"
 
 namespace Norvik::Host {
@@ -31,8 +33,8 @@ struct AgentOptions {
 
 /// The configuration of an agent with these options and this data folder. Sets the limit of tools
 /// that it has. Throws what `ReadConfiguration` throws.
-Common::AgentConfigurationInfo UseConfiguration(const AgentOptions& options,
-                                                const boost::filesystem::path& dataFolder);
+EffectiveConfiguration UseConfiguration(const AgentOptions& options,
+                                        const boost::filesystem::path& dataFolder);
 
 /// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();
@@ -59,6 +61,8 @@ class AgentHost {
     return assembled_->dependencies->configuration;
   }
   const boost::filesystem::path& DataFolder() const { return dataFolder_; }
+  /// Null for a user's process and for a host that is not exclusive.
+  DocumentHistory* History() { return history_.get(); }
 
   /// Runs an action on this thread, then waits for all actions that it started without a delay.
   /// Throws what the handler throws, after that wait.
@@ -78,6 +82,8 @@ class AgentHost {
   boost::filesystem::path dataFolder_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;
+  std::shared_ptr<DocumentHistory> history_;
+  std::unique_ptr<const KeepingScope> keeping_;
   std::shared_ptr<Communications> communications_;
   std::shared_ptr<ActionSystem> actionSystem_;
   std::unique_ptr<AssembledModule> assembled_;

@@ -7,6 +7,7 @@
 
 #include "common/configuration/AgentConfigurationInfo.h"
 #include "host/HostError.h"
+#include "host/history/DocumentHistory.h"
 
 namespace Norvik::Host {
 
@@ -34,6 +35,7 @@ struct EffectiveConfiguration {
   Common::AgentConfigurationInfo values;
   /// How long a tool that only queries the machine may run; 0 is unlimited.
   std::chrono::seconds toolTimeLimit{300};
+  HistoryLimits history;
   /// By key of the first level, all of them.
   std::map<std::string, std::string> sources;
 };

@@ -10,6 +10,7 @@
 
 #include "common/configuration/CommunicationsInfo.h"
 #include "host/actions/Clock.h"
+#include "host/history/DocumentHistory.h"
 #include "host/identity/AgentIdentity.h"
 
 namespace Norvik::Host {
@@ -38,6 +39,7 @@ struct ServerOptions {
   boost::filesystem::path outbox;
   std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
   std::shared_ptr<AgentIdentity> identity;
+  std::shared_ptr<DocumentHistory> history;  ///< null: nothing is kept
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 

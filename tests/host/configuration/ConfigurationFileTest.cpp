@@ -91,8 +91,9 @@ TEST_F(ManagedPreferences, AnInvalidValueIsReportedWithItsKeyAndWhatIsExpected) 
 TEST_F(ManagedPreferences, TheirKeysReplaceThoseOfTheFileAsAWhole) {
   for (const Json& row : DataOf("host/configuration/managed-preferences.json")["merged"]) {
     Write(row[0]);
-    const auto [values, toolTimeLimit, sources] = MakeConfiguration(row[1].dump());
+    const auto [values, toolTimeLimit, history, sources] = MakeConfiguration(row[1].dump());
     EXPECT_EQ(toolTimeLimit, seconds(row[1].value("toolTimeLimitSeconds", 300))) << row;
+    EXPECT_EQ(history.days, PartOf(row[1], "history").value("days", 90u)) << row;
     const CommunicationsInfo& server = values.communications;
     std::ostringstream kob;
     kob << *values.kob;
