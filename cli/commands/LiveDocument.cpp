@@ -51,7 +51,7 @@ AgentOptions OptionsFor(const fs::path& folder, const CommandLine& line) {
   }
   options.dataFolder = folder;
   options.userProcess = false;
-  options.communications = Common::CommunicationsInfo();  // without a server
+  options.newConfiguration = EffectiveConfiguration();  // without a server
   return options;
 }
 

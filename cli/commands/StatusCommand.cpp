@@ -8,6 +8,7 @@
 #include "cli/commands/FileInventoryState.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/RunningAgent.h"
+#include "cli/why/LedgerView.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/InventorySchedules.h"
 #include "common/database/AgentData.h"
@@ -162,7 +163,8 @@ OrderedJson Gather(const CommandLine& line) {
           {"fileInventory", database.fileInventory},
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
           {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
-          {"periodic", PeriodicActions(database.data)}};
+          {"periodic", PeriodicActions(database.data)},
+          {"ledger", LastRunOf(ReadLedger(folder))}};
 }
 
 std::string FileLines(const char* title, const OrderedJson& files) {
@@ -190,6 +192,7 @@ std::string ToText(const OrderedJson& status) {
   if (!problem.empty()) text += "no document is delivered: " + EscapeControls(problem) + "\n";
   const OrderedJson& last = status["lastInventory"];
   text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";
+  text += LastRunLines(status["ledger"]);
   text += FileInventoryLine(status["fileInventory"]);
   text += FileLines("previous document", status["previous"]);
   text += FileLines("outbox", status["outbox"]);

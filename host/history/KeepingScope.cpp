@@ -36,8 +36,9 @@ class KeepingPipeline : public IFilePipeline {
 
 }  // namespace
 
-KeepingScope::KeepingScope(std::shared_ptr<DocumentHistory> history)
+KeepingScope::KeepingScope(std::shared_ptr<DocumentHistory> history, const HistoryLimits& limits)
     : former_(Common::GetFilePipeline()) {
+  history->SetLimits(limits);
   Common::SetFilePipeline(std::make_shared<KeepingPipeline>(former_, std::move(history)));
 }
 

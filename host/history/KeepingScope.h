@@ -7,10 +7,11 @@
 
 namespace Norvik::Host {
 
-/// While it exists, what is moved to the outbox is kept in a history. At most one at a time.
+/// While it exists, what is moved to the outbox is kept in a history, within these limits. At most
+/// one at a time.
 class KeepingScope {
  public:
-  explicit KeepingScope(std::shared_ptr<DocumentHistory> history);
+  KeepingScope(std::shared_ptr<DocumentHistory> history, const HistoryLimits& limits);
   KeepingScope(const KeepingScope&) = delete;
   KeepingScope& operator=(const KeepingScope&) = delete;
   ~KeepingScope();

@@ -12,6 +12,7 @@
 #include "host/actions/Clock.h"
 #include "host/history/DocumentHistory.h"
 #include "host/identity/AgentIdentity.h"
+#include "host/identity/HardwareIdentity.h"
 
 namespace Norvik::Host {
 
@@ -40,6 +41,8 @@ struct ServerOptions {
   std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
   std::shared_ptr<AgentIdentity> identity;
   std::shared_ptr<DocumentHistory> history;  ///< null: nothing is kept
+  std::string enrolmentSecret;               ///< empty: none
+  HardwareIdentity hardware;                 ///< of this machine, for its enrolment
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 

@@ -76,7 +76,7 @@ class History : public StepsTest {
     history_ = std::make_shared<DocumentHistory>(folder_.Path(), clock_);
     history_->Recover();
     Platform::RemoveLeftReplacements(folder_.Path().string());
-    scope_ = std::make_unique<KeepingScope>(history_);
+    scope_ = std::make_unique<KeepingScope>(history_, HistoryLimits());
   }
   void Keep(const std::string& kind, const std::string& content) {
     const fs::path file = folder_ / "work" / (kind == "files" ? "m.jsonrud" : "m.jsonkob");
