@@ -32,7 +32,8 @@ const std::map<std::string, Command>& AllCommands() {
       {"configure", RunConfigure}, {"status", RunStatus},
       {"run", RunService},         {"user", RunUser},
       {"notify", RunNotify},       {"message", RunMessage},
-      {"record", RunRecord},       {"why", RunWhy}};
+      {"record", RunRecord},       {"why", RunWhy},
+      {"show", RunShow},           {"history", RunHistory}};
   return commands;
 }
 

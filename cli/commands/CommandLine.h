@@ -22,6 +22,10 @@ struct CommandLine {
   bool scheduled = false;
   bool pretty = false;
   bool check = false;
+  bool list = false;
+  bool live = false;
+  bool csv = false;
+  bool changes = false;
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
   boost::filesystem::path outputFile;  ///< empty: standard output
@@ -32,6 +36,9 @@ struct CommandLine {
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
   std::string what;                     ///< "software" or "hardware"; a key of the document
   std::string text;                     ///< the message for the users
+  boost::filesystem::path keyFolder;    ///< opens sealed documents; empty: that of a data folder
+  std::vector<std::string> sections;    ///< of a document, not checked yet
+  std::string since;                    ///< a time, not parsed yet; or empty
 };
 
 /// Parses the command line and fills in the defaults. Throws `UsageError`.

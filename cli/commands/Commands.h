@@ -24,6 +24,11 @@ int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunWhy(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Shows sections of the last inventory, of a file or of a new inventory. Leaves the agent's data
+/// alone.
+int RunShow(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Lists the documents that are kept, or tells what they changed. Changes nothing.
+int RunHistory(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the incremental document that leads from one full document to another.

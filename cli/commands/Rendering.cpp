@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/format.hpp>
-#include <cstddef>
 #include <cstdio>
 #include <utility>
 
@@ -30,19 +29,6 @@ struct CellVisitor : boost::static_visitor<OrderedJson> {
     return TimeText(std::chrono::time_point_cast<std::chrono::system_clock::duration>(value));
   }
 };
-
-std::string PlainText(const OrderedJson& cell) {
-  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
-  return cell.is_null() ? "" : cell.dump();
-}
-
-/// Number of characters, not bytes.
-std::size_t WidthOf(const std::string& text) {
-  const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  });
-  return static_cast<std::size_t>(starts);
-}
 
 const char* NameOf(DocumentStep::Kind step) {
   static constexpr const char* NAMES[] = {"write", "copy", "compress", "encrypt",
@@ -91,19 +77,31 @@ std::string StatusText(const TaskResponseInfo& status) {
   return status.message.empty() ? text : text + ": " + EscapeControls(status.message);
 }
 
+std::string CellText(const OrderedJson& cell) {
+  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
+  return cell.is_null() ? "" : cell.dump();
+}
+
+std::size_t WidthOf(const std::string& text) {
+  const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  });
+  return static_cast<std::size_t>(starts);
+}
+
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
   std::vector<std::size_t> widths;
   for (const auto& row : rows) {
     if (row.size() > widths.size()) widths.resize(row.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], WidthOf(PlainText(row[i])));
+      widths[i] = std::max(widths[i], WidthOf(CellText(row[i])));
     }
   }
   std::string text;
   for (const auto& row : rows) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string cell = PlainText(row[i]);
+      const std::string cell = CellText(row[i]);
       const std::string padding(widths[i] - WidthOf(cell), ' ');
       line += (i == 0 ? "" : "  ") + (row[i].is_number() ? padding + cell : cell + padding);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ OrderedJson StepsToJson(const std::vector<Common::DocumentStep>& steps);
 
 /// "7 started", or "7 started: message"
 std::string StatusText(const Common::TaskResponseInfo& status);
+
+/// The text of a cell in a table: texts with their control characters escaped, null as nothing.
+std::string CellText(const OrderedJson& cell);
+/// Number of characters of a text in UTF-8, not of its bytes.
+std::size_t WidthOf(const std::string& text);
 
 /// Aligned columns, each as wide as its widest cell, with two spaces between them; one line per
 /// row. Numbers are aligned right. Widths count characters, not bytes.

@@ -54,6 +54,7 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
 std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configuration,
                                            const HardwareIdentity& hardware, const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
+                                           const std::shared_ptr<DocumentHistory>& history,
                                            IModule& module) {
   ServerOptions options = ServerOptionsOf(configuration.values.communications);
   if (options.address.empty()) return nullptr;
@@ -61,9 +62,16 @@ std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configu
   options.outbox = Paths(Paths::OUTBOX, true).AppData();
   options.extensions = module.GetOutputExtensionFiles();
   options.identity = identity;
+  options.history = history;
   options.enrolmentSecret = configuration.enrolmentSecret;
   options.hardware = hardware;
   return std::make_shared<ServerLink>(options);
+}
+
+std::shared_ptr<DocumentHistory> RecoveredHistory(const fs::path& folder) {
+  auto history = std::make_shared<DocumentHistory>(folder);
+  history->Recover();
+  return history;
 }
 
 /// Without the lock another agent may own an existing database, so it is opened read-only.
@@ -102,6 +110,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
     RemoveLeftCopies(folder);
+    if (!options.userProcess) history_ = RecoveredHistory(folder);
     Platform::RemoveLeftReplacements(folder.string());
   }
   logger_ = OpenLog(folder, options);
@@ -109,6 +118,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   // A recorded machine is not this one, whose data folder it may use.
   const std::string uuid = Platform::IsMachineRecorded() ? "" : hardware.platformUuid;
   if (options.exclusive) ForgetOtherMachine(folder, uuid);
+  if (history_) keeping_ = std::make_unique<KeepingScope>(history_, configuration.history);
   AgentParts parts;
   parts.userProcess = options.userProcess;
   parts.dataBase = OpenDataBase(folder, options.exclusive);
@@ -127,7 +137,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration, hardware, folder, identity, Module());
+  server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module());
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

@@ -31,7 +31,7 @@ Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> 
       session_(std::move(session)),
       queue_(std::move(queue)),
       statuses_(session_, queue_),
-      sender_(session_, options.dataFolder / KEY_FOLDER, stopped_),
+      sender_(session_, options.dataFolder / KEY_FOLDER, options.history, stopped_),
       files_(options.outbox, options.extensions, options.clock),
       client_(session_->NewClient()),
       server_(options.limits, options.clock) {}
