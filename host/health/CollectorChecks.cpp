@@ -10,9 +10,7 @@
 
 #include "host/health/Checks.h"
 #include "host/health/HealthReport.h"
-#include "platform/LocalAccounts.h"
 #include "platform/MachinePath.h"
-#include "platform/RecordedMachine.h"
 
 namespace Norvik::Host {
 
@@ -61,8 +59,6 @@ constexpr Need FIXED_FILES[] = {
     {"/tmp/shareList", "sharedResources"},
     {"/tmp/propertyShare", "sharedResources"},
 };
-
-bool IsMac() { return Platform::IsMachineRecorded() || Platform::SystemName() == "Darwin"; }
 
 bool IsInPath(const std::string& program) {
   const char* const path = std::getenv("PATH");

@@ -1,7 +1,6 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "common/text/Text.h"
