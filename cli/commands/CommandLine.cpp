@@ -236,6 +236,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     line.command.clear();
     return line;
   }
+  for (const char* name : {"--config", "--log-level", "--machine", "--module", "--user-process"}) {
+    const CLI::Option* const option = program.get_option_no_throw(name);
+    if (option && option->count() > 0) line.ownOptions.emplace_back(name);
+  }
   ApplyOptions(texts, line);
   return line;
 }

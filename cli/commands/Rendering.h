@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/progress/ProgressListener.h"
 #include "host/OutputText.h"
@@ -13,9 +12,6 @@
 namespace Norvik::Cli {
 
 using Host::OrderedJson;
-
-/// A cell of a response's table: numbers and booleans as such, everything else as text.
-OrderedJson CellToJson(const Common::ActionPropertyValue& value);
 
 /// [{"status":7,"message":""}]
 OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);

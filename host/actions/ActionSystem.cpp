@@ -109,17 +109,20 @@ ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(acti
 void ActionSystem::QueueAction(ModuleAction action) {
   const Lane lane = LaneOf(ActionCodeOf(action.name));
   std::string label = action.name;
-  Post({lane, std::move(label), std::move(action)});
+  Post({lane, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::RunInLane(Lane lane, unsigned int code, ModuleAction action) {
   std::string label = LabelOf(code, action);
-  Post({lane, std::move(label), std::move(action)});
+  Post({lane, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::Post(OneShot shot) {
   const Lane lane = shot.lane;
-  threads_.Post(lane, clock_->Steady(), [this, shot = std::move(shot)] { RunLogged(shot); });
+  threads_.Post(lane, clock_->Steady(), [this, shot = std::move(shot)] {
+    const ErrandScope scope(shot.errand);
+    RunLogged(shot);
+  });
 }
 
 void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {

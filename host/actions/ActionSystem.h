@@ -17,6 +17,7 @@
 #include "common/database/AgentData.h"
 #include "host/actions/ActionThreads.h"
 #include "host/actions/Clock.h"
+#include "host/actions/Errand.h"
 #include "host/actions/HostActions.h"
 #include "host/actions/PeriodicState.h"
 
@@ -111,6 +112,7 @@ class ActionSystem : public HostActions {
     Lane lane;
     std::string label;
     Common::ModuleAction action;
+    std::shared_ptr<Errand> errand = nullptr;  ///< that it belongs to; null for a delayed action
   };
   struct Periodic;
   using PeriodicPointer = std::shared_ptr<Periodic>;

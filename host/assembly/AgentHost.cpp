@@ -16,6 +16,7 @@
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
+#include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
@@ -77,6 +78,12 @@ AgentConfigurationInfo UseConfiguration(const AgentOptions& options, const fs::p
   AgentConfigurationInfo configuration = effective.values;
   if (options.communications) configuration.communications = *options.communications;
   return configuration;
+}
+
+void RequireHandler(IModule& module, unsigned int code) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
 }
 
 void UseUtf8Characters() {

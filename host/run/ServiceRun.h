@@ -8,6 +8,7 @@
 #include "host/ipc/IpcService.h"
 #include "host/run/AgentRequests.h"
 #include "host/run/DriveLimits.h"
+#include "host/run/ProgressEvents.h"
 #include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {

@@ -67,8 +67,8 @@ class Ipc : public testing::Test {
         {[this](const IPCMessage& message, const IpcService::Sender&,
                 std::function<void()> handled) { inbox_.Add(message, std::move(handled)); },
          [this](IpcService::SessionId) { ++sessionStarts_; },
-         [](const std::string& request, const std::string& from) {
-           return request + " of " + from;
+         [](const std::string& request, const std::shared_ptr<IpcConnection>& from) {
+           from->Send(EncodeFrame(FrameKind::ANSWER, request + " of " + from->PeerText()));
          }});
   }
   std::unique_ptr<IpcUser> MakeUser(const ConnectionLimits& limits = LimitsOfUsersProcess()) {
