@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/join.hpp>
 
 #include "cli/RecordedMachineOption.h"
+#include "cli/help/Examples.h"
 #include "cli/help/HelpPages.h"
 #include "common/identification/HostInfoProvider.h"
 #include "host/HostError.h"
@@ -215,6 +216,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   AddGlobalOptions(program, line, texts);
   AddCommands(program, line, texts);
   AddCommandsOfRunningAgents(program, line);
+  AddExamples(program);
 
   // CLI11 reads them from the back.
   std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());

@@ -41,6 +41,8 @@ struct Place {
 using Reader = std::function<void(const Place&)>;
 using Readers = std::map<std::string, Reader>;
 
+constexpr std::int64_t DAY = 86400;
+
 /// Reads an object with the reader of each key. Refuses any other key.
 void ReadObject(const Place& place, const Readers& readers) {
   if (!place.value.is_object()) place.Refuse("an object");
@@ -152,6 +154,10 @@ Reader Survey(boost::optional<SurveyInfo>& target) {
   };
 }
 
+Reader Enrolment(std::string& secret) {
+  return [&secret](const Place& place) { ReadObject(place, {{"secret", Text(secret)}}); };
+}
+
 Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
   return [&target, longest](const Place& place) {
     std::int64_t count = 0;
@@ -160,14 +166,22 @@ Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
   };
 }
 
+Reader Spread(ScheduleSpread& target) {
+  return [&target](const Place& place) {
+    ReadObject(place, {{"percent", WholeNumber(target.percent, 0, 100)},
+                       {"mostSeconds", Seconds(target.most, DAY)}});
+  };
+}
+
 Readers ReadersOf(EffectiveConfiguration& configuration) {
-  constexpr std::int64_t DAY = 86400;
   AgentConfigurationInfo& target = configuration.values;
   KobConfigurationInfo& kob = *target.kob;
   return {
       {"toolTimeLimitSeconds", Seconds(configuration.toolTimeLimit, DAY)},
       {"profileId", WholeNumber(target.profileId, 0, std::numeric_limits<std::uint32_t>::max())},
       {"server", Server(target.communications)},
+      {"enrolment", Enrolment(configuration.enrolmentSecret)},
+      {"scheduleSpread", Spread(configuration.spread)},
       {"excludedFiles", TextArray(kob.excludedFiles)},
       {"excludedPaths", TextArray(kob.excludedPaths)},
       {"additionalExtensions", TextArray(kob.additionalExtensions)},
@@ -238,6 +252,13 @@ AgentConfigurationInfo DefaultConfiguration() {
 
 AgentConfigurationInfo ParseConfiguration(const std::string& text) {
   return ValuesOf(ParseConfigurationJson(text)).values;
+}
+
+AgentConfigurationInfo ForModule(const EffectiveConfiguration& configuration,
+                                 const std::string& identifier) {
+  AgentConfigurationInfo result = configuration.values;
+  SpreadSchedules(*result.kob, configuration.spread, identifier);
+  return result;
 }
 
 EffectiveConfiguration MakeConfiguration(const std::string& text) {

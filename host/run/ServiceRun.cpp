@@ -2,9 +2,12 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
+#include <locale>
+#include <sstream>
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "common/database/DataBase.h"
 #include "common/database/FreedSpace.h"
 #include "common/log/Logger.h"
 #include "host/actions/Errand.h"
@@ -67,14 +70,24 @@ ServiceRun::~ServiceRun() {
   host_.Actions()->Stop();
 }
 
-/// A module that was configured before gets the current configuration, so that it can detect a
-/// change.
+/// Whether the module was last given this configuration.
+bool ServiceRun::IsConfigurationKnown() const {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << host_.Configuration().kob.value();
+  const std::string key = std::string("KOB_") + COMMON_PARAMETER_CONFIGURATION;
+  return V2::DataBase::GetOptionalStringDataTable(key) == text.str();
+}
+
+/// A module whose configuration has changed gets it as a new one, after which it takes an
+/// inventory.
 void ServiceRun::Initialise() {
   const bool configured = !configurationFile_.empty() || !ReadManagedPreferences().empty() ||
                           boost::filesystem::exists(host_.DataFolder() / CONFIGURATION_FILE);
   ActionParameters parameters;
   if (configured) parameters.Set(COMMON_PARAMETER_CONFIGURATION, host_.Configuration());
-  const auto code = configured ? COMMON_ACTION_NEW_CONFIGURATION : COMMON_ACTION_INIT;
+  const bool isNew = configured && !IsConfigurationKnown();
+  const auto code = isNew ? COMMON_ACTION_NEW_CONFIGURATION : COMMON_ACTION_INIT;
   host_.Actions()->RunAction(host_.Module().GetAction(code, parameters));
   host_.ResumePeriodicActions();
 }

@@ -37,6 +37,7 @@ class ServiceRun {
   const boost::filesystem::path& DataFolder() const { return host_.DataFolder(); }
 
  private:
+  bool IsConfigurationKnown() const;
   void Initialise();
   void RunMessage(const Common::IPCMessage& message, const IpcService::Sender& sender,
                   std::function<void()> handled);

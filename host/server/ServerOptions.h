@@ -11,6 +11,7 @@
 #include "common/configuration/CommunicationsInfo.h"
 #include "host/actions/Clock.h"
 #include "host/identity/AgentIdentity.h"
+#include "host/identity/HardwareIdentity.h"
 
 namespace Norvik::Host {
 
@@ -38,6 +39,8 @@ struct ServerOptions {
   boost::filesystem::path outbox;
   std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
   std::shared_ptr<AgentIdentity> identity;
+  std::string enrolmentSecret;  ///< empty: none
+  HardwareIdentity hardware;    ///< of this machine, for its enrolment
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 

@@ -31,9 +31,17 @@ bool IsToken(const std::string& text) {
          std::all_of(text.begin(), text.end(), isVisible);
 }
 
-std::string EnrolmentBody() {
-  const nlohmann::ordered_json body = {{"agentVersion", GetAgentVersion()},
-                                       {"hostName", Common::HostInfoProvider::GetHostName()}};
+std::string EnrolmentBody(const ServerOptions& options) {
+  nlohmann::ordered_json body = {{"agentVersion", GetAgentVersion()},
+                                 {"hostName", Common::HostInfoProvider::GetHostName()}};
+  const std::pair<const char*, const std::string&> rest[] = {
+      {"serialNumber", options.hardware.serialNumber},
+      {"model", options.hardware.model},
+      {"platformUuid", options.hardware.platformUuid},
+      {"secret", options.enrolmentSecret}};
+  for (const auto& [key, text] : rest) {
+    if (!text.empty()) body[key] = text;
+  }
   return body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
@@ -89,7 +97,7 @@ bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::secon
   const std::lock_guard<std::mutex> lock(enrolMutex_);
   const Identity identity = options_.identity->Get();
   if (identity.server == Origin()) return true;
-  const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody()));
+  const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody(options_)));
   retryAfter = answer.retryAfter;
   try {
     FinishEnrolment(answer, identity);

@@ -24,6 +24,7 @@ class ManagementServer {
     std::function<void()> onKept;               ///< called after each request that was stored
     /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "tasks {...}".
     TextList requests;
+    std::string enrolment;  ///< the body of the last one
     bool closing = false;
   };
 
@@ -76,7 +77,10 @@ class ManagementServer {
     const std::string resource = path.substr(std::min(path.size(), agent.size() + 1));
     const std::string given = request.get_header_value("Authorization");
     std::unique_lock<std::mutex> lock(mutex_);
-    if (resource.empty()) return Enrol(agent, given, response);
+    if (resource.empty()) {
+      state_.enrolment = request.body;
+      return Enrol(agent, given, response);
+    }
     const auto known = state_.agents.find(agent);
     if (known == state_.agents.end() || known->second != given) {
       response.status = 401;
