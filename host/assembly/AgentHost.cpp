@@ -54,7 +54,7 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
 std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configuration,
                                            const HardwareIdentity& hardware, const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
-                                           IModule& module) {
+                                           IModule& module, AgentData data) {
   ServerOptions options = ServerOptionsOf(configuration.values.communications);
   if (options.address.empty()) return nullptr;
   options.dataFolder = folder;
@@ -63,6 +63,9 @@ std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configu
   options.identity = identity;
   options.enrolmentSecret = configuration.enrolmentSecret;
   options.hardware = hardware;
+  options.contact = std::make_shared<ServerContact>(
+      data.GetOptionalString(SERVER_CONTACT_KEY).get_value_or(""),
+      [data](const std::string& text) mutable { data.SetString(SERVER_CONTACT_KEY, text); });
   return std::make_shared<ServerLink>(options);
 }
 
@@ -130,7 +133,8 @@ AgentHost::AgentHost(const AgentOptions& options) {
   });
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration, hardware, folder, identity, Module());
+  server_ = MakeServerLink(configuration, hardware, folder, identity, Module(),
+                           AgentData(assembled_->parts.dataBase, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

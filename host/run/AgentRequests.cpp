@@ -64,6 +64,8 @@ OrderedJson Status(const Agent& agent, const OrderedJson&) {
           {"configurationFile", agent.configurationFile.string()},
           {"sessions", sessions},
           {"messages", agent.processes.HandledMessages()},
+          {"contact", agent.host.Server() ? OrderedJson(ToText(agent.host.Server()->Contact()))
+                                          : OrderedJson()},
           {"running", running},
           {"progress", agent.progress.ToJson()},
           {"next", due}};

@@ -12,6 +12,7 @@
 #include "host/actions/Clock.h"
 #include "host/identity/AgentIdentity.h"
 #include "host/identity/HardwareIdentity.h"
+#include "host/server/ServerContact.h"
 
 namespace Norvik::Host {
 
@@ -41,6 +42,8 @@ struct ServerOptions {
   std::shared_ptr<AgentIdentity> identity;
   std::string enrolmentSecret;  ///< empty: none
   HardwareIdentity hardware;    ///< of this machine, for its enrolment
+  /// Hears of each request. Not null.
+  std::shared_ptr<ServerContact> contact = std::make_shared<ServerContact>();
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 
