@@ -40,6 +40,8 @@ constexpr char FOOTER[] =
              ~/Library/Application Support/Norvik for a user
   elsewhere  $XDG_STATE_HOME/norvik, or ~/.local/state/norvik without that variable
 The socket of the service is /var/run/norvik/agent.sock for root, agent.sock in the data folder otherwise.
+The exit code is 0 after success, 1 after a failure, 2 for wrong use, and 3 if `status` has found something
+that needs a person.
 
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
@@ -132,7 +134,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
   configure->add_flag("--check", line.check, "only report what in it will surprise");
 
-  program.add_subcommand("status", "print the state of the agent");
+  program.add_subcommand("status", "print the state of the agent; 3 means that it needs a person");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
