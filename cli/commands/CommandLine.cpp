@@ -134,7 +134,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   configure->add_option("FILE", texts.file, "the configuration file")->required()->check(NotEmpty);
   configure->add_flag("--check", line.check, "only report what in it will surprise");
 
-  program.add_subcommand("status", "print the state of the agent; 3 means that it needs a person");
+  program.add_subcommand("status", "print the state of the agent");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
