@@ -113,6 +113,10 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* explain = program.add_subcommand("explain", "say whether a file inventory lists a path");
   explain->add_option("PATH", texts.file, "the path to look at")->required()->check(NotEmpty);
 
+  auto* why = program.add_subcommand("why", "say where a part of the document comes from");
+  why->add_option("KEY", line.what, "a section, or a property as displays.serial; default: all")
+      ->check(NotEmpty);
+
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
   open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
   open->add_flag("--pretty", line.pretty, "indent the document");

@@ -32,7 +32,7 @@ struct CommandLine {
   bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
-  std::string what;                     ///< "software" or "hardware"
+  std::string what;                     ///< "software" or "hardware"; a key of the document
   std::string text;                     ///< the message for the users
 };
 

@@ -24,6 +24,9 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
 int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Explains whether the next file inventory would list a path. Changes nothing.
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Explains a key of the document: its source, what is missing for it, its last times. Changes
+/// nothing.
+int RunWhy(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.

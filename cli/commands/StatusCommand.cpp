@@ -14,6 +14,7 @@
 #include "cli/commands/RunningAgent.h"
 #include "cli/commands/ServerStatus.h"
 #include "cli/commands/StatusChecks.h"
+#include "cli/why/LedgerView.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/InventorySchedules.h"
 #include "common/database/AgentData.h"
@@ -137,9 +138,13 @@ OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   return nullptr;
 }
 
-/// Whether this user may read the folder. One that does not exist counts as readable.
+/// Whether this user may read the data folder. What does not exist counts as readable.
 bool IsReadable(const fs::path& folder) {
-  return ::access(folder.c_str(), R_OK | X_OK) == 0 || errno != EACCES;
+  const auto isReadable = [](const fs::path& path, int how) {
+    return ::access(path.c_str(), how) == 0 || errno != EACCES;
+  };
+  return isReadable(folder, R_OK | X_OK) && isReadable(folder / IDENTITY_FILE, R_OK) &&
+         isReadable(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME, R_OK);
 }
 
 /// A part of the status, by default if it cannot be read; then the reason is a problem.
@@ -218,6 +223,7 @@ OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const Or
                {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
                {"outbox", outbox},
                {"periodic", PeriodicActions(database.data)},
+               {"ledger", LastRunOf(ReadLedger(folder))},
                {"disk", SpaceOf(folder)},
                {"warnings", Warnings(configuration, folder / KEY_FOLDER)}});
   if (data["waiting"].is_null()) data["waiting"] = WaitingItems(outbox, {});
@@ -247,7 +253,7 @@ OrderedJson Gather(const CommandLine& line) {
 
 std::string InventoryLines(const OrderedJson& status, system_clock::time_point now) {
   std::string text = "last inventory: " + AgeText(status["lastInventory"], now) + "\n" +
-                     FileInventoryLine(status["fileInventory"]);
+                     LastRunLines(status["ledger"]) + FileInventoryLine(status["fileInventory"]);
   for (const auto& file : status["previous"]) {
     text += "previous document: " + EscapeControls(file["file"].get<std::string>()) + ", " +
             SizeText(file["bytes"]) + ", " + file["time"].get<std::string>() + "\n";

@@ -23,6 +23,7 @@
 #include "host/data/DataFolderCopy.h"
 #include "host/identity/CopiedDataFolder.h"
 #include "host/identity/HardwareIdentity.h"
+#include "host/ledger/LedgerRecorder.h"
 #include "platform/RecordedMachine.h"
 #include "platform/ReplacementFile.h"
 
@@ -131,6 +132,9 @@ AgentHost::AgentHost(const AgentOptions& options) {
   actionSystem_->SetTaskReporter([communications = communications_](const TaskResponseInfo& s) {
     communications->ReportTaskStatus(s);
   });
+  if (options.exclusive) {
+    ledger_ = std::make_unique<const ProgressObserverScope>(std::make_shared<LedgerRecorder>());
+  }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
   server_ = MakeServerLink(configuration, hardware, folder, identity, Module(),

@@ -4,6 +4,7 @@
 #include <boost/optional.hpp>
 #include <memory>
 
+#include "common/progress/ProgressListener.h"
 #include "host/actions/ActionSystem.h"
 #include "host/assembly/AssembledModule.h"
 #include "host/assembly/Communications.h"
@@ -87,6 +88,7 @@ class AgentHost {
   std::unique_ptr<const LoggerScope> logger_;
   std::shared_ptr<Communications> communications_;
   std::shared_ptr<ActionSystem> actionSystem_;
+  std::unique_ptr<const Common::ProgressObserverScope> ledger_;  ///< null if nothing is written
   std::unique_ptr<AssembledModule> assembled_;
   std::shared_ptr<ServerLink> server_;
 };

@@ -76,13 +76,8 @@ void CommandRun::Work() {
 /// `mutex_` must be held.
 void CommandRun::AddCounts() {
   if (!counted_.seen) return;
-  const std::uint64_t folders = counted_.seen->folders;
-  const std::uint64_t files = counted_.seen->files;
-  const bool same = std::exchange(lastFolders_, folders) == folders;
-  if (std::exchange(lastFiles_, files) == files && same) return;
-  // First, so that a phase begins with the counts of the one before.
-  const std::string text = JsonLine(SeenEvent(counted_.id, folders, files));
-  events_ = text + (events_.empty() ? "" : ",") + events_;
+  const std::string text = JsonLine(SeenEvent(counted_));
+  if (std::exchange(lastCounts_, text) != text) events_ += (events_.empty() ? "" : ",") + text;
 }
 
 /// False if nobody reads the events any more.

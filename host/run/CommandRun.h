@@ -49,8 +49,7 @@ class CommandRun : public Errand {
   std::string events_;       ///< that wait, as JSON with commas between them
   std::size_t linesLeft_;    ///< of the log that are still passed on
   Common::RunInfo counted_;  ///< the run whose counts are sent
-  std::uint64_t lastFolders_ = 0;
-  std::uint64_t lastFiles_ = 0;
+  std::string lastCounts_;   ///< the last event of it
   std::unique_ptr<const ActionResult> result_;
   std::thread thread_;  ///< last, since it uses all the others
 };

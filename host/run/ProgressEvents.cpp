@@ -41,6 +41,14 @@ OrderedJson Of(const RunInfo& run, const char* key, OrderedJson value, Duration 
   return event;
 }
 
+/// What the run has seen so far, if it counts.
+OrderedJson WithCounts(const RunInfo& run, OrderedJson event) {
+  if (!run.seen) return event;
+  event["folders"] = run.seen->folders.load();
+  event["files"] = run.seen->files.load();
+  return event;
+}
+
 Duration TakenIn(const OrderedJson& event) {
   return std::chrono::duration_cast<Duration>(
       std::chrono::nanoseconds(event.at("taken").get<std::int64_t>()));
@@ -95,10 +103,7 @@ TaskResponseInfo StatusOf(const OrderedJson& json) {
 
 }  // namespace
 
-ProgressEvents::ProgressEvents(std::shared_ptr<IProgressListener> next) : next_(std::move(next)) {}
-
 void ProgressEvents::RunBegun(const RunInfo& run) {
-  next_->RunBegun(run);
   const auto errand = Errand::Current();
   if (!errand) return;
   Report("run begun", Of(run));
@@ -110,7 +115,6 @@ void ProgressEvents::RunBegun(const RunInfo& run) {
 }
 
 void ProgressEvents::RunEnded(const RunInfo& run) {
-  next_->RunEnded(run);
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     for (const auto& [keys, taken] : earlier_[run.id]) {
@@ -122,32 +126,24 @@ void ProgressEvents::RunEnded(const RunInfo& run) {
 }
 
 void ProgressEvents::KindDecided(const RunInfo& run, bool incremental) {
-  next_->KindDecided(run, incremental);
   Report("kind", Of(run, "incremental", incremental));
 }
 
 void ProgressEvents::TotalInstead(const RunInfo& run, const std::string& reason) {
-  next_->TotalInstead(run, reason);
   Report("total instead", Of(run, "reason", reason));
 }
 
 void ProgressEvents::RequestRefused(RunKind kind, const std::string& reason) {
-  next_->RequestRefused(kind, reason);
   Report("refused", Of({0, kind, nullptr}, "reason", reason));
 }
 
-void ProgressEvents::NothingToSend(const RunInfo& run) {
-  next_->NothingToSend(run);
-  Report("nothing", Of(run));
-}
+void ProgressEvents::NothingToSend(const RunInfo& run) { Report("nothing", Of(run)); }
 
 void ProgressEvents::SectionBegun(const RunInfo& run, const SectionKeys& keys) {
-  next_->SectionBegun(run, keys);
   Report("section begun", Of(run, "keys", keys));
 }
 
 void ProgressEvents::SectionEnded(const RunInfo& run, const SectionKeys& keys, Duration taken) {
-  next_->SectionEnded(run, keys, taken);
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (run.id == 0) gathered_[keys] = taken;
@@ -158,17 +154,14 @@ void ProgressEvents::SectionEnded(const RunInfo& run, const SectionKeys& keys, D
 }
 
 void ProgressEvents::PhaseBegun(const RunInfo& run, RudStatus phase) {
-  next_->PhaseBegun(run, phase);
-  Report("phase begun", Of(run, "phase", static_cast<int>(phase)));
+  Report("phase begun", WithCounts(run, Of(run, "phase", static_cast<int>(phase))));
 }
 
 void ProgressEvents::PhaseEnded(const RunInfo& run, RudStatus phase, Duration taken) {
-  next_->PhaseEnded(run, phase, taken);
-  Report("phase ended", Of(run, "phase", static_cast<int>(phase), taken));
+  Report("phase ended", WithCounts(run, Of(run, "phase", static_cast<int>(phase), taken)));
 }
 
 void ProgressEvents::DocumentStepDone(const RunInfo& run, const DocumentStep& step) {
-  next_->DocumentStepDone(run, step);
   if (!Errand::Current()) return;
   DocumentStep counted = step;
   // The next steps remove the document.
@@ -179,12 +172,13 @@ void ProgressEvents::DocumentStepDone(const RunInfo& run, const DocumentStep& st
 }
 
 void ProgressEvents::TaskReported(const TaskResponseInfo& status) {
-  next_->TaskReported(status);
   Report("status", {{"of", ToJson(status)}});
 }
 
-OrderedJson SeenEvent(std::uint64_t run, std::uint64_t folders, std::uint64_t files) {
-  return {{"event", "seen"}, {"run", run}, {"folders", folders}, {"files", files}};
+OrderedJson SeenEvent(const RunInfo& run) {
+  OrderedJson event = WithCounts(run, Of(run));
+  event["event"] = "seen";
+  return event;
 }
 
 OrderedJson LoggedEvent(const LogLine& line) {

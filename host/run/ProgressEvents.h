@@ -18,9 +18,6 @@ namespace Norvik::Host {
 /// while it exists.
 class ProgressEvents : public Common::IProgressListener {
  public:
-  /// @param next gets everything, also what belongs to no errand
-  explicit ProgressEvents(std::shared_ptr<Common::IProgressListener> next);
-
   void RunBegun(const Common::RunInfo& run) override;
   void RunEnded(const Common::RunInfo& run) override;
   void KindDecided(const Common::RunInfo& run, bool incremental) override;
@@ -38,14 +35,13 @@ class ProgressEvents : public Common::IProgressListener {
  private:
   using Times = std::map<Common::SectionKeys, Duration>;
 
-  const std::shared_ptr<Common::IProgressListener> next_;
   std::mutex mutex_;
   Times gathered_;                          ///< outside of a run, the last time
   std::map<std::uint64_t, Times> earlier_;  ///< by run: what it has not retrieved itself so far
 };
 
-/// The event of folders and files that the file inventory of a number has seen.
-OrderedJson SeenEvent(std::uint64_t run, std::uint64_t folders, std::uint64_t files);
+/// Of the folders and files that a run has seen so far.
+OrderedJson SeenEvent(const Common::RunInfo& run);
 
 /// Of a line of the log that an action has caused.
 OrderedJson LoggedEvent(const LogLine& line);

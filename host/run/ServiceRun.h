@@ -47,6 +47,7 @@ class ServiceRun {
   std::string managedState_;  ///< read before the configuration, so that no change is missed
   const std::shared_ptr<ServiceProgress> progress_;
   const Common::ProgressListenerScope listening_;
+  const Common::ProgressObserverScope reporting_;  ///< to commands
   AgentHost host_;
   const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<SerialActions> messages_;
