@@ -22,6 +22,8 @@ OrderedJson TimeOrNull(const ContactState::Time& time) {
   return time ? TimeToJson(*time) : OrderedJson();
 }
 
+OrderedJson Nothing() { return {{"count", 0}, {"bytes", 0}, {"oldest", nullptr}}; }
+
 /// Counts one more item that waits.
 void Add(OrderedJson& sum, std::uintmax_t bytes, std::int64_t since) {
   sum["count"] = sum["count"].get<std::size_t>() + 1;
@@ -68,17 +70,20 @@ OrderedJson ServerState(const CommunicationsInfo& server, const boost::optional<
             {"refused", OrderedJson(state.refused)}}}};
 }
 
-OrderedJson WaitingItems(const OrderedJson& outbox, const boost::filesystem::path& dataFolder) {
-  const OrderedJson none = {{"count", 0}, {"bytes", 0}, {"oldest", nullptr}};
-  OrderedJson documents = none;
+OrderedJson WaitingDocuments(const OrderedJson& outbox) {
+  OrderedJson documents = Nothing();
   for (const auto& file : outbox) Add(documents, file["bytes"], file["seconds"]);
-  OrderedJson states = none;
+  return documents;
+}
+
+OrderedJson WaitingStates(const boost::filesystem::path& dataFolder) {
+  OrderedJson states = Nothing();
   const StatusQueue queue(dataFolder / STATUSES_FILE, std::make_shared<Clock>());
   for (const auto& waiting : queue.First(StatusQueue::LIMIT)) {
     const auto json = OrderedJson::parse(waiting.json);
     Add(states, waiting.json.size(), json.value("time", std::int64_t{0}));
   }
-  return {{"documents", documents}, {"states", states}};
+  return states;
 }
 
 std::string ServerLines(const OrderedJson& status, system_clock::time_point now) {

@@ -22,10 +22,11 @@ OrderedJson ServerState(const Common::CommunicationsInfo& server,
                         const boost::optional<Host::Identity>& identity,
                         const std::string& contact);
 
-/// What waits for the server: {"documents": {"count", "bytes", "oldest"}, "states": {...}}. Reads
-/// the states that wait in the data folder. Throws a subclass of `std::exception` if it cannot.
+// What waits for the server: {"count", "bytes", "oldest"}.
 /// @param outbox its files: {"bytes", "seconds"}
-OrderedJson WaitingItems(const OrderedJson& outbox, const boost::filesystem::path& dataFolder);
+OrderedJson WaitingDocuments(const OrderedJson& outbox);
+/// Throws a subclass of `std::exception` if the states in the data folder cannot be read.
+OrderedJson WaitingStates(const boost::filesystem::path& dataFolder);
 
 /// The lines for people about both, from the status.
 std::string ServerLines(const OrderedJson& status, std::chrono::system_clock::time_point now);

@@ -67,6 +67,8 @@ Stored ReadStored(const fs::path& folder) {
   return {ReadData(dataBase), ReadFileInventoryState()};
 }
 
+constexpr std::size_t SHOWN_WARNINGS = 3;  ///< in text, which fits on a screen
+
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
   const auto found = data.find(LAST_DOCUMENT_KEY);
   const auto state = found == data.end() ? boost::none : ParsePeriodicState("0 " + found->second);
@@ -192,6 +194,13 @@ OrderedJson Warnings(const EffectiveConfiguration& configuration, const fs::path
   return list;
 }
 
+/// How the agent that runs reaches its server, else how the last one did.
+std::string ContactOf(const Stored& database, const OrderedJson& agent) {
+  if (agent.is_object() && agent.contains("contact")) return agent["contact"].dump();
+  const auto known = database.data.find(SERVER_CONTACT_KEY);
+  return known == database.data.end() ? "" : known->second;
+}
+
 /// What the data folder says.
 OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const OrderedJson& agent) {
   OrderedJson problems = OrderedJson::array();
@@ -203,21 +212,18 @@ OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const Or
   const auto configuration = given.empty()
                                  ? Try(problems, [&] { return ReadConfiguration(ofAgent, stored); })
                                  : ReadConfiguration(given, stored);
-  const auto known = database.data.find(SERVER_CONTACT_KEY);
-  std::string contact = known == database.data.end() ? "" : known->second;
-  if (!agent.is_null() && agent.value("contact", OrderedJson()).is_string()) {
-    contact = agent["contact"].get<std::string>();
-  }
   const auto& communications = configuration.values.communications;
   const OrderedJson outbox = FilesIn(Paths(Paths::OUTBOX, false).AppData());
+  OrderedJson states = Try(problems, [&] { return WaitingStates(folder); });
+  if (states.is_null()) states = WaitingDocuments({});
   OrderedJson data = {{"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
                       {"configured", fs::exists(stored)},
                       {"configuredAt", ConfiguredAt(folder)},
                       {"sources", configuration.sources},
                       {"profileId", configuration.values.profileId}};
-  data.update(ServerState(communications, identity, contact));
+  data.update(ServerState(communications, identity, ContactOf(database, agent)));
   data.update({{"deliveryProblem", DeliveryProblem(communications, folder / KEY_FOLDER)},
-               {"waiting", Try(problems, [&] { return WaitingItems(outbox, folder); })},
+               {"waiting", {{"documents", WaitingDocuments(outbox)}, {"states", states}}},
                {"lastInventory", LastInventory(database.data)},
                {"fileInventory", database.fileInventory},
                {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
@@ -226,7 +232,6 @@ OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const Or
                {"ledger", LastRunOf(ReadLedger(folder))},
                {"disk", SpaceOf(folder)},
                {"warnings", Warnings(configuration, folder / KEY_FOLDER)}});
-  if (data["waiting"].is_null()) data["waiting"] = WaitingItems(outbox, {});
   data["problems"] = problems;
   return data;
 }
@@ -277,14 +282,13 @@ std::string ScheduleLines(const OrderedJson& status) {
 /// What needs a person comes last, where it is seen.
 std::string WarningLines(const OrderedJson& status) {
   std::string text;
-  std::size_t left = status["warnings"].size();
-  for (const auto& warning : status["warnings"]) {
-    if (text.empty() || left == 1) text += "warning: " + EscapeControls(warning) + "\n";
-    --left;
+  const OrderedJson& warnings = status["warnings"];
+  for (std::size_t i = 0; i < std::min(warnings.size(), SHOWN_WARNINGS); ++i) {
+    text += "warning: " + EscapeControls(warnings[i].get<std::string>()) + "\n";
   }
-  if (status["warnings"].size() > 2) {
-    text += "warnings: " + std::to_string(status["warnings"].size() - 2) +
-            " more, which `configure --check` and --json list\n";
+  if (warnings.size() > SHOWN_WARNINGS) {
+    text += "warnings: " + std::to_string(warnings.size() - SHOWN_WARNINGS) +
+            " more, which --json lists\n";
   }
   for (const auto& finding : status["attention"]) {
     text += "needs attention: " + EscapeControls(finding["text"].get<std::string>()) + "\n";

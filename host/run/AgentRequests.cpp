@@ -59,16 +59,17 @@ OrderedJson Status(const Agent& agent, const OrderedJson&) {
   const auto next = agent.host.Actions()->Next();
   const OrderedJson due =
       next ? OrderedJson{{"action", next->label}, {"time", TimeText(next->time)}} : OrderedJson();
-  return {{"processId", ::getpid()},
-          {"dataFolder", agent.host.DataFolder().string()},
-          {"configurationFile", agent.configurationFile.string()},
-          {"sessions", sessions},
-          {"messages", agent.processes.HandledMessages()},
-          {"contact", agent.host.Server() ? OrderedJson(ToText(agent.host.Server()->Contact()))
-                                          : OrderedJson()},
-          {"running", running},
-          {"progress", agent.progress.ToJson()},
-          {"next", due}};
+  return {
+      {"processId", ::getpid()},
+      {"dataFolder", agent.host.DataFolder().string()},
+      {"configurationFile", agent.configurationFile.string()},
+      {"sessions", sessions},
+      {"messages", agent.processes.HandledMessages()},
+      {"contact", agent.host.Server() ? OrderedJson::parse(ToText(agent.host.Server()->Contact()))
+                                      : OrderedJson()},
+      {"running", running},
+      {"progress", agent.progress.ToJson()},
+      {"next", due}};
 }
 
 OrderedJson Notify(const Agent& agent, const OrderedJson& request) {
