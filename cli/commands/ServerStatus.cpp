@@ -98,8 +98,10 @@ std::string ServerLines(const OrderedJson& status, system_clock::time_point now)
       text += "last error: " + AgeText(contact["failed"], now) + ": " +
               EscapeControls(contact["error"].get<std::string>()) + "\n";
     }
-    if (!contact["nextTry"].is_null()) {
-      text += "next try: " + AgeText(contact["nextTry"], now) + "\n";
+    // A past one is that of an agent that no longer runs.
+    const OrderedJson& next = contact["nextTry"];
+    if (!next.is_null() && next["seconds"] >= system_clock::to_time_t(now)) {
+      text += "next try: " + AgeText(next, now) + "\n";
     }
   }
   return text + WaitingLine("documents", status["waiting"]["documents"], now) +
