@@ -41,6 +41,8 @@ constexpr char FOOTER[] =
              ~/Library/Application Support/Norvik for a user
   elsewhere  $XDG_STATE_HOME/norvik, or ~/.local/state/norvik without that variable
 The socket of the service is /var/run/norvik/agent.sock for root, agent.sock in the data folder otherwise.
+The exit code is 0 after success, 1 after a failure, 2 for wrong use, and 3 if `status` has found something
+that needs a person.
 
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
@@ -283,6 +285,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     line.help = texts.shell.empty() ? ManualOf(program) : CompletionsOf(program, texts.shell);
     line.command.clear();
     return line;
+  }
+  for (const char* name : {"--config", "--log-level", "--machine", "--module", "--user-process"}) {
+    const CLI::Option* const option = program.get_option_no_throw(name);
+    if (option && option->count() > 0) line.ownOptions.emplace_back(name);
   }
   ApplyOptions(texts, line);
   return line;

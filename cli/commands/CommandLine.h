@@ -17,6 +17,8 @@ struct CommandLine {
   boost::filesystem::path socket;   ///< of the running agent
   bool dataFolderGiven = false;     ///< by --data; else `agent.dataFolder` is the default
   bool json = false;
+  /// Names of the given options that only an agent of this process can obey.
+  std::vector<std::string> ownOptions;
   // Options and arguments of single commands.
   bool incremental = false;
   bool scheduled = false;

@@ -7,7 +7,12 @@
 namespace Norvik::Cli {
 
 /// Exit codes of the program.
-enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
+enum ExitCode : int {
+  EXIT_DONE = 0,
+  EXIT_FAILED = 1,
+  EXIT_WRONG_USE = 2,
+  EXIT_ATTENTION = 3,  ///< of `status`: it has worked, and something needs a person
+};
 
 // The commands of the program. Each writes its answer to `output`, each failure as one line to
 // `errors`, and returns an exit code. If it throws `UsageError` or another subclass of

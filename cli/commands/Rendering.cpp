@@ -16,20 +16,6 @@ namespace {
 
 using namespace Common;
 
-struct CellVisitor : boost::static_visitor<OrderedJson> {
-  template <class Plain>
-  OrderedJson operator()(const Plain& value) const {
-    return value;
-  }
-  OrderedJson operator()(const wxString& value) const { return ToUtf8(value); }
-  OrderedJson operator()(const AgentConfigurationInfo& value) const {
-    return "configuration of profile " + std::to_string(value.profileId);
-  }
-  OrderedJson operator()(const ActionTimePoint& value) const {
-    return TimeText(std::chrono::time_point_cast<std::chrono::system_clock::duration>(value));
-  }
-};
-
 const char* NameOf(DocumentStep::Kind step) {
   static constexpr const char* NAMES[] = {"write", "copy", "compress", "encrypt",
                                           "move to the outbox"};
@@ -51,10 +37,6 @@ const char* NameOf(TaskResponseInfo::ResponseStatusTypes status) {
 }
 
 }  // namespace
-
-OrderedJson CellToJson(const ActionPropertyValue& value) {
-  return boost::apply_visitor(CellVisitor(), value);
-}
 
 OrderedJson StatusesToJson(const std::vector<TaskResponseInfo>& statuses) {
   OrderedJson list = OrderedJson::array();

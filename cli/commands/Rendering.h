@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/progress/ProgressListener.h"
 #include "host/OutputText.h"
@@ -16,9 +15,6 @@ namespace Norvik::Cli {
 using Host::OrderedJson;
 using Host::PeriodText;
 using Host::SizeText;
-
-/// A cell of a response's table: numbers and booleans as such, everything else as text.
-OrderedJson CellToJson(const Common::ActionPropertyValue& value);
 
 /// [{"status":7,"message":""}]
 OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);

@@ -16,6 +16,7 @@
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
+#include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
@@ -55,7 +56,7 @@ std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configu
                                            const HardwareIdentity& hardware, const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
                                            const std::shared_ptr<DocumentHistory>& history,
-                                           IModule& module) {
+                                           IModule& module, AgentData data) {
   ServerOptions options = ServerOptionsOf(configuration.values.communications);
   if (options.address.empty()) return nullptr;
   options.dataFolder = folder;
@@ -65,6 +66,9 @@ std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configu
   options.history = history;
   options.enrolmentSecret = configuration.enrolmentSecret;
   options.hardware = hardware;
+  options.contact = std::make_shared<ServerContact>(
+      data.GetOptionalString(SERVER_CONTACT_KEY).get_value_or(""),
+      [data](const std::string& text) mutable { data.SetString(SERVER_CONTACT_KEY, text); });
   return std::make_shared<ServerLink>(options);
 }
 
@@ -93,6 +97,12 @@ EffectiveConfiguration UseConfiguration(const AgentOptions& options, const fs::p
     configuration.enrolmentSecret = options.newConfiguration->enrolmentSecret;
   }
   return configuration;
+}
+
+void RequireHandler(IModule& module, unsigned int code) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
 }
 
 void UseUtf8Characters() {
@@ -137,7 +147,8 @@ AgentHost::AgentHost(const AgentOptions& options) {
   }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module());
+  server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module(),
+                           AgentData(assembled_->parts.dataBase, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

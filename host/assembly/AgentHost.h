@@ -37,6 +37,9 @@ struct AgentOptions {
 EffectiveConfiguration UseConfiguration(const AgentOptions& options,
                                         const boost::filesystem::path& dataFolder);
 
+/// Throws `UsageError` if a module serves no action of this code.
+void RequireHandler(Common::IModule& module, unsigned int code);
+
 /// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();
 

@@ -13,6 +13,7 @@
 #include "host/history/DocumentHistory.h"
 #include "host/identity/AgentIdentity.h"
 #include "host/identity/HardwareIdentity.h"
+#include "host/server/ServerContact.h"
 
 namespace Norvik::Host {
 
@@ -43,6 +44,8 @@ struct ServerOptions {
   std::shared_ptr<DocumentHistory> history;  ///< null: nothing is kept
   std::string enrolmentSecret;               ///< empty: none
   HardwareIdentity hardware;                 ///< of this machine, for its enrolment
+  /// Hears of each request. Not null.
+  std::shared_ptr<ServerContact> contact = std::make_shared<ServerContact>();
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 
