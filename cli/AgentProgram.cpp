@@ -29,7 +29,8 @@ const std::map<std::string, Command>& AllCommands() {
       {"open", RunOpen},           {"apply", RunApply},     {"diff", RunDiff},
       {"action", RunAction},       {"actions", RunActions}, {"configure", RunConfigure},
       {"status", RunStatus},       {"run", RunService},     {"user", RunUser},
-      {"notify", RunNotify},       {"message", RunMessage}, {"record", RunRecord}};
+      {"notify", RunNotify},       {"message", RunMessage}, {"record", RunRecord},
+      {"redact", RunRedact}};
   return commands;
 }
 

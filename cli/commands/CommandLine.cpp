@@ -30,6 +30,9 @@ struct Texts {
   std::string file;
   std::string secondFile;
   std::string outputFile;
+  std::string secretFile;
+  std::string mapFile;
+  std::vector<std::string> files;
   std::string shell;
 };
 
@@ -99,6 +102,24 @@ void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name
       ->type_name("FILE");
 }
 
+void AddRedactCommand(CLI::App& program, Texts& texts) {
+  auto* redact = program.add_subcommand("redact", "print documents without personal data");
+  redact->add_option("FILES", texts.files, "documents of either inventory, plain or sealed")
+      ->required()
+      ->check(NotEmpty);
+  redact->add_option("--output", texts.outputFile, "write to this file, or into this folder")
+      ->check(NotEmpty)
+      ->type_name("PATH");
+  redact
+      ->add_option("--secret-file", texts.secretFile,
+                   "make stand-ins with the secret in this file; it is created if missing")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  redact->add_option("--map", texts.mapFile, "write the stand-ins and their values to this file")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+}
+
 void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
   inventory->add_flag("--incremental", line.incremental, "report only what has changed");
@@ -118,6 +139,8 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
                      {"INCREMENTAL", "what has changed since"});
   AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
                      {"NEW", "the one to compare with it"});
+
+  AddRedactCommand(program, texts);
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();
@@ -183,6 +206,9 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;
+  line.secretFile = texts.secretFile;
+  line.mapFile = texts.mapFile;
+  line.files.assign(texts.files.begin(), texts.files.end());
 }
 
 /// CLI11 reverses the order of unknown arguments, does not report them if something is missing as

@@ -1,4 +1,4 @@
-#include "host/recording/EncodedBytes.h"
+#include "host/redaction/EncodedBytes.h"
 
 #include <sodium.h>
 

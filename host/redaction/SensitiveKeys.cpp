@@ -1,4 +1,4 @@
-#include "host/recording/SensitiveKeys.h"
+#include "host/redaction/SensitiveKeys.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
@@ -13,9 +13,9 @@
 #include <string_view>
 
 #include "host/PropertyListJson.h"
-#include "host/recording/EncodedBytes.h"
-#include "host/recording/SensitiveForms.h"
-#include "host/recording/SensitiveKind.h"
+#include "host/redaction/EncodedBytes.h"
+#include "host/redaction/SensitiveForms.h"
+#include "host/redaction/SensitiveKind.h"
 #include "json/Utf8.h"
 
 namespace Norvik::Host {
