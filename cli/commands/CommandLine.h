@@ -33,7 +33,8 @@ struct CommandLine {
   bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
-  std::string what;                     ///< "software" or "hardware"
+  std::string what;                     ///< "software" or "hardware", or the name of a check
+  bool list = false;                    ///< list the checks
   std::string text;                     ///< the message for the users
 };
 

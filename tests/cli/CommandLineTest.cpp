@@ -1,6 +1,7 @@
 #include "cli/commands/CommandLine.h"
 
 #include "cli/commands/ActionArguments.h"
+#include "cli/commands/NearestName.h"
 #include "common/files/TextFile.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
@@ -33,6 +34,8 @@ Json ParsedFrom(const TextList& arguments) {
           {"file", line.file.string()},
           {"pretty", line.pretty},
           {"redact", line.redact},
+          {"what", line.what},
+          {"list", line.list},
           {"action", line.action},
           {"parameters", line.parameters},
           {"helps", line.help.find("inventory") != std::string::npos}};
@@ -59,6 +62,13 @@ TEST(CommandLine, WrongUseIsReportedOnOneLineWithTheOption) {
                 HasSubstr(row[1].get<std::string>()))
         << row;
   }
+}
+
+TEST(NearestName, IsNamedForAMisspeltOne) {
+  ExpectRows(
+      Rows("unknown names"), +[](const std::string& wrong, const TextList& names) {
+        return UnknownName("key", wrong, names);
+      });
 }
 
 TEST(ActionArguments, ReadsTextsFlagsAndNumbers) {
