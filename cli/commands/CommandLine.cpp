@@ -32,6 +32,7 @@ struct Texts {
   std::string outputFile;
   std::string secretFile;
   std::string mapFile;
+  std::string bundle;
   std::vector<std::string> files;
   std::string shell;
 };
@@ -159,6 +160,10 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* doctor = program.add_subcommand("doctor", "look for what makes an agent fail in silence");
   doctor->add_option("CHECK", line.what, "run only this check")->check(NotEmpty);
   doctor->add_flag("--list", line.list, "list the checks");
+  doctor
+      ->add_option("--bundle", texts.bundle, "write an archive for support, without personal data")
+      ->check(NotEmpty)
+      ->type_name("FILE");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
@@ -212,6 +217,7 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.outputFile = texts.outputFile;
   line.secretFile = texts.secretFile;
   line.mapFile = texts.mapFile;
+  line.bundle = texts.bundle;
   line.files.assign(texts.files.begin(), texts.files.end());
 }
 

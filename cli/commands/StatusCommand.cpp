@@ -8,6 +8,7 @@
 #include "cli/commands/FileInventoryState.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/RunningAgent.h"
+#include "cli/commands/StatusReport.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/InventorySchedules.h"
 #include "common/database/AgentData.h"
@@ -132,39 +133,6 @@ OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   return nullptr;
 }
 
-OrderedJson Gather(const CommandLine& line) {
-  OrderedJson problem;
-  OrderedJson agent = AskForStatus(line.socket, problem);
-  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
-  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
-  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
-  const fs::path folder = Paths(Paths::DATA, false).AppData();
-  if (folderOfAgent != folder) agent = nullptr;
-  if (fs::exists(folder) && !fs::is_directory(folder)) {
-    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
-  }
-  const Stored database = ReadStored(folder);
-  const auto identity = ReadIdentity(folder / IDENTITY_FILE);
-  const fs::path stored = folder / CONFIGURATION_FILE;
-  const bool configured = fs::exists(stored);
-  const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
-  return {{"dataFolder", folder.string()},
-          {"agent", agent},
-          {"agentProblem", problem},
-          {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
-          {"configured", configured},
-          {"sources", configuration.sources},
-          {"profileId", configuration.values.profileId},
-          {"server", configuration.values.communications.address},
-          {"deliveryProblem",
-           DeliveryProblem(configuration.values.communications, folder / KEY_FOLDER)},
-          {"lastInventory", LastInventory(database.data)},
-          {"fileInventory", database.fileInventory},
-          {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
-          {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
-          {"periodic", PeriodicActions(database.data)}};
-}
-
 std::string FileLines(const char* title, const OrderedJson& files) {
   std::string text;
   for (const auto& file : files) {
@@ -206,9 +174,42 @@ std::string ToText(const OrderedJson& status) {
 
 }  // namespace
 
+OrderedJson StatusOf(const CommandLine& line) {
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
+  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
+  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
+  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
+  const fs::path folder = Paths(Paths::DATA, false).AppData();
+  if (folderOfAgent != folder) agent = nullptr;
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
+  }
+  const Stored database = ReadStored(folder);
+  const auto identity = ReadIdentity(folder / IDENTITY_FILE);
+  const fs::path stored = folder / CONFIGURATION_FILE;
+  const bool configured = fs::exists(stored);
+  const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
+  return {{"dataFolder", folder.string()},
+          {"agent", agent},
+          {"agentProblem", problem},
+          {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
+          {"configured", configured},
+          {"sources", configuration.sources},
+          {"profileId", configuration.values.profileId},
+          {"server", configuration.values.communications.address},
+          {"deliveryProblem",
+           DeliveryProblem(configuration.values.communications, folder / KEY_FOLDER)},
+          {"lastInventory", LastInventory(database.data)},
+          {"fileInventory", database.fileInventory},
+          {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
+          {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
+          {"periodic", PeriodicActions(database.data)}};
+}
+
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  const OrderedJson status = Gather(line);
+  const OrderedJson status = StatusOf(line);
   output << (line.json ? JsonLine(status) : ToText(status));
   const auto problem = status["deliveryProblem"].get<std::string>();
   if (problem.empty()) return EXIT_DONE;

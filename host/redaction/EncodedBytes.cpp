@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <boost/algorithm/hex.hpp>
 #include <string_view>
+#include <utility>
+
+#include "json/Utf8.h"
 
 namespace Norvik::Host {
 
@@ -14,6 +17,39 @@ namespace {
 constexpr std::size_t LEAST_HEX_DIGITS = 12;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+bool IsBase64Digit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '+' ||
+         c == '/' || c == '-' || c == '_';
+}
+
+/// Without its padding.
+int VariantOf(const std::string& text) {
+  return text.find_first_of("-_") == std::string::npos ? sodium_base64_VARIANT_ORIGINAL_NO_PADDING
+                                                       : sodium_base64_VARIANT_URLSAFE_NO_PADDING;
+}
+
+std::string Decoded(const std::string& text, int variant) {
+  std::string bytes(text.size(), '\0');
+  std::size_t length = 0;
+  const int failure =
+      ::sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), text.data(),
+                          text.size(), " \t\r\n", &length, nullptr, variant);
+  bytes.resize(failure == 0 ? length : 0);
+  return bytes;
+}
+
+std::string Encoded(const std::string& bytes, std::string text, int variant) {
+  std::string encoded(::sodium_base64_encoded_len(bytes.size(), variant), '\0');
+  ::sodium_bin2base64(encoded.data(), encoded.size(),
+                      reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), variant);
+  encoded.pop_back();
+  auto next = encoded.begin();
+  for (char& c : text) {
+    if (!IsBlank(c) && next != encoded.end()) c = *next++;
+  }
+  return text;
+}
 
 }  // namespace
 
@@ -42,27 +78,34 @@ void ForEachDataPart(const std::string& text, const TakePart& take) {
   }
 }
 
+void ForEachBase64Part(const std::string& text, const TakePart& take) {
+  constexpr std::size_t LEAST = 8;
+  for (auto at = text.begin(); at != text.end();) {
+    at = std::find_if(at, text.end(), IsBase64Digit);
+    auto end = std::find_if_not(at, text.end(), IsBase64Digit);
+    for (int padding = 0; padding < 2 && end != text.end() && *end == '='; ++padding) ++end;
+    const auto begin = static_cast<std::size_t>(at - text.begin());
+    const auto length = static_cast<std::size_t>(end - at);
+    at = end;
+    if (length >= LEAST) take(begin, length);
+  }
+}
+
 std::string FromBase64(const std::string& text) {
-  std::string bytes(text.size(), '\0');
-  std::size_t length = 0;
-  const int failure =
-      ::sodium_base642bin(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size(), text.data(),
-                          text.size(), " \t\r\n", &length, nullptr, sodium_base64_VARIANT_ORIGINAL);
-  bytes.resize(failure == 0 ? length : 0);
-  return bytes;
+  return Decoded(text, sodium_base64_VARIANT_ORIGINAL);
+}
+
+std::string FromAnyBase64(const std::string& text) {
+  return Decoded(text.substr(0, text.find('=')), VariantOf(text));
 }
 
 std::string ToBase64(const std::string& bytes, std::string text) {
-  std::string encoded(sodium_base64_ENCODED_LEN(bytes.size(), sodium_base64_VARIANT_ORIGINAL),
-                      '\0');
-  ::sodium_bin2base64(encoded.data(), encoded.size(),
-                      reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
-                      sodium_base64_VARIANT_ORIGINAL);
-  auto next = encoded.begin();
-  for (char& c : text) {
-    if (!IsBlank(c) && next != encoded.end()) c = *next++;
-  }
-  return text;
+  return Encoded(bytes, std::move(text), sodium_base64_VARIANT_ORIGINAL);
+}
+
+std::string ToAnyBase64(const std::string& bytes, std::string text) {
+  const int variant = VariantOf(text);
+  return Encoded(bytes, std::move(text), variant);
 }
 
 std::string FromHex(const std::string& digits) { return boost::algorithm::unhex(digits); }
@@ -71,6 +114,13 @@ std::string ToHex(const std::string& bytes, const std::string& digits) {
   const bool isUpper =
       std::any_of(digits.begin(), digits.end(), [](char c) { return c >= 'A' && c <= 'F'; });
   return isUpper ? boost::algorithm::hex(bytes) : boost::algorithm::hex_lower(bytes);
+}
+
+bool IsText(const std::string& bytes) {
+  return !bytes.empty() && json::IsUtf8(bytes) &&
+         std::none_of(bytes.begin(), bytes.end(), [](char c) {
+           return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\r' && c != '\n';
+         });
 }
 
 }  // namespace Norvik::Host

@@ -6,9 +6,7 @@
 #include <boost/algorithm/hex.hpp>
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/split.hpp>
 #include <cstdio>
-#include <functional>
 #include <iterator>
 
 namespace Norvik::Host {
@@ -39,11 +37,6 @@ std::uint32_t BeginningOf(const std::string& text, std::size_t at) {
     beginning = beginning << 8 | static_cast<unsigned char>(text[next]);
   }
   return beginning;
-}
-
-std::vector<std::string> PartsOf(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  return boost::split(parts, text, [=](char c) { return c == separator; });
 }
 
 /// The digits in groups of these lengths, with a separator between them.
