@@ -57,9 +57,10 @@ std::string RedactedDocuments::Next() {
     RedactDocument(document, replacements_);
     return Documents::TextOf(document);
   }
+  FileRedaction files(replacements_);
   return Documents::RewriteFileDocument(
       std::exchange(texts_[at], {}),
-      [&](std::string& folder, Documents::Json& file) { RedactFile(folder, file, replacements_); },
+      [&](std::string& folder, Documents::Json& file) { files.Redact(folder, file); },
       [&](Documents::Json& rest) { RedactDocument(rest, replacements_); });
 }
 

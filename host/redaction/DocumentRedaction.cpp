@@ -86,22 +86,24 @@ void AddUsersOfPaths(const std::string& document, Replacements& replacements) {
   });
 }
 
-void RedactFile(std::string& folder, json& file, const Replacements& replacements) {
-  bool isPersonal = false;
-  folder = RedactedPath(folder, replacements, &isPersonal);
+void FileRedaction::Redact(std::string& folder, json& file) {
+  // Mostly it has several files.
+  if (folder != folder_ || redacted_.empty()) {
+    folder_ = folder;
+    redacted_ = RedactedPath(folder, replacements_, &isPersonal_);
+  }
+  folder = redacted_;
   for (const auto& item : file.items()) {
-    if (item.key() != "filename" || !item.value().is_string()) {
-      ForEachValue("files", item.key(), item.value(),
-                   [&](const auto& section, const auto& key, json& value) {
-                     if (value.is_string()) {
-                       value = RedactedValue(KindOf(section, key), value, replacements);
-                     }
-                   });
+    json& value = item.value();
+    if (item.key() == "filename" && value.is_string()) {
+      const std::string name = value;
+      value = isPersonal_ ? replacements_.GetStandIns().OfText(name)
+                          : RedactedValue(Kind::WORDS, name, replacements_);
       continue;
     }
-    const std::string name = item.value();
-    item.value() = isPersonal ? replacements.GetStandIns().OfText(name)
-                              : RedactedValue(Kind::WORDS, name, replacements);
+    ForEachValue("files", item.key(), value, [&](const auto& section, const auto& key, json& text) {
+      if (text.is_string()) text = RedactedValue(KindOf(section, key), text, replacements_);
+    });
   }
 }
 

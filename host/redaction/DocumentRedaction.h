@@ -24,7 +24,18 @@ void RedactDocument(nlohmann::json& document, const Replacements& replacements);
 /// Adds the users in the paths of a document of the file inventory.
 void AddUsersOfPaths(const std::string& document, Replacements& replacements);
 
-/// Replaces a folder and a record of a file in it.
-void RedactFile(std::string& folder, nlohmann::json& file, const Replacements& replacements);
+/// Replaces folders and the records of files in them.
+class FileRedaction {
+ public:
+  /// @param replacements must outlive this
+  explicit FileRedaction(const Replacements& replacements) : replacements_(replacements) {}
+  void Redact(std::string& folder, nlohmann::json& file);
+
+ private:
+  const Replacements& replacements_;
+  std::string folder_;  ///< the last one
+  std::string redacted_;
+  bool isPersonal_ = false;
+};
 
 }  // namespace Norvik::Host

@@ -116,6 +116,29 @@ std::string ToHex(const std::string& bytes, const std::string& digits) {
   return isUpper ? boost::algorithm::hex(bytes) : boost::algorithm::hex_lower(bytes);
 }
 
+std::string FromPercent(const std::string& text) {
+  std::string bytes;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool isEscape = text[at] == '%' && at + 2 < text.size() && IsHexDigit(text[at + 1]) &&
+                          IsHexDigit(text[at + 2]);
+    bytes += isEscape ? FromHex(text.substr(at + 1, 2))[0] : text[at];
+    if (isEscape) at += 2;
+  }
+  return bytes;
+}
+
+std::string ToPercent(const std::string& bytes) {
+  static constexpr std::string_view PLAIN = "-._~/:@?&=;,+!*()";
+  static constexpr char DIGITS[] = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool isPlain = (c != '/' && IsBase64Digit(c)) || PLAIN.find(c) != std::string_view::npos;
+    text += isPlain ? std::string(1, c) : std::string{'%', DIGITS[byte >> 4], DIGITS[byte & 0xF]};
+  }
+  return text;
+}
+
 bool IsText(const std::string& bytes) {
   return !bytes.empty() && json::IsUtf8(bytes) &&
          std::none_of(bytes.begin(), bytes.end(), [](char c) {

@@ -29,6 +29,11 @@ std::string FromHex(const std::string& digits);
 /// In upper case if `digits` have an upper-case letter.
 std::string ToHex(const std::string& bytes, const std::string& digits);
 
+/// A text without the escapes of a URI, and with them: all but letters, digits and what separates
+/// the parts of a URI.
+std::string FromPercent(const std::string& text);
+std::string ToPercent(const std::string& bytes);
+
 bool IsHexDigit(char c);
 
 /// Whether bytes are UTF-8 without control characters but blanks and line ends, and not empty.

@@ -9,7 +9,6 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <cctype>
 #include <cstddef>
-#include <cstring>
 #include <initializer_list>
 #include <locale>
 #include <string_view>
@@ -83,21 +82,7 @@ std::string RedactedName(const std::string& text, const StandIns& standIns) {
 
 /// A part of a URI, with its escapes.
 std::string RedactedUriPart(const std::string& part, const StandIns& standIns) {
-  static constexpr char DIGITS[] = "0123456789ABCDEF";
-  std::string plain;
-  for (std::size_t at = 0; at < part.size(); ++at) {
-    const bool isEscape = part[at] == '%' && at + 2 < part.size() && IsHexDigit(part[at + 1]) &&
-                          IsHexDigit(part[at + 2]);
-    plain += isEscape ? FromHex(part.substr(at + 1, 2))[0] : part[at];
-    if (isEscape) at += 2;
-  }
-  std::string result;
-  for (const char c : standIns.OfText(plain)) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool isPlain = byte > ' ' && byte < 0x7F && !std::strchr("%/?&=\"<>[]", c);
-    result += isPlain ? std::string(1, c) : std::string{'%', DIGITS[byte >> 4], DIGITS[byte & 0xF]};
-  }
-  return result;
+  return ToPercent(standIns.OfText(FromPercent(part)));
 }
 
 std::string RedactedAuthority(const std::string& authority, const StandIns& standIns) {

@@ -33,6 +33,8 @@ using Kind = SensitiveKind;
 
 constexpr std::size_t LEAST_SECRET = 8;
 constexpr int MAX_DEPTH = 3;
+/// So many addresses are also searched for in other forms.
+constexpr std::size_t MAX_FORMS = 5000;
 /// Of a line that is read at once.
 constexpr std::size_t PIECE = 4096;
 
@@ -154,8 +156,11 @@ void BundleRedaction::AddKeys() {
 
 void BundleRedaction::AddTexts(const std::string& text) {
   AddKeyedValues(text, bytes_.replacements);
-  ForEachHomeFolder(text, [&](Kind kind, const std::string& user) {
-    AddSensitive(kind, user, bytes_.replacements);
+  ForEachForm(text, [&](Kind kind, const std::string& value) {
+    // Where they are written as usual, they are found by their form anyway.
+    const bool isKnownOnlySo = kind == Kind::NAME || kind == Kind::HOST;
+    if (!isKnownOnlySo && bytes_.replacements.Count() > MAX_FORMS) return;
+    AddSensitive(kind, value, bytes_.replacements);
   });
 }
 
@@ -188,6 +193,24 @@ std::string BundleRedaction::RedactedHomePath(const std::string& path) const {
   }
   bool isPersonal = false;
   return RedactedPath(path, bytes_.replacements, &isPersonal);
+}
+
+/// Words with the escapes of a URI.
+std::string BundleRedaction::RedactedEscapes(const std::string& text, int depth) const {
+  static constexpr std::string_view BLANKS = " \t\r\n\"'<>"sv;
+  std::string result;
+  std::size_t done = 0;
+  for (auto at = text.find('%'); at != std::string::npos; at = text.find('%', done)) {
+    const std::size_t begin = std::max(done, text.find_last_of(BLANKS, at) + 1);
+    const std::size_t end = std::min(text.find_first_of(BLANKS, at), text.size());
+    const std::string plain = FromPercent(text.substr(begin, end - begin));
+    const bool isRead = plain.size() != end - begin && IsText(plain);
+    const std::string redacted = isRead ? RedactedText(plain, depth + 1) : plain;
+    result += text.substr(done, begin - done);
+    result += redacted == plain ? text.substr(begin, end - begin) : ToPercent(redacted);
+    done = end;
+  }
+  return result + text.substr(done);
 }
 
 /// Parts in Base64 or hexadecimal digits; what is in them and cannot be read becomes unreadable.
@@ -240,7 +263,8 @@ std::string BundleRedaction::RedactedLine(const std::string& line) const {
 }
 
 std::string BundleRedaction::RedactedText(const std::string& text, int depth) const {
-  const std::string parts = depth < MAX_DEPTH ? RedactedParts(text, depth) : text;
+  const std::string parts =
+      depth < MAX_DEPTH ? RedactedParts(RedactedEscapes(text, depth), depth) : text;
   std::string result;
   for (std::size_t at = 0; at < parts.size();) {
     std::size_t end = std::min(parts.find('\n', at), parts.size());
