@@ -11,6 +11,8 @@ namespace {
 
 using namespace Norvik;
 using namespace Norvik::Tests;
+using Documents::ApplyIncrement;
+using Documents::DifferenceOf;
 using Documents::NamedText;
 
 constexpr char MACHINE[] = NORVIK_SOURCE_DIR "/tests/machines/intel-t2";

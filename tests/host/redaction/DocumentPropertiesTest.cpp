@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/Cases.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ class Schemas {
     if (node.contains("$ref")) {
       const std::string target = node["$ref"];
       const auto hash = target.find('#');
-      const std::string other = hash == 0 ? schema : target.substr(20, hash - 20);
+      const std::string other = hash == 0 ? schema : target.substr(18, hash - 18);
       Walk(other, schemas_.at(other).at(PlainJson::json_pointer(target.substr(hash + 1))), section,
            key, found);
     } else if (node.contains("items")) {
