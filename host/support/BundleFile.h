@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ struct BundleNote {
   std::string name;
   std::string why;
 };
+
+/// How deep JSON may nest; what is deeper is a text.
+inline constexpr std::size_t MAX_NESTING = 64;
 
 /// What goes into a support archive.
 struct BundleContent {

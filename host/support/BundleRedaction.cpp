@@ -21,6 +21,7 @@
 #include "host/redaction/SensitiveForms.h"
 #include "host/redaction/SensitiveKeys.h"
 #include "host/redaction/ValueRedaction.h"
+#include "json/Nesting.h"
 
 namespace Norvik::Host {
 
@@ -83,7 +84,13 @@ std::size_t EndOfPath(const std::string& line, std::size_t begin) {
   return end;
 }
 
+OrderedJson ParsedJson(const std::string& text) {
+  if (::json::NestsDeeperThan(text, MAX_NESTING)) return OrderedJson::value_t::discarded;
+  return OrderedJson::parse(text, nullptr, /*allow_exceptions=*/false);
+}
+
 json ParsedDocument(const std::string& text) {
+  if (::json::NestsDeeperThan(text, MAX_NESTING)) return json::value_t::discarded;
   std::istringstream stream(text);
   Common::MaskedDocument masked(stream);
   std::istream input(&masked);
@@ -127,7 +134,7 @@ void BundleRedaction::AddIdentity() {
   try {
     const std::string text = Common::ReadTextFile(folder_ / IDENTITY_FILE);
     AddTexts(text);
-    const OrderedJson identity = OrderedJson::parse(text, nullptr, /*allow_exceptions=*/false);
+    const OrderedJson identity = ParsedJson(text);
     if (!identity.is_object()) return;
     AddJson("", identity);
     for (const auto& [key, value] : identity.items()) {
@@ -182,7 +189,7 @@ void BundleRedaction::AddValues(const BundleFile& file) {
   if (file.kind == BundleFile::Kind::DOCUMENT) {
     AddValuesOfDocument(ParsedDocument(file.content), bytes_.replacements);
   } else if (file.kind == BundleFile::Kind::JSON) {
-    AddJson("", OrderedJson::parse(file.content, nullptr, /*allow_exceptions=*/false));
+    AddJson("", ParsedJson(file.content));
   }
 }
 
@@ -312,7 +319,7 @@ std::string BundleRedaction::Redacted(const BundleFile& file) const {
       text = Common::MaskedDocument::Unmask(document.dump()) + "\n";
     }
   } else if (file.kind == BundleFile::Kind::JSON) {
-    const auto value = OrderedJson::parse(file.content, nullptr, /*allow_exceptions=*/false);
+    const OrderedJson value = ParsedJson(file.content);
     if (!value.is_discarded()) text = JsonLine(RedactedJson("", value));
   }
   if (text.empty()) text = RedactedText(file.content);

@@ -14,6 +14,7 @@
 #include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/data/DataFolder.h"
+#include "json/Nesting.h"
 
 namespace Norvik::Host {
 
@@ -104,7 +105,8 @@ void AddPrevious(const fs::path& folder, BundleContent& content) {
 }
 
 OrderedJson CellOf(const std::string& text) {
-  const bool isJson = !text.empty() && (text[0] == '{' || text[0] == '[');
+  const bool isJson = !text.empty() && (text[0] == '{' || text[0] == '[') &&
+                      !::json::NestsDeeperThan(text, MAX_NESTING);
   const OrderedJson value = isJson ? OrderedJson::parse(text, nullptr, false) : OrderedJson();
   return value.is_structured() ? value : OrderedJson(text);
 }
