@@ -177,6 +177,10 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
 
   program.add_subcommand("status", "print the state of the agent");
 
+  auto* doctor = program.add_subcommand("doctor", "look for what makes an agent fail in silence");
+  doctor->add_option("CHECK", line.what, "run only this check")->check(NotEmpty);
+  doctor->add_flag("--list", line.list, "list the checks");
+
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
   record->add_flag("--redact", line.redact, "replace serial numbers, names and addresses");

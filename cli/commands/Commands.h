@@ -41,6 +41,9 @@ int RunActions(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Shows the state of the agent. Creates no files or folders, and loads no module.
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Looks for what makes an agent fail in silence. Creates and changes nothing. See
+/// `AreChecksRunning` for the end of the process.
+int RunDoctor(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Records this machine, or the recorded one that takes its place. Leaves the agent's data alone.
 int RunRecord(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Runs the agent's service until a signal ends it.

@@ -14,6 +14,8 @@
 namespace Norvik::Cli {
 
 using Host::OrderedJson;
+using Host::PeriodText;
+using Host::SizeText;
 
 /// A cell of a response's table: numbers and booleans as such, everything else as text.
 OrderedJson CellToJson(const Common::ActionPropertyValue& value);
@@ -43,12 +45,6 @@ std::string SourceLines(const OrderedJson& sources);
 /// A message for the error channel, on one line: "norvik-agent: text", or in JSON
 /// {"message":"text"}.
 std::string MessageLine(bool json, const std::string& text);
-
-/// "812 bytes", "58.3 kB", "1.2 GB": decimal units.
-std::string SizeText(std::uintmax_t bytes);
-
-/// A period in its largest two units: "7 days", "1 hour 30 minutes", "45 seconds".
-std::string PeriodText(std::chrono::seconds period);
 
 /// "0.123 s"
 std::string SecondsText(double seconds);

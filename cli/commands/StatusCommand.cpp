@@ -21,6 +21,7 @@
 #include "host/data/DataFolder.h"
 #include "host/identity/AgentIdentity.h"
 #include "host/ipc/AskAgent.h"
+#include "host/ledger/LedgerTable.h"
 
 namespace Norvik::Cli {
 
@@ -40,6 +41,7 @@ OrderedJson TimeToJson(system_clock::time_point time) {
 struct Stored {
   std::map<std::string, std::string> data;  ///< rows of the "DATA" table
   OrderedJson fileInventory;
+  OrderedJson lastRun;  ///< of machine inventories, as the ledger has it
 };
 
 std::map<std::string, std::string> ReadData(AgentDatabase& dataBase) {
@@ -60,7 +62,7 @@ std::map<std::string, std::string> ReadData(AgentDatabase& dataBase) {
 Stored ReadStored(const fs::path& folder) {
   if (!fs::exists(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME)) return {};
   AgentDatabase dataBase(folder, AgentDatabase::Access::ReadOnly);
-  return {ReadData(dataBase), ReadFileInventoryState()};
+  return {ReadData(dataBase), ReadFileInventoryState(), LastRunOf({ReadLedgerRuns(), ""})};
 }
 
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
@@ -164,7 +166,7 @@ OrderedJson Gather(const CommandLine& line) {
           {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
           {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
           {"periodic", PeriodicActions(database.data)},
-          {"ledger", LastRunOf(ReadLedger(folder))}};
+          {"ledger", database.lastRun}};
 }
 
 std::string FileLines(const char* title, const OrderedJson& files) {

@@ -20,6 +20,10 @@ const std::map<std::string, const char*>& Examples() {
                                                               {"explain", R"(
   norvik-agent explain /Applications/Example.app
   norvik-agent --config FILE explain /Users/anna/notes.txt   with another configuration)"},
+                                                              {"why", R"(
+  norvik-agent why                              each section of the document, and the costliest
+  norvik-agent why displays.serial              one property
+  norvik-agent why bios --json                  for programs)"},
                                                               {"open", R"(
   norvik-agent open outbox/mac-17.jsonkob       on one line, as the server gets it
   norvik-agent open --pretty previous/mac-17.jsonkob)"},

@@ -33,8 +33,8 @@ std::string TextAt(const Json& object, const char* key) { return object.value(ke
 const Json& PropertiesOf(const Json& property) {
   static const Json none;
   if (property.contains("$ref")) {
-    const std::string reference = property["$ref"];
-    return PropertiesOf(Schema().at(Json::json_pointer(reference.substr(1))));
+    const std::string reference = property["$ref"];  // "#/$defs/bios"
+    return PropertiesOf(Schema()["$defs"].at(reference.substr(reference.rfind('/') + 1)));
   }
   if (property.contains("items")) return PropertiesOf(property["items"]);
   const auto found = property.find("properties");

@@ -164,6 +164,9 @@ class ProgramSteps : public StepsTest, public Program {
     Verb("follows", [this](const std::string& document, const std::string& schema) {
       ExpectValid(schema, RunWell(Filled(TextList{"open", document})).output);
     });
+    Verb("answers by", [this](const std::string& schema, const TextList& words) {
+      ExpectValid(schema, Run(Filled(words)).output);
+    });
     Verb("keep", [this](const std::string& name, const std::string& place) {
       kept_[name] = answer_.at(Json::json_pointer(place)).get<std::string>();
     });

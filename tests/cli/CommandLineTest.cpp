@@ -36,6 +36,8 @@ Json ParsedFrom(const TextList& arguments) {
           {"file", line.file.string()},
           {"pretty", line.pretty},
           {"redact", line.redact},
+          {"what", line.what},
+          {"list", line.list},
           {"action", line.action},
           {"parameters", line.parameters},
           {"helps", line.help.find("inventory") != std::string::npos}};

@@ -99,6 +99,8 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
     EXPECT_TRUE(
         Eventually([&] { return CountOf("message: two\nmessage: lines\n", user->Output()) == 1; }));
   }
+  EXPECT_THAT(RunWell({"doctor", "user-processes"}).output, HasSubstr("2 are connected"));
+  RunWell({"doctor", "service-answers"});
   RunWell({"notify", "hardware"});
   EXPECT_TRUE(Logs("Hardware changes successful"));
   EXPECT_EQ(Run({"notify", "weather"}).code, 2);
