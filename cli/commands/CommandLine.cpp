@@ -51,6 +51,8 @@ that needs a person.
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
   norvik-agent open --pretty FILE              read what it has written
+  norvik-agent show software                   the software that the last inventory found
+  norvik-agent history --changes --since 7d    what has changed in a week
   norvik-agent configure --check FILE          check a configuration, store nothing
   norvik-agent status --json                   the state of the agent, for programs
   norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
