@@ -22,6 +22,9 @@ boost::optional<Finding> NoDatabase(const Examined& examined) {
   if (database.state == State::MISSING) {
     return Finding{Outcome::UNKNOWN, "there is no database", START_AGENT};
   }
+  if (database.state == State::DAMAGED) {
+    return Finding{Outcome::UNKNOWN, "the database is damaged", "see the check database"};
+  }
   if (database.schemaVersion >= 0) return boost::none;
   return Finding{Outcome::UNKNOWN, "the database cannot be read: " + database.problem,
                  "see the check database"};
