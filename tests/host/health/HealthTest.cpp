@@ -59,7 +59,7 @@ class BrokenSetups : public StepsTest {
     WriteFile(data_ / "log/agent.log", "");
     Common::SealingKeys(data_ / "keys").ForSealing();
     fs::copy_file(data_ / "keys/agent.pub", data_ / "keys/server.pub");
-    Configure({});
+    Configure(Json::object());
     Sql("insert into DATA values('LAST_DOCUMENT', '" +
         std::to_string(system_clock::to_time_t(options_.now) - 60) + "')");
     options_.dataFolder = data_;
