@@ -1,6 +1,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 #include "common/identification/HostInfoProvider.h"
@@ -44,6 +45,22 @@ SectionKeys KeysOf(Members Of::*... members) {
   SectionKeys keys;
   (AddKeys(inventory, &(inventory.*members), sizeof(inventory.*members), keys), ...);
   return keys;
+}
+
+Common::RecordCounts CountsOf(const Of& inventory) {
+  Common::RecordCounts counts;
+  ForEachSection([&](const auto& section) {
+    using Section = std::decay_t<decltype(section)>;
+    const auto& value = section.In(inventory);
+    if constexpr (Section::isList) {
+      counts[section.key] = value.size();
+    } else if constexpr (Section::kind == SectionKind::Location) {
+      counts[section.key] = value.IsZero() ? 0 : 1;
+    } else {
+      counts[section.key] = 1;
+    }
+  });
+  return counts;
 }
 
 /// Logs first: if making the section fails, the log shows which one it was.
@@ -130,6 +147,7 @@ KobInventory::InventoryPointer KobInventory::GenerateInventoryKOB() {
   it.portConnectors = setup_.portConnectors;
   retrieve(&Of::processors, "Retrieving processor section", &From::GetProcessorsSection);
   it.setup = setup_;
+  Common::ReportRecords(CountsOf(it));
   return inventory;
 }
 

@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/join.hpp>
 
 #include "cli/RecordedMachineOption.h"
+#include "cli/help/Examples.h"
 #include "cli/help/HelpPages.h"
 #include "common/identification/HostInfoProvider.h"
 #include "host/HostError.h"
@@ -30,6 +31,7 @@ struct Texts {
   std::string file;
   std::string secondFile;
   std::string outputFile;
+  std::string keys;
   std::string secretFile;
   std::string mapFile;
   std::string bundle;
@@ -43,10 +45,14 @@ constexpr char FOOTER[] =
              ~/Library/Application Support/Norvik for a user
   elsewhere  $XDG_STATE_HOME/norvik, or ~/.local/state/norvik without that variable
 The socket of the service is /var/run/norvik/agent.sock for root, agent.sock in the data folder otherwise.
+The exit code is 0 after success, 1 after a failure, 2 for wrong use, and 3 if `status` has found something
+that needs a person.
 
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
   norvik-agent open --pretty FILE              read what it has written
+  norvik-agent show software                   the software that the last inventory found
+  norvik-agent history --changes --since 7d    what has changed in a week
   norvik-agent configure --check FILE          check a configuration, store nothing
   norvik-agent status --json                   the state of the agent, for programs
   norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
@@ -91,6 +97,12 @@ struct Argument {
   const char* meaning;
 };
 
+void AddKeysOption(CLI::App& command, Texts& texts) {
+  command.add_option("--keys", texts.keys, "the folder with the key that opens sealed documents")
+      ->check(NotEmpty)
+      ->type_name("DIR");
+}
+
 void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
                         const Argument& first, const Argument& second) {
   const char* const meaning = name == "apply" ? "apply an incremental document to a full one"
@@ -101,6 +113,34 @@ void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name
   command->add_option("--output", texts.outputFile, "write the document to this file")
       ->check(NotEmpty)
       ->type_name("FILE");
+  AddKeysOption(*command, texts);
+}
+
+void AddCommandsThatShowDocuments(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* show = program.add_subcommand("show", "show sections of the last inventory");
+  show->add_option("SECTIONS", line.sections, "keys of the document; default: all");
+  auto* list = show->add_flag("--list", line.list, "list the sections and count their records");
+  auto* live = show->add_flag("--live", line.live, "take a new inventory, which is not kept");
+  show->add_flag("--csv", line.csv, "print one section as comma-separated values")->excludes(list);
+  show->add_option("--file", texts.file, "show this document, sealed or plain")
+      ->check(NotEmpty)
+      ->type_name("FILE")
+      ->excludes(live);
+  AddKeysOption(*show, texts);
+
+  auto* history = program.add_subcommand("history", "list the documents that were made");
+  auto* changes = history->add_flag("--changes", line.changes, "tell what changed, and when");
+  history->add_option("--section", line.sections, "only changes of this section")
+      ->check(NotEmpty)
+      ->type_name("KEY")
+      ->expected(1)
+      ->needs(changes);
+  history
+      ->add_option("--since", line.since,
+                   "2026-01-31, 2026-01-31T12:00:00Z, 7d or 12h; default: all")
+      ->check(NotEmpty)
+      ->type_name("TIME");
+  AddKeysOption(*history, texts);
 }
 
 void AddRedactCommand(CLI::App& program, Texts& texts) {
@@ -132,14 +172,20 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* explain = program.add_subcommand("explain", "say whether a file inventory lists a path");
   explain->add_option("PATH", texts.file, "the path to look at")->required()->check(NotEmpty);
 
+  auto* why = program.add_subcommand("why", "say where a part of the document comes from");
+  why->add_option("KEY", line.what, "a section, or a property as displays.serial; default: all")
+      ->check(NotEmpty);
+
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
   open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
   open->add_flag("--pretty", line.pretty, "indent the document");
+  AddKeysOption(*open, texts);
 
   AddDocumentCommand(program, texts, "apply", {"FULL", "the full document"},
                      {"INCREMENTAL", "what has changed since"});
   AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
                      {"NEW", "the one to compare with it"});
+  AddCommandsThatShowDocuments(program, line, texts);
 
   AddRedactCommand(program, texts);
 
@@ -215,6 +261,7 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;
+  line.keyFolder = texts.keys;
   line.secretFile = texts.secretFile;
   line.mapFile = texts.mapFile;
   line.bundle = texts.bundle;
@@ -251,6 +298,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   AddGlobalOptions(program, line, texts);
   AddCommands(program, line, texts);
   AddCommandsOfRunningAgents(program, line);
+  AddExamples(program);
 
   // CLI11 reads them from the back.
   std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
@@ -271,6 +319,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     line.help = texts.shell.empty() ? ManualOf(program) : CompletionsOf(program, texts.shell);
     line.command.clear();
     return line;
+  }
+  for (const char* name : {"--config", "--log-level", "--machine", "--module", "--user-process"}) {
+    const CLI::Option* const option = program.get_option_no_throw(name);
+    if (option && option->count() > 0) line.ownOptions.emplace_back(name);
   }
   ApplyOptions(texts, line);
   return line;

@@ -17,11 +17,17 @@ struct CommandLine {
   boost::filesystem::path socket;   ///< of the running agent
   bool dataFolderGiven = false;     ///< by --data; else `agent.dataFolder` is the default
   bool json = false;
+  /// Names of the given options that only an agent of this process can obey.
+  std::vector<std::string> ownOptions;
   // Options and arguments of single commands.
   bool incremental = false;
   bool scheduled = false;
   bool pretty = false;
   bool check = false;
+  bool list = false;
+  bool live = false;
+  bool csv = false;
+  bool changes = false;
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
   boost::filesystem::path outputFile;  ///< empty: standard output
@@ -34,9 +40,11 @@ struct CommandLine {
   bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
-  std::string what;                     ///< "software" or "hardware", or the name of a check
-  bool list = false;                    ///< list the checks
-  std::string text;                     ///< the message for the users
+  std::string what;  ///< "software" or "hardware"; a key of the document; the name of a check
+  std::string text;  ///< the message for the users
+  boost::filesystem::path keyFolder;  ///< opens sealed documents; empty: that of a data folder
+  std::vector<std::string> sections;  ///< of a document, not checked yet
+  std::string since;                  ///< a time, not parsed yet; or empty
 };
 
 /// Parses the command line and fills in the defaults. Throws `UsageError`.

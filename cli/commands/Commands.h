@@ -7,7 +7,12 @@
 namespace Norvik::Cli {
 
 /// Exit codes of the program.
-enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
+enum ExitCode : int {
+  EXIT_DONE = 0,
+  EXIT_FAILED = 1,
+  EXIT_WRONG_USE = 2,
+  EXIT_ATTENTION = 3,  ///< of `status`: it has worked, and something needs a person
+};
 
 // The commands of the program. Each writes its answer to `output`, each failure as one line to
 // `errors`, and returns an exit code. If it throws `UsageError` or another subclass of
@@ -19,8 +24,16 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
 int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Explains whether the next file inventory would list a path. Changes nothing.
 int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Explains a key of the document: its source, what is missing for it, its last times. Changes
+/// nothing.
+int RunWhy(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Shows sections of the last inventory, of a file or of a new inventory. Leaves the agent's data
+/// alone.
+int RunShow(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Lists the documents that are kept, or tells what they changed. Changes nothing.
+int RunHistory(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the incremental document that leads from one full document to another.

@@ -60,10 +60,11 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   AgentOptions options = line.agent;
   // The module is created with the stored configuration, so that it notices the change. It reads
   // the server's settings only on creation, so these are the new ones.
-  options.communications = configuration.communications;
+  options.newConfiguration = given.configuration;
   AgentHost host(options);
   const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
   WriteTextFile(stored, given.text);
+  if (host.History()) host.History()->SetLimits(given.configuration.history);
 
   if (!line.json) {
     output << "applying it; if it differs from the last one, an inventory is taken" << std::endl;
@@ -71,7 +72,7 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   const auto recorder = std::make_shared<StatusRecorder>();
   const ProgressListenerScope listening(recorder);
   ActionParameters parameters;
-  parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
+  parameters.Set(COMMON_PARAMETER_CONFIGURATION, ForModule(given.configuration, host.Identifier()));
   host.Run(COMMON_ACTION_NEW_CONFIGURATION, parameters);
 
   const auto statuses = recorder->Statuses();

@@ -24,6 +24,7 @@ constexpr std::size_t MAX_DOCUMENT_BYTES = std::size_t{1} << 30;
 
 /// Folders to look for a key in, best first.
 std::vector<fs::path> KeyFolders(const fs::path& file, const CommandLine& line) {
+  if (!line.keyFolder.empty()) return {line.keyFolder};
   const fs::path usual = line.agent.dataFolder / KEY_FOLDER;
   const fs::path beside = fs::absolute(file).parent_path().parent_path() / KEY_FOLDER;
   if (line.dataFolderGiven || beside == usual || !fs::is_directory(beside)) return {usual};

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/progress/ProgressListener.h"
 #include "host/OutputText.h"
@@ -14,9 +16,6 @@ using Host::OrderedJson;
 using Host::PeriodText;
 using Host::SizeText;
 
-/// A cell of a response's table: numbers and booleans as such, everything else as text.
-OrderedJson CellToJson(const Common::ActionPropertyValue& value);
-
 /// [{"status":7,"message":""}]
 OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);
 
@@ -25,6 +24,11 @@ OrderedJson StepsToJson(const std::vector<Common::DocumentStep>& steps);
 
 /// "7 started", or "7 started: message"
 std::string StatusText(const Common::TaskResponseInfo& status);
+
+/// The text of a cell in a table: texts with their control characters escaped, null as nothing.
+std::string CellText(const OrderedJson& cell);
+/// Number of characters of a text in UTF-8, not of its bytes.
+std::size_t WidthOf(const std::string& text);
 
 /// Aligned columns, each as wide as its widest cell, with two spaces between them; one line per
 /// row. Numbers are aligned right. Widths count characters, not bytes.

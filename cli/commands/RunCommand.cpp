@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include "host/run/StopSignals.h"
 #include "host/run/UserNotice.h"
 #include "host/run/UserRun.h"
+#include "platform/SystemLog.h"
 
 namespace Norvik::Cli {
 
@@ -53,6 +55,22 @@ int RunUntilStopped(Agent& agent, StopSignals& signals) {
   std::_Exit(EXIT_DONE);
 }
 
+/// Runs an agent. Why it does not start, or fails, is also written to the system's log where nobody
+/// reads the error channel: launchd discards it.
+template <class Run>
+int ReportFailure(Run run) {
+  try {
+    return run();
+  } catch (const std::exception& error) {
+    struct stat channel {};
+    const bool isDevice = ::fstat(STDERR_FILENO, &channel) == 0 && S_ISCHR(channel.st_mode);
+    if (isDevice && ::isatty(STDERR_FILENO) == 0) {
+      Platform::WriteSystemLog("norvik-agent: " + OnOneLine(ReasonOf(error)));
+    }
+    throw;
+  }
+}
+
 /// A text for the user, line by line. Other control characters could act on a terminal.
 std::string Lines(const std::string& title, const std::string& text) {
   std::string lines;
@@ -67,21 +85,25 @@ std::string Lines(const std::string& title, const std::string& text) {
 }  // namespace
 
 int RunService(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  StopSignals signals;
-  ServiceRun service(line.agent, line.socket);
-  ReportRunning(line, "service", service.DataFolder(), output);
-  return RunUntilStopped(service, signals);
+  return ReportFailure([&] {
+    StopSignals signals;
+    ServiceRun service(line.agent, line.socket);
+    ReportRunning(line, "service", service.DataFolder(), output);
+    return RunUntilStopped(service, signals);
+  });
 }
 
 int RunUser(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
-  StopSignals signals;
-  UserRun user(line.agent, line.socket, [&](const std::string& name, const std::string& text) {
-    const std::string title = name == "Url" ? "survey" : "message";
-    output << (line.json ? JsonLine({{title, text}}) : Lines(title, text)) << std::flush;
-    ShowNotice(text);
+  return ReportFailure([&] {
+    StopSignals signals;
+    UserRun user(line.agent, line.socket, [&](const std::string& name, const std::string& text) {
+      const std::string title = name == "Url" ? "survey" : "message";
+      output << (line.json ? JsonLine({{title, text}}) : Lines(title, text)) << std::flush;
+      ShowNotice(text);
+    });
+    ReportRunning(line, "user's process", user.DataFolder(), output);
+    return RunUntilStopped(user, signals);
   });
-  ReportRunning(line, "user's process", user.DataFolder(), output);
-  return RunUntilStopped(user, signals);
 }
 
 }  // namespace Norvik::Cli

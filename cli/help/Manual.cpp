@@ -66,6 +66,9 @@ std::string ManualOf(const CLI::App& program) {
       if (option == command->get_help_ptr()) continue;
       text += ".TP\n" + NameOf(*option) + "\n" + Roff(option->get_description()) + "\n";
     }
+    const std::string footer = command->get_footer();
+    const auto examples = footer.substr(0, footer.rfind("\n\n"));
+    text += ".PP\n.nf\n" + Roff(examples) + "\n.fi\n";
   }
   text += ".SH OPTIONS\n" + OptionsOf(program);
   text += ".SH \"EXIT STATUS\"\n0 on success, 1 on failure, 2 on wrong use\n";

@@ -43,10 +43,11 @@ RehearsalHost::RehearsalHost(const AgentOptions& options,
         logged_.emplace_back(line.level, line.text);
       }));
   AgentParts parts;
-  parts.configuration = UseConfiguration(options, copy_.Path());
   parts.userProcess = options.userProcess;
   parts.dataBase = std::make_shared<AgentDatabase>(copy_.Path());
   parts.identity = std::make_shared<const AgentIdentity>(copy_.Path() / IDENTITY_FILE);
+  parts.configuration =
+      ForModule(UseConfiguration(options, copy_.Path()), parts.identity->Get().identifier);
   parts.communications = communications_ = std::make_shared<RehearsedCommunications>(sessions);
   parts.actions = actions_ =
       std::make_shared<RehearsedActions>(AgentData(parts.dataBase, AGENT_DATA_TABLE));

@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <string_view>
 
+#include "common/commands/ToolOfLine.h"
 #include "common/log/Logger.h"
+#include "common/progress/Progress.h"
 #include "platform/ChildProcess.h"
 
 namespace Norvik::Common {
@@ -38,6 +40,17 @@ const char* ReasonOf(Platform::ChildResult::Limit limit) {
   return limit == Platform::ChildResult::Limit::TIME ? "it ran too long" : "it printed too much";
 }
 
+ToolRun::Outcome OutcomeOf(const std::string& line, const Platform::ChildResult& run,
+                           bool hasPrinted) {
+  if (!run.started) return ToolRun::NOT_STARTED;
+  if (run.limit == Platform::ChildResult::Limit::TIME) return ToolRun::TOO_LONG;
+  if (run.limit == Platform::ChildResult::Limit::OUTPUT) return ToolRun::TOO_MUCH;
+  if (!hasPrinted && FindProgram(ToolOfLine(line)).empty()) return ToolRun::MISSING;
+  // Behind filters the code is that of the last of them: grep has one for "nothing found".
+  const bool isOfTool = line.find('|') == std::string::npos;
+  return run.exitCode != 0 && isOfTool ? ToolRun::FAILED : ToolRun::DONE;
+}
+
 CommandRunner::ChangeResult RunLine(const std::string& line, bool isQuery) {
   CommandRunner::ChangeResult result;
   ErrorLog errors;
@@ -47,8 +60,14 @@ CommandRunner::ChangeResult RunLine(const std::string& line, bool isQuery) {
   child.outputLimit = CommandRunner::MAX_OUTPUT;
   child.onOutput = [&](std::string_view piece) { result.output += piece; };
   child.onErrors = [&](std::string_view piece) { errors.Add(piece); };
+  const auto begin = std::chrono::steady_clock::now();
   const Platform::ChildResult run = Platform::RunChild(child);
+  const auto taken = std::chrono::steady_clock::now() - begin;
   errors.Flush();
+  if (isQuery) {
+    const auto outcome = OutcomeOf(line, run, !result.output.empty());
+    ReportTool({QuestionOfLine(line), outcome, run.exitCode, taken});
+  }
   if (!run.started) {
     NORVIK_WARNING(boost::format("Unable to run the command %1%: %2%") % line % run.problem);
   }

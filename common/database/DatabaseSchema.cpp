@@ -72,9 +72,14 @@ DROP TABLE FORMER_INVENTORY;
 DROP TABLE FORMER_INVENTORY_TEMP;
 )sql";
 
+// The last runs of machine inventories. "run" is JSON: times, records and tools by section.
+constexpr char LEDGER[] = R"sql(
+CREATE TABLE LEDGER(id INTEGER PRIMARY KEY, run TEXT NOT NULL);
+)sql";
+
 // The script at [n] upgrades from version n to n + 1. A script that has been released never
 // changes.
-constexpr const char* MIGRATIONS[] = {FIRST_SCHEMA, FILES_BY_PATH};
+constexpr const char* MIGRATIONS[] = {FIRST_SCHEMA, FILES_BY_PATH, LEDGER};
 
 int SchemaVersion(Connection& connection) {
   return boost::get<int>(Statement(connection, "PRAGMA user_version").Run({}).at(0).at(0));

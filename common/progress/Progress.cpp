@@ -1,9 +1,11 @@
 #include "common/progress/Progress.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
 #include <exception>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "common/log/Logger.h"
 
@@ -24,9 +26,14 @@ RunInfo CurrentRunOfKind(RunKind kind) {
 }
 
 struct Installed {
+  struct Listener {
+    std::shared_ptr<IProgressListener> object;
+    bool hasThrown = false;
+  };
+
   std::mutex mutex;
-  std::shared_ptr<IProgressListener> listener;
-  bool hasThrown = false;
+  /// The process's listener, which may be null, and the observers.
+  std::vector<Listener> listeners{1};
 };
 
 Installed& TheInstalled() {
@@ -34,10 +41,23 @@ Installed& TheInstalled() {
   return installed;
 }
 
-bool IsFirstFailure(const std::shared_ptr<IProgressListener>& listener) {
+std::vector<std::shared_ptr<IProgressListener>> AllListeners() {
   Installed& installed = TheInstalled();
   const std::lock_guard<std::mutex> lock(installed.mutex);
-  return installed.listener == listener && !std::exchange(installed.hasThrown, true);
+  std::vector<std::shared_ptr<IProgressListener>> all;
+  for (const auto& listener : installed.listeners) {
+    if (listener.object) all.push_back(listener.object);
+  }
+  return all;
+}
+
+bool IsFirstFailure(const std::shared_ptr<IProgressListener>& object) {
+  Installed& installed = TheInstalled();
+  const std::lock_guard<std::mutex> lock(installed.mutex);
+  for (auto& listener : installed.listeners) {
+    if (listener.object == object) return !std::exchange(listener.hasThrown, true);
+  }
+  return false;
 }
 
 /// Not at level 2: those lines are the faults of the run.
@@ -51,15 +71,21 @@ void LogFirstFailure(const std::shared_ptr<IProgressListener>& listener,
 }
 
 template <class Call>
-void Notify(Call call) noexcept {
-  const auto listener = GetProgressListener();
-  if (!listener) return;
+void Notify(const std::shared_ptr<IProgressListener>& listener, Call call) noexcept {
   try {
     call(*listener);
   } catch (const std::exception& error) {
     LogFirstFailure(listener, error.what());
   } catch (...) {
     LogFirstFailure(listener, "not a standard exception");
+  }
+}
+
+template <class Call>
+void Notify(Call call) noexcept {
+  try {
+    for (const auto& listener : AllListeners()) Notify(listener, call);
+  } catch (const std::exception&) {  // no memory for the list
   }
 }
 
@@ -75,17 +101,32 @@ IProgressListener::~IProgressListener() = default;
 std::shared_ptr<IProgressListener> GetProgressListener() {
   Installed& installed = TheInstalled();
   const std::lock_guard<std::mutex> lock(installed.mutex);
-  return installed.listener;
+  return installed.listeners.front().object;
 }
 
 void SetProgressListener(std::shared_ptr<IProgressListener> listener) {
   Installed& installed = TheInstalled();
   {
     const std::lock_guard<std::mutex> lock(installed.mutex);
-    std::swap(installed.listener, listener);
-    installed.hasThrown = false;
+    std::swap(installed.listeners.front().object, listener);
+    installed.listeners.front().hasThrown = false;
   }
   // The former listener ends here, outside the lock.
+}
+
+ProgressObserverScope::ProgressObserverScope(std::shared_ptr<IProgressListener> observer)
+    : observer_(std::move(observer)) {
+  Installed& installed = TheInstalled();
+  const std::lock_guard<std::mutex> lock(installed.mutex);
+  installed.listeners.push_back({observer_});
+}
+
+ProgressObserverScope::~ProgressObserverScope() {
+  Installed& installed = TheInstalled();
+  const std::lock_guard<std::mutex> lock(installed.mutex);
+  auto& listeners = installed.listeners;
+  listeners.erase(std::find_if(listeners.begin() + 1, listeners.end(),
+                               [&](const auto& known) { return known.object == observer_; }));
 }
 
 RunScope::RunScope(RunKind kind)
@@ -146,6 +187,14 @@ void ReportRefusal(RunKind kind, const std::string& reason) {
 
 void ReportNothingToSend() {
   Notify([](IProgressListener& listener) { listener.NothingToSend(CurrentRun()); });
+}
+
+void ReportRecords(const RecordCounts& records) {
+  Notify([&](IProgressListener& listener) { listener.RecordsCounted(CurrentRun(), records); });
+}
+
+void ReportTool(const ToolRun& tool) {
+  Notify([&](IProgressListener& listener) { listener.ToolEnded(CurrentRun(), tool); });
 }
 
 void ReportDocument(const DocumentStep& step) {

@@ -77,6 +77,8 @@ inline void CountOne(std::atomic<std::uint64_t>& counter) {
 NORVIK_COMMON_API void ReportTotalInstead(RunKind kind, const std::string& reason);
 NORVIK_COMMON_API void ReportRefusal(RunKind kind, const std::string& reason);
 NORVIK_COMMON_API void ReportNothingToSend();
+NORVIK_COMMON_API void ReportRecords(const RecordCounts& records);
+NORVIK_COMMON_API void ReportTool(const ToolRun& tool);
 NORVIK_COMMON_API void ReportDocument(const DocumentStep& step);
 NORVIK_COMMON_API void ReportTask(const TaskResponseInfo& status);
 

@@ -4,13 +4,16 @@
 #include <boost/filesystem/path.hpp>
 #include <boost/optional.hpp>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "common/Api.h"
 #include "common/action/TaskResponseInfo.h"
+#include "common/files/FilesCounts.h"
 #include "common/inventory/RudStatus.h"
 
 namespace Norvik::Common {
@@ -35,6 +38,26 @@ struct RunInfo {
 /// Keys of the document's sections that one retrieval fills: {"setup", "portConnectors"}.
 using SectionKeys = std::vector<std::string>;
 
+/// Number of records by key of a section: elements of a list, 1 for a single record, 0 for null.
+using RecordCounts = std::map<std::string, std::size_t>;
+
+/// A tool that was asked something, and how that ended.
+struct ToolRun {
+  enum Outcome {
+    DONE,
+    FAILED,       ///< ended with another code than 0
+    MISSING,      ///< not found in PATH
+    NOT_STARTED,  ///< the shell could not be started
+    TOO_LONG,     ///< ended at its time limit
+    TOO_MUCH      ///< ended because it printed too much
+  };
+
+  std::string command;  ///< "diskutil info -all", without the filters after it
+  Outcome outcome;
+  int exitCode;  ///< of FAILED
+  std::chrono::steady_clock::duration taken;
+};
+
 /// A step of a document towards the outbox.
 struct DocumentStep {
   enum Kind { WRITE, COPY, COMPRESS, ENCRYPT, MOVE };
@@ -44,6 +67,9 @@ struct DocumentStep {
   boost::filesystem::path source;  ///< empty for WRITE
   boost::filesystem::path target;
   boost::optional<bool> incremental;  ///< of MOVE, as the pipeline was given it
+  std::uintmax_t bytes = 0;           ///< of MOVE: size of the file, which may be sent at once
+  /// Of WRITE in a file inventory: the files in the document, if they are counted already.
+  boost::optional<FilesCounts> files = {};
 };
 
 /// Follows what the process does. Each operation does nothing unless it is overridden.
@@ -77,6 +103,10 @@ class NORVIK_COMMON_API IProgressListener {
   virtual void SectionBegun(const RunInfo& /*run*/, const SectionKeys& /*keys*/) {}
   virtual void SectionEnded(const RunInfo& /*run*/, const SectionKeys& /*keys*/,
                             Duration /*taken*/) {}
+  /// All sections are retrieved. Comes once in a run that makes a document.
+  virtual void RecordsCounted(const RunInfo& /*run*/, const RecordCounts& /*records*/) {}
+  /// A tool that was asked something has ended, in a run or outside of one.
+  virtual void ToolEnded(const RunInfo& /*run*/, const ToolRun& /*tool*/) {}
 
   // Phases of a file inventory: scanning, saving and printing, one after the other.
   virtual void PhaseBegun(const RunInfo& /*run*/, RudStatus /*phase*/) {}
@@ -112,6 +142,19 @@ class ProgressListenerScope {
 
  private:
   std::shared_ptr<IProgressListener> previous_;
+};
+
+/// Has a listener hear everything besides the process's listener, after it, as long as the object
+/// exists.
+class NORVIK_COMMON_API ProgressObserverScope {
+ public:
+  explicit ProgressObserverScope(std::shared_ptr<IProgressListener> observer);
+  ProgressObserverScope(const ProgressObserverScope&) = delete;
+  ProgressObserverScope& operator=(const ProgressObserverScope&) = delete;
+  ~ProgressObserverScope();
+
+ private:
+  std::shared_ptr<IProgressListener> observer_;
 };
 
 }  // namespace Norvik::Common

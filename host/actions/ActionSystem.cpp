@@ -19,9 +19,10 @@ using std::chrono::system_clock;
 /// A periodic action. `state`, `waiting` and `spent` are guarded by the system's `mutex_`; the rest
 /// does not change.
 struct ActionSystem::Periodic {
-  Periodic(Lane threads, std::string keyText, std::string labelText, ModuleAction runnable,
-           AgentData store, const ActionTiming& timing)
+  Periodic(Lane threads, unsigned int actionCode, std::string keyText, std::string labelText,
+           ModuleAction runnable, AgentData store, const ActionTiming& timing)
       : lane(threads),
+        code(actionCode),
         key(std::move(keyText)),
         label(std::move(labelText)),
         action(std::move(runnable)),
@@ -31,6 +32,7 @@ struct ActionSystem::Periodic {
   }
 
   const Lane lane;
+  const unsigned int code;
   const std::string key;
   const std::string label;
   const ModuleAction action;
@@ -55,6 +57,8 @@ constexpr seconds LATE(60);
 constexpr unsigned int DEATHS_LIMIT = 2;
 constexpr char GIVEN_UP[] =
     "the agent has ended twice while this task ran; it is not started again";
+constexpr char ALREADY_PENDING[] =
+    "Action %1% does not run: an inventory that contains it is pending";
 constexpr std::size_t NAMED = 5;  ///< schedules that one line names
 
 std::string LabelOf(unsigned int code, const ModuleAction& action) {
@@ -107,25 +111,37 @@ void ActionSystem::SetTaskReporter(TaskReporter reporter) {
 ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(action); }
 
 void ActionSystem::QueueAction(ModuleAction action) {
-  const Lane lane = LaneOf(ActionCodeOf(action.name));
+  const unsigned int code = ActionCodeOf(action.name);
   std::string label = action.name;
-  Post({lane, std::move(label), std::move(action)});
+  PostUnlessPending({LaneOf(code), code, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::RunInLane(Lane lane, unsigned int code, ModuleAction action) {
   std::string label = LabelOf(code, action);
-  Post({lane, std::move(label), std::move(action)});
+  Post({lane, code, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::Post(OneShot shot) {
   const Lane lane = shot.lane;
-  threads_.Post(lane, clock_->Steady(), [this, shot = std::move(shot)] { RunLogged(shot); });
+  auto entry = inventories_.Add(shot.code);
+  threads_.Post(lane, clock_->Steady(), [this, shot = std::move(shot), entry]() mutable {
+    RunLogged(shot);
+    entry.reset();
+  });
+}
+
+void ActionSystem::PostUnlessPending(OneShot shot) {
+  if (!inventories_.Contain(shot.code, shot.action.parameters)) return Post(std::move(shot));
+  NORVIK_DETAIL(boost::format(ALREADY_PENDING) % shot.label);
 }
 
 void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {
-  if (delay <= seconds(0)) return RunInLane(LaneOf(code), code, std::move(action));
   std::string label = LabelOf(code, action);
-  OneShot shot{LaneOf(code), std::move(label), std::move(action)};
+  OneShot shot{LaneOf(code), code, std::move(label), std::move(action)};
+  if (delay <= seconds(0)) {
+    shot.errand = Errand::Current();
+    return PostUnlessPending(std::move(shot));
+  }
   const std::lock_guard<std::mutex> lock(mutex_);
   oneShots_.emplace(clock_->Steady() + std::min(delay, LONGEST_DELAY), std::move(shot));
   ArmTimer();
@@ -171,8 +187,8 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
   std::string label = LabelOf(schedule.code, action);
   const bool isInventory = LaneOf(schedule.code) == Lane::Inventories;
   const auto entry = std::make_shared<Periodic>(
-      isInventory ? Lane::Inventories : Lane::Tasks, SCHEDULE_KEY_PREFIX + schedule.identifier,
-      std::move(label), std::move(action), scheduleData_,
+      isInventory ? Lane::Inventories : Lane::Tasks, schedule.code,
+      SCHEDULE_KEY_PREFIX + schedule.identifier, std::move(label), std::move(action), scheduleData_,
       ActionTiming{seconds(schedule.when.periodSeconds), schedule.when.NextTime()});
 
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
@@ -236,7 +252,7 @@ ActionSystem::PeriodicPointer ActionSystem::MakePeriodic(unsigned int code, Modu
                                                          const AgentData& data,
                                                          const ActionTiming& timing) {
   std::string label = LabelOf(code, action);
-  auto entry = std::make_shared<Periodic>(LaneOf(code), PeriodicKey(code), std::move(label),
+  auto entry = std::make_shared<Periodic>(LaneOf(code), code, PeriodicKey(code), std::move(label),
                                           std::move(action), data, timing);
   entry->doneKey = DoneKey(code);
   return entry;
@@ -284,9 +300,17 @@ bool ActionSystem::IsCurrent(const PeriodicPointer& entry) const {
   return found != periodics_.end() && found->second == entry;
 }
 
-void ActionSystem::RunPeriodic(const PeriodicPointer& entry) {
+/// @param isPending the action counts as an inventory that is pending
+/// @param inventory the action's own entry among the pending ones
+void ActionSystem::RunPeriodic(const PeriodicPointer& entry, bool isPending,
+                               PendingInventories::Entry inventory) {
   if (!Begin(entry)) return;
-  RunLogged({entry->lane, entry->label, entry->action});
+  if (isPending) {
+    NORVIK_DETAIL(boost::format(ALREADY_PENDING) % entry->label);
+  } else {
+    RunLogged({entry->lane, entry->code, entry->label, entry->action});
+  }
+  inventory.reset();
   End(entry);
 }
 
@@ -328,6 +352,7 @@ void ActionSystem::End(const PeriodicPointer& entry) {
 }
 
 void ActionSystem::RunLogged(const OneShot& shot) {
+  const ErrandScope errand(shot.errand);
   const std::string& label = shot.label;
   ModuleAction action = shot.action;
   std::list<RunningAction> entry;
@@ -439,14 +464,18 @@ void ActionSystem::StartDue() {
   if (stopped_) return;
   const auto end = oneShots_.upper_bound(clock_->Steady());
   for (auto next = oneShots_.begin(); next != end; next = oneShots_.erase(next)) {
-    Post(std::move(next->second));
+    PostUnlessPending(std::move(next->second));
   }
   const auto now = clock_->Now();
   for (const auto& item : periodics_) {
     const PeriodicPointer& entry = item.second;
     if (entry->waiting || entry->state.next > now) continue;
     entry->waiting = true;
-    threads_.Post(entry->lane, clock_->Steady(), [this, entry] { RunPeriodic(entry); });
+    const bool isPending = inventories_.Contain(entry->code, entry->action.parameters);
+    auto inventory = isPending ? nullptr : inventories_.Add(entry->code);
+    threads_.Post(entry->lane, clock_->Steady(), [this, entry, isPending, inventory]() mutable {
+      RunPeriodic(entry, isPending, std::move(inventory));
+    });
   }
   ArmTimer();
 }

@@ -17,7 +17,9 @@
 #include "common/database/AgentData.h"
 #include "host/actions/ActionThreads.h"
 #include "host/actions/Clock.h"
+#include "host/actions/Errand.h"
 #include "host/actions/HostActions.h"
+#include "host/actions/PendingInventories.h"
 #include "host/actions/PeriodicState.h"
 
 namespace Norvik::Host {
@@ -46,6 +48,9 @@ struct DueAction {
 /// period 0 runs once; then only the time of that run is kept, so that it does not run again when
 /// `ReplacePeriodic` requests it again. When the time of day is set back, a periodic action that
 /// would wait longer than its period is moved to its next time.
+///
+/// An inventory of the machine that is due, or that an action of the agent's own requests, does not
+/// run if a pending one contains it (see `PendingInventories`).
 ///
 /// A task of the server during which the process died twice in a row is not started again: that is
 /// logged and reported. A stop that does not wait for it is no death.
@@ -109,8 +114,10 @@ class ActionSystem : public HostActions {
  private:
   struct OneShot {
     Lane lane;
+    unsigned int code;
     std::string label;
     Common::ModuleAction action;
+    std::shared_ptr<Errand> errand = nullptr;  ///< that it belongs to; null for a delayed action
   };
   struct Periodic;
   using PeriodicPointer = std::shared_ptr<Periodic>;
@@ -125,11 +132,13 @@ class ActionSystem : public HostActions {
   PeriodicPointer Find(const std::string& key);
   bool IsCurrent(const PeriodicPointer& entry) const;
   void Install(const PeriodicPointer& entry);
-  void RunPeriodic(const PeriodicPointer& entry);
+  void RunPeriodic(const PeriodicPointer& entry, bool isPending,
+                   PendingInventories::Entry inventory);
   bool Begin(const PeriodicPointer& entry);
   void End(const PeriodicPointer& entry);
   void RunLogged(const OneShot& shot);
   void Post(OneShot shot);
+  void PostUnlessPending(OneShot shot);
   void WarnOfLateLanes();
   void ForgiveRunning();
   std::vector<PeriodicPointer> FollowTimeOfDay();
@@ -138,6 +147,7 @@ class ActionSystem : public HostActions {
   void ArmTimer();
   void StopTimer();
 
+  PendingInventories inventories_;
   ActionThreads threads_;
   const std::shared_ptr<const Clock> clock_;
   Common::AgentData scheduleData_;

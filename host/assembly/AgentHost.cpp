@@ -16,10 +16,15 @@
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
+#include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolderCopy.h"
+#include "host/identity/CopiedDataFolder.h"
+#include "host/identity/HardwareIdentity.h"
+#include "host/ledger/LedgerRecorder.h"
+#include "platform/RecordedMachine.h"
 #include "platform/ReplacementFile.h"
 
 namespace Norvik::Host {
@@ -47,17 +52,30 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
       std::make_shared<ListeningLogger>(std::move(log), options.logListener));
 }
 
-std::shared_ptr<ServerLink> MakeServerLink(const CommunicationsInfo& configuration,
-                                           const fs::path& folder,
+std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configuration,
+                                           const HardwareIdentity& hardware, const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
-                                           IModule& module) {
-  ServerOptions options = ServerOptionsOf(configuration);
+                                           const std::shared_ptr<DocumentHistory>& history,
+                                           IModule& module, AgentData data) {
+  ServerOptions options = ServerOptionsOf(configuration.values.communications);
   if (options.address.empty()) return nullptr;
   options.dataFolder = folder;
   options.outbox = Paths(Paths::OUTBOX, true).AppData();
   options.extensions = module.GetOutputExtensionFiles();
   options.identity = identity;
+  options.history = history;
+  options.enrolmentSecret = configuration.enrolmentSecret;
+  options.hardware = hardware;
+  options.contact = std::make_shared<ServerContact>(
+      data.GetOptionalString(SERVER_CONTACT_KEY).get_value_or(""),
+      [data](const std::string& text) mutable { data.SetString(SERVER_CONTACT_KEY, text); });
   return std::make_shared<ServerLink>(options);
+}
+
+std::shared_ptr<DocumentHistory> RecoveredHistory(const fs::path& folder) {
+  auto history = std::make_shared<DocumentHistory>(folder);
+  history->Recover();
+  return history;
 }
 
 /// Without the lock another agent may own an existing database, so it is opened read-only.
@@ -70,13 +88,21 @@ std::shared_ptr<AgentDatabase> OpenDataBase(const fs::path& folder, bool exclusi
 
 }  // namespace
 
-AgentConfigurationInfo UseConfiguration(const AgentOptions& options, const fs::path& dataFolder) {
-  const EffectiveConfiguration effective =
+EffectiveConfiguration UseConfiguration(const AgentOptions& options, const fs::path& dataFolder) {
+  EffectiveConfiguration configuration =
       ReadConfiguration(options.configurationFile, dataFolder / CONFIGURATION_FILE);
-  CommandRunner::SetQueryLimit(effective.toolTimeLimit);
-  AgentConfigurationInfo configuration = effective.values;
-  if (options.communications) configuration.communications = *options.communications;
+  CommandRunner::SetQueryLimit(configuration.toolTimeLimit);
+  if (options.newConfiguration) {
+    configuration.values.communications = options.newConfiguration->values.communications;
+    configuration.enrolmentSecret = options.newConfiguration->enrolmentSecret;
+  }
   return configuration;
+}
+
+void RequireHandler(IModule& module, unsigned int code) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
 }
 
 void UseUtf8Characters() {
@@ -89,28 +115,40 @@ void UseUtf8Characters() {
 AgentHost::AgentHost(const AgentOptions& options) {
   UseUtf8Characters();
   const fs::path folder = dataFolder_ = MakeDataFolder(options.dataFolder);
-  const AgentConfigurationInfo configuration = UseConfiguration(options, folder);
+  const EffectiveConfiguration configuration = UseConfiguration(options, folder);
+  enrolmentSecret_ = configuration.enrolmentSecret;
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
     RemoveLeftCopies(folder);
+    if (!options.userProcess) history_ = RecoveredHistory(folder);
     Platform::RemoveLeftReplacements(folder.string());
   }
   logger_ = OpenLog(folder, options);
+  const HardwareIdentity hardware = ReadHardwareIdentity();
+  // A recorded machine is not this one, whose data folder it may use.
+  const std::string uuid = Platform::IsMachineRecorded() ? "" : hardware.platformUuid;
+  if (options.exclusive) ForgetOtherMachine(folder, uuid);
+  if (history_) keeping_ = std::make_unique<KeepingScope>(history_, configuration.history);
   AgentParts parts;
-  parts.configuration = configuration;
   parts.userProcess = options.userProcess;
   parts.dataBase = OpenDataBase(folder, options.exclusive);
-  const auto identity = std::make_shared<AgentIdentity>(folder / IDENTITY_FILE);
+  const auto identity =
+      std::make_shared<AgentIdentity>(folder / IDENTITY_FILE, options.exclusive ? uuid : "");
   parts.identity = identity;
+  parts.configuration = ForModule(configuration, identity->Get().identifier);
   parts.communications = communications_ = std::make_shared<Communications>();
   parts.actions = actionSystem_ =
       std::make_shared<ActionSystem>(AgentData(parts.dataBase, AGENT_DATA_TABLE));
   actionSystem_->SetTaskReporter([communications = communications_](const TaskResponseInfo& s) {
     communications->ReportTaskStatus(s);
   });
+  if (options.exclusive) {
+    ledger_ = std::make_unique<const ProgressObserverScope>(std::make_shared<LedgerRecorder>());
+  }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration.communications, folder, identity, Module());
+  server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module(),
+                           AgentData(assembled_->parts.dataBase, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

@@ -4,11 +4,14 @@
 #include <boost/optional.hpp>
 #include <memory>
 
+#include "common/progress/ProgressListener.h"
 #include "host/actions/ActionSystem.h"
 #include "host/assembly/AssembledModule.h"
 #include "host/assembly/Communications.h"
 #include "host/assembly/ListeningLogger.h"
+#include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolder.h"
+#include "host/history/KeepingScope.h"
 #include "host/server/ServerLink.h"
 
 namespace Norvik::Host {
@@ -19,8 +22,8 @@ struct AgentOptions {
   boost::filesystem::path moduleFile;
   /// Configuration for this process; empty: the one stored in the data folder, if it exists.
   boost::filesystem::path configurationFile;
-  /// Replaces the server settings of the configuration.
-  boost::optional<Common::CommunicationsInfo> communications;
+  /// Its server settings replace those of the configuration.
+  boost::optional<EffectiveConfiguration> newConfiguration;
   int logLevel = 4;
   bool userProcess = false;
   /// Lock the data folder, and fail if another agent uses it. Without this the agent has no
@@ -31,8 +34,11 @@ struct AgentOptions {
 
 /// The configuration of an agent with these options and this data folder. Sets the limit of tools
 /// that it has. Throws what `ReadConfiguration` throws.
-Common::AgentConfigurationInfo UseConfiguration(const AgentOptions& options,
-                                                const boost::filesystem::path& dataFolder);
+EffectiveConfiguration UseConfiguration(const AgentOptions& options,
+                                        const boost::filesystem::path& dataFolder);
+
+/// Throws `UsageError` if a module serves no action of this code.
+void RequireHandler(Common::IModule& module, unsigned int code);
 
 /// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();
@@ -58,7 +64,11 @@ class AgentHost {
   const Common::AgentConfigurationInfo& Configuration() const {
     return assembled_->dependencies->configuration;
   }
+  const std::string& EnrolmentSecret() const { return enrolmentSecret_; }
   const boost::filesystem::path& DataFolder() const { return dataFolder_; }
+  /// Null for a user's process and for a host that is not exclusive.
+  DocumentHistory* History() { return history_.get(); }
+  std::string Identifier() const { return assembled_->identification->GetAgentIdentifier(); }
 
   /// Runs an action on this thread, then waits for all actions that it started without a delay.
   /// Throws what the handler throws, after that wait.
@@ -76,10 +86,14 @@ class AgentHost {
  private:
   // Each member needs those above it, so the logger outlives all that log.
   boost::filesystem::path dataFolder_;
+  std::string enrolmentSecret_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;
+  std::shared_ptr<DocumentHistory> history_;
+  std::unique_ptr<const KeepingScope> keeping_;
   std::shared_ptr<Communications> communications_;
   std::shared_ptr<ActionSystem> actionSystem_;
+  std::unique_ptr<const Common::ProgressObserverScope> ledger_;  ///< null if nothing is written
   std::unique_ptr<AssembledModule> assembled_;
   std::shared_ptr<ServerLink> server_;
 };

@@ -41,6 +41,8 @@ struct Place {
 using Reader = std::function<void(const Place&)>;
 using Readers = std::map<std::string, Reader>;
 
+constexpr std::int64_t DAY = 86400;
+
 /// Reads an object with the reader of each key. Refuses any other key.
 void ReadObject(const Place& place, const Readers& readers) {
   if (!place.value.is_object()) place.Refuse("an object");
@@ -152,6 +154,10 @@ Reader Survey(boost::optional<SurveyInfo>& target) {
   };
 }
 
+Reader Enrolment(std::string& secret) {
+  return [&secret](const Place& place) { ReadObject(place, {{"secret", Text(secret)}}); };
+}
+
 Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
   return [&target, longest](const Place& place) {
     std::int64_t count = 0;
@@ -160,14 +166,33 @@ Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
   };
 }
 
+Reader History(HistoryLimits& target) {
+  return [&target](const Place& place) {
+    constexpr std::int64_t TEN_YEARS = 3650;
+    constexpr std::int64_t MOST_MEGABYTES = 1'000'000;
+    std::uintmax_t megabytes = target.bytes / MEGABYTE;
+    ReadObject(place, {{"days", WholeNumber(target.days, 0, TEN_YEARS)},
+                       {"megabytes", WholeNumber(megabytes, 1, MOST_MEGABYTES)}});
+    target.bytes = megabytes * MEGABYTE;
+  };
+}
+
+Reader Spread(ScheduleSpread& target) {
+  return [&target](const Place& place) {
+    ReadObject(place, {{"percent", WholeNumber(target.percent, 0, 100)},
+                       {"mostSeconds", Seconds(target.most, DAY)}});
+  };
+}
+
 Readers ReadersOf(EffectiveConfiguration& configuration) {
-  constexpr std::int64_t DAY = 86400;
   AgentConfigurationInfo& target = configuration.values;
   KobConfigurationInfo& kob = *target.kob;
   return {
       {"toolTimeLimitSeconds", Seconds(configuration.toolTimeLimit, DAY)},
       {"profileId", WholeNumber(target.profileId, 0, std::numeric_limits<std::uint32_t>::max())},
       {"server", Server(target.communications)},
+      {"enrolment", Enrolment(configuration.enrolmentSecret)},
+      {"scheduleSpread", Spread(configuration.spread)},
       {"excludedFiles", TextArray(kob.excludedFiles)},
       {"excludedPaths", TextArray(kob.excludedPaths)},
       {"additionalExtensions", TextArray(kob.additionalExtensions)},
@@ -176,6 +201,7 @@ Readers ReadersOf(EffectiveConfiguration& configuration) {
       {"fileInventoryIncrementalSchedule", ScheduleObject(kob.fileInventoryIncrementalSchedule)},
       {"fileInventorySchedule", ScheduleObject(kob.fileInventorySchedule)},
       {"pendingTasksSchedule", ScheduleObject(kob.pendingTasksSchedule)},
+      {"history", History(configuration.history)},
       {"inventoryOnLogon", Flag(kob.inventoryOnLogon)},
       {"survey", Survey(target.survey)}};
 }
@@ -238,6 +264,13 @@ AgentConfigurationInfo DefaultConfiguration() {
 
 AgentConfigurationInfo ParseConfiguration(const std::string& text) {
   return ValuesOf(ParseConfigurationJson(text)).values;
+}
+
+AgentConfigurationInfo ForModule(const EffectiveConfiguration& configuration,
+                                 const std::string& identifier) {
+  AgentConfigurationInfo result = configuration.values;
+  SpreadSchedules(*result.kob, configuration.spread, identifier);
+  return result;
 }
 
 EffectiveConfiguration MakeConfiguration(const std::string& text) {

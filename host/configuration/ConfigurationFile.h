@@ -7,6 +7,8 @@
 
 #include "common/configuration/AgentConfigurationInfo.h"
 #include "host/HostError.h"
+#include "host/configuration/ScheduleSpread.h"
+#include "host/history/DocumentHistory.h"
 
 namespace Norvik::Host {
 
@@ -34,9 +36,17 @@ struct EffectiveConfiguration {
   Common::AgentConfigurationInfo values;
   /// How long a tool that only queries the machine may run; 0 is unlimited.
   std::chrono::seconds toolTimeLimit{300};
+  HistoryLimits history;
+  ScheduleSpread spread;
+  /// Goes with requests for enrolment, to nobody else; empty: none.
+  std::string enrolmentSecret;
   /// By key of the first level, all of them.
   std::map<std::string, std::string> sources;
 };
+
+/// What the module of the agent with this identifier gets: its schedules are spread.
+Common::AgentConfigurationInfo ForModule(const EffectiveConfiguration& configuration,
+                                         const std::string& identifier);
 
 /// The configuration with the text of a file ("{}" without one) and the managed preferences of this
 /// machine. Throws `ConfigurationError` for the text as `ParseConfiguration` does, and another

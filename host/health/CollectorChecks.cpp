@@ -10,9 +10,7 @@
 
 #include "host/health/Checks.h"
 #include "host/health/HealthReport.h"
-#include "platform/LocalAccounts.h"
 #include "platform/MachinePath.h"
-#include "platform/RecordedMachine.h"
 
 namespace Norvik::Host {
 
@@ -62,8 +60,6 @@ constexpr Need FIXED_FILES[] = {
     {"/tmp/propertyShare", "sharedResources"},
 };
 
-bool IsMac() { return Platform::IsMachineRecorded() || Platform::SystemName() == "Darwin"; }
-
 bool IsInPath(const std::string& program) {
   const char* const path = std::getenv("PATH");
   std::vector<std::string> folders;
@@ -110,8 +106,7 @@ Finding FindTools(const Examined& /*examined*/) {
   }
   if (missing.IsEmpty()) return {Outcome::OK, "all are there"};
   if (!IsMac()) {
-    return {Outcome::INFORMATION, "only a Mac has them: " + missing.Names(),
-            "nothing: the sections that need them are of a Mac", missing.Keys()};
+    return {Outcome::OK, "not needed: the sections that need them are of a Mac"};
   }
   return {Outcome::WARNING, "missing: " + missing.Names(), "", missing.Keys()};
 }

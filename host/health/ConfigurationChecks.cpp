@@ -22,7 +22,7 @@ Finding NoConfiguration(const Examined& examined) {
   if (examined.Configuration().isHidden) {
     return UnreadableFinding(examined.File(CONFIGURATION_FILE).string());
   }
-  return {Outcome::UNKNOWN, "the configuration cannot be used"};
+  return {Outcome::UNKNOWN, "the configuration cannot be used", "see the check configuration"};
 }
 
 }  // namespace
@@ -35,7 +35,9 @@ Finding FindConfiguration(const Examined& examined) {
   const auto defaults = std::count_if(sources.begin(), sources.end(),
                                       [](const auto& it) { return it.second == FROM_DEFAULT; });
   const auto set = static_cast<std::ptrdiff_t>(sources.size()) - defaults;
-  if (set == 0) return {Outcome::INFORMATION, "nothing is configured"};
+  if (set == 0)
+    return {Outcome::INFORMATION, "nothing is configured",
+            "store a configuration with norvik-agent configure FILE"};
   return {Outcome::OK, std::to_string(set) + " keys are set"};
 }
 

@@ -47,7 +47,7 @@ boost::optional<Finding> NoFolder(const Examined& examined) {
     case Presence::HIDDEN:
       return UnreadableFinding(folder.string());
     case Presence::MISSING:
-      return Finding{Outcome::UNKNOWN, "there is no data folder"};
+      return Finding{Outcome::UNKNOWN, "there is no data folder", START_AGENT};
     case Presence::THERE:
       break;
   }

@@ -20,10 +20,14 @@ constexpr std::chrono::hours OLD(24 * 30);
 boost::optional<Finding> NoDatabase(const Examined& examined) {
   const auto& database = examined.Database();
   if (database.state == State::MISSING) {
-    return Finding{Outcome::UNKNOWN, "there is no database"};
+    return Finding{Outcome::UNKNOWN, "there is no database", START_AGENT};
+  }
+  if (database.state == State::DAMAGED) {
+    return Finding{Outcome::UNKNOWN, "the database is damaged", "see the check database"};
   }
   if (database.schemaVersion >= 0) return boost::none;
-  return Finding{Outcome::UNKNOWN, "the database cannot be read: " + database.problem};
+  return Finding{Outcome::UNKNOWN, "the database cannot be read: " + database.problem,
+                 "see the check database"};
 }
 
 std::chrono::seconds InventoryPeriod(const Examined& examined) {
@@ -50,9 +54,10 @@ Finding FindDatabase(const Examined& examined) {
   const auto& database = examined.Database();
   switch (database.state) {
     case State::MISSING:
-      return {Outcome::INFORMATION, "there is no database yet"};
+      return {Outcome::INFORMATION, "there is no database yet", START_AGENT};
     case State::UNREADABLE:
-      return {Outcome::UNKNOWN, "it cannot be read: " + database.problem};
+      return {Outcome::UNKNOWN, "it cannot be read: " + database.problem,
+              "run the check as root, when no other program holds the database"};
     case State::DAMAGED:
       return {Outcome::ERROR, "it is damaged: " + database.problem};
     case State::UNFINISHED:

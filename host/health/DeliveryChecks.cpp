@@ -75,9 +75,10 @@ Finding FindOutbox(const Examined& examined) {
 
 /// Nothing notes a delivery, but a file leaves the outbox only when the server has it.
 Finding FindLastDelivery(const Examined& examined) {
-  if (ServerOf(examined).empty()) {
-    return {Outcome::INFORMATION, "no server is known that documents are sent to"};
+  if (!examined.Configuration().value) {
+    return {Outcome::UNKNOWN, "the configuration cannot be used", "see the check configuration"};
   }
+  if (ServerOf(examined).empty()) return {Outcome::OK, "not needed: no server is configured"};
   const fs::path folder = examined.File(OUTBOX_FOLDER);
   if (ReadablePresenceOf(folder) == Presence::HIDDEN) return UnreadableFinding(folder.string());
   const auto& data = examined.Database().data;

@@ -13,6 +13,8 @@
 #include "host/data/DataFolder.h"
 #include "host/ipc/AskAgent.h"
 #include "host/server/ServerOptions.h"
+#include "platform/LocalAccounts.h"
+#include "platform/RecordedMachine.h"
 
 namespace Norvik::Host {
 
@@ -117,6 +119,8 @@ Examined::Examined(HealthOptions options)
   if (!options_.dataFolderGiven && !folder.empty()) options_.dataFolder = folder;
   options_.dataFolder = fs::absolute(options_.dataFolder).lexically_normal();
 }
+
+bool IsMac() { return Platform::IsMachineRecorded() || Platform::SystemName() == "Darwin"; }
 
 Presence PresenceOf(const fs::path& path) {
   struct stat status {};

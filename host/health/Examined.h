@@ -97,6 +97,9 @@ class Examined {
   const OnDemand<ServerAnswer> server_;
 };
 
+/// Whether the machine that is examined is a Mac: this one, or the recorded one in force.
+bool IsMac();
+
 /// Whether a path exists. `HIDDEN`: this user may not know.
 enum class Presence { MISSING, THERE, HIDDEN };
 Presence PresenceOf(const boost::filesystem::path& path);

@@ -22,6 +22,9 @@ struct Finding {
   boost::optional<std::string> keys = {};
 };
 
+/// The remedy where an agent has left nothing yet.
+inline constexpr char START_AGENT[] = "start the agent once, or name its data folder by --data";
+
 /// A finding of a path that this user may not read, or not even see.
 Finding UnreadableFinding(const std::string& path);
 

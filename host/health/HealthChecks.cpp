@@ -13,8 +13,8 @@ constexpr char NONE[] = "";
 
 const std::vector<HealthCheck>& HealthChecks() {
   static const std::vector<HealthCheck> table = {
-      {"data-folder", "The data folder is there and an agent has used it",
-       "start the agent once, or name its data folder by --data", ALL, FindDataFolder},
+      {"data-folder", "The data folder is there and an agent has used it", START_AGENT, ALL,
+       FindDataFolder},
       {"data-folder-rights", "Only the agent's user can enter the data folder",
        "give the folder to the agent's user and set its mode to 0700", NONE, FindDataFolderRights},
       {"data-folder-writable", "The agent can write to its data folder",

@@ -1,7 +1,6 @@
 #include <dlfcn.h>
 
 #include <boost/filesystem/operations.hpp>
-#include <cstdlib>
 
 #include "common/identification/HostInfoProvider.h"
 #include "host/assembly/ModuleLoader.h"

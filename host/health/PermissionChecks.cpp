@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "host/health/Checks.h"
 #include "platform/FileDescriptor.h"
@@ -28,6 +27,7 @@ constexpr char COMPARE[] =
     "look up the entry of norvik-agent in System Settings, Privacy & Security, or its profile";
 
 Finding Judge(Permission permission, const std::string& what) {
+  if (!IsMac()) return {Outcome::OK, "only macOS has such a permission"};
   const bool isOwn = IsJudgedAsService();
   const std::string whose = isOwn ? "" : OF_ANOTHER;
   const auto found = [&](Outcome own, const std::string& text) -> Finding {

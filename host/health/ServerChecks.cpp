@@ -1,7 +1,6 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "common/text/Text.h"
@@ -23,12 +22,15 @@ constexpr std::chrono::seconds GRAVE_SKEW(3600);
 /// The finding of a check that needs the server, if there is none or a request did not come so far.
 boost::optional<Finding> NotReached(const Examined& examined, Stage wanted) {
   const ServerAnswer& server = examined.Server();
-  if (!server.origin) return Finding{Outcome::UNKNOWN, "the configuration cannot be used"};
+  if (!server.origin)
+    return Finding{Outcome::UNKNOWN, "the configuration cannot be used",
+                   "see the check configuration"};
   if (server.origin->empty()) return Finding{Outcome::OK, "not needed: no server is configured"};
   const ConnectionFacts& facts = server.answer.facts;
   if (facts.reached >= wanted) return boost::none;
   if (facts.reached + 1 < wanted) {
-    return Finding{Outcome::UNKNOWN, "not tried, since an earlier step failed"};
+    return Finding{Outcome::UNKNOWN, "not tried, since an earlier step failed",
+                   "see the earlier checks of the server"};
   }
   const std::string why = Common::OnOneLine(server.answer.failure);
   return Finding{facts.outOfTime ? Outcome::UNKNOWN : Outcome::ERROR, *server.origin + ": " + why};
@@ -57,9 +59,12 @@ Finding FindName(const std::string& name) {
 
 Finding FindServerName(const Examined& examined) {
   const auto& configuration = examined.Configuration().value;
-  if (!configuration) return {Outcome::UNKNOWN, "the configuration cannot be used"};
+  if (!configuration)
+    return {Outcome::UNKNOWN, "the configuration cannot be used", "see the check configuration"};
   std::string name = configuration->values.communications.address;
-  if (name.empty()) return {Outcome::INFORMATION, "no server is configured"};
+  if (name.empty())
+    return {Outcome::INFORMATION, "no server is configured",
+            "set server.address in the configuration, if documents are to be sent"};
   if (name.size() > 1 && name.front() == '[') name = name.substr(1, name.size() - 2);
   return FindName(name);
 }
@@ -81,7 +86,9 @@ Finding FindCertificateDays(const Examined& examined) {
     return *finding;
   }
   const auto& expires = examined.Server().answer.facts.expires;
-  if (!expires) return {Outcome::UNKNOWN, "the TLS library does not show the certificate"};
+  if (!expires)
+    return {Outcome::UNKNOWN, "the TLS library does not show the certificate",
+            "look at the certificate by other means"};
   const auto left = duration_cast<std::chrono::hours>(*expires - examined.Options().now).count();
   const std::string text =
       std::to_string(left / 24) + " days are left, until " + TimeText(*expires);
@@ -108,9 +115,10 @@ Finding FindEnrolment(const Examined& examined) {
   if (identity.isHidden) return UnreadableFinding(examined.File(IDENTITY_FILE).string());
   if (!identity.problem.empty()) return {Outcome::ERROR, identity.problem};
   const ServerAnswer& server = examined.Server();
-  if (!server.origin) return {Outcome::UNKNOWN, "the configuration cannot be used"};
+  if (!server.origin)
+    return {Outcome::UNKNOWN, "the configuration cannot be used", "see the check configuration"};
   if (server.origin->empty()) return {Outcome::OK, "not needed: no server is configured"};
-  if (!identity.value) return {Outcome::INFORMATION, "the agent has no identity yet"};
+  if (!identity.value) return {Outcome::INFORMATION, "the agent has no identity yet", START_AGENT};
   const std::string& enrolled = identity.value->server;
   if (enrolled.empty()) return {Outcome::WARNING, "no server has enrolled this agent yet"};
   if (!server.sentToken) {

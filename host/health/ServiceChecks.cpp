@@ -87,7 +87,8 @@ Finding FindSocketRights(const Examined& examined) {
   if (::lstat(socket.c_str(), &status) != 0) {
     const bool isMissing = PresenceOf(socket) == Presence::MISSING;
     if (!isMissing) return UnreadableFinding(socket.string());
-    return {Outcome::UNKNOWN, "there is no " + socket.string() + ", as no agent runs"};
+    return {Outcome::UNKNOWN, "there is no " + socket.string() + ", as no agent runs",
+            "see the check service-answers"};
   }
   if (!S_ISSOCK(status.st_mode)) return {Outcome::ERROR, socket.string() + " is no socket"};
   if ((status.st_mode & EVERYBODY_CONNECTS) != EVERYBODY_CONNECTS) {
@@ -105,7 +106,8 @@ Finding FindUserProcesses(const Examined& examined) {
   const AgentAnswer& agent = examined.Agent();
   if (agent.status.is_null()) {
     if (agent.isServed && IsForOthers(examined)) return AskedInVain();
-    return {Outcome::UNKNOWN, "no agent answers that could say it"};
+    return {Outcome::UNKNOWN, "no agent answers that could say it",
+            "see the check service-answers"};
   }
   const std::size_t count = agent.status.value("sessions", OrderedJson::array()).size();
   if (count == 0) return {Outcome::INFORMATION, "no user's process is connected"};

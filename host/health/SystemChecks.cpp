@@ -5,6 +5,7 @@
 
 #include "host/health/Checks.h"
 #include "platform/LocalAccounts.h"
+#include "platform/MachinePath.h"
 
 namespace Norvik::Host {
 
@@ -40,7 +41,7 @@ Finding FindTimeZone(const Examined& examined) {
   if (!::localtime_r(&now, &local)) return {Outcome::ERROR, "there is no local time"};
   char text[64] = {};
   std::strftime(text, sizeof(text), "%Z (%z)", &local);
-  if (std::getenv("TZ") || PresenceOf("/etc/localtime") == Presence::THERE) {
+  if (std::getenv("TZ") || PresenceOf(Platform::MachinePath("/etc/localtime")) == Presence::THERE) {
     return {Outcome::OK, text};
   }
   return {Outcome::INFORMATION, "no time zone is set, so it is UTC"};

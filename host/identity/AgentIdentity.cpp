@@ -26,15 +26,16 @@ std::string RandomUuid() {
   return to_string(generator());
 }
 
-Identity NewIdentity() {
+Identity NewIdentity(const std::string& platformUuid) {
   std::string token = RandomUuid() + RandomUuid();
   token.erase(std::remove(token.begin(), token.end(), '-'), token.end());
-  return {RandomUuid(), token, ""};
+  return {RandomUuid(), token, "", platformUuid};
 }
 
 Identity Parse(const std::string& text) {
   const auto node = nlohmann::json::parse(text);
-  Identity identity{node.at("identifier"), node.at("token"), node.value("server", "")};
+  Identity identity{node.at("identifier"), node.at("token"), node.value("server", ""),
+                    node.value("platformUuid", "")};
   boost::uuids::string_generator()(identity.identifier);
   return identity;
 }
@@ -42,12 +43,19 @@ Identity Parse(const std::string& text) {
 std::string ToText(const Identity& identity) {
   nlohmann::ordered_json node = {{"identifier", identity.identifier}, {"token", identity.token}};
   if (!identity.server.empty()) node["server"] = identity.server;
+  if (!identity.platformUuid.empty()) node["platformUuid"] = identity.platformUuid;
   return node.dump(2) + "\n";
 }
 
-Identity ReadOrMake(const fs::path& file) {
-  if (const auto identity = ReadIdentity(file)) return *identity;
-  Identity made = NewIdentity();
+Identity ReadOrMake(const fs::path& file, const std::string& platformUuid) {
+  if (auto identity = ReadIdentity(file)) {
+    if (identity->platformUuid.empty() && !platformUuid.empty()) {
+      identity->platformUuid = platformUuid;
+      WriteTextFile(file, ToText(*identity));
+    }
+    return *identity;
+  }
+  Identity made = NewIdentity(platformUuid);
   const std::string text = ToText(made);
   Platform::ReplacementFile target(file.string());
   Platform::WriteAll(target.Descriptor(), text.data(), text.size());
@@ -68,7 +76,8 @@ boost::optional<Identity> ReadIdentity(const fs::path& file) {
   }
 }
 
-AgentIdentity::AgentIdentity(const fs::path& file) : file_(file), identity_(ReadOrMake(file)) {}
+AgentIdentity::AgentIdentity(const fs::path& file, const std::string& platformUuid)
+    : file_(file), identity_(ReadOrMake(file, platformUuid)) {}
 
 Identity AgentIdentity::Get() const {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -77,7 +86,9 @@ Identity AgentIdentity::Get() const {
 
 void AgentIdentity::Acknowledge(const std::string& server, const std::string& token) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  Identity next{identity_.identifier, token, server};
+  Identity next = identity_;
+  next.token = token;
+  next.server = server;
   WriteTextFile(file_, ToText(next));
   identity_ = std::move(next);
 }

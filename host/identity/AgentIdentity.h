@@ -9,9 +9,10 @@ namespace Norvik::Host {
 
 /// The identity of an agent, as its file stores it.
 struct Identity {
-  std::string identifier;  ///< a UUID
-  std::string token;       ///< created at random by the agent, unless the server assigned one
-  std::string server;      ///< the server that enrolled the agent with this token; may be empty
+  std::string identifier;    ///< a UUID
+  std::string token;         ///< created at random by the agent, unless the server assigned one
+  std::string server;        ///< the server that enrolled the agent with this token; may be empty
+  std::string platformUuid;  ///< of the machine that the identity was made on; empty: unknown
 };
 
 /// The identity in a file; empty if the file does not exist. Throws `std::runtime_error` for a file
@@ -23,7 +24,8 @@ class AgentIdentity {
  public:
   /// Reads the file; creates it with a new identity if it is missing. If several processes do so at
   /// once, all get the identity of the first. Throws what `ReadIdentity` throws.
-  explicit AgentIdentity(const boost::filesystem::path& file);
+  /// @param platformUuid of this machine, stored if the identity has none; empty: unknown
+  explicit AgentIdentity(const boost::filesystem::path& file, const std::string& platformUuid = "");
 
   Identity Get() const;
 

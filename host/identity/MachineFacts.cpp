@@ -11,12 +11,6 @@ namespace Norvik::Host {
 
 using namespace Common;
 
-namespace {
-
-constexpr std::chrono::seconds SERVES_FOR(10);
-
-}  // namespace
-
 MachineFacts::MachineFacts(std::shared_ptr<const AgentIdentity> identity)
     : identity_(std::move(identity)) {}
 

@@ -15,11 +15,14 @@ namespace Norvik::Host {
 /// on any thread; requests wait for one another.
 class MachineFacts : public Common::IIdentificationSystem {
  public:
+  /// How long what was gathered for the module may serve the next request.
+  static constexpr std::chrono::seconds SERVES_FOR{10};
+
   explicit MachineFacts(std::shared_ptr<const AgentIdentity> identity);
   ~MachineFacts() override;
 
   /// To be called once the module is made. What was gathered for that also serves the next request,
-  /// if it comes within ten seconds, so that the first inventory does not start all tools twice.
+  /// if it comes within `SERVES_FOR`, so that the first inventory does not start all tools twice.
   void ModuleIsMade();
 
   Common::FirstInventoryInfo GetFirstInventoryInfo() override;

@@ -27,11 +27,13 @@ auto FixedPart(const AgentConfigurationInfo& configuration) {
 void ApplyConfiguration(AgentHost& host, const EffectiveConfiguration& effective) {
   const AgentConfigurationInfo& configuration = effective.values;
   CommandRunner::SetQueryLimit(effective.toolTimeLimit);
-  if (FixedPart(configuration) != FixedPart(host.Configuration())) {
+  if (host.History()) host.History()->SetLimits(effective.history);
+  if (FixedPart(configuration) != FixedPart(host.Configuration()) ||
+      effective.enrolmentSecret != host.EnrolmentSecret()) {
     NORVIK_INFORMATION("The new server and survey take effect at the next start of the agent");
   }
   ActionParameters parameters;
-  parameters.Set(COMMON_PARAMETER_CONFIGURATION, configuration);
+  parameters.Set(COMMON_PARAMETER_CONFIGURATION, ForModule(effective, host.Identifier()));
   host.Queue(COMMON_ACTION_NEW_CONFIGURATION, parameters);
 }
 

@@ -11,6 +11,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "host/server/AnswerBody.h"
+#include "host/server/Attempt.h"
 
 namespace Norvik::Host {
 
@@ -21,6 +22,7 @@ using Common::GetAgentVersion;
 constexpr char AGENTS[] = "/norvik/v1/agents/";
 constexpr long UNAUTHORIZED = 401;
 constexpr long NOT_YET = 202;
+constexpr char ENROLMENT[] = "enrolment";
 constexpr std::size_t SHORTEST_TOKEN = 16;
 constexpr std::size_t LONGEST_TOKEN = 512;
 
@@ -31,9 +33,17 @@ bool IsToken(const std::string& text) {
          std::all_of(text.begin(), text.end(), isVisible);
 }
 
-std::string EnrolmentBody() {
-  const nlohmann::ordered_json body = {{"agentVersion", GetAgentVersion()},
-                                       {"hostName", Common::HostInfoProvider::GetHostName()}};
+std::string EnrolmentBody(const ServerOptions& options) {
+  nlohmann::ordered_json body = {{"agentVersion", GetAgentVersion()},
+                                 {"hostName", Common::HostInfoProvider::GetHostName()}};
+  const std::pair<const char*, const std::string&> rest[] = {
+      {"serialNumber", options.hardware.serialNumber},
+      {"model", options.hardware.model},
+      {"platformUuid", options.hardware.platformUuid},
+      {"secret", options.enrolmentSecret}};
+  for (const auto& [key, text] : rest) {
+    if (!text.empty()) body[key] = text;
+  }
   return body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
@@ -89,13 +99,18 @@ bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::secon
   const std::lock_guard<std::mutex> lock(enrolMutex_);
   const Identity identity = options_.identity->Get();
   if (identity.server == Origin()) return true;
-  const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody()));
+  const HttpAnswer answer = Send(client, "", JsonRequest("PUT", EnrolmentBody(options_)));
   retryAfter = answer.retryAfter;
   try {
     FinishEnrolment(answer, identity);
+    options_.contact->Record(ENROLMENT, {});
     return true;
   } catch (const std::exception& error) {
     if (!stopped_) {
+      const auto result = answer.status == UNAUTHORIZED
+                              ? Attempt::Result::Refused
+                              : AttemptOf(answer, [](const auto&) { return false; }).result;
+      options_.contact->Record(ENROLMENT, {result, error.what(), boost::none});
       NORVIK_WARNING(boost::format("The server %1% has not enrolled this agent: %2%") % Origin() %
                      error.what());
     }

@@ -3,6 +3,7 @@
 #include "cli/ProgramTest.h"
 #include "common/database/AgentData.h"
 #include "common/database/AgentDatabase.h"
+#include "common/database/DataBase.h"
 #include "host/actions/PeriodicState.h"
 #include "host/ipc/Frames.h"
 #include "host/ipc/IpcService.h"
@@ -100,7 +101,7 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
   }
   EXPECT_THAT(RunWell({"doctor", "user-processes"}).output, HasSubstr("2 are connected"));
   RunWell({"doctor", "service-answers"});
-  RunWell({"notify", "hardware"});
+  EXPECT_THAT(RunWell({"notify", "hardware"}).output, HasSubstr("at once"));
   EXPECT_TRUE(Logs("Hardware changes successful"));
   EXPECT_EQ(Run({"notify", "weather"}).code, 2);
 
@@ -147,7 +148,7 @@ TEST_F(Service, AConfigurationThatComesDuringAnInventoryIsKeptAndTheInventoryEnd
   RunWell({"configure", file.string()});
   EXPECT_TRUE(Logs("Configuration has changed"));
   EXPECT_EQ(ContentOf(folder_ / "data/configuration.json"), ContentOf(file));
-  EXPECT_TRUE(Logs("KOB Inventory already running"));  // started by the configuration
+  EXPECT_TRUE(Logs("1036 ACTION_INCREMENTAL_INVENTORY does not run"));  // of the configuration
   OpenGate();
   EXPECT_TRUE(Logs("KOB Inventory finished"));
   EXPECT_TRUE(Eventually([&] { return DocumentsInOutbox() == 1; }));
@@ -202,6 +203,29 @@ TEST_F(Service, WhatAKillLeavesOfAScheduleRunsOnceAfterTheRestart) {
     EXPECT_EQ(CountOf("Action 1036 ACTION_INCREMENTAL_INVENTORY starts", since), row[4]) << since;
     State(1036, " ");
   }
+}
+
+TEST_F(Service, AStartWithAKnownConfigurationTakesOnlyInventoriesThatAreDue) {
+  const auto file = folder_ / "given.json";
+  const auto now = system_clock::to_time_t(system_clock::now());
+  WriteFile(file, R"({"inventorySchedule": {"periodSeconds": 86400, "next": )" +
+                      std::to_string(now - 40'000) + "}}");
+  EXPECT_THAT(RunWell({"configure", file.string()}).output, Not(HasSubstr("failed")));
+  State(1072, "432000 " + std::to_string(now + 1000));
+  const auto inventoriesOfAStart = [&] {
+    const std::string before = Log();
+    const auto service = Start({"run"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(service->End(SIGTERM), 0);
+    return CountOf("_INVENTORY starts", Log().substr(before.size()));
+  };
+  EXPECT_EQ(inventoriesOfAStart(), 0);
+  {
+    const LogCapture silence;
+    Common::AgentDatabase dataBase(folder_ / "data");
+    Common::V2::DataBase::SetDataTable("KOB_INVENTORY", static_cast<int>(now) - 3 * 86400);
+  }
+  EXPECT_EQ(inventoriesOfAStart(), 1);
 }
 
 std::string MessageFrame(unsigned int code, const std::string& key, const std::string& value) {

@@ -67,6 +67,8 @@ struct Thrower : IProgressListener {
   void SectionEnded(const RunInfo&, const SectionKeys&, Duration) override { throw 7; }
   void PhaseBegun(const RunInfo&, RudStatus) override { throw 7; }
   void PhaseEnded(const RunInfo&, RudStatus, Duration) override { throw 7; }
+  void RecordsCounted(const RunInfo&, const RecordCounts&) override { throw 7; }
+  void ToolEnded(const RunInfo&, const ToolRun&) override { throw 7; }
   void DocumentStepDone(const RunInfo&, const DocumentStep&) override { throw 7; }
   void TaskReported(const TaskResponseInfo&) override { throw 7; }
 };
@@ -80,6 +82,8 @@ TEST(Progress, AListenerThatThrowsIsLoggedOnceAndTheWorkGoesOn) {
     ReportTotalInstead(RunKind::FileInventory, "");
     ReportRefusal(RunKind::FileInventory, "");
     ReportNothingToSend();
+    ReportRecords({});
+    ReportTool({});
     ReportDocument({});
     ReportTask({});
     const SectionScope section({"a"});

@@ -13,7 +13,7 @@ using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
 
-constexpr unsigned int CODE = 1036;
+constexpr unsigned int CODE = 1041;
 constexpr long START = 1'000'000;
 constexpr long PERIOD = 100;
 const std::string KEY = PeriodicKey(CODE);
@@ -159,7 +159,7 @@ TEST_F(ActionSystemTest, AnExceptionOfAHandlerIsLoggedWithItsCodeAndTheThreadsCo
   RunOnce([this] { ++runs_; });
   EXPECT_EQ(RunsWithin(0), 1);
   EXPECT_THAT(log_.Texts(Logger::LEVEL_ERROR),
-              Contains(HasSubstr("1036 ACTION_OF_TEST failed: broken")));
+              Contains(HasSubstr("1041 ACTION_OF_TEST failed: broken")));
   EXPECT_EQ(log_.Texts(Logger::LEVEL_ERROR).size(), 4 * ActionSystem::THREADS);
 }
 
@@ -267,7 +267,7 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   EXPECT_FALSE(system_->StopWithin(milliseconds(20)));
   system_->RunOneShot(CODE, Counting(), seconds(0));
   ASSERT_EQ(system_->Running().size(), 1u);
-  EXPECT_EQ(system_->Running()[0].label, "1036 ACTION_OF_TEST");
+  EXPECT_EQ(system_->Running()[0].label, "1041 ACTION_OF_TEST");
   EXPECT_EQ(system_->Running()[0].since, clock_->Now());
   endless.LetGo();
   EXPECT_TRUE(system_->StopWithin(seconds(60)));
@@ -312,10 +312,50 @@ TEST_F(ActionSystemTest, ActionsOfOneLaneKeepNoOtherOneFromRunning) {
   }
   EXPECT_THAT(
       log_.Texts(Logger::LEVEL_WARNING),
-      ElementsAre(HasSubstr("inventories are taken, the longest by action 1036"),
+      ElementsAre(HasSubstr("inventories are taken, the longest by action 1041"),
                   HasSubstr("tasks of the server are taken"), HasSubstr("messages of users"),
                   HasSubstr("sessions of users are taken")));
   release.set_value();
+}
+
+/// The actions that run if the second is requested while the first does.
+std::string RunsOf(ActionSystem& system, const std::string& actions) {
+  std::istringstream words(actions);
+  unsigned int first = 0, second = 0;
+  std::string origin, runs;
+  words >> first >> second >> origin;
+  const auto make = [&runs](unsigned int code, ActionsUnderTest::Work work) {
+    return ActionsUnderTest::Action([&runs, code, work] {
+      runs += std::to_string(code) + " ";
+      work();
+    });
+  };
+  std::promise<void> end;
+  std::promise<void> begun;
+  system.RunOneShot(first,
+                    make(first,
+                         [&] {
+                           begun.set_value();
+                           end.get_future().wait();
+                         }),
+                    seconds(0));
+  begun.get_future().wait();
+  ModuleAction action = make(second, [] {});
+  if (!origin.empty()) action.parameters.Set(COMMON_PARAMETER_REQUEST_ID, origin);
+  system.RunOneShot(second, action, seconds(0));
+  end.set_value();
+  system.WaitIdle();
+  system.RunOneShot(second, make(second, [&] { runs += "after"; }), seconds(0));
+  system.WaitIdle();
+  return runs;
+}
+
+TEST_F(ActionSystemTest, AnInventoryThatAPendingOneContainsDoesNotRun) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"1071 1036", "1071 1036 after"},         {"1071 1071", "1071 1071 after"},
+      {"1036 1036", "1036 1036 after"},         {"1036 1071", "1036 1071 1071 after"},
+      {"1071 1036 r1", "1071 1036 1036 after"}, {"1047 1047", "1047 1047 1047 after"}};
+  for (const auto& [actions, runs] : rows) EXPECT_EQ(RunsOf(*system_, actions), runs) << actions;
 }
 
 std::string LaneNamed(const std::string& action) { return NameOf(LaneOf(ActionCodeOf(action))); }

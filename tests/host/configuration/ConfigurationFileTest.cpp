@@ -57,6 +57,31 @@ TEST(ConfigurationFile, AFileThatIsTooLargeIsReportedByItsName) {
               HasSubstr("agent.json: it is larger than"));
 }
 
+TEST(ScheduleSpread, MovesWhatRepeatsByAPartThatDependsOnTheIdentifierOnly) {
+  // The spread, the period, and the range within which all agents are.
+  const std::vector<std::tuple<std::string, long, long>> rows = {
+      {"{}", 3000, 300},
+      {"{}", 86400, 3600},
+      {"{}", 0, 0},
+      {R"({"percent": 0})", 86400, 0},
+      {R"({"percent": 50, "mostSeconds": 9})", 3000, 9}};
+  for (const auto& [spread, period, range] : rows) {
+    const auto configuration = MakeConfiguration(
+        R"({"scheduleSpread": )" + spread + R"(, "pendingTasksSchedule": {"next": 1000, )" +
+        R"("periodSeconds": )" + std::to_string(period) + "}}");
+    const auto nextOf = [&](int agent) {
+      return ForModule(configuration, std::to_string(agent)).kob->pendingTasksSchedule->next;
+    };
+    std::set<std::int64_t> times;
+    for (int agent = 0; agent < 200; ++agent) times.insert(nextOf(agent) - 1000);
+    EXPECT_EQ(nextOf(7), nextOf(7));
+    EXPECT_GE(*times.begin(), 0);
+    EXPECT_LE(*times.rbegin(), range) << spread;
+    EXPECT_GE(*times.rbegin(), range * 8 / 10) << spread;
+    EXPECT_GE(static_cast<long>(times.size()), std::min(range, 100L)) << spread;
+  }
+}
+
 /// The managed preferences of a machine with nothing else.
 class ManagedPreferences : public testing::Test {
  protected:
@@ -91,14 +116,16 @@ TEST_F(ManagedPreferences, AnInvalidValueIsReportedWithItsKeyAndWhatIsExpected) 
 TEST_F(ManagedPreferences, TheirKeysReplaceThoseOfTheFileAsAWhole) {
   for (const Json& row : DataOf("host/configuration/managed-preferences.json")["merged"]) {
     Write(row[0]);
-    const auto [values, toolTimeLimit, sources] = MakeConfiguration(row[1].dump());
-    EXPECT_EQ(toolTimeLimit, seconds(row[1].value("toolTimeLimitSeconds", 300))) << row;
+    const EffectiveConfiguration made = MakeConfiguration(row[1].dump());
+    const auto& values = made.values;
+    EXPECT_EQ(made.toolTimeLimit, seconds(row[1].value("toolTimeLimitSeconds", 300))) << row;
+    EXPECT_EQ(made.history.days, PartOf(row[1], "history").value("days", 90u)) << row;
     const CommunicationsInfo& server = values.communications;
     std::ostringstream kob;
     kob << *values.kob;
     Json found = {values.profileId, server.address, server.port, server.certificateFile};
     Json changed = Json::object();
-    for (const auto& [key, source] : sources) {
+    for (const auto& [key, source] : made.sources) {
       if (source != FROM_DEFAULT) changed[key] = source;
     }
     found.push_back(changed);

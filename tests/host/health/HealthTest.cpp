@@ -59,7 +59,7 @@ class BrokenSetups : public StepsTest {
     WriteFile(data_ / "log/agent.log", "");
     Common::SealingKeys(data_ / "keys").ForSealing();
     fs::copy_file(data_ / "keys/agent.pub", data_ / "keys/server.pub");
-    Configure({});
+    Configure(Json::object());
     Sql("insert into DATA values('LAST_DOCUMENT', '" +
         std::to_string(system_clock::to_time_t(options_.now) - 60) + "')");
     options_.dataFolder = data_;
@@ -104,7 +104,7 @@ class BrokenSetups : public StepsTest {
     Verb("server", [this](const std::string& name) {
       const std::string file = Certificate(name);
       server_ = std::make_unique<ManagementServer>(file + ".pem", file + ".key");
-      UseServer(server_->Port());
+      UseServer(server_->Port(), name == "elsewhere" ? name : "right");
       server_->Set([](ManagementServer::State& state) {
         state.agents[IDENTIFIER] = "Bearer 0123456789abcdef";
         state.answers["statuses"] = R"({"acknowledged": ""})";
@@ -126,10 +126,10 @@ class BrokenSetups : public StepsTest {
     Verb("requests", [this] { return server_->Requests(); });
   }
 
-  void UseServer(int port) {
+  void UseServer(int port, const std::string& trusted = "right") {
     Configure(
         {{"server",
-          {{"address", "127.0.0.1"}, {"port", port}, {"caFile", Certificate("right") + ".pem"}}}});
+          {{"address", "127.0.0.1"}, {"port", port}, {"caFile", Certificate(trusted) + ".pem"}}}});
     Enrol("https://127.0.0.1:" + std::to_string(port));
   }
   void Enrol(const std::string& server) const {

@@ -25,6 +25,7 @@ class ManagementServer {
     std::function<void()> onKept;               ///< called after each request that was stored
     /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "tasks {...}".
     TextList requests;
+    std::string enrolment;  ///< the body of the last one
     bool closing = false;
   };
 
@@ -78,7 +79,10 @@ class ManagementServer {
     const std::string given = request.get_header_value("Authorization");
     std::unique_lock<std::mutex> lock(mutex_);
     if (!state_.date.empty()) response.set_header("Date", state_.date);
-    if (resource.empty()) return Enrol(agent, given, response);
+    if (resource.empty()) {
+      state_.enrolment = request.body;
+      return Enrol(agent, given, response);
+    }
     const auto known = state_.agents.find(agent);
     if (known == state_.agents.end() || known->second != given) {
       response.status = 401;

@@ -256,6 +256,23 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
               ElementsAre("enrol", message, message, "statuses 7", tasks, tasks, tasks, tasks));
 }
 
+TEST(ServerLink, ShowsTheSecretAndTheHardwareToNobodyButForTheEnrolment) {
+  DeliverySetup setup;
+  setup.options.enrolmentSecret = "s3cret";
+  setup.options.hardware = {"C02TEST", "Mac14,2", ""};
+  setup.Restart();
+  setup.PutSealed("m.jsonkob", "one");
+  setup.Report("a");
+  EXPECT_EQ(setup.Round(), -1);
+  PlainJson enrolment;
+  setup.server.Set([&](State& state) { enrolment = PlainJson::parse(state.enrolment); });
+  enrolment.erase("hostName");
+  enrolment.erase("agentVersion");
+  EXPECT_EQ(enrolment,
+            PlainJson({{"serialNumber", "C02TEST"}, {"model", "Mac14,2"}, {"secret", "s3cret"}}));
+  EXPECT_THAT(setup.server.Requests(), Each(Not(HasSubstr("s3cret"))));
+}
+
 TEST(ServerLink, TrustsOnlyTheConfiguredAuthorityAndTheRightName) {
   const TemporaryFolder folder;
   for (const auto& [name, alternative] :

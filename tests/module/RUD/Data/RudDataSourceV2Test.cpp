@@ -98,6 +98,7 @@ TEST_F(RudDataSourceTest, ADatabaseOfTheFirstSchemaKeepsItsFiles) {
     TestDatabase::Run("insert into " + table + " select * from newer");
     TestDatabase::Run("drop table newer");
   }
+  TestDatabase::Run("drop table LEDGER");
   TestDatabase::Run("PRAGMA user_version=1");
   database.Reopen();
   EXPECT_EQ(RudDataSource::GetLastInventory(), before);

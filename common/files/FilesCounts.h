@@ -3,7 +3,9 @@
 #include <boost/filesystem/path.hpp>
 #include <cstddef>
 
-namespace Norvik::Cli {
+#include "common/Api.h"
+
+namespace Norvik::Common {
 
 /// Files in the document of a file inventory by their status. A total document has only `total`, an
 /// incremental one only the others.
@@ -16,6 +18,6 @@ struct FilesCounts {
 
 /// Counts without parsing, since the document of a whole disk is large. A file that cannot be read
 /// counts as far as it could be, without an error.
-FilesCounts CountFiles(const boost::filesystem::path& document);
+NORVIK_COMMON_API FilesCounts CountFiles(const boost::filesystem::path& document);
 
-}  // namespace Norvik::Cli
+}  // namespace Norvik::Common

@@ -1,4 +1,4 @@
-#include "cli/commands/FilesCounts.h"
+#include "common/files/FilesCounts.h"
 
 #include <string.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-namespace Norvik::Cli {
+namespace Norvik::Common {
 
 namespace {
 
@@ -53,4 +53,4 @@ FilesCounts CountFiles(const boost::filesystem::path& document) {
   return counts;
 }
 
-}  // namespace Norvik::Cli
+}  // namespace Norvik::Common
