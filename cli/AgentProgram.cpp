@@ -36,7 +36,7 @@ const std::map<std::string, Command>& AllCommands() {
       {"notify", RunNotify},       {"message", RunMessage},
       {"record", RunRecord},       {"why", RunWhy},
       {"show", RunShow},           {"history", RunHistory},
-      {"doctor", RunDoctor}};
+      {"doctor", RunDoctor},       {"redact", RunRedact}};
   return commands;
 }
 

@@ -32,6 +32,10 @@ struct Texts {
   std::string secondFile;
   std::string outputFile;
   std::string keys;
+  std::string secretFile;
+  std::string mapFile;
+  std::string bundle;
+  std::vector<std::string> files;
   std::string shell;
 };
 
@@ -47,6 +51,8 @@ that needs a person.
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
   norvik-agent open --pretty FILE              read what it has written
+  norvik-agent show software                   the software that the last inventory found
+  norvik-agent history --changes --since 7d    what has changed in a week
   norvik-agent configure --check FILE          check a configuration, store nothing
   norvik-agent status --json                   the state of the agent, for programs
   norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
@@ -137,6 +143,24 @@ void AddCommandsThatShowDocuments(CLI::App& program, CommandLine& line, Texts& t
   AddKeysOption(*history, texts);
 }
 
+void AddRedactCommand(CLI::App& program, Texts& texts) {
+  auto* redact = program.add_subcommand("redact", "print documents without personal data");
+  redact->add_option("FILES", texts.files, "documents of either inventory, plain or sealed")
+      ->required()
+      ->check(NotEmpty);
+  redact->add_option("--output", texts.outputFile, "write to this file, or into this folder")
+      ->check(NotEmpty)
+      ->type_name("PATH");
+  redact
+      ->add_option("--secret-file", texts.secretFile,
+                   "make stand-ins with the secret in this file; it is created if missing")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  redact->add_option("--map", texts.mapFile, "write the stand-ins and their values to this file")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+}
+
 void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
   inventory->add_flag("--incremental", line.incremental, "report only what has changed");
@@ -163,6 +187,8 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
                      {"NEW", "the one to compare with it"});
   AddCommandsThatShowDocuments(program, line, texts);
 
+  AddRedactCommand(program, texts);
+
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();
   action->add_option("PARAMETERS", line.parameters,
@@ -180,6 +206,10 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* doctor = program.add_subcommand("doctor", "look for what makes an agent fail in silence");
   doctor->add_option("CHECK", line.what, "run only this check")->check(NotEmpty);
   doctor->add_flag("--list", line.list, "list the checks");
+  doctor
+      ->add_option("--bundle", texts.bundle, "write an archive for support, without personal data")
+      ->check(NotEmpty)
+      ->type_name("FILE");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
@@ -232,6 +262,10 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;
   line.keyFolder = texts.keys;
+  line.secretFile = texts.secretFile;
+  line.mapFile = texts.mapFile;
+  line.bundle = texts.bundle;
+  line.files.assign(texts.files.begin(), texts.files.end());
 }
 
 /// CLI11 reverses the order of unknown arguments, does not report them if something is missing as

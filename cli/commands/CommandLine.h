@@ -31,7 +31,11 @@ struct CommandLine {
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
   boost::filesystem::path outputFile;  ///< empty: standard output
-  std::string action;                  ///< code or name, not checked yet
+  boost::filesystem::path secretFile;  ///< empty: a random secret
+  boost::filesystem::path mapFile;     ///< empty: none
+  std::vector<boost::filesystem::path> files;
+  boost::filesystem::path bundle;  ///< the support archive to write; empty: none
+  std::string action;              ///< code or name, not checked yet
   bool rehearse = false;
   bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;

@@ -38,6 +38,8 @@ int RunHistory(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the incremental document that leads from one full document to another.
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Prints documents without personal data. Several of one machine still belong together.
+int RunRedact(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Runs one action of the module, or rehearses it.
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Lists the actions that the module registers.

@@ -5,6 +5,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/NearestName.h"
 #include "cli/commands/Rendering.h"
+#include "cli/commands/SupportBundle.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "host/health/HealthReport.h"
@@ -85,6 +86,10 @@ std::string Summary(const HealthReport& report) {
 int RunDoctor(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   if (line.list && !line.what.empty()) throw UsageError("--list lists all checks and takes none");
   if (line.list) return List(line.json, output);
+  if (!line.bundle.empty()) {
+    if (!line.what.empty()) throw UsageError("--bundle runs all checks and takes none");
+    return WriteSupportBundle(line, output);
+  }
   const std::vector<HealthCheck> checks = Chosen(line.what);
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
   HealthOptions options;

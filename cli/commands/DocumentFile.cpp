@@ -9,6 +9,7 @@
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/TextFile.h"
+#include "host/HostError.h"
 #include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
@@ -63,6 +64,13 @@ std::string ReadDocument(const fs::path& file, const CommandLine& line) {
   } catch (const std::exception& error) {
     throw std::runtime_error("cannot open " + file.string() + ": " + error.what());
   }
+}
+
+void CheckOutput(const char* option, const fs::path& file) {
+  const auto type = fs::symlink_status(file).type();
+  if (type == fs::regular_file || type == fs::file_not_found) return;
+  throw Host::UsageError(std::string(option) + " wants a new or a plain file, not " +
+                         file.string());
 }
 
 }  // namespace Norvik::Cli

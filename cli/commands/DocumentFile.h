@@ -19,4 +19,8 @@ bool IsSealed(const boost::filesystem::path& file);
 /// the default one.
 std::string ReadDocument(const boost::filesystem::path& file, const CommandLine& line);
 
+/// Throws `UsageError` if the file that an option names is a link, a folder, a device or a pipe,
+/// which a document would replace.
+void CheckOutput(const char* option, const boost::filesystem::path& file);
+
 }  // namespace Norvik::Cli

@@ -14,6 +14,7 @@
 #include "cli/commands/RunningAgent.h"
 #include "cli/commands/ServerStatus.h"
 #include "cli/commands/StatusChecks.h"
+#include "cli/commands/StatusReport.h"
 #include "cli/why/LedgerView.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/InventorySchedules.h"
@@ -238,26 +239,6 @@ OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const Or
   return data;
 }
 
-OrderedJson Gather(const CommandLine& line) {
-  OrderedJson problem;
-  OrderedJson agent = AskForStatus(line.socket, problem);
-  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
-  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
-  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
-  const fs::path folder = Paths(Paths::DATA, false).AppData();
-  if (folderOfAgent != folder) agent = nullptr;
-  OrderedJson status = {
-      {"dataFolder", folder.string()}, {"agent", agent}, {"agentProblem", problem}};
-  status["readable"] = IsReadable(folder);
-  if (!status["readable"].get<bool>()) return status;
-  if (fs::exists(folder) && !fs::is_directory(folder)) {
-    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
-  }
-  status.update(GatherData(line, folder, agent));
-  status["attention"] = AttentionOf(status, system_clock::now());
-  return status;
-}
-
 std::string InventoryLines(const OrderedJson& status, system_clock::time_point now) {
   std::string text = "last inventory: " + AgeText(status["lastInventory"], now) + "\n" +
                      LastRunLines(status["ledger"]) + FileInventoryLine(status["fileInventory"]);
@@ -311,9 +292,29 @@ std::string ToText(const OrderedJson& status) {
 
 }  // namespace
 
+OrderedJson StatusOf(const CommandLine& line) {
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
+  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
+  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
+  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
+  const fs::path folder = Paths(Paths::DATA, false).AppData();
+  if (folderOfAgent != folder) agent = nullptr;
+  OrderedJson status = {
+      {"dataFolder", folder.string()}, {"agent", agent}, {"agentProblem", problem}};
+  status["readable"] = IsReadable(folder);
+  if (!status["readable"].get<bool>()) return status;
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
+  }
+  status.update(GatherData(line, folder, agent));
+  status["attention"] = AttentionOf(status, system_clock::now());
+  return status;
+}
+
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  const OrderedJson status = Gather(line);
+  const OrderedJson status = StatusOf(line);
   const bool isReadable = status["readable"].get<bool>();
   const std::string folder = EscapeControls(status["dataFolder"].get<std::string>());
   if (line.json) {

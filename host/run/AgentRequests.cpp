@@ -15,6 +15,7 @@
 #include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/ModuleActionCodes.h"
+#include "host/run/ChangeNotice.h"
 #include "host/run/CommandRun.h"
 #include "host/run/ConfigurationChange.h"
 
@@ -77,8 +78,12 @@ OrderedJson Notify(const Agent& agent, const OrderedJson& request) {
       {"software", COMMON_ACTION_SOFTWARE_CHANGES}, {"hardware", COMMON_ACTION_HARDWARE_CHANGES}};
   const auto found = codes.find(TextAt(request, "what"));
   if (found == codes.end()) throw UsageError("only software and hardware can change");
+  const auto now = std::chrono::system_clock::now();
+  const auto inventory = InventoryAfterChange(now);
   agent.host.Queue(found->second, {});
-  return {{"queued", found->second}};
+  return {{"queued", found->second},
+          {"inventory", inventory ? OrderedJson(TimeText(*inventory)) : OrderedJson()},
+          {"atOnce", inventory == now}};
 }
 
 void QueueText(const Agent& agent, const std::string& text) {

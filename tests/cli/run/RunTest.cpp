@@ -101,7 +101,7 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
   }
   EXPECT_THAT(RunWell({"doctor", "user-processes"}).output, HasSubstr("2 are connected"));
   RunWell({"doctor", "service-answers"});
-  RunWell({"notify", "hardware"});
+  EXPECT_THAT(RunWell({"notify", "hardware"}).output, HasSubstr("at once"));
   EXPECT_TRUE(Logs("Hardware changes successful"));
   EXPECT_EQ(Run({"notify", "weather"}).code, 2);
 

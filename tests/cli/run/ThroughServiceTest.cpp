@@ -46,6 +46,13 @@ class ThroughService : public ProgramTest {
   std::unique_ptr<BackgroundProcess> StartGated() const {
     return StartService({"--machine", (folder_ / "machine").string()});
   }
+  std::unique_ptr<BackgroundProcess> StartWaitingInventory() const {
+    WriteFile(Gate(), "");
+    auto command = Start({"inventory"});
+    EXPECT_TRUE(Eventually(
+        [&] { return command->Output().find("retrieving drivers") != std::string::npos; }));
+    return command;
+  }
   fs::path Gate() const { return folder_ / "gate"; }
 
   /// What a command prints and returns, without times and sizes.
@@ -73,11 +80,11 @@ TEST_F(ThroughService, CommandsHaveTheSameOutcomeAsWithoutIt) {
                             {"action", "1071"},
                             {"action", "1037"},
                             {"action", "1062", "cmd=true"},
-                            {"action", "1012", "id=abc"},
                             {"action", "9999"},
                             {"action", "1011", "x:bool=1"}};
   const auto outcomes = [&] {
     WriteFile(Tree() / "a.sample", "x");
+    fs::last_write_time(Tree() / "a.sample", 1'000'000'000);
     std::vector<PlainJson> all;
     for (const Words& words : commands) all.push_back(Outcome(words));
     return all;
@@ -99,29 +106,24 @@ TEST_F(ThroughService, CommandsHaveTheSameOutcomeAsWithoutIt) {
 
 TEST_F(ThroughService, AnInventoryThatRunsAndOptionsOfOnesOwnAreRefused) {
   const auto service = StartGated();
-  WriteFile(Gate(), "");
-  RunWell({"notify", "software"});
-  ASSERT_TRUE(Logs("Generating KOB inventory..."));
+  const auto first = StartWaitingInventory();
   const Answer second = Run({"inventory", "--json"});
   EXPECT_EQ(second.code, 1);
   EXPECT_EQ(second.errors, "{\"message\":\"KOB Inventory already running\"}\n");
   fs::remove(Gate());
+  EXPECT_EQ(first->Wait(), 0);
   ExpectRefusal({"inventory", "--log-level", "7"}, 1, "leave out --log-level, or end the agent");
   ExpectRefusal({"files", "--config", "x", "--user-process"}, 1, "--config, --user-process");
 }
 
 TEST_F(ThroughService, ACommandEndsWithOneLineWhenTheServiceEndsAndTheServiceGoesOnWithoutIt) {
   auto service = StartGated();
-  WriteFile(Gate(), "");
   for (const int signal : {SIGINT, SIGTERM, SIGKILL}) {
-    const auto command = Start({"inventory"});
-    ASSERT_TRUE(Eventually(
-        [&] { return command->Output().find("retrieving drivers") != std::string::npos; }));
+    const auto command = StartWaitingInventory();
     if (signal == SIGINT) {
       EXPECT_EQ(command->End(SIGINT), 128 + SIGINT);
       fs::remove(Gate());
       EXPECT_TRUE(Eventually([&] { return Ask({"status"})["agent"]["running"].empty(); }));
-      WriteFile(Gate(), "");
       continue;
     }
     service->Signal(signal);
@@ -132,7 +134,6 @@ TEST_F(ThroughService, ACommandEndsWithOneLineWhenTheServiceEndsAndTheServiceGoe
     fs::remove(Gate());
     service->Wait();
     service = StartGated();
-    WriteFile(Gate(), "");
   }
 }
 

@@ -1,4 +1,4 @@
-#include "host/recording/SensitiveKeys.h"
+#include "host/redaction/SensitiveKeys.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
@@ -13,10 +13,9 @@
 #include <string_view>
 
 #include "host/PropertyListJson.h"
-#include "host/recording/EncodedBytes.h"
-#include "host/recording/SensitiveForms.h"
-#include "host/recording/SensitiveKind.h"
-#include "json/Utf8.h"
+#include "host/redaction/EncodedBytes.h"
+#include "host/redaction/SensitiveForms.h"
+#include "host/redaction/SensitiveKind.h"
 
 namespace Norvik::Host {
 
@@ -31,23 +30,29 @@ struct KnownKey {
 };
 
 constexpr KnownKey KEYS[] = {
-    {"serial", false, SensitiveKind::SERIAL},     {"uniquechipid", true, SensitiveKind::SERIAL},
-    {"ecid", true, SensitiveKind::SERIAL},        {"udid", true, SensitiveKind::SERIAL},
-    {"imei", true, SensitiveKind::SERIAL},        {"meid", true, SensitiveKind::SERIAL},
-    {"iccid", true, SensitiveKind::SERIAL},       {"password", false, SensitiveKind::SECRET},
-    {"passwd", false, SensitiveKind::SECRET},     {"passphrase", false, SensitiveKind::SECRET},
-    {"secret", false, SensitiveKind::SECRET},     {"token", false, SensitiveKind::SECRET},
-    {"privatekey", false, SensitiveKind::SECRET}, {"apikey", false, SensitiveKind::SECRET},
-    {"accesskey", false, SensitiveKind::SECRET},  {"ssid", true, SensitiveKind::TEXT},
-    {"ssidstr", true, SensitiveKind::TEXT},       {"io80211ssid", true, SensitiveKind::TEXT},
-    {"macaddress", false, SensitiveKind::HEX},    {"username", true, SensitiveKind::NAME},
+    {"serial", false, SensitiveKind::SERIAL},        {"uniquechipid", true, SensitiveKind::SERIAL},
+    {"ecid", true, SensitiveKind::SERIAL},           {"udid", true, SensitiveKind::SERIAL},
+    {"imei", true, SensitiveKind::SERIAL},           {"meid", true, SensitiveKind::SERIAL},
+    {"iccid", true, SensitiveKind::SERIAL},          {"password", false, SensitiveKind::SECRET},
+    {"passwd", false, SensitiveKind::SECRET},        {"passphrase", false, SensitiveKind::SECRET},
+    {"secret", false, SensitiveKind::SECRET},        {"token", false, SensitiveKind::SECRET},
+    {"privatekey", false, SensitiveKind::SECRET},    {"apikey", false, SensitiveKind::SECRET},
+    {"accesskey", false, SensitiveKind::SECRET},     {"ssid", true, SensitiveKind::TEXT},
+    {"ssidstr", true, SensitiveKind::TEXT},          {"io80211ssid", true, SensitiveKind::TEXT},
+    {"macaddress", false, SensitiveKind::HEX},       {"username", true, SensitiveKind::NAME},
+    {"authorization", false, SensitiveKind::SECRET}, {"bearer", true, SensitiveKind::SECRET},
+    {"cookie", false, SensitiveKind::SECRET},        {"credential", false, SensitiveKind::SECRET},
+    {"proxyuser", true, SensitiveKind::NAME},        {"hostname", true, SensitiveKind::HOST},
+    {"assettag", true, SensitiveKind::SERIAL},
 };
 
 // A line may be a whole file.
 constexpr std::size_t LONGEST_KEY = 128;
 constexpr std::size_t LONGEST_VALUE = 4096;
 
-std::optional<SensitiveKind> KindOf(std::string key) {
+}  // namespace
+
+std::optional<SensitiveKind> KindOfKey(std::string key) {
   boost::to_lower(key, std::locale::classic());
   key.erase(std::remove_if(key.begin(), key.end(), boost::is_any_of("-_ \t")), key.end());
   const auto found = std::find_if(std::begin(KEYS), std::end(KEYS), [&](const KnownKey& known) {
@@ -57,18 +62,13 @@ std::optional<SensitiveKind> KindOf(std::string key) {
   return found->kind;
 }
 
+namespace {
+
 void AddKeyedText(const std::string& key, const std::string& value, Replacements& replacements) {
-  const auto kind = KindOf(key);
+  const auto kind = KindOfKey(key);
   if (!kind) return;
   const bool hasDigit = value.find_first_of("0123456789") != std::string::npos;
   if (*kind != SensitiveKind::SERIAL || hasDigit) AddSensitive(*kind, value, replacements);
-}
-
-bool IsText(const std::string& bytes) {
-  return !bytes.empty() && ::json::IsUtf8(bytes) &&
-         std::none_of(bytes.begin(), bytes.end(), [](char c) {
-           return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\r' && c != '\n';
-         });
 }
 
 /// Bytes are a text with zeros after it, a property list, or a number.
@@ -79,7 +79,7 @@ void AddKeyedData(const std::string& key, const std::string& bytes, Replacements
     AddForms(text, replacements);
   } else if (IsPropertyList(bytes)) {
     AddKeyedValues(bytes, replacements);
-  } else if (KindOf(key)) {
+  } else if (KindOfKey(key)) {
     // Bytes that are mostly zero are found everywhere.
     constexpr std::ptrdiff_t LEAST = 3;
     const auto zeros = std::count(bytes.begin(), bytes.end(), '\0');
@@ -90,7 +90,7 @@ void AddKeyedData(const std::string& key, const std::string& bytes, Replacements
 
 void AddKeyedNumber(const std::string& key, const std::string& digits, Replacements& replacements) {
   constexpr std::size_t LEAST = 6;
-  if (KindOf(key) == SensitiveKind::SERIAL && digits.size() >= LEAST) {
+  if (KindOfKey(key) == SensitiveKind::SERIAL && digits.size() >= LEAST) {
     replacements.AddNumber(digits);
   }
 }
@@ -108,7 +108,7 @@ std::string Between(const std::string& text, std::string_view begin, std::string
 /// "--token" and the word after it.
 bool IsSecretOption(const std::string& word) {
   return boost::starts_with(word, "-") && word.find('=') == std::string::npos &&
-         KindOf(word) == SensitiveKind::SECRET;
+         KindOfKey(word) == SensitiveKind::SECRET;
 }
 
 /// An element of an XML property list after a key or an option.
@@ -237,6 +237,10 @@ void AddKeyedValues(const std::string& text, Replacements& replacements) {
   });
   ForEachHexPart(text, [&](std::size_t begin, std::size_t length) {
     AddKeyedData("", FromHex(text.substr(begin, length)), replacements);
+  });
+  ForEachBase64Part(text, [&](std::size_t begin, std::size_t length) {
+    const std::string decoded = FromAnyBase64(text.substr(begin, length));
+    if (IsText(decoded)) AddLine(decoded, replacements);
   });
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) AddLine(line, replacements);

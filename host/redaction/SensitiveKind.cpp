@@ -1,4 +1,4 @@
-#include "host/recording/SensitiveKind.h"
+#include "host/redaction/SensitiveKind.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
@@ -9,6 +9,8 @@
 #include <locale>
 #include <string_view>
 
+#include "host/redaction/SensitiveForms.h"
+
 namespace Norvik::Host {
 
 namespace {
@@ -16,9 +18,12 @@ namespace {
 /// A full name is also written by its parts, as in the name of a share.
 void AddName(const std::string& name, Replacements& replacements) {
   if (IsCommonName(name)) return;
-  replacements.AddText(name);
   for (const auto& word : WordsIn(name, " ")) {
     if (!IsCommonName(word)) replacements.AddText(word);
+  }
+  // Also if its words are too short to be found.
+  if (name.find(' ') != std::string::npos) {
+    replacements.AddPair(name, replacements.GetStandIns().OfWords(name));
   }
 }
 
@@ -64,11 +69,31 @@ bool LooksLikeSecret(const std::string& value) {
 }  // namespace
 
 bool IsCommonName(const std::string& name) {
-  static constexpr std::string_view COMMON[] = {"root",    "daemon", "nobody",    "guest",
-                                                "console", "local",  "localhost", "workgroup"};
+  static constexpr std::string_view COMMON[] = {
+      "root", "daemon", "nobody", "guest", "console", "local", "localhost", "workgroup",
+      // Groups of a Mac.
+      "accessibility", "admin", "authedusers", "bin", "certusers", "consoleusers", "dialer",
+      "everyone", "group", "interactusers", "kmem", "localaccounts", "mail", "netaccounts",
+      "netusers", "network", "nogroup", "operator", "owner", "procmod", "procview", "staff", "sys",
+      "tty", "utmp", "wheel",
+      // Of other systems.
+      "adm", "audio", "backup", "bluetooth", "cdrom", "crontab", "dip", "disk", "fax", "floppy",
+      "games", "gnats", "input", "irc", "kvm", "list", "lp", "lpadmin", "man", "messagebus",
+      "netdev", "news", "plugdev", "polkitd", "proxy", "render", "sasl", "scanner", "sgx", "shadow",
+      "src", "ssh", "sshd", "sudo", "sync", "tape", "tcpdump", "users", "uucp", "uuidd", "video",
+      "voice", "www-data"};
   const std::string lower = boost::to_lower_copy(name, std::locale::classic());
-  return boost::starts_with(name, "_") ||
+  return boost::starts_with(name, "_") || boost::starts_with(lower, "systemd-") ||
+         boost::starts_with(lower, "com.apple.") ||
          std::find(std::begin(COMMON), std::end(COMMON), lower) != std::end(COMMON);
+}
+
+bool IsCommonVolume(const std::string& name) {
+  static constexpr std::string_view COMMON[] = {
+      "Macintosh HD", "Macintosh HD - Data", "Data", "Preboot", "Recovery", "VM",   "Update",
+      "xarts",        "iSCPreboot",          "EFI",  "BOOT",    "Hardware", "Boot", "Untitled"};
+  return boost::starts_with(name, "com.apple.") ||
+         std::find(std::begin(COMMON), std::end(COMMON), name) != std::end(COMMON);
 }
 
 std::vector<std::string> WordsIn(const std::string& text, const char* separators) {
@@ -86,6 +111,9 @@ void AddSensitive(SensitiveKind kind, const std::string& text, Replacements& rep
       AddName(value, replacements);
       break;
     case SensitiveKind::HOST:
+      if (value.find("//") != std::string::npos) {
+        return AddSensitive(SensitiveKind::URI, value, replacements);
+      }
       // Of a network volume without a host the whole source is given.
       if (value.find(' ') == std::string::npos) AddHost(value, replacements);
       break;
@@ -103,6 +131,19 @@ void AddSensitive(SensitiveKind kind, const std::string& text, Replacements& rep
       break;
     case SensitiveKind::TEXT:
       replacements.AddText(value);
+      break;
+    case SensitiveKind::URI:
+    case SensitiveKind::PATH:
+    case SensitiveKind::WORDS:
+      ForEachForm(value, [&](SensitiveKind found, const std::string& name) {
+        const bool isName = found == SensitiveKind::NAME || found == SensitiveKind::HOST;
+        if (isName) AddSensitive(found, name, replacements);
+      });
+      break;
+    case SensitiveKind::LABEL:
+    case SensitiveKind::TITLE:
+    case SensitiveKind::POSITION:
+    case SensitiveKind::HARMLESS:
       break;
   }
 }

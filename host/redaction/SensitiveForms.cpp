@@ -1,4 +1,4 @@
-#include "host/recording/SensitiveForms.h"
+#include "host/redaction/SensitiveForms.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "common/identification/HostInfoProvider.h"
-#include "host/recording/EncodedBytes.h"
-#include "host/recording/SensitiveKind.h"
+#include "host/redaction/EncodedBytes.h"
+#include "host/redaction/SensitiveKind.h"
 
 namespace Norvik::Host {
 
@@ -27,7 +27,7 @@ bool HasForm(const std::string& text, std::size_t at, std::string_view form) {
   return at + form.size() == text.size() || !IsHexDigit(text[at + form.size()]);
 }
 
-void AddHexForms(const std::string& text, Replacements& replacements) {
+void TakeHexForms(const std::string& text, const TakeForm& take) {
   static constexpr std::string_view FORMS[] = {
       "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx", "xx:xx:xx:xx:xx:xx", "xx-xx-xx-xx-xx-xx",
       // In the name of a printer's file.
@@ -35,23 +35,23 @@ void AddHexForms(const std::string& text, Replacements& replacements) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!IsHexDigit(text[at])) continue;
     for (const std::string_view form : FORMS) {
-      if (HasForm(text, at, form)) replacements.AddHex(text.substr(at, form.size()));
+      if (HasForm(text, at, form)) take(SensitiveKind::HEX, text.substr(at, form.size()));
     }
   }
 }
 
 /// An address of the link layer whose parts have no leading zero, as in a table of routes.
-void AddShortMac(const std::string& word, Replacements& replacements) {
-  std::string digits;
+void TakeShortMac(const std::string& word, const TakeForm& take) {
+  std::string address;
   for (const auto& part : WordsIn(word, ":")) {
-    if (part.empty() || part.size() > 2) return;
-    digits += part.size() == 1 ? "0" + part : part;
+    if (part.empty() || part.size() > 2 || part.find('.') != std::string::npos) return;
+    address += (address.empty() ? "" : ":") + (part.size() == 1 ? "0" + part : part);
   }
-  if (digits.find('.') == std::string::npos) replacements.AddHex(digits);
+  take(SensitiveKind::HEX, address);
 }
 
 /// Words of the characters that network addresses are made of.
-void AddNetworkAddresses(const std::string& text, Replacements& replacements) {
+void TakeNetworkAddresses(const std::string& text, const TakeForm& take) {
   const auto belongs = [](char c) { return IsHexDigit(c) || c == ':' || c == '.'; };
   for (auto at = text.begin(); at != text.end();) {
     at = std::find_if(at, text.end(), belongs);
@@ -62,13 +62,13 @@ void AddNetworkAddresses(const std::string& text, Replacements& replacements) {
     const std::string address = word.substr(0, word.find(':'));
     if (std::count(address.begin(), address.end(), '.') == 3 &&
         address != Common::GetAgentVersion()) {
-      replacements.AddAddress(address);
+      take(SensitiveKind::ADDRESS, address);
     } else if (std::count(word.begin(), word.end(), ':') >= 2) {
-      replacements.AddAddress(word);
-      replacements.AddAddress(
-          word.substr(word.rfind(':') + 1));  // the last part of ::ffff:192.0.2.1
+      take(SensitiveKind::ADDRESS, word);
+      // The last part of ::ffff:192.0.2.1.
+      take(SensitiveKind::ADDRESS, word.substr(word.rfind(':') + 1));
     }
-    if (std::count(word.begin(), word.end(), ':') == 5) AddShortMac(word, replacements);
+    if (std::count(word.begin(), word.end(), ':') == 5) TakeShortMac(word, take);
   }
 }
 
@@ -81,7 +81,7 @@ bool IsHostScheme(const std::string& text, std::size_t end) {
 }
 
 /// "//user:password@host:port/...", and without a user after certain schemes only.
-void AddUris(const std::string& text, Replacements& replacements) {
+void TakeUris(const std::string& text, const TakeForm& take) {
   for (auto at = text.find("//"); at != std::string::npos; at = text.find("//", at)) {
     const bool namesHost = IsHostScheme(text, at);
     at += 2;
@@ -90,18 +90,17 @@ void AddUris(const std::string& text, Replacements& replacements) {
     const auto sign = authority.rfind('@');
     if (sign == std::string::npos && !namesHost) continue;
     const std::string user = sign == std::string::npos ? "" : authority.substr(0, sign);
-    for (const auto& part : WordsIn(user, ":;"))
-      AddSensitive(SensitiveKind::NAME, part, replacements);
-    AddSensitive(SensitiveKind::HOST, authority.substr(sign + 1), replacements);
+    for (const auto& part : WordsIn(user, ":;")) take(SensitiveKind::NAME, part);
+    take(SensitiveKind::HOST, authority.substr(sign + 1));
   }
 }
 
-void AddPemKeys(const std::string& text, Replacements& replacements) {
+void TakePemKeys(const std::string& text, const TakeForm& take) {
   std::istringstream stream(text);
   bool isInside = false;
   for (std::string line; std::getline(stream, line);) {
     if (line.find("-----END ") != std::string::npos) isInside = false;
-    if (isInside) replacements.AddText(boost::trim_copy(line));
+    if (isInside) take(SensitiveKind::TEXT, boost::trim_copy(line));
     if (line.find("-----BEGIN ") != std::string::npos) isInside = true;
   }
 }
@@ -111,9 +110,8 @@ bool IsNameCharacter(char c) {
   return (c >= '0' && c <= '9') || (lower >= 'a' && lower <= 'z') || c == '-' || c == '.';
 }
 
-/// "user@host.domain". A user who is no account of the machine is replaced with the "@" only: the
-/// name may be a usual word.
-void AddMailAddresses(const std::string& text, Replacements& replacements) {
+/// "user@host.domain".
+void TakeMailAddresses(const std::string& text, const TakeForm& take) {
   const auto isUser = [](char c) { return IsNameCharacter(c) || c == '_' || c == '+'; };
   for (auto at = text.find('@'); at != std::string::npos; at = text.find('@', at + 1)) {
     const auto sign = text.begin() + static_cast<std::ptrdiff_t>(at);
@@ -126,32 +124,36 @@ void AddMailAddresses(const std::string& text, Replacements& replacements) {
     // No number, as in names of pictures for fine displays ("icon@2x.png") and of devices.
     const bool isDomain = dot != std::string::npos && domain.size() > dot + 2 && domain[0] > '9';
     if (begin == sign || !isDomain) continue;
-    AddSensitive(SensitiveKind::SEARCH_DOMAIN, domain, replacements);
-    const std::string user(begin, sign);
-    if (!replacements.Has(user)) replacements.AddText(user + "@");
-  }
-}
-
-/// Accounts of a directory service are in no list of accounts.
-void AddHomeFolders(const std::string& text, Replacements& replacements) {
-  static constexpr std::string_view HOMES = "/Users/";
-  for (auto at = text.find(HOMES); at != std::string::npos; at = text.find(HOMES, at)) {
-    at += HOMES.size();
-    const auto end = text.find_first_of("/\\\"'<>;:,() \t\r\n\0"sv, at);
-    const std::string user = text.substr(at, end - at);
-    if (user != "Shared" && user != "Guest") AddSensitive(SensitiveKind::NAME, user, replacements);
+    take(SensitiveKind::SEARCH_DOMAIN, domain);
+    // With the "@" only: the name may be a usual word.
+    take(SensitiveKind::TEXT, std::string(begin, sign + 1));
   }
 }
 
 }  // namespace
 
+void ForEachHomeFolder(const std::string& text, const TakeForm& take) {
+  for (const std::string_view homes : {"/Users/"sv, "/home/"sv}) {
+    for (auto at = text.find(homes); at != std::string::npos; at = text.find(homes, at)) {
+      at += homes.size();
+      const auto end = text.find_first_of("/\\\"'<>;:,() \t\r\n\0"sv, at);
+      const std::string user = text.substr(at, end - at);
+      if (user != "Shared" && user != "Guest") take(SensitiveKind::NAME, user);
+    }
+  }
+}
+
+void ForEachForm(const std::string& text, const TakeForm& take) {
+  for (const auto form : {TakeHexForms, TakeNetworkAddresses, ForEachHomeFolder, TakeUris,
+                          TakeMailAddresses, TakePemKeys}) {
+    form(text, take);
+  }
+}
+
 void AddForms(const std::string& text, Replacements& replacements) {
-  AddHexForms(text, replacements);
-  AddNetworkAddresses(text, replacements);
-  AddHomeFolders(text, replacements);
-  AddUris(text, replacements);
-  AddMailAddresses(text, replacements);
-  AddPemKeys(text, replacements);
+  ForEachForm(text, [&](SensitiveKind kind, const std::string& value) {
+    AddSensitive(kind, value, replacements);
+  });
 }
 
 }  // namespace Norvik::Host

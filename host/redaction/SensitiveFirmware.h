@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/recording/Replacements.h"
+#include "host/redaction/Replacements.h"
 
 namespace Norvik::Host {
 

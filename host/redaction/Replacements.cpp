@@ -1,13 +1,12 @@
-#include "host/recording/Replacements.h"
+#include "host/redaction/Replacements.h"
 
 #include <arpa/inet.h>
-#include <sodium.h>
 
 #include <algorithm>
 #include <boost/algorithm/hex.hpp>
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/split.hpp>
+#include <cstdio>
 #include <iterator>
 
 namespace Norvik::Host {
@@ -32,21 +31,12 @@ std::string LowerText(std::string text) {
   return text;
 }
 
-char RandomFrom(char first, unsigned int count) {
-  return static_cast<char>(first + static_cast<char>(::randombytes_uniform(count)));
-}
-
 std::uint32_t BeginningOf(const std::string& text, std::size_t at) {
   std::uint32_t beginning = 0;
   for (std::size_t next = at; next < at + BEGINNING; ++next) {
     beginning = beginning << 8 | static_cast<unsigned char>(text[next]);
   }
   return beginning;
-}
-
-std::vector<std::string> PartsOf(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  return boost::split(parts, text, [=](char c) { return c == separator; });
 }
 
 /// The digits in groups of these lengths, with a separator between them.
@@ -71,24 +61,39 @@ std::string ShortMac(const std::string& digits) {
   return text;
 }
 
-/// As a binary property list stores a text that is not ASCII; empty beyond the basic plane.
-std::string Utf16Of(const std::string& utf8) {
-  std::string wide;
+/// The numbers of UTF-16; empty for a text that is no UTF-8.
+std::vector<std::uint32_t> Utf16Of(const std::string& utf8) {
+  std::vector<std::uint32_t> units;
   for (std::size_t at = 0; at < utf8.size();) {
     const auto byte = [&](std::size_t offset) {
       return at + offset < utf8.size() ? static_cast<unsigned char>(utf8[at + offset]) : 0u;
     };
-    const unsigned int first = byte(0);
-    if (first >= 0xF0 || (first >= 0x80 && first < 0xC0)) return {};
-    const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : 3;
-    unsigned int character = first;
-    if (length == 2) character = (first & 0x1F) << 6 | (byte(1) & 0x3F);
-    if (length == 3) character = (first & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F);
-    wide += static_cast<char>(character >> 8);
-    wide += static_cast<char>(character & 0xFF);
+    const std::uint32_t first = byte(0);
+    if (first >= 0x80 && first < 0xC0) return {};
+    const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    std::uint32_t code = length == 1 ? first : first & (0xFFu >> (length + 1));
+    for (std::size_t next = 1; next < length; ++next) code = code << 6 | (byte(next) & 0x3F);
+    if (code > 0xFFFF) units.push_back(0xD7C0 + (code >> 10));
+    units.push_back(code > 0xFFFF ? 0xDC00 | (code & 0x3FF) : code);
     at += length;
   }
-  return wide;
+  return units;
+}
+
+/// As a binary property list stores a text that is not ASCII.
+std::string BigEndianOf(const std::string& text) {
+  std::string bytes;
+  for (const std::uint32_t unit : Utf16Of(text)) {
+    bytes += static_cast<char>(unit >> 8);
+    bytes += static_cast<char>(unit & 0xFF);
+  }
+  return bytes;
+}
+
+std::string LittleEndianOf(const std::string& text) {
+  std::string bytes = BigEndianOf(text);
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) std::swap(bytes[at], bytes[at + 1]);
+  return bytes;
 }
 
 std::string XmlOf(const std::string& text) {
@@ -99,21 +104,39 @@ std::string XmlOf(const std::string& text) {
   return escaped;
 }
 
-/// A part of an IPv4 address with this number of digits.
-std::string OtherNumber(std::size_t digits) {
-  const std::uint32_t least = digits == 1 ? 1 : digits == 2 ? 10 : 100;
-  const std::uint32_t count = digits == 1 ? 9 : digits == 2 ? 90 : 100;
-  return std::to_string(least + ::randombytes_uniform(count));
+/// In JSON, as it must be.
+std::string QuotedOf(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) escaped += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
+  return escaped;
 }
 
-/// A group of an IPv6 address, whose zeros stay.
-std::string OtherGroup(std::string group) {
-  for (char& c : group) {
-    if (IsDigit(c) && c != '0') c = RandomFrom('1', 9);
-    if (IsLower(c)) c = RandomFrom('a', 6);
+/// In JSON, if it is to be ASCII.
+std::string EscapedOf(const std::string& text) {
+  std::string escaped;
+  for (const std::uint32_t unit : Utf16Of(text)) {
+    char digits[8];
+    std::snprintf(digits, sizeof(digits), "\\u%04x", unit);
+    escaped += unit < 0x80 ? QuotedOf(std::string(1, static_cast<char>(unit))) : digits;
   }
-  return group;
+  return escaped;
 }
+
+/// In a URI.
+std::string PercentOf(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    char digits[4];
+    std::snprintf(digits, sizeof(digits), "%%%02x",
+                  static_cast<unsigned int>(static_cast<unsigned char>(c)));
+    escaped += IsWordCharacter(c) || c == '-' || c == '.' || c == '_' ? std::string(1, c) : digits;
+  }
+  return escaped;
+}
+
+/// The ways to write a text besides the plain one.
+constexpr std::string (*OTHER_FORMS[])(const std::string&) = {
+    BigEndianOf, LittleEndianOf, XmlOf, QuotedOf, EscapedOf, PercentOf};
 
 /// A UUID's bytes as SMBIOS has them: the first three fields with the low byte first.
 std::string SmbiosOrder(std::string bytes) {
@@ -126,25 +149,8 @@ std::string SmbiosOrder(std::string bytes) {
 
 }  // namespace
 
-Replacements::Replacements() : beginnings_(std::size_t{1} << (8 * BEGINNING)) {}
-
-std::string Replacements::Substitute(const std::string& text, bool keepsZeros) {
-  const bool isHex = text.find_first_not_of("0123456789abcdef-:") == std::string::npos;
-  std::string replacement;
-  // Short values may run out of replacements that nothing else has.
-  for (int attempt = 0; attempt < 1000; ++attempt) {
-    replacement = text;
-    for (char& c : replacement) {
-      const bool isZero = c == '0';
-      if (IsDigit(c) && keepsZeros && !isZero) c = RandomFrom('1', 9);
-      if (IsDigit(c) && !keepsZeros) c = RandomFrom('0', 10);
-      if (IsLower(c)) c = RandomFrom('a', isHex ? 6 : 26);
-    }
-    if (replacement != text && used_.count(replacement) == 0) break;
-  }
-  used_.insert(replacement);
-  return replacement;
-}
+Replacements::Replacements(const StandIns& standIns)
+    : standIns_(standIns), beginnings_(std::size_t{1} << (8 * BEGINNING)) {}
 
 void Replacements::AddPattern(const std::string& from, const std::string& to, Edge edge,
                               bool isExact) {
@@ -172,10 +178,18 @@ void Replacements::AddText(const std::string& text) {
   if (protected_.find(word) != std::string::npos) return;
   const bool hasWord = std::any_of(from.begin(), from.end(), IsWordCharacter);
   if (from.size() < BEGINNING || !hasWord || !known_.insert(from).second) return;
-  const std::string to = Substitute(from, false);
+  AddForms(from, LowerText(standIns_.OfText(text)));
+}
+
+void Replacements::AddPair(const std::string& text, const std::string& standIn) {
+  if (known_.insert(LowerText(text)).second) AddForms(LowerText(text), LowerText(standIn));
+}
+
+void Replacements::AddForms(const std::string& from, const std::string& to) {
   AddPattern(from, to, from.size() < LONG_TEXT ? Edge::WORD : Edge::ANY);
-  AddPattern(Utf16Of(from), Utf16Of(to), Edge::ANY);
-  if (XmlOf(from) != from) AddPattern(XmlOf(from), XmlOf(to), Edge::ANY);
+  for (const auto form : OTHER_FORMS) {
+    if (form(from) != from) AddPattern(form(from), form(to), Edge::ANY);
+  }
 }
 
 void Replacements::AddHex(const std::string& text) {
@@ -190,7 +204,7 @@ void Replacements::AddHex(const std::string& text) {
   // A short identifier, as that of a volume, is a text.
   if (!isHex || from.size() < MAC_DIGITS || from.size() % 2 != 0) return AddText(text);
   if (!known_.insert(from).second) return;
-  const std::string to = Substitute(from, true);
+  const std::string to = standIns_.OfHex(from);
   const auto add = [&](const std::vector<std::size_t>& lengths, const char* separator) {
     AddPattern(Grouped(from, lengths, separator), Grouped(to, lengths, separator), Edge::ANY);
   };
@@ -207,59 +221,18 @@ void Replacements::AddHex(const std::string& text) {
   AddPattern(SmbiosOrder(bytes), SmbiosOrder(newBytes), Edge::ANY, true);
 }
 
-std::string Replacements::SubstitutePart(const std::string& before, const std::string& part) {
-  const auto [place, isNew] = parts_.emplace(before + part, part);
-  if (!isNew) return place->second;
-  for (int attempt = 0; attempt < 1000; ++attempt) {
-    const bool isIpv4 = before.find(':') == std::string::npos;
-    const std::string to = isIpv4 ? OtherNumber(part.size()) : OtherGroup(part);
-    if (to == part || !used_.insert(before + to).second) continue;
-    place->second = to;
-    break;
-  }
-  return place->second;
-}
-
-void Replacements::AddIpv4(const std::string& text) {
-  const auto parts = PartsOf(text, '.');
-  const int first = std::stoi(parts[0]);
-  if (first == 0 || first == 127 || first >= 224) return;
-  // The networks that anyone may use stay what they are.
-  const bool keepsTwo =
-      boost::starts_with(text, "192.168.") || boost::starts_with(text, "169.254.") || first == 172;
-  std::string before = parts[0];
-  std::string to = parts[0];
-  for (std::size_t at = 1; at < parts.size(); ++at) {
-    const bool keeps = (at == 1 && keepsTwo) || parts[at] == "0" || parts[at] == "255";
-    const std::string part = keeps ? parts[at] : SubstitutePart(before + ".", parts[at]);
-    before += "." + parts[at];
-    to += "." + part;
-    // A network is written by its first three parts.
-    if (at == 2) AddPattern(before, to, Edge::WORD);
-  }
-  AddPattern(before, to, Edge::WORD);
-}
-
-void Replacements::AddIpv6(const std::string& text) {
-  if (boost::starts_with(text, "::") || boost::starts_with(text, "ff")) return;
-  const auto parts = PartsOf(text, ':');
-  std::string before = parts[0] + ":";
-  std::string to = parts[0];
-  for (std::size_t at = 1; at < parts.size(); ++at) {
-    to += ":" + (parts[at].empty() ? "" : SubstitutePart(before, parts[at]));
-    before += parts[at] + ":";
-  }
-  AddPattern(text, to, Edge::ADDRESS);
-}
-
 void Replacements::AddAddress(const std::string& text) {
   const std::string from = LowerText(text.substr(0, text.find('%')));
   in6_addr parsed{};
   const bool isIpv4 = ::inet_pton(AF_INET, from.c_str(), &parsed) == 1;
   const bool isIpv6 = ::inet_pton(AF_INET6, from.c_str(), &parsed) == 1;
   const bool isMixed = isIpv6 && from.find('.') != std::string::npos;
-  if ((!isIpv4 && !isIpv6) || isMixed || !known_.insert(from).second) return;
-  isIpv4 ? AddIpv4(from) : AddIpv6(from);
+  const std::string to = standIns_.OfAddress(from);
+  if ((!isIpv4 && !isIpv6) || isMixed || !known_.insert(from).second || from == to) return;
+  AddPattern(from, to, isIpv4 ? Edge::WORD : Edge::ADDRESS);
+  if (isIpv6) return;
+  // A network is written by its first three parts, if these are more than its range.
+  AddPattern(from.substr(0, from.rfind('.')), to.substr(0, to.rfind('.')), Edge::WORD);
 }
 
 void Replacements::AddNumber(const std::string& digits, const std::string& replacement) {
@@ -268,7 +241,7 @@ void Replacements::AddNumber(const std::string& digits, const std::string& repla
 }
 
 void Replacements::AddNumber(const std::string& digits) {
-  AddNumber(digits, digits.substr(0, 1) + Substitute(digits.substr(1), false));
+  AddNumber(digits, digits.substr(0, 1) + standIns_.OfText(digits.substr(1)));
 }
 
 bool Replacements::Has(const std::string& text) const { return known_.count(LowerText(text)) != 0; }
@@ -285,8 +258,11 @@ const Replacements::Pattern* Replacements::MatchAt(const std::string& bytes,
   for (const Pattern& pattern : patterns_.at(beginning)) {
     const std::string& text = pattern.isExact ? bytes : lower;
     if (text.compare(at, pattern.from.size(), pattern.from) != 0) continue;
+    // A word ends at its own last character: "ana@" ends anywhere.
+    const bool endsItself = pattern.edge == Edge::WORD && !IsWordCharacter(pattern.from.back());
     // Before the beginning the position wraps, which is outside as well.
-    if (isEdge(at - 1, pattern.edge) && isEdge(at + pattern.from.size(), pattern.edge)) {
+    if (isEdge(at - 1, pattern.edge) &&
+        (endsItself || isEdge(at + pattern.from.size(), pattern.edge))) {
       return &pattern;
     }
   }

@@ -1,4 +1,4 @@
-#include "host/recording/SensitiveFirmware.h"
+#include "host/redaction/SensitiveFirmware.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "common/identification/SmBios.h"
-#include "host/recording/EncodedBytes.h"
-#include "host/recording/SensitiveKind.h"
+#include "host/redaction/EncodedBytes.h"
+#include "host/redaction/SensitiveKind.h"
 
 namespace Norvik::Host {
 

@@ -1,21 +1,23 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "host/redaction/StandIns.h"
+
 namespace Norvik::Host {
 
-/// Replaces sensitive values, each by a random one of the same length and alphabet: a digit by a
-/// digit, a letter by a letter. A value has the same replacement wherever it is found and however
-/// it is written.
+/// Replaces sensitive values in bytes of any format, each by its stand-in. A value has the same
+/// replacement wherever it is found and however it is written: also in UTF-16, and with the escapes
+/// of XML, JSON and URIs.
 class Replacements {
  public:
-  Replacements();
+  /// @param standIns must outlive this
+  explicit Replacements(const StandIns& standIns);
 
   /// Keeps `AddText` from taking what is one of these words, or a part of one where it would be
   /// found there: keys, and the words of commands.
@@ -23,11 +25,14 @@ class Replacements {
   /// A name, a serial number and the like. Below six bytes it is found as a whole word only, and
   /// below three bytes not at all.
   void AddText(const std::string& text);
+  /// The same with a stand-in of the caller's, of the same length, and regardless of what is
+  /// protected.
+  void AddPair(const std::string& text, const std::string& standIn);
   /// Bytes in hexadecimal digits, with or without ":", "-" or "_", as in a UUID. Found with any of
   /// these separators, and as the bytes themselves. Zeros stay.
   void AddHex(const std::string& text);
-  /// An IPv4 or IPv6 address, which keeps its first part; addresses of one network stay in one.
-  /// Any other text, a mask and an address that all machines have are ignored.
+  /// An IPv4 or IPv6 address; addresses of one network stay in one. Any other text, a mask and an
+  /// address that all machines have are ignored.
   void AddAddress(const std::string& text);
   /// A decimal number, found as a whole word. Its first digit stays, so that it is no larger.
   void AddNumber(const std::string& digits);
@@ -37,6 +42,7 @@ class Replacements {
   /// Whether `AddText` has taken this text.
   bool Has(const std::string& text) const;
   std::size_t Count() const { return known_.size(); }
+  const StandIns& GetStandIns() const { return standIns_; }
   /// Replaces all values. The length stays, and so does the case of letters.
   std::string Apply(const std::string& bytes) const;
 
@@ -49,17 +55,13 @@ class Replacements {
     bool isExact = false;   ///< bytes, whatever their letters
   };
 
-  std::string Substitute(const std::string& text, bool keepsZeros);
-  std::string SubstitutePart(const std::string& before, const std::string& part);
-  void AddIpv4(const std::string& text);
-  void AddIpv6(const std::string& text);
+  void AddForms(const std::string& from, const std::string& to);
   void AddPattern(const std::string& from, const std::string& to, Edge edge, bool isExact = false);
   const Pattern* MatchAt(const std::string& bytes, const std::string& lower, std::size_t at) const;
 
-  std::string protected_ = "\n";              ///< words in lower case, each with a line end
-  std::set<std::string> known_;               ///< values in lower case
-  std::set<std::string> used_;                ///< replacements
-  std::map<std::string, std::string> parts_;  ///< of addresses, with what comes before them
+  const StandIns& standIns_;
+  std::string protected_ = "\n";  ///< words in lower case, each with a line end
+  std::set<std::string> known_;   ///< values in lower case
   /// By the first three bytes in lower case, the longest first.
   std::unordered_map<std::uint32_t, std::vector<Pattern>> patterns_;
   std::vector<bool> beginnings_;  ///< whether there is a pattern

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
-#include "host/recording/Replacements.h"
+#include "host/redaction/Replacements.h"
+#include "host/redaction/SensitiveKind.h"
 
 namespace Norvik::Host {
+
+/// What the values of a key are, as "serial-number" or "API_TOKEN"; empty for most keys.
+std::optional<SensitiveKind> KindOfKey(std::string key);
 
 /// Protects the words that the recording cannot do without: those of calls of tools in answers.txt,
 /// up to a name, and the keys of property lists and JSON. Before anything is added.
