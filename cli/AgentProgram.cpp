@@ -1,6 +1,7 @@
 #include "cli/AgentProgram.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <map>
@@ -13,6 +14,7 @@
 #include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
 #include "host/assembly/StandardChannels.h"
+#include "host/health/CheckRun.h"
 #include "platform/Rehearsal.h"
 
 namespace Norvik::Cli {
@@ -32,7 +34,9 @@ const std::map<std::string, Command>& AllCommands() {
       {"configure", RunConfigure}, {"status", RunStatus},
       {"run", RunService},         {"user", RunUser},
       {"notify", RunNotify},       {"message", RunMessage},
-      {"record", RunRecord},       {"why", RunWhy}};
+      {"record", RunRecord},       {"why", RunWhy},
+      {"show", RunShow},           {"history", RunHistory},
+      {"doctor", RunDoctor},       {"redact", RunRedact}};
   return commands;
 }
 
@@ -90,7 +94,10 @@ int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& out
 int RunAgentProgram(const std::vector<std::string>& arguments) {
   FillStandardChannels();
   OwnErrors errors;
-  return RunAgentProgram(arguments, std::cout, errors);
+  const int code = RunAgentProgram(arguments, std::cout, errors);
+  // A check that hangs still uses objects that a return would destroy.
+  if (AreChecksRunning()) std::_Exit(code);
+  return code;
 }
 
 }  // namespace Norvik::Cli

@@ -58,9 +58,9 @@ std::string MessageOf(const json::ReadError& error, const std::string& masked) {
 }
 
 template <class Value>
-Value Parse(const std::string& masked) {
+Value Parse(const std::string& masked, typename Value::parser_callback_t watch = nullptr) {
   try {
-    return json::ReadBounded<Value>(masked, MAX_NESTING);
+    return json::ReadBounded<Value>(masked, MAX_NESTING, std::move(watch));
   } catch (const json::ReadError& error) {
     throw DocumentError(MessageOf(error, masked));
   }
@@ -116,6 +116,12 @@ Document ParseDocument(const NamedText& document, Escapes escapes) {
             Json value = Parse<Json>(masked);
             const bool asRead = escapes == Escapes::Read || masked.find("\\u00") == masked.npos;
             return asRead ? value : Parse<Json>(WithMaskedEscapes(masked));
+          })};
+}
+
+Document ParseDocument(const NamedText& document, Json::parser_callback_t watch) {
+  return {document.name, Naming(document.name, [&] {
+            return Parse<Json>(Masked(document.text), std::move(watch));
           })};
 }
 

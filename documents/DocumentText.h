@@ -28,6 +28,9 @@ enum class Escapes { Read, Kept };
 /// than any inventory does.
 Document ParseDocument(const NamedText& document, Escapes escapes = Escapes::Read);
 
+/// The same, without what `watch` drops, see the parser. What it throws passes through.
+Document ParseDocument(const NamedText& document, Json::parser_callback_t watch);
+
 /// A value of a parsed document as JSON on one line, as an agent writes it.
 std::string TextOf(const Json& value);
 

@@ -1,6 +1,7 @@
 #include "host/HostError.h"
 
 #include <boost/filesystem/exception.hpp>
+
 #include "common/text/Text.h"
 
 namespace Norvik::Host {
@@ -12,6 +13,10 @@ std::string ReasonOf(const std::exception& error) {
   if (!ofFile) return OnOneLine(error.what());
   const std::string target = ofFile->path2().empty() ? "" : " to " + ofFile->path2().string();
   return OnOneLine(ofFile->path1().string() + target + ": " + ofFile->code().message());
+}
+
+std::string FailureOf(const std::exception& error) {
+  return *error.what() ? ReasonOf(error) : "the action threw an exception";
 }
 
 }  // namespace Norvik::Host

@@ -16,4 +16,7 @@ class UsageError : public std::runtime_error {
 /// the words of the library.
 std::string ReasonOf(const std::exception& error);
 
+/// The same of what an action threw, never empty.
+std::string FailureOf(const std::exception& error);
+
 }  // namespace Norvik::Host

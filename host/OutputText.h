@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -14,5 +15,11 @@ std::string JsonLine(const OrderedJson& value);
 
 /// "2026-01-31T23:59:58Z"
 std::string TimeText(std::chrono::system_clock::time_point time);
+
+/// "812 bytes", "58.3 kB", "1.2 GB": decimal units.
+std::string SizeText(std::uintmax_t bytes);
+
+/// A period in its largest two units: "7 days", "1 hour 30 minutes", "45 seconds".
+std::string PeriodText(std::chrono::seconds period);
 
 }  // namespace Norvik::Host

@@ -77,7 +77,7 @@ class Service:
 
     def status(self):
         """The running agent's status, None if it did not answer; and the seconds that it took."""
-        # It also exits with 1 if no document can be delivered.
+        # It exits with 3 if something needs a person.
         _, output, seconds = self.run("status", "--json")
         return json.loads(output)["agent"] if output else None, seconds
 

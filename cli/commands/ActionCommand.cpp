@@ -1,12 +1,13 @@
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
+#include <cstdint>
 #include <ostream>
 #include <set>
-#include <thread>
 
 #include "cli/RecordedMachineOption.h"
 #include "cli/commands/ActionArguments.h"
 #include "cli/commands/ActionOutcome.h"
+#include "cli/commands/ActionRunner.h"
 #include "cli/commands/Commands.h"
 #include "cli/commands/RunningAgent.h"
 #include "cli/commands/StatusRecorder.h"
@@ -15,6 +16,7 @@
 #include "common/log/Logger.h"
 #include "host/HostError.h"
 #include "host/actions/ActionLanes.h"
+#include "host/actions/Errand.h"
 
 namespace Norvik::Cli {
 
@@ -24,16 +26,15 @@ namespace {
 
 using namespace Common;
 
-/// Records the statuses of one action, which this thread runs: not those of the actions that it
-/// starts, except for the second half of a file inventory.
+/// Records the statuses of one action, whose number is 0: not those of the actions that it starts,
+/// except for the second half of a file inventory.
 class OwnStatuses : public StatusRecorder {
  public:
-  explicit OwnStatuses(unsigned int code)
-      : continues_(LaneOf(code) == Lane::Inventories), own_{std::this_thread::get_id()} {}
+  explicit OwnStatuses(unsigned int code) : continues_(LaneOf(code) == Lane::Inventories) {}
 
   void RunBegun(const RunInfo& run) override {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (continues_ && run.kind == RunKind::FileInventory) own_.insert(std::this_thread::get_id());
+    if (continues_ && run.kind == RunKind::FileInventory) own_.insert(Errand::CurrentAction());
   }
   void TaskReported(const TaskResponseInfo& status) override {
     if (IsOwn()) StatusRecorder::TaskReported(status);
@@ -42,30 +43,21 @@ class OwnStatuses : public StatusRecorder {
  private:
   bool IsOwn() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return own_.count(std::this_thread::get_id()) != 0;
+    return own_.count(Errand::CurrentAction()) != 0;
   }
 
   const bool continues_;
-  std::set<std::thread::id> own_;
+  std::set<std::uint64_t> own_{0};
 };
 
-ActionOutcome RunOne(AgentHost& host, unsigned int code, const ActionParameters& parameters) {
-  ActionOutcome outcome;
+ActionOutcome RunOne(const CommandLine& line, unsigned int code) {
+  const ActionParameters parameters = ParseActionParameters(line.parameters);
   const auto recorder = std::make_shared<OwnStatuses>(code);
-  const ProgressListenerScope listening(recorder);
-  try {
-    outcome.response = host.Run(code, parameters);
-  } catch (const std::exception& error) {
-    outcome.failure = *error.what() ? ReasonOf(error) : "the action threw an exception";
-  }
+  ActionOutcome outcome;
+  static_cast<ActionResult&>(outcome) =
+      ActionRunner(line, recorder, [](const LogLine&) {}).Run(code, parameters);
   outcome.statuses = recorder->Statuses();
   return outcome;
-}
-
-void RequireHandler(IModule& module, unsigned int code) {
-  if (!module.GetAction(code, {}).name.empty()) return;
-  throw UsageError("no handler is registered for the action " + std::to_string(code) +
-                   "; `norvik-agent actions` lists those there are");
 }
 
 int CodeFor(const ActionOutcome& outcome, unsigned int code, bool json, std::ostream& errors) {
@@ -112,10 +104,7 @@ int RunAction(const CommandLine& line, std::ostream& output, std::ostream& error
   const bool isRecorded = HasRecordedMachines() && !line.machine.empty();
   if (line.rehearse || (isRecorded && !line.really)) return Rehearse(line, output, errors);
   const unsigned int code = ParseActionCode(line.action);
-  const ActionParameters parameters = ParseActionParameters(line.parameters);
-  AgentHost host(line.agent);
-  RequireHandler(host.Module(), code);
-  const ActionOutcome outcome = RunOne(host, code, parameters);
+  const ActionOutcome outcome = RunOne(line, code);
   output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
   return CodeFor(outcome, code, line.json, errors);
 }

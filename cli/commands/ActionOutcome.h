@@ -4,16 +4,14 @@
 #include <vector>
 
 #include "cli/commands/Rendering.h"
-#include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
+#include "host/run/ResponseJson.h"
 
 namespace Norvik::Cli {
 
 /// The outcome of an action that ran or was rehearsed.
-struct ActionOutcome {
-  Common::ActionResponse response;
+struct ActionOutcome : Host::ActionResult {
   std::vector<Common::TaskResponseInfo> statuses;  ///< in the order in which they were reported
-  std::string failure;  ///< text of what the handler threw; empty if it returned
 
   /// An action can report a failure by an exception, by its text or by its last status.
   bool HasFailed() const;

@@ -1,4 +1,3 @@
-#include <boost/filesystem/operations.hpp>
 #include <ostream>
 
 #include "cli/commands/Commands.h"
@@ -6,7 +5,6 @@
 #include "common/files/TextFile.h"
 #include "documents/ApplyIncrement.h"
 #include "documents/Difference.h"
-#include "host/HostError.h"
 #include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
@@ -20,16 +18,9 @@ namespace fs = boost::filesystem;
 using Documents::NamedText;
 using Combine = std::string (*)(const NamedText&, const NamedText&);
 
-/// Throws `UsageError` for a link, device or pipe, which the document would replace.
-void CheckOutput(const fs::path& file) {
-  const auto type = fs::symlink_status(file).type();
-  if (type == fs::regular_file || type == fs::file_not_found) return;
-  throw UsageError("--output wants a new or a plain file, not " + file.string());
-}
-
 /// Combines the two documents of the command line and writes the result.
 int WriteCombined(const CommandLine& line, std::ostream& output, Combine combine) {
-  if (!line.outputFile.empty()) CheckOutput(line.outputFile);
+  if (!line.outputFile.empty()) CheckOutput("--output", line.outputFile);
   UseUtf8Characters();
   // The library's log would mix with the answer.
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));

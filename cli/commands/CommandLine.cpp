@@ -31,6 +31,11 @@ struct Texts {
   std::string file;
   std::string secondFile;
   std::string outputFile;
+  std::string keys;
+  std::string secretFile;
+  std::string mapFile;
+  std::string bundle;
+  std::vector<std::string> files;
   std::string shell;
 };
 
@@ -40,10 +45,14 @@ constexpr char FOOTER[] =
              ~/Library/Application Support/Norvik for a user
   elsewhere  $XDG_STATE_HOME/norvik, or ~/.local/state/norvik without that variable
 The socket of the service is /var/run/norvik/agent.sock for root, agent.sock in the data folder otherwise.
+The exit code is 0 after success, 1 after a failure, 2 for wrong use, and 3 if `status` has found something
+that needs a person.
 
 Examples:
   norvik-agent inventory                       take an inventory into the outbox
   norvik-agent open --pretty FILE              read what it has written
+  norvik-agent show software                   the software that the last inventory found
+  norvik-agent history --changes --since 7d    what has changed in a week
   norvik-agent configure --check FILE          check a configuration, store nothing
   norvik-agent status --json                   the state of the agent, for programs
   norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
@@ -88,6 +97,12 @@ struct Argument {
   const char* meaning;
 };
 
+void AddKeysOption(CLI::App& command, Texts& texts) {
+  command.add_option("--keys", texts.keys, "the folder with the key that opens sealed documents")
+      ->check(NotEmpty)
+      ->type_name("DIR");
+}
+
 void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
                         const Argument& first, const Argument& second) {
   const char* const meaning = name == "apply" ? "apply an incremental document to a full one"
@@ -96,6 +111,52 @@ void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name
   command->add_option(first.name, texts.file, first.meaning)->required()->check(NotEmpty);
   command->add_option(second.name, texts.secondFile, second.meaning)->required()->check(NotEmpty);
   command->add_option("--output", texts.outputFile, "write the document to this file")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  AddKeysOption(*command, texts);
+}
+
+void AddCommandsThatShowDocuments(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* show = program.add_subcommand("show", "show sections of the last inventory");
+  show->add_option("SECTIONS", line.sections, "keys of the document; default: all");
+  auto* list = show->add_flag("--list", line.list, "list the sections and count their records");
+  auto* live = show->add_flag("--live", line.live, "take a new inventory, which is not kept");
+  show->add_flag("--csv", line.csv, "print one section as comma-separated values")->excludes(list);
+  show->add_option("--file", texts.file, "show this document, sealed or plain")
+      ->check(NotEmpty)
+      ->type_name("FILE")
+      ->excludes(live);
+  AddKeysOption(*show, texts);
+
+  auto* history = program.add_subcommand("history", "list the documents that were made");
+  auto* changes = history->add_flag("--changes", line.changes, "tell what changed, and when");
+  history->add_option("--section", line.sections, "only changes of this section")
+      ->check(NotEmpty)
+      ->type_name("KEY")
+      ->expected(1)
+      ->needs(changes);
+  history
+      ->add_option("--since", line.since,
+                   "2026-01-31, 2026-01-31T12:00:00Z, 7d or 12h; default: all")
+      ->check(NotEmpty)
+      ->type_name("TIME");
+  AddKeysOption(*history, texts);
+}
+
+void AddRedactCommand(CLI::App& program, Texts& texts) {
+  auto* redact = program.add_subcommand("redact", "print documents without personal data");
+  redact->add_option("FILES", texts.files, "documents of either inventory, plain or sealed")
+      ->required()
+      ->check(NotEmpty);
+  redact->add_option("--output", texts.outputFile, "write to this file, or into this folder")
+      ->check(NotEmpty)
+      ->type_name("PATH");
+  redact
+      ->add_option("--secret-file", texts.secretFile,
+                   "make stand-ins with the secret in this file; it is created if missing")
+      ->check(NotEmpty)
+      ->type_name("FILE");
+  redact->add_option("--map", texts.mapFile, "write the stand-ins and their values to this file")
       ->check(NotEmpty)
       ->type_name("FILE");
 }
@@ -118,11 +179,15 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* open = program.add_subcommand("open", "print the document in an outbox file");
   open->add_option("FILE", texts.file, "the outbox file")->required()->check(NotEmpty);
   open->add_flag("--pretty", line.pretty, "indent the document");
+  AddKeysOption(*open, texts);
 
   AddDocumentCommand(program, texts, "apply", {"FULL", "the full document"},
                      {"INCREMENTAL", "what has changed since"});
   AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
                      {"NEW", "the one to compare with it"});
+  AddCommandsThatShowDocuments(program, line, texts);
+
+  AddRedactCommand(program, texts);
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();
@@ -137,6 +202,14 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   configure->add_flag("--check", line.check, "only report what in it will surprise");
 
   program.add_subcommand("status", "print the state of the agent");
+
+  auto* doctor = program.add_subcommand("doctor", "look for what makes an agent fail in silence");
+  doctor->add_option("CHECK", line.what, "run only this check")->check(NotEmpty);
+  doctor->add_flag("--list", line.list, "list the checks");
+  doctor
+      ->add_option("--bundle", texts.bundle, "write an archive for support, without personal data")
+      ->check(NotEmpty)
+      ->type_name("FILE");
 
   auto* record = program.add_subcommand("record", "record what an inventory asks this machine for");
   record->add_option("FOLDER", texts.file, "the folder to make")->required()->check(NotEmpty);
@@ -188,6 +261,11 @@ void ApplyOptions(const Texts& texts, CommandLine& line) {
   line.file = texts.file;
   line.secondFile = texts.secondFile;
   line.outputFile = texts.outputFile;
+  line.keyFolder = texts.keys;
+  line.secretFile = texts.secretFile;
+  line.mapFile = texts.mapFile;
+  line.bundle = texts.bundle;
+  line.files.assign(texts.files.begin(), texts.files.end());
 }
 
 /// CLI11 reverses the order of unknown arguments, does not report them if something is missing as
@@ -241,6 +319,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     line.help = texts.shell.empty() ? ManualOf(program) : CompletionsOf(program, texts.shell);
     line.command.clear();
     return line;
+  }
+  for (const char* name : {"--config", "--log-level", "--machine", "--module", "--user-process"}) {
+    const CLI::Option* const option = program.get_option_no_throw(name);
+    if (option && option->count() > 0) line.ownOptions.emplace_back(name);
   }
   ApplyOptions(texts, line);
   return line;

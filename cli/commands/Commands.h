@@ -7,7 +7,12 @@
 namespace Norvik::Cli {
 
 /// Exit codes of the program.
-enum ExitCode : int { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
+enum ExitCode : int {
+  EXIT_DONE = 0,
+  EXIT_FAILED = 1,
+  EXIT_WRONG_USE = 2,
+  EXIT_ATTENTION = 3,  ///< of `status`: it has worked, and something needs a person
+};
 
 // The commands of the program. Each writes its answer to `output`, each failure as one line to
 // `errors`, and returns an exit code. If it throws `UsageError` or another subclass of
@@ -24,10 +29,17 @@ int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunWhy(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Shows sections of the last inventory, of a file or of a new inventory. Leaves the agent's data
+/// alone.
+int RunShow(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Lists the documents that are kept, or tells what they changed. Changes nothing.
+int RunHistory(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Applies an incremental document to a full one.
 int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the incremental document that leads from one full document to another.
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Prints documents without personal data. Several of one machine still belong together.
+int RunRedact(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Runs one action of the module, or rehearses it.
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Lists the actions that the module registers.
@@ -36,6 +48,9 @@ int RunActions(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Shows the state of the agent. Creates no files or folders, and loads no module.
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Looks for what makes an agent fail in silence. Creates and changes nothing. See
+/// `AreChecksRunning` for the end of the process.
+int RunDoctor(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Records this machine, or the recorded one that takes its place. Leaves the agent's data alone.
 int RunRecord(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Runs the agent's service until a signal ends it.

@@ -64,6 +64,7 @@ int RunConfigure(const CommandLine& line, std::ostream& output, std::ostream& /*
   AgentHost host(options);
   const auto stored = Paths(Paths::DATA, true).AppData() / CONFIGURATION_FILE;
   WriteTextFile(stored, given.text);
+  if (host.History()) host.History()->SetLimits(given.configuration.history);
 
   if (!line.json) {
     output << "applying it; if it differs from the last one, an inventory is taken" << std::endl;

@@ -9,6 +9,7 @@
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/TextFile.h"
+#include "host/HostError.h"
 #include "host/data/DataFolder.h"
 
 namespace Norvik::Cli {
@@ -23,6 +24,7 @@ constexpr std::size_t MAX_DOCUMENT_BYTES = std::size_t{1} << 30;
 
 /// Folders to look for a key in, best first.
 std::vector<fs::path> KeyFolders(const fs::path& file, const CommandLine& line) {
+  if (!line.keyFolder.empty()) return {line.keyFolder};
   const fs::path usual = line.agent.dataFolder / KEY_FOLDER;
   const fs::path beside = fs::absolute(file).parent_path().parent_path() / KEY_FOLDER;
   if (line.dataFolderGiven || beside == usual || !fs::is_directory(beside)) return {usual};
@@ -62,6 +64,13 @@ std::string ReadDocument(const fs::path& file, const CommandLine& line) {
   } catch (const std::exception& error) {
     throw std::runtime_error("cannot open " + file.string() + ": " + error.what());
   }
+}
+
+void CheckOutput(const char* option, const fs::path& file) {
+  const auto type = fs::symlink_status(file).type();
+  if (type == fs::regular_file || type == fs::file_not_found) return;
+  throw Host::UsageError(std::string(option) + " wants a new or a plain file, not " +
+                         file.string());
 }
 
 }  // namespace Norvik::Cli

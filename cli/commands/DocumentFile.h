@@ -14,8 +14,13 @@ namespace Norvik::Cli {
 bool IsSealed(const boost::filesystem::path& file);
 
 /// The document in a file of the outbox or in a plain file, of up to 1 GiB, or pipe. A file of the
-/// outbox is decrypted and unpacked in a private temporary folder. Without --data, the keys are
-/// those of the data folder that the file is in, then those of the default one.
+/// outbox is decrypted and unpacked in a private temporary folder, with the keys that --keys names.
+/// Without that and --data, they are those of the data folder that the file is in, then those of
+/// the default one.
 std::string ReadDocument(const boost::filesystem::path& file, const CommandLine& line);
+
+/// Throws `UsageError` if the file that an option names is a link, a folder, a device or a pipe,
+/// which a document would replace.
+void CheckOutput(const char* option, const boost::filesystem::path& file);
 
 }  // namespace Norvik::Cli

@@ -2,6 +2,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/commands/ActionRunner.h"
 #include "cli/commands/Commands.h"
 #include "cli/commands/FilesProgress.h"
 #include "cli/commands/FilesRecorder.h"
@@ -28,14 +29,12 @@ unsigned int CodeFor(const CommandLine& line) {
                           : ACTION_FILE_INVENTORY_ON_DEMAND;
 }
 
-FilesReport TakeInventory(AgentHost& host, const CommandLine& line, const FilesRecorder& recorder) {
+/// What the action throws is logged, so it is among the problems.
+FilesReport TakeInventory(ActionRunner& runner, const CommandLine& line,
+                          const FilesRecorder& recorder) {
   const auto start = steady_clock::now();
-  try {
-    // Waits also for the action that performs the inventory.
-    host.Run(CodeFor(line), {});
-  } catch (const std::exception&) {
-    // The host has logged it, so it is among the problems.
-  }
+  // Waits also for the action that performs the inventory.
+  runner.Run(CodeFor(line), {});
   const std::chrono::duration<double> taken = steady_clock::now() - start;
   FilesReport report;
   static_cast<RunResult&>(report) = recorder.Result();
@@ -58,16 +57,12 @@ int RunFiles(const CommandLine& line, std::ostream& output, std::ostream& errors
       std::make_shared<FilesRecorder>([&](RudStatus phase, const FilesRecorder::Seen& seen) {
         if (progress) progress->Enter(phase, seen);
       });
-  const ProgressListenerScope listening(recorder);
-  AgentOptions options = line.agent;
-  options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
-  AgentHost host(options);
-
-  if (WantsNoFile(host.Configuration().kob.value())) {
+  ActionRunner runner(line, recorder, [&](const LogLine& logged) { recorder->See(logged); });
+  if (WantsNoFile(runner.Configuration().kob.value())) {
     errors << MessageLine(line.json, NO_FILE_WANTED) << std::flush;
   }
   if (!line.json) progress = std::make_unique<FilesProgress>(output);
-  const FilesReport report = TakeInventory(host, line, *recorder);
+  const FilesReport report = TakeInventory(runner, line, *recorder);
   progress.reset();
   if (line.json) {
     output << report.ToJsonText();

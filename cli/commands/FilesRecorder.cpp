@@ -44,7 +44,7 @@ void FilesRecorder::DocumentStepDone(const RunInfo& run, const DocumentStep& ste
   RunRecorder::DocumentStepDone(run, step);
   if (!Follows(run) || step.kind != DocumentStep::WRITE) return;
   // Counted here, although the run waits for it, because the next steps remove the document.
-  const FilesCounts counts = CountFiles(step.target);
+  const FilesCounts counts = step.files ? *step.files : CountFiles(step.target);
   const std::lock_guard<std::mutex> lock(mutex_);
   counts_ = counts;
 }

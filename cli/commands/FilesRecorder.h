@@ -5,8 +5,8 @@
 #include <map>
 #include <memory>
 
-#include "cli/commands/FilesCounts.h"
 #include "cli/commands/RunRecorder.h"
+#include "common/files/FilesCounts.h"
 
 namespace Norvik::Cli {
 
@@ -23,7 +23,7 @@ class FilesRecorder : public RunRecorder {
   /// Seconds spent in each phase.
   std::map<Common::RudStatus, double> Phases() const;
   /// Files in the document; zeros until it is written.
-  FilesCounts Counts() const;
+  Common::FilesCounts Counts() const;
   /// Number of folders opened so far.
   std::uint64_t Folders() const;
 
@@ -35,7 +35,7 @@ class FilesRecorder : public RunRecorder {
  private:
   const OnPhase onPhase_;
   std::map<Common::RudStatus, double> phases_;
-  FilesCounts counts_;
+  Common::FilesCounts counts_;
   Seen seen_;
 };
 

@@ -9,7 +9,7 @@ using namespace Host;
 namespace {
 
 std::string CountsText(const FilesReport& report) {
-  const FilesCounts& counts = report.counts;
+  const Common::FilesCounts& counts = report.counts;
   std::string text = "files: ";
   if (report.kind == "incremental") {
     text += std::to_string(counts.added) + " added, " + std::to_string(counts.removed) +
@@ -21,7 +21,7 @@ std::string CountsText(const FilesReport& report) {
 }
 
 OrderedJson CountsJson(const FilesReport& report) {
-  const FilesCounts& counts = report.counts;
+  const Common::FilesCounts& counts = report.counts;
   if (report.kind.empty()) return nullptr;
   if (report.kind == "total") return {{"total", counts.total}};
   return {{"added", counts.added}, {"removed", counts.removed}, {"modified", counts.modified}};

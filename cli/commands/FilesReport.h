@@ -4,15 +4,15 @@
 #include <map>
 #include <string>
 
-#include "cli/commands/FilesCounts.h"
 #include "cli/commands/RunResult.h"
+#include "common/files/FilesCounts.h"
 #include "common/inventory/RudStatus.h"
 
 namespace Norvik::Cli {
 
 /// The result of a file inventory, and its rendering.
 struct FilesReport : RunResult {
-  FilesCounts counts;
+  Common::FilesCounts counts;
   std::uint64_t folders = 0;                   ///< number of folders opened
   std::map<Common::RudStatus, double> phases;  ///< seconds
 

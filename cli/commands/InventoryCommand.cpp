@@ -3,6 +3,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/commands/ActionRunner.h"
 #include "cli/commands/Commands.h"
 #include "cli/commands/InventoryRecorder.h"
 #include "cli/commands/InventoryReport.h"
@@ -31,14 +32,11 @@ std::map<std::string, SectionCount> CountsOfRun(const std::vector<DocumentStep>&
   return {};
 }
 
-InventoryReport TakeInventory(AgentHost& host, bool incremental,
+/// What the action throws is logged, so it is among the problems.
+InventoryReport TakeInventory(ActionRunner& runner, bool incremental,
                               const InventoryRecorder& recorder) {
   const auto start = steady_clock::now();
-  try {
-    host.Run(incremental ? ACTION_INCREMENTAL_INVENTORY : ACTION_TOTAL_INVENTORY, {});
-  } catch (const std::exception&) {
-    // The host has logged it, so it is among the problems.
-  }
+  runner.Run(incremental ? ACTION_INCREMENTAL_INVENTORY : ACTION_TOTAL_INVENTORY, {});
   const std::chrono::duration<double> taken = steady_clock::now() - start;
   InventoryReport report;
   static_cast<RunResult&>(report) = recorder.Result();
@@ -46,9 +44,9 @@ InventoryReport TakeInventory(AgentHost& host, bool incremental,
   report.seconds = taken.count();
   report.sections = recorder.Sections();
   report.records = CountsOfRun(report.steps);
-  if (!report.Succeeded() && report.problems.empty()) {
-    report.problems.push_back("no document reached the outbox");
-  }
+  if (report.Succeeded() || !report.problems.empty()) return report;
+  const std::string& refusal = report.refusal;
+  report.problems.push_back(refusal.empty() ? "no document reached the outbox" : refusal);
   return report;
 }
 
@@ -58,12 +56,8 @@ int RunInventory(const CommandLine& line, std::ostream& output, std::ostream& er
   const auto recorder = std::make_shared<InventoryRecorder>([&](const RetrievedSections& sections) {
     if (!line.json) output << "retrieving " << sections.Name() << std::endl;
   });
-  const ProgressListenerScope listening(recorder);
-  AgentOptions options = line.agent;
-  options.logListener = [&](const LogLine& logged) { recorder->See(logged); };
-  AgentHost host(options);
-
-  const InventoryReport report = TakeInventory(host, line.incremental, *recorder);
+  ActionRunner runner(line, recorder, [&](const LogLine& logged) { recorder->See(logged); });
+  const InventoryReport report = TakeInventory(runner, line.incremental, *recorder);
   output << (line.json ? report.ToJsonText() : report.ToText());
   for (const auto& problem : report.problems) {
     errors << MessageLine(line.json, problem) << std::flush;

@@ -4,7 +4,6 @@
 #include <boost/format.hpp>
 #include <cstddef>
 #include <cstdio>
-#include <utility>
 
 #include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
@@ -16,33 +15,6 @@ using namespace Host;
 namespace {
 
 using namespace Common;
-
-struct CellVisitor : boost::static_visitor<OrderedJson> {
-  template <class Plain>
-  OrderedJson operator()(const Plain& value) const {
-    return value;
-  }
-  OrderedJson operator()(const wxString& value) const { return ToUtf8(value); }
-  OrderedJson operator()(const AgentConfigurationInfo& value) const {
-    return "configuration of profile " + std::to_string(value.profileId);
-  }
-  OrderedJson operator()(const ActionTimePoint& value) const {
-    return TimeText(std::chrono::time_point_cast<std::chrono::system_clock::duration>(value));
-  }
-};
-
-std::string PlainText(const OrderedJson& cell) {
-  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
-  return cell.is_null() ? "" : cell.dump();
-}
-
-/// Number of characters, not bytes.
-std::size_t WidthOf(const std::string& text) {
-  const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  });
-  return static_cast<std::size_t>(starts);
-}
 
 const char* NameOf(DocumentStep::Kind step) {
   static constexpr const char* NAMES[] = {"write", "copy", "compress", "encrypt",
@@ -66,10 +38,6 @@ const char* NameOf(TaskResponseInfo::ResponseStatusTypes status) {
 
 }  // namespace
 
-OrderedJson CellToJson(const ActionPropertyValue& value) {
-  return boost::apply_visitor(CellVisitor(), value);
-}
-
 OrderedJson StatusesToJson(const std::vector<TaskResponseInfo>& statuses) {
   OrderedJson list = OrderedJson::array();
   for (const auto& it : statuses) {
@@ -91,19 +59,31 @@ std::string StatusText(const TaskResponseInfo& status) {
   return status.message.empty() ? text : text + ": " + EscapeControls(status.message);
 }
 
+std::string CellText(const OrderedJson& cell) {
+  if (cell.is_string()) return EscapeControls(cell.get<std::string>());
+  return cell.is_null() ? "" : cell.dump();
+}
+
+std::size_t WidthOf(const std::string& text) {
+  const auto starts = std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  });
+  return static_cast<std::size_t>(starts);
+}
+
 std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
   std::vector<std::size_t> widths;
   for (const auto& row : rows) {
     if (row.size() > widths.size()) widths.resize(row.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], WidthOf(PlainText(row[i])));
+      widths[i] = std::max(widths[i], WidthOf(CellText(row[i])));
     }
   }
   std::string text;
   for (const auto& row : rows) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string cell = PlainText(row[i]);
+      const std::string cell = CellText(row[i]);
       const std::string padding(widths[i] - WidthOf(cell), ' ');
       line += (i == 0 ? "" : "  ") + (row[i].is_number() ? padding + cell : cell + padding);
     }
@@ -130,38 +110,6 @@ std::string SourceLines(const OrderedJson& sources) {
 std::string MessageLine(bool json, const std::string& text) {
   const std::string line = OnOneLine(text);
   return json ? JsonLine({{"message", line}}) : "norvik-agent: " + EscapeControls(line) + "\n";
-}
-
-std::string SizeText(std::uintmax_t bytes) {
-  if (bytes < 1000) return std::to_string(bytes) + " bytes";
-  double size = static_cast<double>(bytes) / 1000;
-  const char* unit = "kB";
-  for (const char* larger : {"MB", "GB", "TB"}) {
-    // From here on the rounded size would have a fourth digit.
-    if (size < 999.95) break;
-    size /= 1000;
-    unit = larger;
-  }
-  return (boost::format("%.1f %s") % size % unit).str();
-}
-
-std::string PeriodText(std::chrono::seconds period) {
-  const std::pair<long long, const char*> units[] = {
-      {86400, "day"}, {3600, "hour"}, {60, "minute"}, {1, "second"}};
-  long long rest = period.count();
-  std::string text;
-  int shown = 0;
-  for (const auto& [length, name] : units) {
-    const long long count = rest / length;
-    rest %= length;
-    if (shown > 0) ++shown;
-    if (count == 0) continue;
-    text +=
-        (text.empty() ? "" : " ") + std::to_string(count) + " " + name + (count == 1 ? "" : "s");
-    if (shown == 0) shown = 1;
-    if (shown == 2) break;
-  }
-  return text.empty() ? "0 seconds" : text;
 }
 
 std::string SecondsText(double seconds) {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "common/action/ActionResponse.h"
 #include "common/action/TaskResponseInfo.h"
 #include "common/progress/ProgressListener.h"
 #include "host/OutputText.h"
@@ -13,9 +13,8 @@
 namespace Norvik::Cli {
 
 using Host::OrderedJson;
-
-/// A cell of a response's table: numbers and booleans as such, everything else as text.
-OrderedJson CellToJson(const Common::ActionPropertyValue& value);
+using Host::PeriodText;
+using Host::SizeText;
 
 /// [{"status":7,"message":""}]
 OrderedJson StatusesToJson(const std::vector<Common::TaskResponseInfo>& statuses);
@@ -25,6 +24,11 @@ OrderedJson StepsToJson(const std::vector<Common::DocumentStep>& steps);
 
 /// "7 started", or "7 started: message"
 std::string StatusText(const Common::TaskResponseInfo& status);
+
+/// The text of a cell in a table: texts with their control characters escaped, null as nothing.
+std::string CellText(const OrderedJson& cell);
+/// Number of characters of a text in UTF-8, not of its bytes.
+std::size_t WidthOf(const std::string& text);
 
 /// Aligned columns, each as wide as its widest cell, with two spaces between them; one line per
 /// row. Numbers are aligned right. Widths count characters, not bytes.
@@ -37,12 +41,6 @@ std::string SourceLines(const OrderedJson& sources);
 /// A message for the error channel, on one line: "norvik-agent: text", or in JSON
 /// {"message":"text"}.
 std::string MessageLine(bool json, const std::string& text);
-
-/// "812 bytes", "58.3 kB", "1.2 GB": decimal units.
-std::string SizeText(std::uintmax_t bytes);
-
-/// A period in its largest two units: "7 days", "1 hour 30 minutes", "45 seconds".
-std::string PeriodText(std::chrono::seconds period);
 
 /// "0.123 s"
 std::string SecondsText(double seconds);

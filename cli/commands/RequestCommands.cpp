@@ -8,9 +8,23 @@ namespace Norvik::Cli {
 
 using namespace Host;
 
+namespace {
+
+std::string NotifyText(const OrderedJson& answer) {
+  if (answer.value("atOnce", false)) return "the agent takes an incremental inventory at once\n";
+  const OrderedJson inventory = answer.value("inventory", OrderedJson());
+  if (inventory.is_string()) {
+    return "the agent takes an incremental inventory at " + inventory.get<std::string>() +
+           ", since the last one was taken shortly before\n";
+  }
+  return "no inventory follows: the last one is dated later than now\n";
+}
+
+}  // namespace
+
 int RunNotify(const CommandLine& line, std::ostream& output, std::ostream& /*errors*/) {
   const auto answer = AskRunningAgent(line.socket, {{"request", "notify"}, {"what", line.what}});
-  output << (line.json ? JsonLine(answer) : "the agent looks into the " + line.what + " changes\n");
+  output << (line.json ? JsonLine(answer) : NotifyText(answer));
   return EXIT_DONE;
 }
 

@@ -24,7 +24,7 @@ struct RunResult {
 
   /// The file that was moved to the outbox; empty if no file was.
   boost::filesystem::path File() const;
-  /// The present size of `File()`; 0 if it does not exist.
+  /// The size of `File()` when it was moved; 0 if no file was.
   std::uintmax_t Bytes() const;
   /// True also without any step.
   bool AllStepsDone() const;

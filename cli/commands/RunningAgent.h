@@ -2,6 +2,8 @@
 
 #include <boost/filesystem/path.hpp>
 #include <boost/optional.hpp>
+#include <functional>
+#include <string>
 
 #include "cli/commands/Rendering.h"
 
@@ -10,7 +12,9 @@ namespace Norvik::Cli {
 /// Sends a request to the agent that serves the socket, waits for the answer and returns it: a JSON
 /// object. See `AgentRequests` for the requests. Throws `UsageError` if the agent reports wrong
 /// use, and `std::runtime_error` if no agent answers or it refuses.
-OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const OrderedJson& request);
+/// @param onEvents see `AskAgent`
+OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const OrderedJson& request,
+                            const std::function<void(const std::string& events)>& onEvents = {});
 
 /// The same, but returns an empty value if no agent answers.
 boost::optional<OrderedJson> AskAgentIfRunning(const boost::filesystem::path& socket,

@@ -1,6 +1,10 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/operations.hpp>
+#include <cerrno>
+#include <ctime>
 #include <map>
 #include <ostream>
 
@@ -8,6 +12,9 @@
 #include "cli/commands/FileInventoryState.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/RunningAgent.h"
+#include "cli/commands/ServerStatus.h"
+#include "cli/commands/StatusChecks.h"
+#include "cli/commands/StatusReport.h"
 #include "cli/why/LedgerView.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/InventorySchedules.h"
@@ -15,6 +22,7 @@
 #include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
 #include "common/text/Text.h"
+#include "host/HostError.h"
 #include "host/actions/PeriodicState.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ConfigurationWarnings.h"
@@ -22,6 +30,7 @@
 #include "host/identity/AgentIdentity.h"
 #include "host/ipc/AskAgent.h"
 #include "host/ledger/LedgerTable.h"
+#include "host/server/ServerContact.h"
 
 namespace Norvik::Cli {
 
@@ -32,10 +41,6 @@ namespace {
 using namespace Common;
 namespace fs = boost::filesystem;
 using std::chrono::system_clock;
-
-OrderedJson TimeToJson(system_clock::time_point time) {
-  return {{"seconds", system_clock::to_time_t(time)}, {"time", TimeText(time)}};
-}
 
 /// Content of the agent database; empty without a database.
 struct Stored {
@@ -64,6 +69,8 @@ Stored ReadStored(const fs::path& folder) {
   AgentDatabase dataBase(folder, AgentDatabase::Access::ReadOnly);
   return {ReadData(dataBase), ReadFileInventoryState(), LastRunOf({ReadLedgerRuns(), ""})};
 }
+
+constexpr std::size_t SHOWN_WARNINGS = 3;  ///< in text, which fits on a screen
 
 OrderedJson LastInventory(const std::map<std::string, std::string>& data) {
   const auto found = data.find(LAST_DOCUMENT_KEY);
@@ -115,6 +122,7 @@ OrderedJson FilesIn(const fs::path& folder) {
     if (gone) continue;
     files[path.string()] = {{"file", path.string()},
                             {"bytes", bytes},
+                            {"seconds", time},
                             {"time", TimeText(system_clock::from_time_t(time))}};
   }
   OrderedJson list = OrderedJson::array();
@@ -135,73 +143,118 @@ OrderedJson AskForStatus(const fs::path& socket, OrderedJson& problem) {
   return nullptr;
 }
 
-OrderedJson Gather(const CommandLine& line) {
-  OrderedJson problem;
-  OrderedJson agent = AskForStatus(line.socket, problem);
-  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
-  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
-  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
-  const fs::path folder = Paths(Paths::DATA, false).AppData();
-  if (folderOfAgent != folder) agent = nullptr;
-  if (fs::exists(folder) && !fs::is_directory(folder)) {
-    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
-  }
-  const Stored database = ReadStored(folder);
-  const auto identity = ReadIdentity(folder / IDENTITY_FILE);
-  const fs::path stored = folder / CONFIGURATION_FILE;
-  const bool configured = fs::exists(stored);
-  const auto configuration = ReadConfiguration(line.agent.configurationFile, stored);
-  return {{"dataFolder", folder.string()},
-          {"agent", agent},
-          {"agentProblem", problem},
-          {"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
-          {"configured", configured},
-          {"sources", configuration.sources},
-          {"profileId", configuration.values.profileId},
-          {"server", configuration.values.communications.address},
-          {"deliveryProblem",
-           DeliveryProblem(configuration.values.communications, folder / KEY_FOLDER)},
-          {"lastInventory", LastInventory(database.data)},
-          {"fileInventory", database.fileInventory},
-          {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
-          {"outbox", FilesIn(Paths(Paths::OUTBOX, false).AppData())},
-          {"periodic", PeriodicActions(database.data)},
-          {"ledger", database.lastRun}};
+/// Whether this user may read the data folder. What does not exist counts as readable.
+bool IsReadable(const fs::path& folder) {
+  const auto isReadable = [](const fs::path& path, int how) {
+    return ::access(path.c_str(), how) == 0 || errno != EACCES;
+  };
+  return isReadable(folder, R_OK | X_OK) && isReadable(folder / IDENTITY_FILE, R_OK) &&
+         isReadable(folder / SQLiteNames::SQLITE_CURRENT_DATABASE_NAME, R_OK);
 }
 
-std::string FileLines(const char* title, const OrderedJson& files) {
-  std::string text;
-  for (const auto& file : files) {
-    text += std::string(title) + ": " + EscapeControls(file["file"].get<std::string>()) + ", " +
+/// A part of the status, by default if it cannot be read; then the reason is a problem.
+template <class Read>
+auto Try(OrderedJson& problems, Read read) -> decltype(read()) {
+  try {
+    return read();
+  } catch (const std::exception& error) {
+    problems.push_back(ReasonOf(error));
+    return {};
+  }
+}
+
+/// Seconds since the epoch when the configuration or the identity last changed; 0 without both.
+std::time_t ConfiguredAt(const fs::path& folder) {
+  std::time_t latest = 0;
+  for (const char* name : {CONFIGURATION_FILE, IDENTITY_FILE}) {
+    boost::system::error_code absent;
+    const std::time_t time = fs::last_write_time(folder / name, absent);
+    if (!absent) latest = std::max(latest, time);
+  }
+  return latest;
+}
+
+OrderedJson SpaceOf(const fs::path& folder) {
+  boost::system::error_code absent;
+  const fs::space_info space = fs::space(folder, absent);
+  if (absent) return nullptr;
+  return {{"freeBytes", space.available}, {"bytes", space.capacity}};
+}
+
+/// Not for a machine that nobody has configured.
+OrderedJson Warnings(const EffectiveConfiguration& configuration, const fs::path& keys) {
+  OrderedJson list = OrderedJson::array();
+  const auto& sources = configuration.sources;
+  const bool isDefault = std::all_of(sources.begin(), sources.end(), [](const auto& source) {
+    return source.second == FROM_DEFAULT;
+  });
+  if (isDefault) return list;
+  for (const auto& warning : WarningsOf(configuration.values, keys)) {
+    if (warning.key == "server") continue;  // is a problem of the delivery
+    list.push_back(warning.key + ": " + warning.value + (warning.value.empty() ? "" : " ") +
+                   warning.text);
+  }
+  return list;
+}
+
+/// How the agent that runs reaches its server, else how the last one did.
+std::string ContactOf(const Stored& database, const OrderedJson& agent) {
+  if (agent.is_object() && agent.contains("contact")) return agent["contact"].dump();
+  const auto known = database.data.find(SERVER_CONTACT_KEY);
+  return known == database.data.end() ? "" : known->second;
+}
+
+/// What the data folder says.
+OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const OrderedJson& agent) {
+  OrderedJson problems = OrderedJson::array();
+  const Stored database = Try(problems, [&] { return ReadStored(folder); });
+  const auto identity = Try(problems, [&] { return ReadIdentity(folder / IDENTITY_FILE); });
+  const fs::path stored = folder / CONFIGURATION_FILE;
+  const std::string ofAgent = agent.is_null() ? "" : agent.value("configurationFile", "");
+  const fs::path& given = line.agent.configurationFile;
+  const auto configuration = given.empty()
+                                 ? Try(problems, [&] { return ReadConfiguration(ofAgent, stored); })
+                                 : ReadConfiguration(given, stored);
+  const auto& communications = configuration.values.communications;
+  const OrderedJson outbox = FilesIn(Paths(Paths::OUTBOX, false).AppData());
+  OrderedJson states = Try(problems, [&] { return WaitingStates(folder); });
+  if (states.is_null()) states = WaitingDocuments({});
+  OrderedJson data = {{"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
+                      {"configured", fs::exists(stored)},
+                      {"configuredAt", ConfiguredAt(folder)},
+                      {"sources", configuration.sources},
+                      {"profileId", configuration.values.profileId}};
+  data.update(ServerState(communications, identity, ContactOf(database, agent)));
+  data.update({{"deliveryProblem", DeliveryProblem(communications, folder / KEY_FOLDER)},
+               {"waiting", {{"documents", WaitingDocuments(outbox)}, {"states", states}}},
+               {"lastInventory", LastInventory(database.data)},
+               {"fileInventory", database.fileInventory},
+               {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
+               {"outbox", outbox},
+               {"periodic", PeriodicActions(database.data)},
+               {"ledger", database.lastRun},
+               {"disk", SpaceOf(folder)},
+               {"warnings", Warnings(configuration, folder / KEY_FOLDER)}});
+  data["problems"] = problems;
+  return data;
+}
+
+std::string InventoryLines(const OrderedJson& status, system_clock::time_point now) {
+  std::string text = "last inventory: " + AgeText(status["lastInventory"], now) + "\n" +
+                     LastRunLines(status["ledger"]) + FileInventoryLine(status["fileInventory"]);
+  for (const auto& file : status["previous"]) {
+    text += "previous document: " + EscapeControls(file["file"].get<std::string>()) + ", " +
             SizeText(file["bytes"]) + ", " + file["time"].get<std::string>() + "\n";
   }
-  return text.empty() ? std::string(title) + ": none\n" : text;
+  return text;
 }
 
-std::string ToText(const OrderedJson& status) {
-  const auto orElse = [](const OrderedJson& value, const char* otherwise) {
-    return value.is_string() && value != "" ? value.get<std::string>() : otherwise;
-  };
-  std::string text = "data folder: " + status["dataFolder"].get<std::string>() + "\n";
-  text += RunningAgentLines(status["agent"], status["agentProblem"]);
-  text += "identifier: " + orElse(status["identifier"], "none yet") + "\n";
-  text += std::string("configuration: ") +
-          (status["configured"].get<bool>() ? "stored" : "none stored") + "\n" +
-          SourceLines(status["sources"]);
-  text += "profile: " + status["profileId"].dump() + "\n";
-  text += "server: " + orElse(status["server"], "none") + "\n";
-  const auto problem = status["deliveryProblem"].get<std::string>();
-  if (!problem.empty()) text += "no document is delivered: " + EscapeControls(problem) + "\n";
-  const OrderedJson& last = status["lastInventory"];
-  text += "last inventory: " + (last.is_null() ? "never" : last["time"].get<std::string>()) + "\n";
-  text += LastRunLines(status["ledger"]);
-  text += FileInventoryLine(status["fileInventory"]);
-  text += FileLines("previous document", status["previous"]);
-  text += FileLines("outbox", status["outbox"]);
+std::string ScheduleLines(const OrderedJson& status) {
+  std::string text;
   for (const auto& entry : status["periodic"]) {
-    const std::string what = entry.contains("code")
-                                 ? entry["code"].dump() + " " + entry["name"].get<std::string>()
-                                 : "schedule " + entry["schedule"].get<std::string>();
+    const std::string what =
+        entry.contains("code") ? entry["code"].dump() + " " + entry["name"].get<std::string>()
+                               : "schedule " + EscapeControls(entry["schedule"].get<std::string>());
     text += "periodic: " + what + " every " +
             PeriodText(std::chrono::seconds(entry["periodSeconds"])) + ", next " +
             entry["nextTime"].get<std::string>() + "\n";
@@ -209,15 +262,71 @@ std::string ToText(const OrderedJson& status) {
   return text;
 }
 
+/// What needs a person comes last, where it is seen.
+std::string WarningLines(const OrderedJson& status) {
+  std::string text;
+  const OrderedJson& warnings = status["warnings"];
+  for (std::size_t i = 0; i < std::min(warnings.size(), SHOWN_WARNINGS); ++i) {
+    text += "warning: " + EscapeControls(warnings[i].get<std::string>()) + "\n";
+  }
+  if (warnings.size() > SHOWN_WARNINGS) {
+    text += "warnings: " + std::to_string(warnings.size() - SHOWN_WARNINGS) +
+            " more, which --json lists\n";
+  }
+  for (const auto& finding : status["attention"]) {
+    text += "needs attention: " + EscapeControls(finding["text"].get<std::string>()) + "\n";
+  }
+  return text;
+}
+
+std::string ToText(const OrderedJson& status) {
+  const auto now = system_clock::now();
+  const OrderedJson& identifier = status["identifier"];
+  return "identifier: " +
+         (identifier.is_null() ? "none yet" : EscapeControls(identifier.get<std::string>())) +
+         "\nconfiguration: " + (status["configured"].get<bool>() ? "stored" : "none stored") +
+         "\n" + SourceLines(status["sources"]) + "profile: " + status["profileId"].dump() + "\n" +
+         ServerLines(status, now) + InventoryLines(status, now) + ScheduleLines(status) +
+         WarningLines(status);
+}
+
 }  // namespace
+
+OrderedJson StatusOf(const CommandLine& line) {
+  OrderedJson problem;
+  OrderedJson agent = AskForStatus(line.socket, problem);
+  const std::string folderOfAgent = agent.is_null() ? "" : agent.value("dataFolder", "");
+  const bool follow = !line.dataFolderGiven && !folderOfAgent.empty();
+  Paths::SetDataFolder(follow ? fs::path(folderOfAgent) : line.agent.dataFolder);
+  const fs::path folder = Paths(Paths::DATA, false).AppData();
+  if (folderOfAgent != folder) agent = nullptr;
+  OrderedJson status = {
+      {"dataFolder", folder.string()}, {"agent", agent}, {"agentProblem", problem}};
+  status["readable"] = IsReadable(folder);
+  if (!status["readable"].get<bool>()) return status;
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw std::runtime_error("the data folder " + folder.string() + " is no folder");
+  }
+  status.update(GatherData(line, folder, agent));
+  status["attention"] = AttentionOf(status, system_clock::now());
+  return status;
+}
 
 int RunStatus(const CommandLine& line, std::ostream& output, std::ostream& errors) {
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  const OrderedJson status = Gather(line);
-  output << (line.json ? JsonLine(status) : ToText(status));
-  const auto problem = status["deliveryProblem"].get<std::string>();
-  if (problem.empty()) return EXIT_DONE;
-  errors << MessageLine(line.json, "no document is delivered: " + problem) << std::flush;
+  const OrderedJson status = StatusOf(line);
+  const bool isReadable = status["readable"].get<bool>();
+  const std::string folder = EscapeControls(status["dataFolder"].get<std::string>());
+  if (line.json) {
+    output << JsonLine(status);
+  } else {
+    output << "data folder: " << folder << "\n"
+           << RunningAgentLines(status["agent"], status["agentProblem"])
+           << (isReadable ? ToText(status) : "");
+  }
+  if (isReadable) return status["attention"].empty() ? EXIT_DONE : EXIT_ATTENTION;
+  errors << MessageLine(line.json, "only its owner and root may read the data folder " + folder)
+         << std::flush;
   return EXIT_FAILED;
 }
 

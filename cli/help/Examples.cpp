@@ -27,6 +27,14 @@ const std::map<std::string, const char*>& Examples() {
                                                               {"open", R"(
   norvik-agent open outbox/mac-17.jsonkob       on one line, as the server gets it
   norvik-agent open --pretty previous/mac-17.jsonkob)"},
+                                                              {"show", R"(
+  norvik-agent show --list                      the sections, and how many records they have
+  norvik-agent show os disk                     these two as tables
+  norvik-agent show software --csv >software.csv)"},
+                                                              {"history", R"(
+  norvik-agent history                          the documents that are kept
+  norvik-agent history --changes --since 7d     what has changed in a week
+  norvik-agent history --changes --section software --json)"},
                                                               {"apply", R"(
   norvik-agent apply full.json increment.json --output next.json   default: print it)"},
                                                               {"diff", R"(

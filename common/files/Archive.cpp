@@ -42,13 +42,13 @@ ArchiveHandle Open(const std::string& path, int flags) {
   Throw(path, reason);
 }
 
-void AddDeflated(zip_t* archive, const std::string& source, const std::string& name) {
-  zip_source_t* const content = zip_source_file(archive, source.c_str(), 0, WHOLE_FILE);
-  if (!content) Throw(source, zip_strerror(archive));
+/// @param content null if it could not be made; the archive owns it afterwards
+void AddDeflated(zip_t* archive, zip_source_t* content, const std::string& name) {
+  if (!content) Throw(name, zip_strerror(archive));
   const zip_int64_t index = zip_file_add(archive, name.c_str(), content, ZIP_FL_ENC_GUESS);
   if (index < 0) {
     zip_source_free(content);
-    Throw(source, zip_strerror(archive));
+    Throw(name, zip_strerror(archive));
   }
   zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE,
                            COMPRESSION_LEVEL);
@@ -74,10 +74,25 @@ void WriteArchive(const boost::filesystem::path& source, const boost::filesystem
   Platform::OpenRegularFile(source.string());
   Platform::ReplacementFile file(target.string());
   ArchiveHandle archive = Open(file.Path(), ZIP_CREATE | ZIP_TRUNCATE);
-  AddDeflated(archive.get(), source.string(), source.filename().string());
+  AddDeflated(archive.get(), zip_source_file(archive.get(), source.c_str(), 0, WHOLE_FILE),
+              source.filename().string());
   if (zip_close(archive.get()) != 0) Throw(target.string(), zip_strerror(archive.get()));
   static_cast<void>(archive.release());
   file.Commit();
+}
+
+bool WriteNewArchive(const std::vector<ArchiveEntry>& entries,
+                     const boost::filesystem::path& target) {
+  Platform::ReplacementFile file(target.string());
+  ArchiveHandle archive = Open(file.Path(), ZIP_CREATE | ZIP_TRUNCATE);
+  for (const auto& [name, content] : entries) {
+    AddDeflated(archive.get(),
+                zip_source_buffer(archive.get(), content.data(), content.size(), /*freep=*/0),
+                name);
+  }
+  if (zip_close(archive.get()) != 0) Throw(target.string(), zip_strerror(archive.get()));
+  static_cast<void>(archive.release());
+  return file.CommitIfAbsent();
 }
 
 std::string ReadArchive(const boost::filesystem::path& archive) {

@@ -4,6 +4,7 @@
 #include <boost/format.hpp>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <exception>
@@ -151,9 +152,11 @@ bool CopyFileToDestination(const fs::path& source, const fs::path& target) {
 
 bool MoveToOutbox(fs::path&& file, boost::optional<bool> incremental) {
   const fs::path target = Paths(Paths::OUTBOX, false).AppData() / file.filename();
+  boost::system::error_code absent;
+  const std::uintmax_t bytes = fs::file_size(file, absent);
   const bool done = GetFilePipeline()->MoveToOutbox(file, incremental);
   if (done && incremental) RecordDocument();
-  ReportDocument({DocumentStep::MOVE, done, file, target, incremental});
+  ReportDocument({DocumentStep::MOVE, done, file, target, incremental, absent ? 0 : bytes});
   return done;
 }
 

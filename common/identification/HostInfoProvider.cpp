@@ -8,7 +8,7 @@ namespace Norvik::Common {
 
 std::string HostInfoProvider::GetHostName() { return EncodeUtf8Characters(Platform::HostName()); }
 
-std::string GetAgentVersion() { return "9.24.2.0"; }
+std::string GetAgentVersion() { return AGENT_VERSION; }
 
 bool VerifyAgent::Verify() {
   return Platform::MachineHas("/opt/local/norvik/UninstallZebAgent.sh");

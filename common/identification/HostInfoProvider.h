@@ -13,7 +13,9 @@ struct NORVIK_COMMON_API HostInfoProvider {
   static std::string GetHostName();
 };
 
-/// The version of this agent, as in "9.24.2.0".
+/// The version of this agent.
+inline constexpr char AGENT_VERSION[] = "9.24.2.0";
+/// The version of the library that is in use, which should be the same.
 NORVIK_COMMON_API std::string GetAgentVersion();
 
 struct NORVIK_COMMON_API VerifyAgent {

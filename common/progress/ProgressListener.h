@@ -13,6 +13,7 @@
 
 #include "common/Api.h"
 #include "common/action/TaskResponseInfo.h"
+#include "common/files/FilesCounts.h"
 #include "common/inventory/RudStatus.h"
 
 namespace Norvik::Common {
@@ -66,6 +67,9 @@ struct DocumentStep {
   boost::filesystem::path source;  ///< empty for WRITE
   boost::filesystem::path target;
   boost::optional<bool> incremental;  ///< of MOVE, as the pipeline was given it
+  std::uintmax_t bytes = 0;           ///< of MOVE: size of the file, which may be sent at once
+  /// Of WRITE in a file inventory: the files in the document, if they are counted already.
+  boost::optional<FilesCounts> files = {};
 };
 
 /// Follows what the process does. Each operation does nothing unless it is overridden.

@@ -27,8 +27,8 @@ constexpr std::pair<unsigned int, Lane> LANE_OF_CODE[] = {
 };
 
 constexpr const char* NAMES[LANES] = {"the agent's own actions", "inventories",
-                                      "tasks of the server", "messages of users",
-                                      "sessions of users"};
+                                      "tasks of the server",     "messages of users",
+                                      "sessions of users",       "commands of administrators"};
 
 }  // namespace
 

@@ -12,8 +12,9 @@ enum class Lane {
   Tasks,        ///< the server's
   Users,        ///< messages from and to users
   Sessions,     ///< questions to the server about users who join
+  Commands,     ///< actions that an administrator gives a running agent
 };
-inline constexpr std::size_t LANES = 5;
+inline constexpr std::size_t LANES = 6;
 
 /// The code of an action by its name; 0 for an unknown name.
 unsigned int ActionCodeOf(const std::string& name);

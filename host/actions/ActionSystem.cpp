@@ -113,12 +113,12 @@ ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(acti
 void ActionSystem::QueueAction(ModuleAction action) {
   const unsigned int code = ActionCodeOf(action.name);
   std::string label = action.name;
-  PostUnlessPending({LaneOf(code), code, std::move(label), std::move(action)});
+  PostUnlessPending({LaneOf(code), code, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::RunInLane(Lane lane, unsigned int code, ModuleAction action) {
   std::string label = LabelOf(code, action);
-  Post({lane, code, std::move(label), std::move(action)});
+  Post({lane, code, std::move(label), std::move(action), Errand::Current()});
 }
 
 void ActionSystem::Post(OneShot shot) {
@@ -138,7 +138,10 @@ void ActionSystem::PostUnlessPending(OneShot shot) {
 void ActionSystem::RunOneShot(unsigned int code, ModuleAction action, seconds delay) {
   std::string label = LabelOf(code, action);
   OneShot shot{LaneOf(code), code, std::move(label), std::move(action)};
-  if (delay <= seconds(0)) return PostUnlessPending(std::move(shot));
+  if (delay <= seconds(0)) {
+    shot.errand = Errand::Current();
+    return PostUnlessPending(std::move(shot));
+  }
   const std::lock_guard<std::mutex> lock(mutex_);
   oneShots_.emplace(clock_->Steady() + std::min(delay, LONGEST_DELAY), std::move(shot));
   ArmTimer();
@@ -349,6 +352,7 @@ void ActionSystem::End(const PeriodicPointer& entry) {
 }
 
 void ActionSystem::RunLogged(const OneShot& shot) {
+  const ErrandScope errand(shot.errand);
   const std::string& label = shot.label;
   ModuleAction action = shot.action;
   std::list<RunningAction> entry;

@@ -17,6 +17,7 @@
 #include "common/database/AgentData.h"
 #include "host/actions/ActionThreads.h"
 #include "host/actions/Clock.h"
+#include "host/actions/Errand.h"
 #include "host/actions/HostActions.h"
 #include "host/actions/PendingInventories.h"
 #include "host/actions/PeriodicState.h"
@@ -116,6 +117,7 @@ class ActionSystem : public HostActions {
     unsigned int code;
     std::string label;
     Common::ModuleAction action;
+    std::shared_ptr<Errand> errand = nullptr;  ///< that it belongs to; null for a delayed action
   };
   struct Periodic;
   using PeriodicPointer = std::shared_ptr<Periodic>;

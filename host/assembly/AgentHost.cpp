@@ -16,6 +16,7 @@
 #include "common/files/Paths.h"
 #include "common/log/FileLogger.h"
 #include "common/log/Logger.h"
+#include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/StandardChannels.h"
 #include "host/configuration/ConfigurationFile.h"
@@ -54,16 +55,27 @@ std::unique_ptr<const LoggerScope> OpenLog(const fs::path& folder, const AgentOp
 std::shared_ptr<ServerLink> MakeServerLink(const EffectiveConfiguration& configuration,
                                            const HardwareIdentity& hardware, const fs::path& folder,
                                            const std::shared_ptr<AgentIdentity>& identity,
-                                           IModule& module) {
+                                           const std::shared_ptr<DocumentHistory>& history,
+                                           IModule& module, AgentData data) {
   ServerOptions options = ServerOptionsOf(configuration.values.communications);
   if (options.address.empty()) return nullptr;
   options.dataFolder = folder;
   options.outbox = Paths(Paths::OUTBOX, true).AppData();
   options.extensions = module.GetOutputExtensionFiles();
   options.identity = identity;
+  options.history = history;
   options.enrolmentSecret = configuration.enrolmentSecret;
   options.hardware = hardware;
+  options.contact = std::make_shared<ServerContact>(
+      data.GetOptionalString(SERVER_CONTACT_KEY).get_value_or(""),
+      [data](const std::string& text) mutable { data.SetString(SERVER_CONTACT_KEY, text); });
   return std::make_shared<ServerLink>(options);
+}
+
+std::shared_ptr<DocumentHistory> RecoveredHistory(const fs::path& folder) {
+  auto history = std::make_shared<DocumentHistory>(folder);
+  history->Recover();
+  return history;
 }
 
 /// Without the lock another agent may own an existing database, so it is opened read-only.
@@ -87,6 +99,12 @@ EffectiveConfiguration UseConfiguration(const AgentOptions& options, const fs::p
   return configuration;
 }
 
+void RequireHandler(IModule& module, unsigned int code) {
+  if (!module.GetAction(code, {}).name.empty()) return;
+  throw UsageError("no handler is registered for the action " + std::to_string(code) +
+                   "; `norvik-agent actions` lists those there are");
+}
+
 void UseUtf8Characters() {
   for (const char* name : {"", "C.UTF-8", "en_US.UTF-8", "UTF-8"}) {
     if (!std::setlocale(LC_CTYPE, name)) continue;
@@ -102,6 +120,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   if (options.exclusive) {
     lock_ = std::make_unique<const DataFolderLock>(folder);
     RemoveLeftCopies(folder);
+    if (!options.userProcess) history_ = RecoveredHistory(folder);
     Platform::RemoveLeftReplacements(folder.string());
   }
   logger_ = OpenLog(folder, options);
@@ -109,6 +128,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   // A recorded machine is not this one, whose data folder it may use.
   const std::string uuid = Platform::IsMachineRecorded() ? "" : hardware.platformUuid;
   if (options.exclusive) ForgetOtherMachine(folder, uuid);
+  if (history_) keeping_ = std::make_unique<KeepingScope>(history_, configuration.history);
   AgentParts parts;
   parts.userProcess = options.userProcess;
   parts.dataBase = OpenDataBase(folder, options.exclusive);
@@ -127,7 +147,8 @@ AgentHost::AgentHost(const AgentOptions& options) {
   }
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
-  server_ = MakeServerLink(configuration, hardware, folder, identity, Module());
+  server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module(),
+                           AgentData(assembled_->parts.dataBase, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {

@@ -11,6 +11,7 @@
 #include "host/assembly/ListeningLogger.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/data/DataFolder.h"
+#include "host/history/KeepingScope.h"
 #include "host/server/ServerLink.h"
 
 namespace Norvik::Host {
@@ -35,6 +36,9 @@ struct AgentOptions {
 /// that it has. Throws what `ReadConfiguration` throws.
 EffectiveConfiguration UseConfiguration(const AgentOptions& options,
                                         const boost::filesystem::path& dataFolder);
+
+/// Throws `UsageError` if a module serves no action of this code.
+void RequireHandler(Common::IModule& module, unsigned int code);
 
 /// Sets a UTF-8 character type for the process, and changes nothing else of its locale.
 void UseUtf8Characters();
@@ -62,6 +66,8 @@ class AgentHost {
   }
   const std::string& EnrolmentSecret() const { return enrolmentSecret_; }
   const boost::filesystem::path& DataFolder() const { return dataFolder_; }
+  /// Null for a user's process and for a host that is not exclusive.
+  DocumentHistory* History() { return history_.get(); }
   std::string Identifier() const { return assembled_->identification->GetAgentIdentifier(); }
 
   /// Runs an action on this thread, then waits for all actions that it started without a delay.
@@ -83,6 +89,8 @@ class AgentHost {
   std::string enrolmentSecret_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;
+  std::shared_ptr<DocumentHistory> history_;
+  std::unique_ptr<const KeepingScope> keeping_;
   std::shared_ptr<Communications> communications_;
   std::shared_ptr<ActionSystem> actionSystem_;
   std::unique_ptr<const Common::ProgressObserverScope> ledger_;  ///< null if nothing is written

@@ -40,6 +40,8 @@ boost::filesystem::path DefaultModuleFile() {
   return folder / ("libNorvikKOB" + boost::dll::shared_library::suffix().string());
 }
 
+void CheckModule(const boost::filesystem::path& file) { FindEntry(file); }
+
 std::unique_ptr<IModule> LoadModule(const boost::filesystem::path& file,
                                     const std::weak_ptr<ModuleDependencies>& dependencies) {
   const EntryFunction entry = FindEntry(file);

@@ -166,6 +166,17 @@ Reader Seconds(std::chrono::seconds& target, std::int64_t longest) {
   };
 }
 
+Reader History(HistoryLimits& target) {
+  return [&target](const Place& place) {
+    constexpr std::int64_t TEN_YEARS = 3650;
+    constexpr std::int64_t MOST_MEGABYTES = 1'000'000;
+    std::uintmax_t megabytes = target.bytes / MEGABYTE;
+    ReadObject(place, {{"days", WholeNumber(target.days, 0, TEN_YEARS)},
+                       {"megabytes", WholeNumber(megabytes, 1, MOST_MEGABYTES)}});
+    target.bytes = megabytes * MEGABYTE;
+  };
+}
+
 Reader Spread(ScheduleSpread& target) {
   return [&target](const Place& place) {
     ReadObject(place, {{"percent", WholeNumber(target.percent, 0, 100)},
@@ -190,6 +201,7 @@ Readers ReadersOf(EffectiveConfiguration& configuration) {
       {"fileInventoryIncrementalSchedule", ScheduleObject(kob.fileInventoryIncrementalSchedule)},
       {"fileInventorySchedule", ScheduleObject(kob.fileInventorySchedule)},
       {"pendingTasksSchedule", ScheduleObject(kob.pendingTasksSchedule)},
+      {"history", History(configuration.history)},
       {"inventoryOnLogon", Flag(kob.inventoryOnLogon)},
       {"survey", Survey(target.survey)}};
 }

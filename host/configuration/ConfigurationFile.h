@@ -8,6 +8,7 @@
 #include "common/configuration/AgentConfigurationInfo.h"
 #include "host/HostError.h"
 #include "host/configuration/ScheduleSpread.h"
+#include "host/history/DocumentHistory.h"
 
 namespace Norvik::Host {
 
@@ -35,6 +36,7 @@ struct EffectiveConfiguration {
   Common::AgentConfigurationInfo values;
   /// How long a tool that only queries the machine may run; 0 is unlimited.
   std::chrono::seconds toolTimeLimit{300};
+  HistoryLimits history;
   ScheduleSpread spread;
   /// Goes with requests for enrolment, to nobody else; empty: none.
   std::string enrolmentSecret;

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -25,7 +26,10 @@ class NoAnswer : public std::runtime_error {
 
 /// Sends a request to the agent that serves a socket, waits and returns its answer; both are JSON.
 /// Throws `NoAnswer`.
+/// @param limit until the answer; or until the first events, after which it may take any time
+/// @param onEvents gets JSON arrays as they come; what it throws ends the wait
 std::string AskAgent(const boost::filesystem::path& socket, const std::string& request,
-                     std::chrono::milliseconds limit = std::chrono::seconds(10));
+                     std::chrono::milliseconds limit = std::chrono::seconds(10),
+                     const std::function<void(const std::string& events)>& onEvents = {});
 
 }  // namespace Norvik::Host

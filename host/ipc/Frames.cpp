@@ -31,7 +31,9 @@ FrameKind KindOf(char byte) {
     case FrameKind::JOIN:
     case FrameKind::MESSAGE:
     case FrameKind::REQUEST:
+    case FrameKind::EVENTS:
     case FrameKind::ANSWER:
+    case FrameKind::PART:
       return kind;
   }
   throw FrameError("sent a frame of the unknown kind " +

@@ -16,9 +16,18 @@ namespace Norvik::Host {
 //   JOIN     empty; makes the connection the session of a user's process
 //   MESSAGE  kind (4 bytes, signed), code (4), length of the key (4), key, value; texts are UTF-8
 //   REQUEST  JSON, from an administrator
+//   EVENTS   a JSON array: what has happened of a run that a request began
 //   ANSWER   JSON, the answer to a request
+//   PART     the beginning of the content of the next frame, or the next piece of it
 
-enum class FrameKind : char { JOIN = 'J', MESSAGE = 'M', REQUEST = 'R', ANSWER = 'A' };
+enum class FrameKind : char {
+  JOIN = 'J',
+  MESSAGE = 'M',
+  REQUEST = 'R',
+  EVENTS = 'E',
+  ANSWER = 'A',
+  PART = 'P'
+};
 
 struct Frame {
   FrameKind kind;

@@ -3,6 +3,8 @@
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
+#include <cstdint>
+#include <thread>
 #include <utility>
 
 namespace Norvik::Host {
@@ -15,6 +17,11 @@ namespace {
 /// system's structures and the allocator add.
 constexpr std::size_t CONNECTION_BYTES = 16 << 10;
 constexpr std::size_t FRAME_BYTES = 512;  ///< likewise, for a frame
+/// Of a long content: the length of a frame, and how much may wait for the peer before the next.
+constexpr std::size_t PART_BYTES = 256 << 10;
+constexpr std::size_t MOST_UNREAD = 512 << 10;
+constexpr std::chrono::minutes READING_LIMIT(1);
+constexpr std::chrono::milliseconds READING_PAUSE(2);
 
 }  // namespace
 
@@ -117,10 +124,7 @@ bool IpcConnection::Send(std::string frame) {
     refusal = sending_.Resize(unsentBytes_ + frame.size() + FRAME_BYTES * (1 + unsent_.size()));
   }
   if (!refusal.empty()) {
-    ending_ = true;
-    const std::string problem = "reads too slowly: what waits for it exceeds " + refusal;
-    boost::asio::post(socket_.get_executor(),
-                      [self = shared_from_this(), problem] { self->CloseNow(problem); });
+    CloseLater("reads too slowly: what waits for it exceeds " + refusal);
     return false;
   }
   unsentBytes_ += frame.size();
@@ -129,6 +133,43 @@ bool IpcConnection::Send(std::string frame) {
     boost::asio::post(socket_.get_executor(), [self = shared_from_this()] { self->Write(); });
   }
   return true;
+}
+
+/// `mutex_` must be held.
+void IpcConnection::CloseLater(const std::string& problem) {
+  ending_ = true;
+  boost::asio::post(socket_.get_executor(),
+                    [self = shared_from_this(), problem] { self->CloseNow(problem); });
+}
+
+bool IpcConnection::SendWhole(FrameKind kind, const std::string& content) {
+  std::size_t start = 0;
+  for (; content.size() - start > PART_BYTES; start += PART_BYTES) {
+    if (!WaitForReader()) return false;
+    if (!Send(EncodeFrame(FrameKind::PART, content.substr(start, PART_BYTES)))) return false;
+  }
+  return WaitForReader() && Send(EncodeFrame(kind, content.substr(start)));
+}
+
+/// Returns once the peer has read most of what was sent. False if the connection is closed.
+bool IpcConnection::WaitForReader() {
+  std::size_t left = SIZE_MAX;
+  auto since = std::chrono::steady_clock::now();
+  for (;; std::this_thread::sleep_for(READING_PAUSE)) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (ending_) return false;
+    if (unsentBytes_ <= MOST_UNREAD) return true;
+    const auto now = std::chrono::steady_clock::now();
+    if (std::exchange(left, unsentBytes_) != unsentBytes_) since = now;
+    if (now - since < READING_LIMIT) continue;
+    CloseLater("has read nothing for a minute");
+    return false;
+  }
+}
+
+void IpcConnection::Close() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!ending_) CloseLater("");
 }
 
 std::size_t IpcConnection::UnsentBytes() const {

@@ -53,10 +53,16 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   /// Queues an encoded frame. False if the connection is closed; a full queue closes it. Safe on
   /// any thread.
   bool Send(std::string frame);
+  /// Sends a content of any length in frames of bounded length, and waits while the peer has much
+  /// left to read. False if the connection is closed, as it is if the peer reads nothing for a
+  /// minute. Safe on any thread but that of the context.
+  bool SendWhole(FrameKind kind, const std::string& content);
   /// Reports that a frame has been handled. Safe on any thread.
   void Handled(std::size_t contentSize);
   /// The bytes that are queued for the peer. Safe on any thread.
   std::size_t UnsentBytes() const;
+  /// Closes the connection soon. Safe on any thread.
+  void Close();
   /// Closes the connection without a callback. Only when no thread runs the context any more.
   void Abandon();
 
@@ -73,6 +79,8 @@ class IpcConnection : public std::enable_shared_from_this<IpcConnection> {
   void StopWatch();
   void Write();
   void OnWritten(const boost::system::error_code& error);
+  bool WaitForReader();
+  void CloseLater(const std::string& problem);
   void CloseNow(const std::string& problem);
 
   // Used on the context's thread only.

@@ -232,7 +232,9 @@ void IpcService::OnFrame(const ConnectionPointer& connection, SessionId& session
     case FrameKind::REQUEST:
       OnRequest(connection, frame);
       break;
+    case FrameKind::EVENTS:
     case FrameKind::ANSWER:
+    case FrameKind::PART:
       throw FrameError("sent an answer to a request that nobody made");
   }
   connection->Handled(size);
@@ -301,8 +303,7 @@ void IpcService::OnRequest(const ConnectionPointer& connection, const Frame& fra
   if (!IsAdministrator(connection->Peer().user)) {
     throw FrameError("sent a request, which only root and the user of the service may");
   }
-  const std::string answer = events_.onRequest(frame.content, connection->PeerText());
-  connection->Send(EncodeFrame(FrameKind::ANSWER, answer));
+  events_.onRequest(frame.content, connection);
 }
 
 void IpcService::OnClosed(const ConnectionPointer& connection, SessionId session,

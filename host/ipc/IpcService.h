@@ -68,9 +68,10 @@ class IpcService : public Common::ICommunicationIPC {
                        std::function<void()> handled)>
         onMessage;
     std::function<void(SessionId)> onSession;
-    /// Returns the answer to a request of an administrator; both are JSON. `from` names the sender,
-    /// for logs. Must not throw.
-    std::function<std::string(const std::string& request, const std::string& from)> onRequest;
+    /// Has to answer the request of an administrator on its connection, at once or later; both are
+    /// JSON. The service must outlive the use of the connection. Must not throw.
+    std::function<void(const std::string& request, const std::shared_ptr<IpcConnection>& from)>
+        onRequest;
   };
 
   /// Binds the socket, but accepts no connection yet. Throws `std::runtime_error` if another agent

@@ -9,11 +9,14 @@
 #include <utility>
 
 #include "common/action/ActionCodes.h"
+#include "common/log/LineLimit.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "host/OutputText.h"
 #include "host/assembly/ModuleActionCodes.h"
+#include "host/run/ChangeNotice.h"
+#include "host/run/CommandRun.h"
 #include "host/run/ConfigurationChange.h"
 
 namespace Norvik::Host {
@@ -29,6 +32,8 @@ constexpr std::chrono::seconds READING_TIME(1);
 
 struct Agent {
   AgentHost& host;
+  const boost::filesystem::path& configurationFile;
+  const std::shared_ptr<IpcService>& connections;
   IpcService& processes;
   const ServiceProgress& progress;
   SerialActions& texts;
@@ -55,13 +60,17 @@ OrderedJson Status(const Agent& agent, const OrderedJson&) {
   const auto next = agent.host.Actions()->Next();
   const OrderedJson due =
       next ? OrderedJson{{"action", next->label}, {"time", TimeText(next->time)}} : OrderedJson();
-  return {{"processId", ::getpid()},
-          {"dataFolder", agent.host.DataFolder().string()},
-          {"sessions", sessions},
-          {"messages", agent.processes.HandledMessages()},
-          {"running", running},
-          {"progress", agent.progress.ToJson()},
-          {"next", due}};
+  return {
+      {"processId", ::getpid()},
+      {"dataFolder", agent.host.DataFolder().string()},
+      {"configurationFile", agent.configurationFile.string()},
+      {"sessions", sessions},
+      {"messages", agent.processes.HandledMessages()},
+      {"contact", agent.host.Server() ? OrderedJson::parse(ToText(agent.host.Server()->Contact()))
+                                      : OrderedJson()},
+      {"running", running},
+      {"progress", agent.progress.ToJson()},
+      {"next", due}};
 }
 
 OrderedJson Notify(const Agent& agent, const OrderedJson& request) {
@@ -69,8 +78,12 @@ OrderedJson Notify(const Agent& agent, const OrderedJson& request) {
       {"software", COMMON_ACTION_SOFTWARE_CHANGES}, {"hardware", COMMON_ACTION_HARDWARE_CHANGES}};
   const auto found = codes.find(TextAt(request, "what"));
   if (found == codes.end()) throw UsageError("only software and hardware can change");
+  const auto now = std::chrono::system_clock::now();
+  const auto inventory = InventoryAfterChange(now);
   agent.host.Queue(found->second, {});
-  return {{"queued", found->second}};
+  return {{"queued", found->second},
+          {"inventory", inventory ? OrderedJson(TimeText(*inventory)) : OrderedJson()},
+          {"atOnce", inventory == now}};
 }
 
 void QueueText(const Agent& agent, const std::string& text) {
@@ -109,14 +122,59 @@ OrderedJson Configure(const Agent& agent, const OrderedJson& request) {
   return {{"stored", (agent.host.DataFolder() / CONFIGURATION_FILE).string()}};
 }
 
+ActionResult ResultOf(unsigned int code, const ActionHandler& handler,
+                      ActionParameters& parameters) {
+  ActionResult result;
+  try {
+    result.response = handler(parameters);
+  } catch (const std::exception& error) {
+    NORVIK_ERROR(boost::format("Action %1% failed: %2%") % std::to_string(code) % error.what());
+    result.failure = FailureOf(error);
+  } catch (...) {
+    NORVIK_ERROR(boost::format("Action %1% failed with an unknown exception") %
+                 std::to_string(code));
+    result.failure = "the action threw an exception";
+  }
+  return result;
+}
+
+/// The connection gets the answer when the action has ended.
+void Run(const Agent& agent, const OrderedJson& request,
+         const std::shared_ptr<IpcConnection>& from) {
+  const auto code = request.at("code").get<unsigned int>();
+  const ActionParameters parameters = ActionParametersOf(request.at("parameters"));
+  RequireHandler(agent.host.Module(), code);
+  NORVIK_INFORMATION(boost::format("The process of %1% runs the action %2%") % from->PeerText() %
+                     std::to_string(code));
+  // Only the action owns it: its end waits for the connection, which this thread serves.
+  auto run = std::make_shared<CommandRun>(agent.connections, from);
+  ModuleAction action = agent.host.Module().GetAction(code, parameters);
+  action.handler = [run = std::move(run), code,
+                    handler = std::move(action.handler)](ActionParameters& given) {
+    const ErrandScope scope(run, 0);
+    run->Set(ResultOf(code, handler, given));
+    return ActionResponse();
+  };
+  const Lane lane = LaneOf(code) == Lane::Inventories ? Lane::Inventories : Lane::Commands;
+  // An inventory logs more than a user may cause in a minute.
+  const LineLimitScope unlimited(nullptr);
+  agent.host.Actions()->RunInLane(lane, code, std::move(action));
+}
+
 using Handler = OrderedJson (*)(const Agent&, const OrderedJson&);
 
-OrderedJson Dispatch(const Agent& agent, const std::string& text) {
+/// Empty if the answer comes later.
+OrderedJson Dispatch(const Agent& agent, const std::string& text,
+                     const std::shared_ptr<IpcConnection>& from) {
   static const std::map<std::string, Handler> handlers = {
       {"status", Status}, {"notify", Notify}, {"message", Message}, {"configure", Configure}};
   const auto request = OrderedJson::parse(text, nullptr, false);
   if (!request.is_object()) throw UsageError("the request is no JSON object");
   const std::string name = TextAt(request, "request");
+  if (name == "run") {
+    Run(agent, request, from);
+    return nullptr;
+  }
   const auto found = handlers.find(name);
   if (found == handlers.end()) throw UsageError("no request is called \"" + name + "\"");
   return found->second(agent, request);
@@ -129,24 +187,29 @@ OrderedJson Refusal(const std::exception& error, const std::string& from, bool w
 
 }  // namespace
 
-AgentRequests::AgentRequests(AgentHost& host, std::shared_ptr<IpcService> processes,
+AgentRequests::AgentRequests(AgentHost& host, boost::filesystem::path configurationFile,
+                             std::shared_ptr<IpcService> processes,
                              std::shared_ptr<const ServiceProgress> progress)
     : host_(host),
+      configurationFile_(std::move(configurationFile)),
       processes_(std::move(processes)),
       progress_(std::move(progress)),
       texts_(std::make_shared<SerialActions>(host.Actions())),
       waiting_(std::make_shared<std::atomic<std::size_t>>(0)) {}
 
-std::string AgentRequests::Answer(const std::string& request, const std::string& from) const {
+void AgentRequests::Answer(const std::string& request,
+                           const std::shared_ptr<IpcConnection>& from) const {
   OrderedJson answer;
   try {
-    answer = Dispatch({host_, *processes_, *progress_, *texts_, waiting_}, request);
+    answer = Dispatch(
+        {host_, configurationFile_, processes_, *processes_, *progress_, *texts_, waiting_},
+        request, from);
   } catch (const UsageError& error) {
-    answer = Refusal(error, from, true);
+    answer = Refusal(error, from->PeerText(), true);
   } catch (const std::exception& error) {
-    answer = Refusal(error, from, false);
+    answer = Refusal(error, from->PeerText(), false);
   }
-  return JsonLine(answer);
+  if (!answer.is_null()) from->Send(EncodeFrame(FrameKind::ANSWER, JsonLine(answer)));
 }
 
 }  // namespace Norvik::Host

@@ -19,6 +19,8 @@ namespace Norvik::Host {
 ///
 /// - status: returns what runs and how far it is, who is connected, how many messages of users were
 ///   handled, and what is due next
+/// - run, "code", "parameters": runs an action, and reports what it does until it has ended; see
+///   `CommandRun`
 /// - notify, "what": reports that "software" or "hardware" has changed
 /// - message, "text": shows a text to the logged-on users. Texts are sent in their order, the next
 ///   one when the users' processes have read most of the last or a second has passed
@@ -26,16 +28,18 @@ namespace Norvik::Host {
 class AgentRequests {
  public:
   /// @param host must outlive this object
-  AgentRequests(AgentHost& host, std::shared_ptr<IpcService> processes,
+  /// @param configurationFile that the agent uses in place of the stored one; or empty
+  AgentRequests(AgentHost& host, boost::filesystem::path configurationFile,
+                std::shared_ptr<IpcService> processes,
                 std::shared_ptr<const ServiceProgress> progress);
 
-  /// Carries out a request and returns the answer. Throws only `std::bad_alloc`. A refused request
-  /// is logged. Safe on any thread.
-  /// @param from the sender, for the log
-  std::string Answer(const std::string& request, const std::string& from) const;
+  /// Carries out a request, and answers it at once or when its action has ended. Throws only
+  /// `std::bad_alloc`. A refused request is logged. Safe on any thread.
+  void Answer(const std::string& request, const std::shared_ptr<IpcConnection>& from) const;
 
  private:
   AgentHost& host_;
+  const boost::filesystem::path configurationFile_;
   const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<const ServiceProgress> progress_;
   const std::shared_ptr<SerialActions>

@@ -27,6 +27,7 @@ auto FixedPart(const AgentConfigurationInfo& configuration) {
 void ApplyConfiguration(AgentHost& host, const EffectiveConfiguration& effective) {
   const AgentConfigurationInfo& configuration = effective.values;
   CommandRunner::SetQueryLimit(effective.toolTimeLimit);
+  if (host.History()) host.History()->SetLimits(effective.history);
   if (FixedPart(configuration) != FixedPart(host.Configuration()) ||
       effective.enrolmentSecret != host.EnrolmentSecret()) {
     NORVIK_INFORMATION("The new server and survey take effect at the next start of the agent");

@@ -7,7 +7,8 @@
 
 namespace Norvik::Host {
 
-/// Passes a configuration to the module of a running agent, and sets the limit of its tools.
+/// Passes a configuration to the module of a running agent, and sets the limits of its tools and of
+/// the history.
 /// Changes of the server and of the survey take effect at the next start; the log says so.
 void ApplyConfiguration(AgentHost& host, const EffectiveConfiguration& effective);
 

@@ -10,6 +10,7 @@
 #include "common/database/DataBase.h"
 #include "common/database/FreedSpace.h"
 #include "common/log/Logger.h"
+#include "host/actions/Errand.h"
 #include "host/assembly/ModuleActionCodes.h"
 #include "host/configuration/ConfigurationFile.h"
 #include "host/configuration/ManagedPreferences.h"
@@ -27,6 +28,15 @@ constexpr char SESSION_PARAMETER[] = "SessionEventData";
 /// Enough for all connections, the database and the tools. More would only slow down what closes
 /// them all for a child.
 constexpr std::size_t DESCRIPTORS = 1024;
+
+/// Commands hear of the errors that their actions cause.
+AgentOptions WithErrands(AgentOptions options) {
+  options.logListener = [](const LogLine& line) {
+    if (line.level != Logger::LEVEL_ERROR) return;
+    if (const auto errand = Errand::Current()) errand->Logged(line);
+  };
+  return options;
+}
 
 ServiceLimits LimitsOfThisProcess() {
   const std::size_t descriptors = Platform::RaiseDescriptorLimit(DESCRIPTORS);
@@ -47,10 +57,11 @@ ServiceRun::ServiceRun(const AgentOptions& options, const boost::filesystem::pat
       managedState_(StateOfManagedPreferences()),
       progress_(std::make_shared<ServiceProgress>()),
       listening_(progress_),
-      host_(options),
+      reporting_(std::make_shared<ProgressEvents>()),
+      host_(WithErrands(options)),
       processes_(std::make_shared<IpcService>(socket, LimitsOfThisProcess())),
       messages_(std::make_shared<SerialActions>(host_.Actions())),
-      requests_(host_, processes_, progress_) {
+      requests_(host_, configurationFile_, processes_, progress_) {
   host_.GetCommunications().SetProcesses(processes_);
   Initialise();
 }
@@ -87,8 +98,8 @@ void ServiceRun::Start() {
       {[this](const IPCMessage& message, const IpcService::Sender& sender,
               std::function<void()> handled) { RunMessage(message, sender, std::move(handled)); },
        [this](IpcService::SessionId session) { BeginSession(session); },
-       [this](const std::string& request, const std::string& from) {
-         return requests_.Answer(request, from);
+       [this](const std::string& request, const std::shared_ptr<IpcConnection>& from) {
+         requests_.Answer(request, from);
        }});
   if (host_.Server()) host_.Server()->Start();
   NORVIK_INFORMATION("The service runs");

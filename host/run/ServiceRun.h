@@ -8,6 +8,7 @@
 #include "host/ipc/IpcService.h"
 #include "host/run/AgentRequests.h"
 #include "host/run/DriveLimits.h"
+#include "host/run/ProgressEvents.h"
 #include "host/run/ServiceProgress.h"
 
 namespace Norvik::Host {
@@ -46,6 +47,7 @@ class ServiceRun {
   std::string managedState_;  ///< read before the configuration, so that no change is missed
   const std::shared_ptr<ServiceProgress> progress_;
   const Common::ProgressListenerScope listening_;
+  const Common::ProgressObserverScope reporting_;  ///< to commands
   AgentHost host_;
   const std::shared_ptr<IpcService> processes_;
   const std::shared_ptr<SerialActions> messages_;

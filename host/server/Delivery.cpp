@@ -31,7 +31,7 @@ Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> 
       session_(std::move(session)),
       queue_(std::move(queue)),
       statuses_(session_, queue_),
-      sender_(session_, options.dataFolder / KEY_FOLDER, stopped_),
+      sender_(session_, options.dataFolder / KEY_FOLDER, options.history, stopped_),
       files_(options.outbox, options.extensions, options.clock),
       client_(session_->NewClient()),
       server_(options.limits, options.clock) {}
@@ -42,7 +42,12 @@ Delivery::TimePoint Delivery::Round() {
   HasServerKey();
   const bool isAllowed = !stopped_ && server_.IsDue() && HasWork();
   if (isAllowed && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
-  return stopped_ ? TimePoint::max() : NextTry();
+  if (stopped_) return TimePoint::max();
+  const TimePoint next = NextTry();
+  const bool waits = next != TimePoint::max();
+  const auto now = options_.clock->Steady();
+  options_.contact->SetNextTry(waits ? boost::make_optional(next - now) : boost::none);
+  return next;
 }
 
 bool Delivery::HasWork() const {
@@ -90,6 +95,7 @@ bool Delivery::DeliverFiles() {
 
 bool Delivery::SendStatuses(HttpClient& client) {
   const Attempt attempt = statuses_.Send(client);
+  if (!stopped_) options_.contact->Record(STATUSES, attempt);
   if (attempt.result == Attempt::Result::Acknowledged) return true;
   if (!stopped_) {
     NORVIK_WARNING(boost::format("The server %1% has not acknowledged %2%: it %3%") %
@@ -100,6 +106,9 @@ bool Delivery::SendStatuses(HttpClient& client) {
 
 /// Returns whether the round may continue. A stop of the agent is no failure of the server.
 bool Delivery::Record(const std::string& kind, const std::string& what, const Attempt& attempt) {
+  if (attempt.result == Attempt::Result::Acknowledged || !stopped_) {
+    options_.contact->Record(kind, attempt);
+  }
   if (attempt.result == Attempt::Result::Acknowledged) {
     NORVIK_DETAIL(boost::format("The server %1% has %2%") % session_->Origin() % what);
     refused_.erase(kind);

@@ -43,8 +43,19 @@ std::string PercentEncoded(const std::string& text) {
 }  // namespace
 
 FileSender::FileSender(std::shared_ptr<ServerSession> session, fs::path keyFolder,
-                       const std::atomic<bool>& stopped)
-    : session_(std::move(session)), keyFolder_(std::move(keyFolder)), stopped_(stopped) {}
+                       std::shared_ptr<DocumentHistory> history, const std::atomic<bool>& stopped)
+    : session_(std::move(session)),
+      keyFolder_(std::move(keyFolder)),
+      history_(std::move(history)),
+      stopped_(stopped) {}
+
+void FileSender::SealForServer(const fs::path& file) const {
+  const Common::FileSealer sealer(keyFolder_);
+  if (!sealer.IsSealedToOwnKey(file)) return;
+  const auto seal = [&] { sealer.SealAgain(file); };
+  if (history_) return history_->Follow(file, seal);
+  seal();
+}
 
 Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
   try {
@@ -52,8 +63,7 @@ Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
     // A run without a valid key cannot seal its document and leaves it in plain text.
     if (!Common::IsSealedFile(file.path))
       return {Attempt::Result::Refused, NOT_SEALED, boost::none};
-    const Common::FileSealer sealer(keyFolder_);
-    if (sealer.IsSealedToOwnKey(file.path)) sealer.SealAgain(file.path);
+    SealForServer(file.path);
     const auto opened = Platform::OpenRegularFile(file.path.string());
     const FileDigest digest = DigestOf(opened, stopped_);
 
@@ -69,7 +79,10 @@ Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
       return body.get<std::string>("sha256") == digest.sha256 &&
              body.get<std::uint64_t>("size") == digest.size;
     });
-    if (attempt.result == Attempt::Result::Acknowledged) fs::remove(file.path);
+    if (attempt.result == Attempt::Result::Acknowledged) {
+      if (history_) history_->Delivered(file.path);
+      fs::remove(file.path);
+    }
     return attempt;
   } catch (const std::exception& error) {
     const std::string reason = std::string("cannot be given the file: ") + OnOneLine(error.what());

@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "common/text/Text.h"
+#include "host/server/ConnectionFacts.h"
 #include "host/server/CurlProtocol.h"
 #include "platform/FileSystem.h"
 
@@ -83,6 +84,7 @@ struct Transfer {
   std::string answer;
   std::size_t headerBytes = 0;
   std::string failure;  ///< why a callback ended the transfer
+  boost::optional<std::chrono::system_clock::time_point> date;
 };
 
 // No exception may pass through libcurl, so each callback reports a failure by its return value.
@@ -97,8 +99,9 @@ std::size_t ReceiveBody(char* data, std::size_t /*one*/, std::size_t size, void*
   return size;
 }
 
-std::size_t ReceiveHeader(char* /*data*/, std::size_t /*one*/, std::size_t size, void* context) {
+std::size_t ReceiveHeader(char* data, std::size_t /*one*/, std::size_t size, void* context) {
   auto& transfer = *static_cast<Transfer*>(context);
+  if (transfer.request.wantsFacts) ReadDateHeader({data, size}, transfer.date);
   transfer.headerBytes += size;
   if (transfer.headerBytes <= LONGEST_HEADERS) return size;
   transfer.failure = "the headers of the answer are longer than any should be";
@@ -197,6 +200,7 @@ HttpAnswer Perform(CURL* handle, Transfer& transfer) {
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, nullptr);
 
   HttpAnswer answer;
+  if (transfer.request.wantsFacts) answer.facts = FactsOf(handle, code, transfer.date);
   if (code != CURLE_OK) {
     answer.failure = !transfer.failure.empty() ? transfer.failure
                      : reason.front() != '\0'  ? std::string(reason.data())
@@ -260,6 +264,8 @@ HttpAnswer HttpClient::Send(const HttpRequest& request) {
     SetLimits(handle, limits_, request.fileSize);
     SetBody(handle, transfer);
     SetCallbacks(handle, transfer);
+    // Not every TLS library has it.
+    if (request.wantsFacts) curl_easy_setopt(handle, CURLOPT_CERTINFO, 1L);
     Set(handle, CURLOPT_HTTPHEADER, headers.Get());
     answer = Perform(handle, transfer);
     // The handle must not keep pointers to objects of this scope.

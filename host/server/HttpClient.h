@@ -23,6 +23,19 @@ struct HttpRequest {
   /// file.
   const Platform::FileDescriptor* file = nullptr;
   std::uint64_t fileSize = 0;
+  /// Whether the answer gets the `facts` of its connection.
+  bool wantsFacts = false;
+};
+
+/// How far a request came, and what it learned of the server.
+struct ConnectionFacts {
+  enum Stage { NOTHING, NAME_RESOLVED, CONNECTED, TRUSTED, ANSWERED };
+
+  Stage reached = NOTHING;  ///< `TRUSTED` also without TLS
+  bool outOfTime = false;   ///< the request ended because of a limit of time
+  /// When the first certificate of the chain expires; empty if the TLS library does not show it.
+  boost::optional<std::chrono::system_clock::time_point> expires;
+  boost::optional<std::chrono::system_clock::time_point> date;  ///< of the answer, by its header
 };
 
 struct HttpAnswer {
@@ -30,6 +43,7 @@ struct HttpAnswer {
   std::string body;
   boost::optional<std::chrono::seconds> retryAfter;  ///< the wait that the server requests
   std::string failure;                               ///< why no complete answer arrived
+  ConnectionFacts facts;                             ///< only if the request wants them
 
   bool IsSuccess() const { return status >= 200 && status < 300; }
   /// One line without the body: "answered 500" or "gave no answer (...)".

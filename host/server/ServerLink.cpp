@@ -14,6 +14,7 @@
 #include "common/text/Text.h"
 #include "host/data/DataFolder.h"
 #include "host/server/AnswerBody.h"
+#include "host/server/Attempt.h"
 
 namespace Norvik::Host {
 
@@ -35,6 +36,11 @@ boost::optional<std::set<std::string>> IdentifiersIn(const PendingTasksResponse&
   return identifiers;
 }
 
+/// The module reads the body, which may be any object.
+void Record(ServerContact& contact, const std::string& kind, const HttpAnswer& answer) {
+  contact.Record(kind, AttemptOf(answer, [](const auto&) { return true; }));
+}
+
 void Assign(const HttpAnswer& answer, IRestResponse& response) {
   if (!answer.IsSuccess()) throw std::runtime_error("it " + answer.Text());
   response.Assign(ParseAnswerBody(answer.body));
@@ -43,7 +49,8 @@ void Assign(const HttpAnswer& answer, IRestResponse& response) {
 }  // namespace
 
 ServerLink::ServerLink(const ServerOptions& options)
-    : statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE, options.clock)),
+    : contact_(options.contact),
+      statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE, options.clock)),
       session_(std::make_shared<ServerSession>(options, stopped_)),
       delivery_(options, session_, statuses_, stopped_),
       thread_([this] { return delivery_.Round(); }, options.clock) {
@@ -61,6 +68,7 @@ void ServerLink::Start() {
 void ServerLink::Stop() {
   stopped_ = true;
   thread_.Stop();
+  contact_->Flush();
 }
 
 bool ServerLink::SendStatuses() {
@@ -80,7 +88,10 @@ bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& resp
     boost::optional<std::chrono::seconds> retryAfter;
     if (!session_->Enrol(*client, retryAfter)) return false;
     const std::string body = static_cast<json::JSON>(request).strUgly();
-    Assign(session_->Post(*client, forTasks ? "tasks" : "messages", body), response);
+    const std::string resource = forTasks ? "tasks" : "messages";
+    const HttpAnswer answer = session_->Post(*client, resource, body);
+    Record(*contact_, resource, answer);
+    Assign(answer, response);
     if (const auto* tasks = dynamic_cast<const PendingTasksResponse*>(&response)) List(*tasks);
     return true;
   } catch (const std::exception& error) {

@@ -40,6 +40,8 @@ class ServerLink : public Common::ICommunicationSystem {
   void OnTasksListed(TasksListed listener) { onTasksListed_ = std::move(listener); }
   /// Starts the delivery, including what already waits.
   void Start();
+  /// How the requests to the server went.
+  ContactState Contact() const { return contact_->State(); }
   /// Ends the delivery and every pending question without waiting for the server. Items that are
   /// not acknowledged stay. Later questions fail. Final.
   void Stop();
@@ -61,6 +63,7 @@ class ServerLink : public Common::ICommunicationSystem {
   TasksListed onTasksListed_;
   std::atomic<bool> started_{false};
   std::atomic<bool> stopped_{false};
+  const std::shared_ptr<ServerContact> contact_;
   const std::shared_ptr<StatusQueue> statuses_;
   const std::shared_ptr<ServerSession> session_;
   Delivery delivery_;

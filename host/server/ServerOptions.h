@@ -10,8 +10,10 @@
 
 #include "common/configuration/CommunicationsInfo.h"
 #include "host/actions/Clock.h"
+#include "host/history/DocumentHistory.h"
 #include "host/identity/AgentIdentity.h"
 #include "host/identity/HardwareIdentity.h"
+#include "host/server/ServerContact.h"
 
 namespace Norvik::Host {
 
@@ -39,8 +41,11 @@ struct ServerOptions {
   boost::filesystem::path outbox;
   std::vector<std::string> extensions;  ///< of the files to deliver, with their dot
   std::shared_ptr<AgentIdentity> identity;
-  std::string enrolmentSecret;  ///< empty: none
-  HardwareIdentity hardware;    ///< of this machine, for its enrolment
+  std::shared_ptr<DocumentHistory> history;  ///< null: nothing is kept
+  std::string enrolmentSecret;               ///< empty: none
+  HardwareIdentity hardware;                 ///< of this machine, for its enrolment
+  /// Hears of each request. Not null.
+  std::shared_ptr<ServerContact> contact = std::make_shared<ServerContact>();
   ServerLimits limits;
   std::shared_ptr<const Clock> clock = std::make_shared<Clock>();
 

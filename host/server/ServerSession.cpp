@@ -11,6 +11,7 @@
 #include "common/identification/HostInfoProvider.h"
 #include "common/log/Logger.h"
 #include "host/server/AnswerBody.h"
+#include "host/server/Attempt.h"
 
 namespace Norvik::Host {
 
@@ -21,6 +22,7 @@ using Common::GetAgentVersion;
 constexpr char AGENTS[] = "/norvik/v1/agents/";
 constexpr long UNAUTHORIZED = 401;
 constexpr long NOT_YET = 202;
+constexpr char ENROLMENT[] = "enrolment";
 constexpr std::size_t SHORTEST_TOKEN = 16;
 constexpr std::size_t LONGEST_TOKEN = 512;
 
@@ -101,9 +103,14 @@ bool ServerSession::Enrol(HttpClient& client, boost::optional<std::chrono::secon
   retryAfter = answer.retryAfter;
   try {
     FinishEnrolment(answer, identity);
+    options_.contact->Record(ENROLMENT, {});
     return true;
   } catch (const std::exception& error) {
     if (!stopped_) {
+      const auto result = answer.status == UNAUTHORIZED
+                              ? Attempt::Result::Refused
+                              : AttemptOf(answer, [](const auto&) { return false; }).result;
+      options_.contact->Record(ENROLMENT, {result, error.what(), boost::none});
       NORVIK_WARNING(boost::format("The server %1% has not enrolled this agent: %2%") % Origin() %
                      error.what());
     }

@@ -1,7 +1,9 @@
 #include "cli/commands/CommandLine.h"
 
 #include "cli/commands/ActionArguments.h"
+#include "cli/commands/FittedTable.h"
 #include "cli/commands/NearestName.h"
+#include "cli/commands/TimeArgument.h"
 #include "common/files/TextFile.h"
 #include "common/text/Text.h"
 #include "host/HostError.h"
@@ -34,6 +36,8 @@ Json ParsedFrom(const TextList& arguments) {
           {"file", line.file.string()},
           {"pretty", line.pretty},
           {"redact", line.redact},
+          {"what", line.what},
+          {"list", line.list},
           {"action", line.action},
           {"parameters", line.parameters},
           {"helps", line.help.find("inventory") != std::string::npos}};
@@ -66,6 +70,25 @@ TEST(NearestName, IsNamedForAMisspeltOne) {
   ExpectRows(
       Rows("unknown names"), +[](const std::string& wrong, const TextList& names) {
         return UnknownName("key", wrong, names);
+      });
+}
+
+TEST(FittedTable, IsAsWideAsTheTerminal) {
+  ExpectRows(
+      Rows("fitted tables"), +[](const std::vector<TableRow>& rows, std::size_t width) {
+        return FittedTable(rows, width);
+      });
+}
+
+TEST(TimeArgument, IsADateOrAPeriodBeforeNow) {
+  const TimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+  ExpectRows(
+      Rows("times"), +[](const std::string& text) -> std::string {
+        try {
+          return TimeText(TimeOfArgument("", text, system_clock::from_time_t(1'767'225'600)));
+        } catch (const UsageError&) {
+          return {};
+        }
       });
 }
 

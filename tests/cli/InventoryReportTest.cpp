@@ -1,5 +1,6 @@
 #include "cli/commands/InventoryReport.h"
 #include "cli/commands/Rendering.h"
+#include "host/run/ResponseJson.h"
 #include "support/Test.h"
 
 namespace {
@@ -84,15 +85,13 @@ TEST(InventoryReport, NamesSectionsByTheirKeysAndSaysWhatIsOneRecord) {
 }
 
 TEST(InventoryReport, SucceedsOnlyIfEachStepWorked) {
-  const TemporaryFolder folder;
-  WriteFile(folder / "sent", "x");
   for (const auto failing : {DocumentStep::WRITE, DocumentStep::COPY, DocumentStep::COMPRESS,
                              DocumentStep::ENCRYPT, DocumentStep::MOVE}) {
     InventoryRecorder recorder([](const auto&) {});
     recorder.KindDecided(MACHINE, true);
     for (const auto kind : {DocumentStep::WRITE, DocumentStep::COPY, DocumentStep::COMPRESS,
                             DocumentStep::ENCRYPT, DocumentStep::MOVE}) {
-      recorder.DocumentStepDone(MACHINE, {kind, kind != failing, "work", folder / "sent", true});
+      recorder.DocumentStepDone(MACHINE, {kind, kind != failing, "work", "sent", true, 1});
     }
     InventoryReport report;
     static_cast<RunResult&>(report) = recorder.Result();

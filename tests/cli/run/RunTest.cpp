@@ -99,7 +99,9 @@ TEST_F(Service, AServiceServesItsUsersAndAdministratorsUntilASignalEndsIt) {
     EXPECT_TRUE(
         Eventually([&] { return CountOf("message: two\nmessage: lines\n", user->Output()) == 1; }));
   }
-  RunWell({"notify", "hardware"});
+  EXPECT_THAT(RunWell({"doctor", "user-processes"}).output, HasSubstr("2 are connected"));
+  RunWell({"doctor", "service-answers"});
+  EXPECT_THAT(RunWell({"notify", "hardware"}).output, HasSubstr("at once"));
   EXPECT_TRUE(Logs("Hardware changes successful"));
   EXPECT_EQ(Run({"notify", "weather"}).code, 2);
 

@@ -119,6 +119,7 @@ TEST_F(ManagedPreferences, TheirKeysReplaceThoseOfTheFileAsAWhole) {
     const EffectiveConfiguration made = MakeConfiguration(row[1].dump());
     const auto& values = made.values;
     EXPECT_EQ(made.toolTimeLimit, seconds(row[1].value("toolTimeLimitSeconds", 300))) << row;
+    EXPECT_EQ(made.history.days, PartOf(row[1], "history").value("days", 90u)) << row;
     const CommunicationsInfo& server = values.communications;
     std::ostringstream kob;
     kob << *values.kob;

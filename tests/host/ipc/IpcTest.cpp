@@ -17,6 +17,8 @@ const IPCMessage TRUNCATE{1, 1066, "truncateNetDrivesTable", "x"};
 const IPCMessage REQUEST{1, 1067, "requestNetworkDrives", "requestNetworkDrives"};
 const std::string JOINED = EncodeFrame(FrameKind::JOIN, "");
 
+const std::string RUN = R"({"request": "run", "code": 1071, "parameters": {}})";
+
 const std::string SELF =
     "user " + std::to_string(::geteuid()) + ", process " + std::to_string(::getpid());
 
@@ -67,8 +69,8 @@ class Ipc : public testing::Test {
         {[this](const IPCMessage& message, const IpcService::Sender&,
                 std::function<void()> handled) { inbox_.Add(message, std::move(handled)); },
          [this](IpcService::SessionId) { ++sessionStarts_; },
-         [](const std::string& request, const std::string& from) {
-           return request + " of " + from;
+         [](const std::string& request, const std::shared_ptr<IpcConnection>& from) {
+           from->Send(EncodeFrame(FrameKind::ANSWER, request + " of " + from->PeerText()));
          }});
   }
   std::unique_ptr<IpcUser> MakeUser(const ConnectionLimits& limits = LimitsOfUsersProcess()) {
@@ -305,6 +307,28 @@ TEST_F(Ipc, OneAgentServesASocketAndTheSocketOfADeadOneIsReplaced) {
   EXPECT_THROW(IpcService{folder_ / std::string(120, 'x')}, std::runtime_error);
 }
 
+TEST_F(Ipc, AnAnswerOfAnyLengthComesInBoundedFramesAfterItsEvents) {
+  const std::string large(70 << 20, 'x');  // more than the service may keep for the connection
+  std::thread sender;
+  IpcService service(Socket());
+  service.Start({{}, {}, [&](const std::string&, const std::shared_ptr<IpcConnection>& from) {
+                   sender = std::thread([&large, from] {
+                     from->SendWhole(FrameKind::EVENTS, "[1]");
+                     std::this_thread::sleep_for(milliseconds(200));
+                     from->SendWhole(FrameKind::EVENTS, "[" + std::string(2 << 20, '2') + "]");
+                     from->SendWhole(FrameKind::ANSWER, large);
+                   });
+                 }});
+  std::vector<std::size_t> events;
+  const auto note = [&](const std::string& text) { events.push_back(text.size()); };
+  // The limit is that of the first events only.
+  EXPECT_TRUE(AskAgent(Socket(), RUN, milliseconds(100), note) == large);
+  EXPECT_THAT(events, ElementsAre(3u, (2u << 20) + 2));
+  sender.join();
+  EXPECT_TRUE(Warnings().empty());
+  EXPECT_THROW(AskAgent(Socket(), std::string(1 << 20, 'x')), std::runtime_error);
+}
+
 TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
   StartService();
   fs::permissions(folder_.Path(), fs::all_all);
@@ -313,7 +337,7 @@ TEST_F(Ipc, ARequestOfAnotherUserIsRefused) {
   if (child == 0) {
     if (canChange && ::setuid(65534) != 0) ::_exit(2);
     const LocalClient client(Socket());
-    const bool sent = client.Send(EncodeFrame(FrameKind::REQUEST, "{}"));
+    const bool sent = client.Send(EncodeFrame(FrameKind::REQUEST, RUN));
     ::_exit(sent && client.Receive().empty() ? 0 : 1);
   }
   int status = 0;

@@ -19,6 +19,7 @@ class ManagementServer {
     PlainJson fault = PlainJson::object();
     std::map<std::string, std::string> answers = {{"tasks", R"({"tasks":[]})"}};
     std::string token;        ///< given to agents that enrol; empty: they keep their own
+    std::string date;         ///< the header of each answer; empty: none
     int enrolmentStatus = 0;  ///< the answer to an enrolment; 0: it enrols the agent
     std::map<std::string, std::string> agents;  ///< the authorization of each enrolled agent
     std::function<void()> onKept;               ///< called after each request that was stored
@@ -77,6 +78,7 @@ class ManagementServer {
     const std::string resource = path.substr(std::min(path.size(), agent.size() + 1));
     const std::string given = request.get_header_value("Authorization");
     std::unique_lock<std::mutex> lock(mutex_);
+    if (!state_.date.empty()) response.set_header("Date", state_.date);
     if (resource.empty()) {
       state_.enrolment = request.body;
       return Enrol(agent, given, response);

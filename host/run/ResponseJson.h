@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "common/action/ActionParameters.h"
+#include "common/action/ActionResponse.h"
+#include "host/OutputText.h"
+
+namespace Norvik::Host {
+
+/// How an action ended.
+struct ActionResult {
+  Common::ActionResponse response;
+  std::string failure;  ///< text of what the handler threw; empty if it returned
+};
+
+/// A cell of a response's table: numbers and booleans as such, everything else as text.
+OrderedJson CellToJson(const Common::ActionPropertyValue& value);
+
+// What a command and the running agent send each other. The readers throw a subclass of
+// `std::exception` for malformed JSON.
+
+/// The text of a JSON object. Row by row, since the rows of a large response as JSON values would
+/// take several times its memory.
+std::string ToJsonText(const ActionResult& result);
+/// A result that looks the same to whoever prints it: texts, times and configurations become
+/// `std::string`, whole numbers 64 bits wide.
+ActionResult ResultOf(const OrderedJson& json);
+
+OrderedJson ToJson(const Common::ActionParameters& parameters);
+/// Texts become `wxString`, whole numbers `unsigned long long`. Throws `UsageError` for other
+/// values.
+Common::ActionParameters ActionParametersOf(const OrderedJson& json);
+
+}  // namespace Norvik::Host
