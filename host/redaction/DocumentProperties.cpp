@@ -108,7 +108,7 @@ constexpr struct {
     {"system", Kind::SERIAL, "serial"},
     {"system", Kind::HEX, "uuid"},
     {"system", Kind::HARMLESS, "family manufacturer product sku version"},
-    {"unitMappings", Kind::URI, "path server"},
+    {"unitMappings", Kind::HOST, "path server"},
     {"unitMappings", Kind::PATH, "unit"},
     {"user", Kind::NAME, "description fullUserName name userName"},
     {"user", Kind::HARMLESS, "enabled locked passwordChange passwordExpire passwordRequired"},

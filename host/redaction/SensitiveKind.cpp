@@ -111,6 +111,9 @@ void AddSensitive(SensitiveKind kind, const std::string& text, Replacements& rep
       AddName(value, replacements);
       break;
     case SensitiveKind::HOST:
+      if (value.find("//") != std::string::npos) {
+        return AddSensitive(SensitiveKind::URI, value, replacements);
+      }
       // Of a network volume without a host the whole source is given.
       if (value.find(' ') == std::string::npos) AddHost(value, replacements);
       break;

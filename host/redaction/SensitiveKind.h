@@ -11,7 +11,7 @@ namespace Norvik::Host {
 enum class SensitiveKind {
   SERIAL,         ///< unless it is a text in place of a number, as "None"
   NAME,           ///< of a person or an account, and each word of it
-  HOST,           ///< name or address, also with a port or a path
+  HOST,           ///< name or address, also with a port or a path, or a URI
   SEARCH_DOMAIN,  ///< one on each line; a single label belongs to nobody
   HEX,            ///< hexadecimal digits, as of a link-layer address
   ADDRESS,        ///< IPv4 or IPv6

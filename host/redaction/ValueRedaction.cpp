@@ -68,12 +68,24 @@ std::string RedactedPlainHost(const std::string& text, const StandIns& standIns)
   return (isNumber && !isName ? number : standIns.OfHost(host)) + after;
 }
 
+std::string RedactedUri(const std::string& uri, const StandIns& standIns);
+
 /// Around it may be the blanks and the line end of a tool.
 std::string RedactedHost(const std::string& text, const StandIns& standIns) {
+  if (text.find("//") != std::string::npos) return RedactedUri(text, standIns);
   const std::string value = boost::trim_copy(text);
   const auto begin = text.find(value);
   return text.substr(0, begin) + RedactedPlainHost(value, standIns) +
          text.substr(begin + value.size());
+}
+
+/// One on each line.
+std::string RedactedDomains(const std::string& text, const StandIns& standIns) {
+  std::vector<std::string> lines = Split(text, "\n");
+  for (std::string& line : lines) {
+    if (line.find('.') != std::string::npos) line = standIns.OfText(line);
+  }
+  return boost::join(lines, "\n");
 }
 
 std::string RedactedName(const std::string& text, const StandIns& standIns) {
@@ -107,7 +119,6 @@ std::string RedactedAuthority(const std::string& authority, const StandIns& stan
 
 std::string RedactedUri(const std::string& uri, const StandIns& standIns) {
   const auto slashes = uri.find("//");
-  // A network volume may be named without them.
   if (slashes == std::string::npos) {
     const auto colon = uri.find(':');
     const std::size_t begin = colon == std::string::npos ? 0 : colon + 1;
@@ -248,7 +259,7 @@ std::string RedactedValue(SensitiveKind kind, const std::string& text,
     case Kind::HOST:
       return RedactedHost(text, standIns);
     case Kind::SEARCH_DOMAIN:
-      return text.find('.') == std::string::npos ? text : standIns.OfText(text);
+      return RedactedDomains(text, standIns);
     case Kind::HEX:
       return RedactedHex(text, standIns);
     case Kind::ADDRESS:

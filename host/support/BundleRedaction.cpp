@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <iterator>
 #include <optional>
@@ -33,6 +32,8 @@ using nlohmann::json;
 using Kind = SensitiveKind;
 
 constexpr std::size_t LEAST_SECRET = 8;
+/// Of a key in a text, as in PEM.
+constexpr std::size_t LEAST_KEY = 16;
 constexpr int MAX_DEPTH = 3;
 /// So many addresses are also searched for in other forms.
 constexpr std::size_t MAX_FORMS = 5000;
@@ -45,10 +46,6 @@ std::optional<Kind> KindOfOwnKey(const std::string& key) {
   if (std::find(std::begin(HOSTS), std::end(HOSTS), key) != std::end(HOSTS)) return Kind::HOST;
   if (key == "identifier") return Kind::HEX;
   return KindOfKey(key);
-}
-
-Kind KindOfValue(Kind kind, const std::string& text) {
-  return kind == Kind::HOST && text.find("//") != std::string::npos ? Kind::URI : kind;
 }
 
 /// Archives, binary property lists and UTF-16: nothing that is searched for values.
@@ -152,9 +149,10 @@ void BundleRedaction::AddKeys() {
     try {
       const std::string key = Common::ReadTextFile(item->path());
       bytes_.replacements.AddHex(ToHex(key, ""));
-      for (const std::string& text : {boost::trim_copy(key), ToHex(key, ""), Base64Of(key)}) {
-        AddSecret(text);
-      }
+      for (const std::string& text : {key, ToHex(key, ""), Base64Of(key)}) AddSecret(text);
+      ForEachBase64Part(key, [&](std::size_t begin, std::size_t length) {
+        if (length >= LEAST_KEY) AddSecret(key.substr(begin, length));
+      });
     } catch (const std::exception&) {
       // As above.
     }
@@ -179,7 +177,7 @@ void BundleRedaction::AddJson(const std::string& key, const OrderedJson& value) 
   } else if (value.is_string()) {
     const std::string text = value;
     const auto kind = KindOfOwnKey(key);
-    if (kind) AddSensitive(KindOfValue(*kind, text), text, bytes_.replacements);
+    if (kind) AddSensitive(*kind, text, bytes_.replacements);
     AddTexts(text);
   }
 }
@@ -202,22 +200,23 @@ std::string BundleRedaction::RedactedHomePath(const std::string& path) const {
   return RedactedPath(path, bytes_.replacements, &isPersonal);
 }
 
-/// Words with the escapes of a URI.
-std::string BundleRedaction::RedactedEscapes(const std::string& text, int depth) const {
+/// Words with the escapes of a URI are read without them.
+std::string BundleRedaction::RedactedText(const std::string& text, int depth) const {
   static constexpr std::string_view BLANKS = " \t\r\n\"'<>"sv;
   std::string result;
   std::size_t done = 0;
-  for (auto at = text.find('%'); at != std::string::npos; at = text.find('%', done)) {
+  std::size_t next = 0;
+  for (auto at = text.find('%'); at != std::string::npos; at = text.find('%', next)) {
     const std::size_t begin = std::max(done, text.find_last_of(BLANKS, at) + 1);
-    const std::size_t end = std::min(text.find_first_of(BLANKS, at), text.size());
-    const std::string plain = FromPercent(text.substr(begin, end - begin));
-    const bool isRead = plain.size() != end - begin && IsText(plain);
-    const std::string redacted = isRead ? RedactedText(plain, depth + 1) : plain;
-    result += text.substr(done, begin - done);
-    result += redacted == plain ? text.substr(begin, end - begin) : ToPercent(redacted);
-    done = end;
+    next = std::min(text.find_first_of(BLANKS, at), text.size());
+    const std::string plain = FromPercent(text.substr(begin, next - begin));
+    if (plain.size() == next - begin || !IsText(plain) || depth == MAX_DEPTH) continue;
+    const std::string redacted = RedactedText(plain, depth + 1);
+    if (redacted == plain) continue;
+    result += RedactedPlain(text.substr(done, begin - done), depth) + ToPercent(redacted);
+    done = next;
   }
-  return result + text.substr(done);
+  return result + RedactedPlain(text.substr(done), depth);
 }
 
 /// Parts in Base64 or hexadecimal digits; what is in them and cannot be read becomes unreadable.
@@ -269,9 +268,8 @@ std::string BundleRedaction::RedactedLine(const std::string& line) const {
   return result;
 }
 
-std::string BundleRedaction::RedactedText(const std::string& text, int depth) const {
-  const std::string parts =
-      depth < MAX_DEPTH ? RedactedParts(RedactedEscapes(text, depth), depth) : text;
+std::string BundleRedaction::RedactedPlain(const std::string& text, int depth) const {
+  const std::string parts = depth < MAX_DEPTH ? RedactedParts(text, depth) : text;
   std::string result;
   for (std::size_t at = 0; at < parts.size();) {
     std::size_t end = std::min(parts.find('\n', at), parts.size());
@@ -286,7 +284,7 @@ std::string BundleRedaction::RedactedText(const std::string& text, int depth) co
 
 std::string BundleRedaction::RedactedString(const std::string& key, const std::string& text) const {
   const auto kind = KindOfOwnKey(key);
-  if (kind) return RedactedValue(KindOfValue(*kind, text), text, bytes_.replacements);
+  if (kind) return RedactedValue(*kind, text, bytes_.replacements);
   if (boost::starts_with(text, "/") && text.find('\n') == std::string::npos) {
     return RedactedHomePath(text);
   }

@@ -34,7 +34,7 @@ class BundleRedaction {
   void AddTexts(const std::string& text);
   std::string RedactedString(const std::string& key, const std::string& text) const;
   OrderedJson RedactedJson(const std::string& key, const OrderedJson& value) const;
-  std::string RedactedEscapes(const std::string& text, int depth) const;
+  std::string RedactedPlain(const std::string& text, int depth) const;
   std::string RedactedParts(const std::string& text, int depth) const;
   std::string RedactedLine(const std::string& line) const;
   std::string RedactedHomePath(const std::string& path) const;

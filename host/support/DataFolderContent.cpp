@@ -143,6 +143,7 @@ void AddTables(const fs::path& folder, BundleContent& content) {
       const int count = boost::get<int>(counted.at(0).at(0));
       // The names of all files of the machine.
       if (boost::starts_with(name, "RUD2_FILE") || boost::starts_with(name, "RUD2_LAST")) {
+        if (count == 0) return;
         throw std::runtime_error(std::to_string(count) + " rows of the file inventory");
       }
       const int skipped = std::max(count - MAX_ROWS, 0);
