@@ -39,6 +39,9 @@ const std::map<std::string, const char*>& Examples() {
   norvik-agent apply full.json increment.json --output next.json   default: print it)"},
                                                               {"diff", R"(
   norvik-agent diff monday.json friday.json     an incremental document, printed)"},
+                                                              {"redact", R"(
+  norvik-agent redact previous/mac-17.jsonkob >mac.json
+  norvik-agent redact full.json increment.json --output DIR   that still belong together)"},
                                                               {"action", R"(
   norvik-agent action 1011                      list the processes
   norvik-agent action 1012 id=4711 --rehearse   what ending a process would do

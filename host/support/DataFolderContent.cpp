@@ -88,7 +88,7 @@ void AddLogs(const fs::path& folder, std::size_t limit, BundleContent& content) 
     const std::string name = (folder.filename() / file.filename()).string();
     Noting(name, content, [&] {
       std::string text = EndOf(file, limit);
-      if (!IsTextFile(file, text)) throw std::runtime_error("no text: an archive or binary");
+      if (!IsTextFile(file, text)) throw std::runtime_error("it is no text");
       content.files.push_back({name, Kind::LOG, std::move(text)});
     });
   }

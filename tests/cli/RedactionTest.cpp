@@ -69,7 +69,8 @@ TEST_F(Redaction, AFullDocumentAndItsSuccessorStayAPair) {
     Json after = before;
     for (const auto& [place, value] : row[1].items()) after[Json::json_pointer(place)] = value;
     const auto redacted = ExpectPair(before.dump(), after.dump());
-    schemas.Add("inventory", name, redacted[1]);
+    // The schema allows no section that it does not know.
+    if (!before.contains("newSection")) schemas.Add("inventory", name, redacted[1]);
     if (redacted[2] != "null") schemas.Add("incremental-inventory", name, redacted[2]);
     for (const std::string text : row[2]) EXPECT_THAT(redacted[1], Not(HasSubstr(text)));
     for (const std::string text : row[3]) EXPECT_THAT(redacted[1], HasSubstr(text));
