@@ -69,7 +69,9 @@ std::string StateText(const OrderedJson& section) {
     problems.push_back(tool["command"].get<std::string>() + ": " +
                        tool["outcome"].get<std::string>());
   }
-  if (problems.empty() && isEmpty) return Plain(section["emptyOrOdd"].get<std::string>());
+  if (problems.empty() && isEmpty) {
+    return "all there, but empty; in general: " + Plain(section["emptyOrOdd"].get<std::string>());
+  }
   if (problems.empty()) return "all there";
   return Common::EscapeControls(boost::algorithm::join(problems, "; "));
 }

@@ -61,9 +61,10 @@ Finding FindDatabase(const Examined& examined) {
     case State::DAMAGED:
       return {Outcome::ERROR, "it is damaged: " + database.problem};
     case State::UNFINISHED:
-      return {Outcome::UNKNOWN, "it is too large to be checked whole in " +
-                                    std::to_string(Examined::LIMIT.count()) +
-                                    " ms; nothing was wrong so far"};
+      return {Outcome::UNKNOWN,
+              "it is too large to be checked whole in " + std::to_string(Examined::LIMIT.count()) +
+                  " ms; nothing was wrong so far",
+              "run norvik-agent status, which checks it whole"};
     case State::SOUND:
       break;
   }

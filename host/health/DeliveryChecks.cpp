@@ -73,7 +73,7 @@ Finding FindOutbox(const Examined& examined) {
               ", the oldest for " + AgeText(examined, waiting.oldest)};
 }
 
-/// Nothing notes a delivery, but a file leaves the outbox only when the server has it.
+/// The last document leaves the outbox only when the server has it, also where no history is kept.
 Finding FindLastDelivery(const Examined& examined) {
   if (!examined.Configuration().value) {
     return {Outcome::UNKNOWN, "the configuration cannot be used", "see the check configuration"};

@@ -158,16 +158,19 @@ void DocumentHistory::Follow(const fs::path& file, const std::function<void()>& 
   });
 }
 
-void DocumentHistory::Delivered(const fs::path& file) {
+fs::path DocumentHistory::KeptAs(const fs::path& file) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const fs::path kept = Find(file);
-  if (kept.empty()) return;
-  auto name = *KeptName::Parse(kept.filename().string());
-  name.delivered = true;
-  Try(file, [&] { fs::rename(kept, folder_ / name.Text()); });
+  return Find(file);
 }
 
-/// The document that a file of the outbox is; empty if it is not kept.
+void DocumentHistory::Delivered(const fs::path& kept) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (kept.empty() || !fs::exists(kept)) return;
+  auto name = *KeptName::Parse(kept.filename().string());
+  name.delivered = true;
+  Try(kept, [&] { fs::rename(kept, folder_ / name.Text()); });
+}
+
 fs::path DocumentHistory::Find(const fs::path& file) const {
   const fs::path found = LinkIn(folder_, file);
   return KeptName::Parse(found.filename().string()) ? found : fs::path();

@@ -51,8 +51,11 @@ class DocumentHistory {
   /// Keeps the new content of a file of the outbox in place of the old one.
   /// @param replace replaces the file by one with the new content; may throw
   void Follow(const boost::filesystem::path& file, const std::function<void()>& replace);
-  /// Marks a file of the outbox, which still exists, as delivered.
-  void Delivered(const boost::filesystem::path& file);
+  /// The document of the history that a file of the outbox is; empty if it is not kept.
+  boost::filesystem::path KeptAs(const boost::filesystem::path& file);
+  /// Marks a document as delivered. Its file may have left the outbox meanwhile.
+  /// @param kept from `KeptAs`; may be empty
+  void Delivered(const boost::filesystem::path& kept);
 
  private:
   boost::filesystem::path Prepare(const boost::filesystem::path& file,

@@ -21,6 +21,13 @@ bool Lasted(CURL* handle, CURLINFO phase) {
   return curl_easy_getinfo(handle, phase, &microseconds) == CURLE_OK && microseconds > 0;
 }
 
+/// Some releases count the TLS handshake into the time of the connection.
+bool IsConnected(CURL* handle) {
+  long port = 0;
+  curl_easy_getinfo(handle, CURLINFO_LOCAL_PORT, &port);
+  return port > 0 || Lasted(handle, CURLINFO_CONNECT_TIME_T);
+}
+
 ConnectionFacts::Stage StageOf(CURL* handle, CURLcode code) {
   long status = 0;
   curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
@@ -30,7 +37,7 @@ ConnectionFacts::Stage StageOf(CURL* handle, CURLcode code) {
     return ConnectionFacts::CONNECTED;
   }
   if (Lasted(handle, CURLINFO_APPCONNECT_TIME_T)) return ConnectionFacts::TRUSTED;
-  if (Lasted(handle, CURLINFO_CONNECT_TIME_T)) {
+  if (IsConnected(handle)) {
     const char* scheme = nullptr;
     curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
     const bool isPlain = scheme && ::strcasecmp(scheme, "http") == 0;

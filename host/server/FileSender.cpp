@@ -64,6 +64,8 @@ Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
     if (!Common::IsSealedFile(file.path))
       return {Attempt::Result::Refused, NOT_SEALED, boost::none};
     SealForServer(file.path);
+    // A new full document removes the file from the outbox, even while it is sent.
+    const fs::path kept = history_ ? history_->KeptAs(file.path) : fs::path();
     const auto opened = Platform::OpenRegularFile(file.path.string());
     const FileDigest digest = DigestOf(opened, stopped_);
 
@@ -80,7 +82,7 @@ Attempt FileSender::Send(HttpClient& client, const OutboxFile& file) {
              body.get<std::uint64_t>("size") == digest.size;
     });
     if (attempt.result == Attempt::Result::Acknowledged) {
-      if (history_) history_->Delivered(file.path);
+      if (history_) history_->Delivered(kept);
       fs::remove(file.path);
     }
     return attempt;

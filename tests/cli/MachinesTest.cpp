@@ -67,6 +67,8 @@ std::string ShapeOf(std::string text) {
     if (std::isdigit(static_cast<unsigned char>(c))) c = '0';
     if (std::islower(static_cast<unsigned char>(c))) c = 'a';
     if (std::isupper(static_cast<unsigned char>(c))) c = 'A';
+    // Letters of other scripts count by their number of bytes only.
+    if (static_cast<unsigned char>(c) >= 0x80) c = 'u';
   }
   return text;
 }

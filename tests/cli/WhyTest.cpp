@@ -49,8 +49,8 @@ TEST(Why, NamesWhatAPropertyAsksAndTheNearestKey) {
       {"", "unknown section ; known are agentConfiguration, "},
       {"bios.", "unknown key bios.; "}};
   for (const auto& [key, text] : wrong) {
-    EXPECT_THAT([&, k = key] { ExplainKey(k, true); },
-                ThrowsMessage<Host::UsageError>(StartsWith(text)));
+    const std::string name = key;
+    EXPECT_THAT(MessageOf<Host::UsageError>([&] { ExplainKey(name, true); }), StartsWith(text));
   }
 }
 

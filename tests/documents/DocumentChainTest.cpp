@@ -35,6 +35,7 @@ Tests::TextList LinesOf(const DocumentChain::Step& step) {
 /// into such a document, and the lines that are told, or a part of the reason why there are none.
 TEST(DocumentChain, TellsWhatChangedFromOneDocumentToTheNext) {
   const tests::ScopedLocale utf8("C.UTF-8");
+  const Tests::LogCapture log;
   Cases full = Cases::parse(tests::JsonText(tests::FilledInventory()));
   const Cases changes = {
       {"create", nullptr}, {"delete", nullptr}, {"update", nullptr}, {"device", full["device"]}};

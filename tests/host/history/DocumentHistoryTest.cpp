@@ -52,7 +52,11 @@ class History : public StepsTest {
     });
     Verb("pass days", [this](long days) { clock_->Move(seconds(86400 * days)); });
     Verb("set back days", [this](long days) { clock_->SetTimeOfDay(START - 86400 * days); });
-    Verb("deliver", [this] { history_->Delivered(folder_ / "outbox/m.jsonkob"); });
+    Verb("deliver", [this] {
+      const fs::path kept = history_->KeptAs(folder_ / "outbox/m.jsonkob");
+      fs::remove(folder_ / "outbox/m.jsonkob");
+      history_->Delivered(kept);
+    });
     Verb("seal again", [this](const std::string& content) {
       const fs::path file = folder_ / "outbox/m.jsonkob";
       history_->Follow(file, [&] {
