@@ -60,7 +60,7 @@ OrderedJson Health(const CommandLine& line) {
 template <class Make>
 void Add(const std::string& name, BundleContent& content, Make make) {
   try {
-    content.files.push_back({name, Kind::JSON, JsonLine(make())});
+    content.files.push_back({name, Kind::JSON, JsonLine(make()), 0});
   } catch (const std::exception& error) {
     content.leftOut.push_back({name, ReasonOf(error)});
   }

@@ -17,6 +17,7 @@ struct BundleFile {
   std::string name;  ///< with "/" between folders
   Kind kind;
   std::string content;
+  std::size_t cut = 0;  ///< bytes of a log that are cut off before its content
 };
 
 /// Something that is not in the archive, or not all of it.

@@ -59,8 +59,8 @@ std::vector<fs::path> FilesOf(const fs::path& folder, BundleContent& content) {
   return paths;
 }
 
-/// The last whole lines of a file.
-std::string EndOf(const fs::path& file, std::size_t limit) {
+/// The last whole lines of a log.
+BundleFile EndOf(const fs::path& file, const std::string& name, std::size_t limit) {
   fs::ifstream stream(file, std::ios::binary | std::ios::ate);
   if (!stream) throw std::runtime_error("it cannot be read");
   const auto size = static_cast<std::size_t>(stream.tellg());
@@ -70,7 +70,8 @@ std::string EndOf(const fs::path& file, std::size_t limit) {
   stream.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(stream.gcount()));
   if (begin > 0) text.erase(0, text.find('\n') + 1);
-  return text;
+  const std::size_t cut = begin > 0 ? size - std::min(size, text.size()) : 0;
+  return {name, Kind::LOG, std::move(text), cut};
 }
 
 /// The agent's own log may hold any byte; of other files only texts are taken.
@@ -87,9 +88,9 @@ void AddLogs(const fs::path& folder, std::size_t limit, BundleContent& content) 
   for (const fs::path& file : FilesOf(folder, content)) {
     const std::string name = (folder.filename() / file.filename()).string();
     Noting(name, content, [&] {
-      std::string text = EndOf(file, limit);
-      if (!IsTextFile(file, text)) throw std::runtime_error("it is no text");
-      content.files.push_back({name, Kind::LOG, std::move(text)});
+      BundleFile log = EndOf(file, name, limit);
+      if (!IsTextFile(file, log.content)) throw std::runtime_error("it is no text");
+      content.files.push_back(std::move(log));
     });
   }
 }
@@ -99,7 +100,7 @@ void AddPrevious(const fs::path& folder, BundleContent& content) {
     const std::string name = (folder.filename() / file.filename()).string();
     Noting(name, content, [&] {
       if (Common::IsSealedFile(file)) throw std::runtime_error("it is sealed");
-      content.files.push_back({name, Kind::DOCUMENT, Common::ReadTextFile(file, MAX_DOCUMENT)});
+      content.files.push_back({name, Kind::DOCUMENT, Common::ReadTextFile(file, MAX_DOCUMENT), 0});
     });
   }
 }
@@ -152,7 +153,7 @@ void AddTables(const fs::path& folder, BundleContent& content) {
       }
       const auto table = database.GetTable(name, skipped, MAX_ROWS, 0);
       const OrderedJson rows = table ? JsonOf(*table) : OrderedJson::array();
-      content.files.push_back({file, Kind::JSON, JsonLine(rows)});
+      content.files.push_back({file, Kind::JSON, JsonLine(rows), 0});
     });
   }
 }
@@ -163,7 +164,7 @@ void AddDataFolder(const fs::path& folder, std::size_t limit, BundleContent& con
   Noting(CONFIGURATION_FILE, content, [&] {
     const fs::path file = folder / CONFIGURATION_FILE;
     if (!fs::exists(file)) return;
-    content.files.push_back({CONFIGURATION_FILE, Kind::JSON, Common::ReadTextFile(file)});
+    content.files.push_back({CONFIGURATION_FILE, Kind::JSON, Common::ReadTextFile(file), 0});
   });
   Noting("database", content, [&] { AddTables(folder, content); });
   AddPrevious(folder / "previous", content);

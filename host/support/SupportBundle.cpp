@@ -23,11 +23,13 @@ constexpr std::size_t MAX_NOTES = 200;
 
 /// Cuts the oldest lines of a log.
 void CutLog(BundleFile& file, std::size_t limit, std::vector<BundleNote>& leftOut) {
-  if (file.content.size() <= limit) return;
   const std::size_t before = file.content.size();
-  const auto lineEnd = file.content.find('\n', before - limit);
-  file.content.erase(0, lineEnd == std::string::npos ? before : lineEnd + 1);
-  leftOut.push_back({file.name, "the oldest " + SizeText(before - file.content.size())});
+  if (before > limit) {
+    const auto lineEnd = file.content.find('\n', before - limit);
+    file.content.erase(0, lineEnd == std::string::npos ? before : lineEnd + 1);
+    file.cut += before - file.content.size();
+  }
+  if (file.cut > 0) leftOut.push_back({file.name, "the oldest " + SizeText(file.cut)});
 }
 
 /// Everything else comes before the logs, which come newest first.
