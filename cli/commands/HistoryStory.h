@@ -22,7 +22,7 @@ class HistoryStory {
       : section_(std::move(section)), since_(since) {}
 
   /// Reads the documents with the keys that `ReadDocument` finds. A document that does not open, or
-  /// is none, breaks the chain of its kind.
+  /// is damaged, breaks the chain of its kind.
   void Tell(const std::vector<Host::KeptDocument>& documents, const CommandLine& line);
 
   /// For each document a line for each change of a property, and for each record that came or went.

@@ -32,7 +32,7 @@ Tests::TextList LinesOf(const DocumentChain::Step& step) {
 }
 
 /// The cells of a row: "full", "changes", "total files", "file changes" or "missing", what is put
-/// into such a document, and the lines that are told, or a part of the reason why there are none.
+/// into such a document, and the lines that it gives, or a part of the reason why it gives no line.
 TEST(DocumentChain, TellsWhatChangedFromOneDocumentToTheNext) {
   const tests::ScopedLocale utf8("C.UTF-8");
   const Tests::LogCapture log;
