@@ -16,8 +16,8 @@ class RedactedDocuments {
   /// @param standIns must outlive this
   RedactedDocuments(std::vector<Documents::NamedText> documents, const Host::StandIns& standIns);
 
-  /// One document after the other, in their order; each is returned once. Throws `DocumentError` for
-  /// a file inventory that is no such document.
+  /// One document after the other, in their order; each is returned once. Throws `DocumentError`
+  /// for a file inventory that is no such document.
   std::string Next();
   /// A text with the values of the documents, as the name of a file.
   std::string Redacted(const std::string& text) const;
