@@ -23,23 +23,27 @@ namespace fs = boost::filesystem;
 
 constexpr std::size_t LEAST_SECRET = 16;
 
+std::string MakeSecretIn(const fs::path& file) {
+  CheckOutput("--secret-file", file);
+  const std::string secret = StandIns::NewSecret();
+  std::string digits(secret.size() * 2 + 1, '\0');
+  ::sodium_bin2hex(digits.data(), digits.size(),
+                   reinterpret_cast<const unsigned char*>(secret.data()), secret.size());
+  digits.back() = '\n';
+  Common::WriteTextFile(file, digits);
+  return digits;
+}
+
 /// The secret in a file, which is created if it is missing.
 std::string SecretIn(const fs::path& file) {
   if (file.empty()) return StandIns::NewSecret();
-  if (!fs::exists(file)) {
-    CheckOutput("--secret-file", file);
-    const std::string secret = StandIns::NewSecret();
-    std::string digits(secret.size() * 2 + 1, '\0');
-    ::sodium_bin2hex(digits.data(), digits.size(),
-                     reinterpret_cast<const unsigned char*>(secret.data()), secret.size());
-    digits.back() = '\n';
-    Common::WriteTextFile(file, digits);
-    return digits;
-  }
+  if (!fs::exists(file)) return MakeSecretIn(file);
   std::string secret = Common::ReadTextFile(file);
-  if (secret.size() >= LEAST_SECRET) return secret;
-  throw UsageError(file.string() + " is no secret: it has less than " +
-                   std::to_string(LEAST_SECRET) + " bytes");
+  if (secret.size() < LEAST_SECRET) {
+    throw UsageError(file.string() + " is no secret: it has less than " +
+                     std::to_string(LEAST_SECRET) + " bytes");
+  }
+  return secret;
 }
 
 /// Where each document goes; empty for standard output.

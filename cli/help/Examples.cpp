@@ -58,6 +58,10 @@ constexpr Example EXAMPLES[] = {
     {"configure",
      "  norvik-agent configure --check FILE           check it, store nothing\n"
      "  norvik-agent configure FILE                   store and apply it\n"},
+    {"doctor",
+     "  norvik-agent doctor                           all checks\n"
+     "  norvik-agent doctor server-trust              one of them\n"
+     "  norvik-agent doctor --bundle support.zip      an archive for support\n"},
     {"status", "  norvik-agent status --json                    for programs\n"},
     {"record",
      "  norvik-agent record --redact mac-17           a recording for --machine, without personal "
