@@ -34,16 +34,19 @@ std::string MakeSecretIn(const fs::path& file) {
   return digits;
 }
 
-/// The secret in a file, which is created if it is missing.
-std::string SecretIn(const fs::path& file) {
-  if (file.empty()) return StandIns::NewSecret();
-  if (!fs::exists(file)) return MakeSecretIn(file);
-  std::string secret = Common::ReadTextFile(file);
+std::string ReadSecretIn(const fs::path& file) {
+  const std::string secret = Common::ReadTextFile(file);
   if (secret.size() < LEAST_SECRET) {
     throw UsageError(file.string() + " is no secret: it has less than " +
                      std::to_string(LEAST_SECRET) + " bytes");
   }
   return secret;
+}
+
+/// The secret in a file, which is created if it is missing; a new one without a file.
+std::string SecretIn(const fs::path& file) {
+  if (file.empty()) return StandIns::NewSecret();
+  return fs::exists(file) ? ReadSecretIn(file) : MakeSecretIn(file);
 }
 
 /// Where each document goes; empty for standard output.
