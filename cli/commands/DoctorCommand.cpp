@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "cli/commands/Commands.h"
+#include "cli/commands/HealthOptionsOf.h"
 #include "cli/commands/NearestName.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/SupportBundle.h"
@@ -92,13 +93,7 @@ int RunDoctor(const CommandLine& line, std::ostream& output, std::ostream& error
   }
   const std::vector<HealthCheck> checks = Chosen(line.what);
   const LoggerScope silence(std::make_shared<ListeningLogger>(nullptr, LogListener()));
-  HealthOptions options;
-  options.dataFolder = line.agent.dataFolder;
-  options.dataFolderGiven = line.dataFolderGiven;
-  options.configurationFile = line.agent.configurationFile;
-  options.moduleFile = line.agent.moduleFile;
-  options.socket = line.socket;
-  const HealthReport report = ExamineHealth(options, checks);
+  const HealthReport report = ExamineHealth(HealthOptionsOf(line), checks);
   if (line.json) {
     output << JsonLine(ToJson(report));
   } else {

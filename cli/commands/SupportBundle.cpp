@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "cli/commands/Commands.h"
+#include "cli/commands/HealthOptionsOf.h"
 #include "cli/commands/Rendering.h"
 #include "cli/commands/StatusReport.h"
 #include "common/files/Paths.h"
@@ -48,13 +49,7 @@ OrderedJson Health(const CommandLine& line) {
                  return std::find(std::begin(NET_CHECKS), std::end(NET_CHECKS), check.name) ==
                         std::end(NET_CHECKS);
                });
-  HealthOptions options;
-  options.dataFolder = line.agent.dataFolder;
-  options.dataFolderGiven = line.dataFolderGiven;
-  options.configurationFile = line.agent.configurationFile;
-  options.moduleFile = line.agent.moduleFile;
-  options.socket = line.socket;
-  return ToJson(ExamineHealth(options, checks));
+  return ToJson(ExamineHealth(HealthOptionsOf(line), checks));
 }
 
 template <class Make>

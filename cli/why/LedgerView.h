@@ -11,7 +11,7 @@ namespace Norvik::Cli {
 /// The runs in the ledger of a data folder, the newest first.
 struct Ledger {
   std::vector<OrderedJson> runs;
-  std::string problem;  ///< why there are none; empty if there are some
+  std::string problem;  ///< why no run could be read; empty otherwise
 };
 
 /// Opens the folder's database to read, and closes it. Changes and throws nothing.

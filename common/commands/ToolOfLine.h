@@ -14,7 +14,7 @@ NORVIK_COMMON_API std::string QuestionOfLine(const std::string& line);
 /// The first word of the question: "diskutil".
 NORVIK_COMMON_API std::string ToolOfLine(const std::string& line);
 
-/// The path of a program that PATH finds; empty if there is none that this process may run.
+/// The path of a program that PATH finds; empty if it finds no program that this process may run.
 /// @param name without "/"
 NORVIK_COMMON_API std::string FindProgram(const std::string& name);
 

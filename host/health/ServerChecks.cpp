@@ -19,7 +19,7 @@ constexpr int FEW_DAYS = 14;
 constexpr std::chrono::seconds NOTED_SKEW(60);
 constexpr std::chrono::seconds GRAVE_SKEW(3600);
 
-/// The finding of a check that needs the server, if there is none or a request did not come so far.
+/// The finding of a check that needs the server, without a server, or if the request failed before.
 boost::optional<Finding> NotReached(const Examined& examined, Stage wanted) {
   const ServerAnswer& server = examined.Server();
   if (!server.origin)

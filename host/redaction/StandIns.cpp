@@ -32,7 +32,7 @@ constexpr struct {
     {0x3041, 0x30FA}, {0x4E00, 0x9FFF}, {0xAC00, 0xD7A3}, {0x1F300, 0x1FAFF}, {0x20000, 0x2FFFF},
 };
 
-/// A character of UTF-8 in a text; of length 0 if there is none.
+/// A character of UTF-8 in a text; of length 0 without one.
 struct Character {
   std::uint32_t code = 0;
   std::size_t length = 0;
