@@ -15,7 +15,7 @@ namespace {
 using Stage = ConnectionFacts::Stage;
 using std::chrono::duration_cast;
 
-constexpr int FEW_DAYS = 14;
+constexpr long FEW_DAYS = 14;
 constexpr std::chrono::seconds NOTED_SKEW(60);
 constexpr std::chrono::seconds GRAVE_SKEW(3600);
 

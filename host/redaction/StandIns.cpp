@@ -122,7 +122,7 @@ std::string StandIns::Permuted(const std::string& text, Alphabet alphabet,
     digits.push_back({character.code - first, count});
   };
   const std::uint32_t letters = alphabet == Alphabet::TEXT ? 26 : 6;
-  const std::uint32_t zero = alphabet == Alphabet::HEX ? '1' : '0';
+  const std::uint32_t zero = alphabet == Alphabet::HEX ? U'1' : U'0';
   for (std::size_t at = 0; at < text.size();) {
     const Character character = CharacterAt(text, at);
     const std::uint32_t code = character.code;
@@ -236,7 +236,7 @@ std::string StandIns::OfNumber(const std::string& number, unsigned int most) con
   std::string whole = number.substr(begin, end - begin);
   if (whole.empty() || whole.size() > 9) return number;
   std::uint32_t least = 1;
-  while (least * 10 <= std::stoul(whole)) least *= 10;
+  while (std::uint64_t{least} * 10 <= std::stoul(whole)) least *= 10;
   const std::uint32_t last = std::min(most, least * 10);
   const auto value = static_cast<std::uint32_t>(std::stoul(whole));
   if (value != 0 && value < last && last - least > 1) {
