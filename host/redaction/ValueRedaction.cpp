@@ -36,7 +36,7 @@ std::vector<std::string> Split(const std::string& text, const char* separators) 
 /// What firmware has in place of a number.
 bool IsNoSerial(const std::string& value) {
   const std::string lower = boost::to_lower_copy(value, std::locale::classic());
-  return value.find_first_not_of("0") == std::string::npos || value == "2147483647" ||
+  return value.find_first_not_of('0') == std::string::npos || value == "2147483647" ||
          IsOneOf(lower, {"none", "unknown", "n/a", "not specified", "not available",
                          "default string", "to be filled by o.e.m.", "system serial number",
                          "chassis serial number", "no asset tag", "no asset information"});
@@ -53,7 +53,7 @@ std::string RedactedHex(const std::string& text, const StandIns& standIns) {
 
 /// A name or an address, perhaps with a port or a path after it.
 std::string RedactedPlainHost(const std::string& text, const StandIns& standIns) {
-  const std::string address = standIns.OfAddress(text);
+  std::string address = standIns.OfAddress(text);
   if (address != text || std::count(text.begin(), text.end(), ':') > 1) return address;
   const auto end = std::min(text.find_first_of(":/"), text.size());
   const std::string host = text.substr(0, end);
@@ -237,14 +237,14 @@ std::string RedactedPath(const std::string& path, const Replacements& replacemen
     } else if (IsOneOf(before, {"Volumes", "media", "mnt"}) && !isBelow) {
       part = RedactedValue(Kind::LABEL, name, replacements);
       isBelow = part != name;
-    } else if (isBelow && isPersonal) {
+    } else if (isBelow && isPersonal != nullptr) {
       if (!IsUsualFolder(name)) part = RedactedFileName(name, standIns);
     } else {
       part = RedactedWords(name, replacements);
     }
     before = name;
   }
-  if (isPersonal) *isPersonal = isBelow;
+  if (isPersonal != nullptr) *isPersonal = isBelow;
   return boost::join(parts, "/");
 }
 
