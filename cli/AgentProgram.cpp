@@ -36,7 +36,8 @@ const std::map<std::string, Command>& AllCommands() {
       {"notify", RunNotify},       {"message", RunMessage},
       {"record", RunRecord},       {"why", RunWhy},
       {"show", RunShow},           {"history", RunHistory},
-      {"doctor", RunDoctor},       {"redact", RunRedact}};
+      {"doctor", RunDoctor},       {"redact", RunRedact},
+      {"keys", RunKeys}};
   return commands;
 }
 

@@ -189,6 +189,14 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
 
   AddRedactCommand(program, texts);
 
+  auto* keys = program.add_subcommand("keys", "make, show or rotate the keys of sealed documents");
+  keys->add_option("WHAT", line.what, "make, show or rotate")->required()->check(NotEmpty);
+  keys->add_option("PATHS", texts.files,
+                   "the server's folder; for show: folders, key files, sealed files; default: the "
+                   "keys of the data folder")
+      ->check(NotEmpty);
+  AddKeysOption(*keys, texts);
+
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();
   action->add_option("PARAMETERS", line.parameters,

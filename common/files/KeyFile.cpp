@@ -26,13 +26,6 @@ struct KeyText {
   char text[128] = {};
 };
 
-void WriteKey(const Platform::ReplacementFile& file, const KeyBytes& key) {
-  KeyText line;
-  sodium_bin2hex(line.text, sizeof(line.text), key.data(), key.size());
-  line.text[DIGITS] = '\n';
-  Platform::WriteAll(file.Descriptor(), line.text, DIGITS + 1);
-}
-
 }  // namespace
 
 PrivateKey::~PrivateKey() { sodium_memzero(bytes.data(), bytes.size()); }
@@ -79,15 +72,22 @@ void ReadKeyFile(const fs::path& file, KeyBytes& key) {
   }
 }
 
+void WriteKey(const Platform::FileDescriptor& file, const KeyBytes& key) {
+  KeyText line;
+  sodium_bin2hex(line.text, sizeof(line.text), key.data(), key.size());
+  line.text[DIGITS] = '\n';
+  Platform::WriteAll(file, line.text, DIGITS + 1);
+}
+
 void WriteKeyFile(const fs::path& file, const KeyBytes& key) {
   Platform::ReplacementFile replacement(file.string());
-  WriteKey(replacement, key);
+  WriteKey(replacement.Descriptor(), key);
   replacement.Commit();
 }
 
 bool WriteNewKeyFile(const fs::path& file, const KeyBytes& key) {
   Platform::ReplacementFile replacement(file.string());
-  WriteKey(replacement, key);
+  WriteKey(replacement.Descriptor(), key);
   return replacement.CommitIfAbsent();
 }
 

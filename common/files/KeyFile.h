@@ -6,6 +6,10 @@
 
 #include "common/Api.h"
 
+namespace Norvik::Platform {
+class FileDescriptor;
+}
+
 namespace Norvik::Common {
 
 using KeyBytes = std::array<unsigned char, 32>;
@@ -39,6 +43,8 @@ NORVIK_COMMON_API std::string FingerprintOf(const KeyIdentifier& identifier);
 
 /// Reads a file of one line of 64 hexadecimal digits. Links are not followed.
 NORVIK_COMMON_API void ReadKeyFile(const boost::filesystem::path& file, KeyBytes& key);
+/// Writes the line of a key file.
+NORVIK_COMMON_API void WriteKey(const Platform::FileDescriptor& file, const KeyBytes& key);
 /// Replaces the file, mode 0600, whole or not at all.
 NORVIK_COMMON_API void WriteKeyFile(const boost::filesystem::path& file, const KeyBytes& key);
 /// The same if there is no such file yet. Otherwise leaves it and returns false.

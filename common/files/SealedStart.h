@@ -7,10 +7,6 @@
 #include "common/Api.h"
 #include "common/files/KeyFile.h"
 
-namespace Norvik::Platform {
-class FileDescriptor;
-}
-
 namespace Norvik::Common {
 
 /// A file is not sealed, was cut or altered, has an unknown version, or was sealed to another key.
