@@ -29,10 +29,11 @@ class Gap(Exception):
 # if the text has the escape of its number. So each is written as it was read.
 
 def parse(text):
-    def keep(found):
-        return chr(0xD800 + int(found[1], 16)) if found[1] else found[0]
+    characters = re.sub(r"\\(?:u00([89a-f][0-9a-f])|.)",
+                        lambda found: chr(0xD800 + int(found[1], 16)) if found[1] else found[0],
+                        text.decode("utf-8", "surrogateescape"))
     try:
-        return json.loads(re.sub(r"\\(?:u00([89a-f][0-9a-f])|.)", keep, text.decode("utf-8", "surrogateescape")))
+        return json.loads(characters)
     except (ValueError, RecursionError) as error:
         raise NotUsable(f"no document: {error}") from error
 

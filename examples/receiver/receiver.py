@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""A small management server: docs/server-protocol.md. With --task or --approve it changes the database of a
-server that runs, and ends."""
+"""A small management server: docs/server-protocol.md. --task and --approve change the database of one that runs."""
 import argparse
 import collections
 import hashlib
@@ -30,16 +29,10 @@ class Handler(http.server.BaseHTTPRequestHandler):
     timeout = 60
 
     def do_PUT(self):
-        self.answer({None: self.enrol, "files": self.take_file})
-
-    def do_POST(self):
-        self.answer({"messages": self.messages, "tasks": self.tasks, "statuses": self.statuses, "answers": self.answers})
-
-    def answer(self, handlers):
         length = self.headers.get("Content-Length", "")
         self.left = int(length) if length.isdecimal() else 0
         try:
-            status, body = self.dispatch(handlers)
+            status, body = self.dispatch()
         except Refusal as refusal:
             status, body = refusal.args[0], {"error": refusal.args[1]}
         except (KeyError, IndexError, TypeError, AttributeError, ValueError, RecursionError) as error:
@@ -56,11 +49,16 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(text)
 
-    def dispatch(self, handlers):
-        found = RESOURCE.fullmatch(self.path)
-        if not found or found[2] not in handlers or bool(found[3]) != (found[2] == "files"):
+    do_POST = do_PUT
+
+    def dispatch(self):
+        found = RESOURCE.fullmatch(self.path) or [None] * 4
+        self.agent, resource, self.sha256 = found[1], found[2], found[3]
+        handle = {("PUT", None): self.enrol, ("POST", "messages"): self.message, ("POST", "tasks"): self.tasks,
+                  ("POST", "statuses"): self.reports, ("POST", "answers"): self.reports,
+                  ("PUT", "files"): self.file}.get((self.command, resource))
+        if not self.agent or not handle or bool(self.sha256) != (resource == "files"):
             raise Refusal(404, "no such resource")
-        self.agent, resource, self.sha256 = found.groups()
         scheme, _, self.token = self.headers.get("Authorization", "").partition(" ")
         if scheme != "Bearer" or not re.fullmatch("[!-~]{16,512}", self.token):
             raise Refusal(401, "no token")
@@ -68,7 +66,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             raise Refusal(401, "not enrolled")
         if self.left > LARGEST.get(resource, 1 << 20):
             raise Refusal(413, "too large")
-        return handlers[resource](*[] if resource == "files" else [json.loads(b"".join(self.body()))])
+        return handle() if self.sha256 else handle(json.loads(b"".join(self.body())))
 
     def body(self):
         while self.left:
@@ -84,21 +82,19 @@ class Handler(http.server.BaseHTTPRequestHandler):
         status, token = self.server.store.enrol(self.agent, self.token, json.dumps(facts), is_approved)
         return status, {"identifier": self.agent, "token": token} if token else {"error": "not enrolled"}
 
-    def messages(self, body):
+    def message(self, body):
         return 200, {"result": 0 if (body["code"], body["subcode"]) == (1003, 1) else 1, "message": "{}"}
 
     def tasks(self, body):
         return 200, {"tasks": self.server.store.tasks(self.agent) if body["product"] == 1 else []}
 
-    def statuses(self, body):
-        self.server.store.keep_reports(self.agent, body["statuses"])
-        return 200, {"acknowledged": body["statuses"][-1]["id"] if body["statuses"] else ""}
+    def reports(self, body):
+        """States come in a list, an answer comes alone."""
+        reports = body.get("statuses", [body])
+        self.server.store.keep_reports(self.agent, reports)
+        return 200, {"acknowledged": reports[-1]["id"] if reports else ""}
 
-    def answers(self, answer):
-        self.server.store.keep_reports(self.agent, [answer])
-        return 200, {"acknowledged": answer["id"]}
-
-    def take_file(self):
+    def file(self):
         name, size, digest = urllib.parse.unquote(self.headers["Norvik-File-Name"]), self.left, hashlib.sha256()
         received = tempfile.NamedTemporaryFile(dir=self.server.store.files, delete=False)
         try:
@@ -142,15 +138,14 @@ def serve(options):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", help="of the database and the files")
-    for name, text in (("--certificate", "of this server, PEM"), ("--certificate-key", "its private key, PEM"),
-                       ("--keys", "folder with server.key, and keys before it"),
-                       ("--secret", "lets in agents that have it as enrolment.secret"),
-                       ("--approve", "lets this agent in"), ("--task", "gives this agent a task")):
-        parser.add_argument(name, help=text)
-    parser.add_argument("--port", type=int, default=8443)
-    parser.add_argument("--code", type=int, help="of the task")
-    parser.add_argument("--period", type=int, default=0, help="of the task, seconds; 0: once")
     parser.add_argument("parameters", nargs="*", metavar="NAME=VALUE", type=lambda text: text.split("=", 1))
+    for name, kind, text in (
+            ("--certificate", str, "of this server, PEM"), ("--certificate-key", str, "its private key, PEM"),
+            ("--keys", str, "folder with server.key, and keys before it"), ("--port", int, "8443 by default"),
+            ("--secret", str, "lets in agents that have it as enrolment.secret"),
+            ("--approve", str, "lets this agent in"), ("--task", str, "gives this agent a task, with:"),
+            ("--code", int, "its code"), ("--period", int, "its period in seconds; 0: once")):
+        parser.add_argument(name, type=kind, default={"--port": 8443, "--period": 0}.get(name), help=text)
     options = parser.parse_args()
     if options.task:
         Store(options.folder).add_task(options.task, options.code, options.parameters, options.period)
