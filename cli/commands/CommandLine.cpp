@@ -98,7 +98,9 @@ struct Argument {
 };
 
 void AddKeysOption(CLI::App& command, Texts& texts) {
-  command.add_option("--keys", texts.keys, "the folder or file with the key that opens sealed documents")
+  command
+      .add_option("--keys", texts.keys,
+                  "the folder or file with the key that opens sealed documents")
       ->check(NotEmpty)
       ->type_name("PATH");
 }

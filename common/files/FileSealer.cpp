@@ -110,8 +110,8 @@ class ChunkWriter {
 
   void Write(const unsigned char* piece, std::size_t size, unsigned char tag) {
     crypto_secretstream_xchacha20poly1305_push(&stream_.state, sealed_.data(), nullptr, piece, size,
-                                               stream_.additional.data(),
-                                               stream_.additional.size(), tag);
+                                               stream_.additional.data(), stream_.additional.size(),
+                                               tag);
     Common::Write(file_, sealed_, size + CHUNK_EXTRA);
   }
 
@@ -176,10 +176,10 @@ void ReadChunks(const Platform::FileDescriptor& from, Stream& stream, Take take)
   unsigned char tag = MESSAGE_TAG;
   do {
     const Bytes& piece = pieces.Next();
-    if (piece.size() < CHUNK_EXTRA || crypto_secretstream_xchacha20poly1305_pull(
-                                          &stream.state, opened.data(), nullptr, &tag, piece.data(),
-                                          piece.size(), stream.additional.data(),
-                                          stream.additional.size()) != 0) {
+    if (piece.size() < CHUNK_EXTRA ||
+        crypto_secretstream_xchacha20poly1305_pull(
+            &stream.state, opened.data(), nullptr, &tag, piece.data(), piece.size(),
+            stream.additional.data(), stream.additional.size()) != 0) {
       ThrowDamaged();
     }
     // Only the last chunk has the final tag.
