@@ -105,7 +105,7 @@ void ReplaceChangesTheTime(Subject& subject) {
 
 /// Lets the module make counting actions, for the schedules.
 std::shared_ptr<Runs> CountedActions(Subject& subject) {
-  const auto runs = Runs::Make();
+  auto runs = Runs::Make();
   subject.makeAction = [runs](unsigned int) { return runs->Action(); };
   return runs;
 }

@@ -59,14 +59,17 @@ void AddOptions(CLI::App& program, Arguments& arguments) {
                   "Leave the data folders of the checks in this folder, which must be empty")
       ->type_name("FOLDER");
   program.add_option("--limit", arguments.limit, "Seconds that a check may take")
+      ->type_name("SECONDS")
       ->check(CLI::Range(1, 3600))
       ->capture_default_str();
   program
       .add_option("--patience", arguments.patience,
                   "Seconds that a check waits for what must happen")
+      ->type_name("SECONDS")
       ->check(CLI::Range(5, 600))
       ->capture_default_str();
   program.add_option("--jobs", arguments.jobs, "Checks at a time")
+      ->type_name("NUMBER")
       ->check(CLI::Range(1, 64))
       ->capture_default_str();
   program.add_option("--here", arguments.here)->group("");  // a process of this program itself
@@ -147,9 +150,9 @@ int List(const Arguments& arguments) {
 
 int Check(const Arguments& arguments) {
   const auto promises = Chosen(arguments.only);
-  const Folder folder(arguments.keep);
   RunOptions options;
   options.files = FilesOf(arguments);
+  const Folder folder(arguments.keep);
   options.files.dataFolder = folder.Path();
   options.limit = std::chrono::seconds(arguments.limit);
   options.jobs = arguments.jobs;
