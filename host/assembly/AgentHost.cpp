@@ -151,6 +151,9 @@ AgentHost::AgentHost(const AgentOptions& options) {
                            AgentData(dataBase_, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
+  actionSystem_->SetAnswerReporter([weak = std::weak_ptr<ServerLink>(server_)](const auto& answer) {
+    if (const auto server = weak.lock()) server->ReportTaskAnswer(answer);
+  });
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {
     if (const auto actions = weak.lock()) actions->KeepSchedules(listed);
   });
@@ -171,7 +174,7 @@ ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& paramet
     failure = std::current_exception();
   }
   actionSystem_->WaitIdle();
-  if (server_) server_->SendStatuses();
+  if (server_) server_->SendReports();
   if (failure) std::rethrow_exception(failure);
   return response;
 }

@@ -1,6 +1,7 @@
 #include "host/actions/ActionSystem.h"
 
 #include <future>
+#include <mutex>
 
 #include "host/actions/SerialActions.h"
 #include "support/FakeActionClock.h"
@@ -81,6 +82,7 @@ struct ActionsUnderTest {
   ModuleAction Counting() {
     return Action([this] {
       ++runs_;
+      const std::lock_guard lock(duringMutex_);  // several of them may run at a time
       during_ = Stored(TASK_KEY);
     });
   }
@@ -111,6 +113,7 @@ struct ActionsUnderTest {
   LogCapture log_;
   std::shared_ptr<FakeActionClock> clock_ = std::make_shared<FakeActionClock>(START);
   std::atomic<int> runs_{0};
+  std::mutex duringMutex_;
   std::string during_;  ///< the state of the task during its latest run
   TextList reported_;
   std::unique_ptr<ActionSystem> system_;
@@ -273,6 +276,40 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   EXPECT_TRUE(system_->StopWithin(seconds(60)));
   EXPECT_EQ(runs_, 0);
   EXPECT_TRUE(system_->Running().empty());
+}
+
+TEST_F(ActionSystemTest, AnAnswerIsGivenForATaskThatSaysSomethingBeforeTheTaskEnds) {
+  ActionResponse listed, refused, done;
+  listed.table.AddNewRow();
+  refused.text = "no";
+  done.success = true;
+  TextList answers;
+  system_->SetAnswerReporter([&](const TaskAnswer& answer) {
+    const ActionResult& result = answer.result;
+    answers.push_back(answer.taskIdentifier + " " + answer.requestId + " " +
+                      std::to_string(answer.code) + result.failure +
+                      result.response.text.get_value_or(""));
+    EXPECT_EQ(Stored(SCHEDULE_KEY_PREFIX + answer.taskIdentifier), "0 1000000 1000000");
+  });
+  const auto run = [&](const std::string& task, const ActionHandler& handler) {
+    ModuleAction action = Action({});
+    action.handler = handler;
+    ActionParameters parameters;
+    parameters.Set(COMMON_PARAMETER_REQUEST_ID, std::string("r"));
+    action.parameters = parameters;
+    system_->SetActionFactory([&](unsigned int, const ActionParameters&) { return action; });
+    system_->AddSchedule({task, CODE, parameters, {0, START}});
+    system_->RunOneShot(CODE, action, seconds(0));
+    system_->WaitIdle();
+  };
+  run("silent", [](auto&) { return ActionResponse(); });
+  for (const ActionResponse& response : {listed, refused, done}) {
+    run("says", [response](auto&) { return response; });
+  }
+  run("throws", [](auto&) -> ActionResponse { throw std::runtime_error("broken"); });
+  run("throws", [](auto&) -> ActionResponse { throw 7; });
+  EXPECT_THAT(answers, ElementsAre("says r 1041", "says r 1041no", "says r 1041",
+                                   "throws r 1041broken", "throws r 1041unknown exception"));
 }
 
 TEST_F(ActionSystemTest, ATaskThatAStopDoesNotWaitForHasNotKilledTheProcess) {
