@@ -30,6 +30,7 @@ install(CODE [[
 
 install(TARGETS norvik-agent NorvikAgentCommon NorvikKOB
   RUNTIME DESTINATION bin LIBRARY DESTINATION lib)
+include("${CMAKE_SOURCE_DIR}/tests/conformance/Installation.cmake")
 
 # Headers for other hosts of the module. Left out are private headers of common/: those that include the
 # database library, the one that compiles records, and the parsers of Apple's formats.
