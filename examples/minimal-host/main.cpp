@@ -1,18 +1,19 @@
 // The smallest host that takes an inventory with the module:
 //
-//   minimal-host DATA_FOLDER    takes one inventory of this machine and prints its document
+//   minimal-host DATA_FOLDER [RECORDED_MACHINE]    takes one inventory and prints its document
 //
 // Read it from the bottom up. docs/embedding.md describes what else a real host does.
 #include <dlfcn.h>
-#include <sys/utsname.h>
 
 #include <boost/filesystem/operations.hpp>
+#include <boost/optional.hpp>
 #include <clocale>
 #include <deque>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 
+#include "common/LibraryVersion.h"
 #include "common/action/ActionCodes.h"
 #include "common/action/IActionSystem.h"
 #include "common/action/IModule.h"
@@ -21,10 +22,10 @@
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
 #include "common/files/Paths.h"
-#include "common/identification/HostInfoProvider.h"
 #include "common/log/FileLogger.h"
-#include "common/text/OperatingSystemType.h"
-#include "common/text/Text.h"
+#include "machine/FirstInventory.h"
+#include "machine/Gather.h"
+#include "platform/RecordedMachine.h"
 
 namespace {
 
@@ -57,18 +58,11 @@ class Actions final : public IActionSystem {
   std::deque<ModuleAction> waiting_;
 };
 
-/// The identity of this agent. The document contains its facts of the machine.
+/// The identity of this agent, and the facts of the machine, which the document contains.
 class Identity final : public IIdentificationSystem {
  public:
   FirstInventoryInfo GetFirstInventoryInfo() override {
-    utsname system{};
-    ::uname(&system);
-    const bool isMac = std::string(system.sysname) == "Darwin";
-    FirstInventoryInfo machine;
-    machine.hostName = WxStringFromStdString(HostInfoProvider::GetHostName());
-    machine.operatingSystemType = OperatingSystemType::ToString(isMac ? OperatingSystemType::MACOS
-                                                                      : OperatingSystemType::LINUX);
-    return machine;
+    return Norvik::Machine::GatherFirstInventory(*smBios_);
   }
   std::weak_ptr<SmBios> GetSmBios() override { return smBios_; }
   std::string GetAgentIdentifier() override { return "minimal-host"; }
@@ -76,7 +70,7 @@ class Identity final : public IIdentificationSystem {
   std::string GetToken() override { return "none"; }
 
  private:
-  std::shared_ptr<SmBios> smBios_ = std::make_shared<SmBios>();
+  std::shared_ptr<SmBios> smBios_ = Norvik::Machine::ReadSmBios();
 };
 
 /// No server and no processes of users. A host with users' processes also implements
@@ -140,7 +134,13 @@ void TakeInventory(const fs::path& dataFolder) {
 }  // namespace
 
 int main(int count, char** arguments) try {
-  if (count != 2) throw std::runtime_error("usage: minimal-host DATA_FOLDER");
+  // Before anything else of the library.
+  RequireLibraryVersion("minimal-host");
+  if (count < 2 || count > 3) {
+    throw std::runtime_error("usage: minimal-host DATA_FOLDER [RECORDED_MACHINE]");
+  }
+  boost::optional<Norvik::Platform::RecordedMachine> machine;
+  if (count == 3) machine.emplace(arguments[2]);
   TakeInventory(fs::absolute(arguments[1]));
   return 0;
 } catch (const std::exception& error) {
