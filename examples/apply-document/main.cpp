@@ -8,15 +8,22 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
 
 #include "common/LibraryVersion.h"
+#include "common/log/Logger.h"
 #include "documents/ApplyIncrement.h"
 #include "documents/DocumentChain.h"
 
 namespace {
 
 using namespace Norvik::Documents;
+
+/// Without a logger the texts of the log go to standard error.
+class NoLog final : public Norvik::Common::Logger {
+  void Log(Level, const std::string&, const char*, int, const char*) override {}
+};
 
 NamedText Read(const char* file) {
   std::ifstream stream(file, std::ios::binary);
@@ -36,6 +43,7 @@ void PrintChanges(const DocumentChain::Step& step) {
 
 int main(int count, char** arguments) try {
   Norvik::Common::RequireLibraryVersion("apply-document");
+  Norvik::Common::Logger::SetInstance(std::make_shared<NoLog>());
   if (count != 3) throw std::runtime_error("usage: apply-document FULL NEXT");
   const NamedText full = Read(arguments[1]);
   const NamedText next = Read(arguments[2]);
