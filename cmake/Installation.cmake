@@ -29,8 +29,9 @@ install(CODE [[
   endforeach()]])
 
 set(product norvik-agent NorvikAgentCommon NorvikKOB NorvikAgentMachine NorvikAgentDocuments)
-add_custom_target(product DEPENDS ${product})
+add_custom_target(product DEPENDS ${product} norvik-host-conformance)
 install(TARGETS ${product} RUNTIME DESTINATION bin LIBRARY DESTINATION lib ARCHIVE DESTINATION lib)
+include("${CMAKE_SOURCE_DIR}/tests/conformance/Installation.cmake")
 
 # Headers for other hosts of the module. Left out are private headers of common/: those that include the
 # database library, the one that compiles records, and the parsers of Apple's formats.
