@@ -22,7 +22,7 @@ namespace {
 /// The status of the agent that runs on the data folder of a command line; empty if none does.
 /// Without --data that is the agent of the socket, wherever its data are.
 boost::optional<OrderedJson> AgentOf(const CommandLine& line) {
-  const auto status = AskAgentIfRunning(line.socket, {{"request", "status"}});
+  auto status = AskAgentIfRunning(line.socket, {{"request", "status"}});
   if (!status || !line.dataFolderGiven) return status;
   boost::system::error_code ignored;
   const std::string folder = status->value("dataFolder", "");

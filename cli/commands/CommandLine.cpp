@@ -98,9 +98,11 @@ struct Argument {
 };
 
 void AddKeysOption(CLI::App& command, Texts& texts) {
-  command.add_option("--keys", texts.keys, "the folder with the key that opens sealed documents")
+  command
+      .add_option("--keys", texts.keys,
+                  "the folder or file with the key that opens sealed documents")
       ->check(NotEmpty)
-      ->type_name("DIR");
+      ->type_name("PATH");
 }
 
 void AddDocumentCommand(CLI::App& program, Texts& texts, const std::string& name,
@@ -188,6 +190,14 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   AddCommandsThatShowDocuments(program, line, texts);
 
   AddRedactCommand(program, texts);
+
+  auto* keys = program.add_subcommand("keys", "make, show or rotate the keys of sealed documents");
+  keys->add_option("WHAT", line.what, "make, show or rotate")->required()->check(NotEmpty);
+  keys->add_option("PATHS", texts.files,
+                   "the server's folder; for show: folders, key files, sealed files; default: the "
+                   "keys of the data folder")
+      ->check(NotEmpty);
+  AddKeysOption(*keys, texts);
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();

@@ -40,9 +40,9 @@ struct CommandLine {
   bool really = false;  ///< a recorded machine is no reason to rehearse
   bool redact = false;
   std::vector<std::string> parameters;  ///< of the action, not parsed yet
-  std::string what;  ///< "software" or "hardware"; a key of the document; the name of a check
+  std::string what;  ///< "software"; a key of the document; the name of a check; of `keys`: "make"
   std::string text;  ///< the message for the users
-  boost::filesystem::path keyFolder;  ///< opens sealed documents; empty: that of a data folder
+  boost::filesystem::path keyFolder;  ///< or a key file; empty: the keys of a data folder
   std::vector<std::string> sections;  ///< of a document, not checked yet
   std::string since;                  ///< a time, not parsed yet; or empty
 };

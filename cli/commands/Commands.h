@@ -29,6 +29,8 @@ int RunExplain(const CommandLine& line, std::ostream& output, std::ostream& erro
 int RunWhy(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints the document in a file of the outbox, or a plain one.
 int RunOpen(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Makes, shows or rotates keys of sealed documents; only `show` is for the keys of an agent.
+int RunKeys(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Shows sections of the last inventory, of a file or of a new inventory. Leaves the agent's data
 /// alone.
 int RunShow(const CommandLine& line, std::ostream& output, std::ostream& errors);

@@ -22,31 +22,28 @@ namespace fs = boost::filesystem;
 
 constexpr std::size_t MAX_DOCUMENT_BYTES = std::size_t{1} << 30;
 
-/// Folders to look for a key in, best first.
-std::vector<fs::path> KeyFolders(const fs::path& file, const CommandLine& line) {
+/// Throws `std::runtime_error` that says which key the file needs and which were tried.
+void Unseal(const fs::path& file, const std::vector<fs::path>& keyPlaces, const fs::path& target) {
+  const std::string failure = "cannot open " + file.string() + ": ";
+  try {
+    Common::OpenSealedFile(file, target, Common::OpeningKeys(keyPlaces));
+  } catch (const Common::WrongKeyError& error) {
+    throw std::runtime_error(failure + error.what() +
+                             "; --keys names a folder or a file with the private key");
+  } catch (const std::exception& error) {
+    throw std::runtime_error(failure + error.what());
+  }
+}
+
+}  // namespace
+
+std::vector<fs::path> KeyPlaces(const fs::path& file, const CommandLine& line) {
   if (!line.keyFolder.empty()) return {line.keyFolder};
   const fs::path usual = line.agent.dataFolder / KEY_FOLDER;
   const fs::path beside = fs::absolute(file).parent_path().parent_path() / KEY_FOLDER;
   if (line.dataFolderGiven || beside == usual || !fs::is_directory(beside)) return {usual};
   return {beside, usual};
 }
-
-/// Throws `std::runtime_error` with what each key failed with.
-void Unseal(const fs::path& file, const std::vector<fs::path>& keyFolders, const fs::path& target) {
-  std::string failures;
-  for (const fs::path& keys : keyFolders) {
-    try {
-      return Common::FileSealer(keys).Open(file, target);
-    } catch (const std::exception& error) {
-      failures += (failures.empty() ? ": " : "; ") + ("with the keys in " + keys.string()) + ": " +
-                  error.what();
-    }
-  }
-  throw std::runtime_error("cannot open " + file.string() + failures +
-                           "; --data names the data folder that has its key");
-}
-
-}  // namespace
 
 bool IsSealed(const fs::path& file) {
   // A pipe can be read only once, so it is not tested.
@@ -58,7 +55,7 @@ std::string ReadDocument(const fs::path& file, const CommandLine& line) {
   const PrivateFolder folder;
   const fs::path archive = folder.Path() / "document.zip";
   // The library does not follow links, but a user may name one.
-  Unseal(fs::is_symlink(file) ? fs::canonical(file) : file, KeyFolders(file, line), archive);
+  Unseal(fs::is_symlink(file) ? fs::canonical(file) : file, KeyPlaces(file, line), archive);
   try {
     return Common::ReadArchive(archive);
   } catch (const std::exception& error) {

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 #include <string>
+#include <vector>
 
 #include "cli/commands/CommandLine.h"
 
@@ -13,10 +14,14 @@ namespace Norvik::Cli {
 /// Whether it is a file as the outbox has them.
 bool IsSealed(const boost::filesystem::path& file);
 
+/// Where to look for the key of a sealed file: what --keys names; without that and --data, the key
+/// folders of the data folder that the file is in and of the default one.
+std::vector<boost::filesystem::path> KeyPlaces(const boost::filesystem::path& file,
+                                               const CommandLine& line);
+
 /// The document in a file of the outbox or in a plain file, of up to 1 GiB, or pipe. A file of the
-/// outbox is decrypted and unpacked in a private temporary folder, with the keys that --keys names.
-/// Without that and --data, they are those of the data folder that the file is in, then those of
-/// the default one.
+/// outbox is decrypted and unpacked in a private temporary folder, with the keys of
+/// `KeyPlaces`.
 std::string ReadDocument(const boost::filesystem::path& file, const CommandLine& line);
 
 /// Throws `UsageError` if the file that an option names is a link, a folder, a device or a pipe,

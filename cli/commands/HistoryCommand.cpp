@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <chrono>
 #include <ostream>
@@ -50,14 +51,17 @@ std::string ListText(const std::vector<KeptDocument>& documents, system_clock::t
 }
 
 /// Which key the documents need that did not open.
-std::string ClosedText(std::size_t closed, const CommandLine& line) {
+std::string ClosedText(const HistoryStory& story, const CommandLine& line) {
   const auto keys = line.keyFolder.empty() ? line.agent.dataFolder / KEY_FOLDER : line.keyFolder;
   const auto serverKey = line.agent.dataFolder / KEY_FOLDER / "server.pub";
   boost::system::error_code ignored;
   const bool ofServer = boost::filesystem::exists(serverKey, ignored);
-  return std::to_string(closed) + (closed == 1 ? " document does" : " documents do") +
-         " not open with the key in " + keys.string() +
-         "; --keys names a folder whose agent.key is the private key" +
+  const std::string needed = boost::join(story.NeededKeys(), ", ");
+  return std::to_string(story.Closed()) +
+         (story.Closed() == 1 ? " document does" : " documents do") +
+         " not open with the keys in " + keys.string() +
+         (needed.empty() ? "" : "; needed: " + needed) +
+         "; --keys names a folder or file with the private key" +
          (ofServer ? " of " + serverKey.string() : " that they are sealed to");
 }
 
@@ -66,7 +70,7 @@ int TellChanges(const std::vector<KeptDocument>& documents, system_clock::time_p
   HistoryStory story(line.sections.empty() ? "" : line.sections.front(), since);
   story.Tell(documents, line);
   std::vector<std::string> problems = story.Problems();
-  if (story.Closed() > 0) problems.push_back(ClosedText(story.Closed(), line));
+  if (story.Closed() > 0) problems.push_back(ClosedText(story, line));
   // Without any document that opens, there is no answer.
   if (problems.empty() || story.HasRead()) {
     output << (line.json ? JsonLine(story.ToJson()) : story.ToText(TerminalWidth()));

@@ -6,6 +6,7 @@
 #include "cli/commands/DocumentFile.h"
 #include "cli/commands/FittedTable.h"
 #include "cli/commands/SectionText.h"
+#include "common/files/SealedStart.h"
 #include "common/text/Text.h"
 #include "documents/DocumentError.h"
 #include "documents/SectionKeys.h"
@@ -119,11 +120,21 @@ void HistoryStory::Tell(const std::vector<KeptDocument>& documents, const Comman
     } catch (const std::exception& error) {
       chain.Break();
       if (isSealed) {
-        ++closed_;
+        NoteClosed(document.path);
       } else {
         problems_.push_back(ReasonOf(error));
       }
     }
+  }
+}
+
+void HistoryStory::NoteClosed(const boost::filesystem::path& file) {
+  ++closed_;
+  try {
+    const Common::SealedStart start = Common::SealedStartOf(file);
+    if (start.NamesKey()) neededKeys_.insert(Common::FingerprintOf(start.key));
+  } catch (const std::exception&) {
+    // It names no key.
   }
 }
 

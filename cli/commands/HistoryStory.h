@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,11 +33,14 @@ class HistoryStory {
   bool HasRead() const { return hasRead_; }
   /// How many documents do not open, as a rule because they are sealed to another key.
   std::size_t Closed() const { return closed_; }
+  /// The fingerprints of the keys that these need, as far as they name them.
+  const std::set<std::string>& NeededKeys() const { return neededKeys_; }
   /// Why other files could not be read.
   const std::vector<std::string>& Problems() const { return problems_; }
 
  private:
   bool IsWanted(const Host::KeptDocument& document) const;
+  void NoteClosed(const boost::filesystem::path& file);
   void TellOne(const Host::KeptDocument& document, const std::string& text,
                Documents::DocumentChain& chain);
 
@@ -45,6 +49,7 @@ class HistoryStory {
   OrderedJson told_ = OrderedJson::array();
   bool hasRead_ = false;
   std::size_t closed_ = 0;
+  std::set<std::string> neededKeys_;
   std::vector<std::string> problems_;
 };
 

@@ -50,6 +50,13 @@ constexpr Example EXAMPLES[] = {
     {"redact",
      "  norvik-agent redact previous/mac-17.jsonkob >mac.json\n"
      "  norvik-agent redact full.json increment.json --output DIR   that still belong together\n"},
+    {"keys",
+     "  norvik-agent keys make DIR                    the pair of a server; its server.pub is for "
+     "agents\n"
+     "  norvik-agent keys show                        the keys of this agent\n"
+     "  norvik-agent keys show --keys DIR FILE        which key a sealed file needs\n"
+     "  norvik-agent keys rotate DIR                  a new pair; the former one still opens "
+     "files\n"},
     {"action",
      "  norvik-agent action 1011                      list the processes\n"
      "  norvik-agent action 1012 id=4711 --rehearse   what ending a process would do\n"

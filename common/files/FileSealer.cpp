@@ -2,10 +2,8 @@
 
 #include <sodium.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <fstream>
 #include <utility>
 #include <vector>
 
@@ -17,9 +15,8 @@ namespace Norvik::Common {
 
 namespace {
 
-// A sealed file: MARK, the stream key in a sealed box, the header of the stream, the chunks.
+// A sealed file: its start, the stream key in a sealed box, the header of the stream, the chunks.
 // Programs that open such files elsewhere rely on docs/outbox-format.md.
-constexpr std::array<unsigned char, 9> MARK = {'N', 'R', 'V', 'K', 'S', 'E', 'A', 'L', 1};
 constexpr std::size_t STREAM_KEY = crypto_secretstream_xchacha20poly1305_KEYBYTES;
 constexpr std::size_t SEALED_KEY = STREAM_KEY + crypto_box_SEALBYTES;
 constexpr std::size_t STREAM_HEADER = crypto_secretstream_xchacha20poly1305_HEADERBYTES;
@@ -29,6 +26,7 @@ constexpr unsigned char MESSAGE_TAG = crypto_secretstream_xchacha20poly1305_TAG_
 constexpr unsigned char FINAL_TAG = crypto_secretstream_xchacha20poly1305_TAG_FINAL;
 
 using Bytes = std::vector<unsigned char>;
+using SealedKey = std::array<unsigned char, SEALED_KEY>;
 
 struct Stream {
   Stream() = default;
@@ -36,6 +34,7 @@ struct Stream {
   Stream& operator=(const Stream&) = delete;
   ~Stream() { sodium_memzero(&state, sizeof(state)); }
   crypto_secretstream_xchacha20poly1305_state state{};
+  Bytes additional;  ///< data of every chunk
 };
 
 struct StreamKey {
@@ -91,13 +90,14 @@ bool Read(const Platform::FileDescriptor& file, Array& bytes) {
 void WriteStart(const Platform::FileDescriptor& file, const PublicKey& recipient, Stream& stream) {
   StreamKey key;
   crypto_secretstream_xchacha20poly1305_keygen(key.bytes);
-  std::array<unsigned char, SEALED_KEY> sealedKey;
+  SealedKey sealedKey;
   if (crypto_box_seal(sealedKey.data(), key.bytes, sizeof(key.bytes), recipient.data()) != 0) {
     throw std::runtime_error("The public key is not usable");
   }
   std::array<unsigned char, STREAM_HEADER> header;
   crypto_secretstream_xchacha20poly1305_init_push(&stream.state, header.data(), key.bytes);
-  Write(file, MARK, MARK.size());
+  stream.additional = StartFor(recipient).bytes;
+  Write(file, stream.additional, stream.additional.size());
   Write(file, sealedKey, sealedKey.size());
   Write(file, header, header.size());
 }
@@ -110,7 +110,8 @@ class ChunkWriter {
 
   void Write(const unsigned char* piece, std::size_t size, unsigned char tag) {
     crypto_secretstream_xchacha20poly1305_push(&stream_.state, sealed_.data(), nullptr, piece, size,
-                                               MARK.data(), MARK.size(), tag);
+                                               stream_.additional.data(), stream_.additional.size(),
+                                               tag);
     Common::Write(file_, sealed_, size + CHUNK_EXTRA);
   }
 
@@ -130,25 +131,41 @@ void WriteChunks(const Platform::FileDescriptor& from, ChunkWriter writer) {
   } while (tag != FINAL_TAG);
 }
 
-void ReadStart(const Platform::FileDescriptor& file, const SealingKeys& keys, Stream& stream) {
-  std::array<unsigned char, MARK.size()> mark;
-  if (!Read(file, mark) || mark != MARK) throw SealedFileError("The file is no sealed file");
-  std::array<unsigned char, SEALED_KEY> sealedKey;
+[[noreturn]] void ThrowWrongKey(const SealedStart& start, const OpeningKeys& keys) {
+  const std::string reason =
+      start.NamesKey() ? "The file is sealed to the key " + FingerprintOf(start.key)
+                       : std::string("The file was altered, or it is sealed to another key");
+  throw WrongKeyError(reason + "; " + keys.Tried());
+}
+
+/// Opens the box with the stream key, and returns the key that did it.
+const OpeningKey& OpenBox(const SealedStart& start, const SealedKey& box, const OpeningKeys& keys,
+                          StreamKey& streamKey) {
+  for (const OpeningKey& key : keys.Keys()) {
+    if (start.NamesKey() && key.identifier != start.key) continue;
+    if (crypto_box_seal_open(streamKey.bytes, box.data(), box.size(), key.publicKey.data(),
+                             key.privateKey.bytes.data()) == 0) {
+      return key;
+    }
+    if (start.NamesKey()) ThrowDamaged();
+  }
+  ThrowWrongKey(start, keys);
+}
+
+const OpeningKey& ReadStart(const Platform::FileDescriptor& file, const OpeningKeys& keys,
+                            Stream& stream) {
+  SealedStart start = ReadSealedStart(file);
+  SealedKey sealedKey;
   std::array<unsigned char, STREAM_HEADER> header;
   if (!Read(file, sealedKey) || !Read(file, header)) ThrowDamaged();
-
-  PublicKey publicKey;
-  PrivateKey privateKey;
-  keys.ForOpening(publicKey, privateKey);
   StreamKey key;
-  if (crypto_box_seal_open(key.bytes, sealedKey.data(), sealedKey.size(), publicKey.data(),
-                           privateKey.bytes.data()) != 0) {
-    throw SealedFileError("The file was altered, or it is sealed to another key");
-  }
+  const OpeningKey& used = OpenBox(start, sealedKey, keys, key);
   if (crypto_secretstream_xchacha20poly1305_init_pull(&stream.state, header.data(), key.bytes) !=
       0) {
     ThrowDamaged();
   }
+  stream.additional = std::move(start.bytes);
+  return used;
 }
 
 /// @param take gets each piece: its bytes, their number and the tag
@@ -159,9 +176,10 @@ void ReadChunks(const Platform::FileDescriptor& from, Stream& stream, Take take)
   unsigned char tag = MESSAGE_TAG;
   do {
     const Bytes& piece = pieces.Next();
-    if (piece.size() < CHUNK_EXTRA || crypto_secretstream_xchacha20poly1305_pull(
-                                          &stream.state, opened.data(), nullptr, &tag, piece.data(),
-                                          piece.size(), MARK.data(), MARK.size()) != 0) {
+    if (piece.size() < CHUNK_EXTRA ||
+        crypto_secretstream_xchacha20poly1305_pull(
+            &stream.state, opened.data(), nullptr, &tag, piece.data(), piece.size(),
+            stream.additional.data(), stream.additional.size()) != 0) {
       ThrowDamaged();
     }
     // Only the last chunk has the final tag.
@@ -172,7 +190,7 @@ void ReadChunks(const Platform::FileDescriptor& from, Stream& stream, Take take)
 
 }  // namespace
 
-SealedFileError::~SealedFileError() = default;
+WrongKeyError::~WrongKeyError() = default;
 
 FileSealer::FileSealer(boost::filesystem::path keyFolder) : keyFolder_(std::move(keyFolder)) {}
 
@@ -189,33 +207,26 @@ void FileSealer::Seal(const boost::filesystem::path& source,
 
 void FileSealer::Open(const boost::filesystem::path& source,
                       const boost::filesystem::path& target) const {
-  const SealingKeys keys(keyFolder_);
-  const Platform::FileDescriptor from = Platform::OpenRegularFile(source.string());
-  Stream stream;
-  ReadStart(from, keys, stream);
-  Platform::ReplacementFile to(target.string());
-  ReadChunks(from, stream, [&](const Bytes& piece, std::size_t size, unsigned char /*tag*/) {
-    Write(to.Descriptor(), piece, size);
-  });
-  to.Commit();
+  OpenSealedFile(source, target, OpeningKeys({keyFolder_}));
 }
 
 bool FileSealer::IsSealedToOwnKey(const boost::filesystem::path& file) const {
+  const SealedStart start = SealedStartOf(file);
+  const OpeningKeys own({SealingKeys(keyFolder_).OwnPrivateKey()});
+  if (start.NamesKey()) return !own.Keys().empty() && own.Keys().front().identifier == start.key;
   try {
-    Stream stream;
-    ReadStart(Platform::OpenRegularFile(file.string()), SealingKeys(keyFolder_), stream);
+    KeyOfSealedFile(file, own);
     return true;
-  } catch (const std::exception&) {
+  } catch (const SealedFileError&) {
     return false;
   }
 }
 
 void FileSealer::SealAgain(const boost::filesystem::path& file) const {
-  const SealingKeys keys(keyFolder_);
-  const PublicKey recipient = keys.ForSealing();
+  const PublicKey recipient = SealingKeys(keyFolder_).ForSealing();
   const Platform::FileDescriptor from = Platform::OpenRegularFile(file.string());
   Stream old;
-  ReadStart(from, keys, old);
+  ReadStart(from, OpeningKeys({keyFolder_}), old);
   Platform::ReplacementFile to(file.string());
   Stream stream;
   WriteStart(to.Descriptor(), recipient, stream);
@@ -226,11 +237,21 @@ void FileSealer::SealAgain(const boost::filesystem::path& file) const {
   to.Commit();
 }
 
-bool IsSealedFile(const boost::filesystem::path& file) {
-  std::ifstream stream(file.string(), std::ios::binary);
-  std::array<char, MARK.size()> start{};
-  stream.read(start.data(), start.size());
-  return stream && std::equal(start.begin(), start.end(), MARK.begin());
+void OpenSealedFile(const boost::filesystem::path& source, const boost::filesystem::path& target,
+                    const OpeningKeys& keys) {
+  const Platform::FileDescriptor from = Platform::OpenRegularFile(source.string());
+  Stream stream;
+  ReadStart(from, keys, stream);
+  Platform::ReplacementFile to(target.string());
+  ReadChunks(from, stream, [&](const Bytes& piece, std::size_t size, unsigned char /*tag*/) {
+    Write(to.Descriptor(), piece, size);
+  });
+  to.Commit();
+}
+
+const OpeningKey& KeyOfSealedFile(const boost::filesystem::path& file, const OpeningKeys& keys) {
+  Stream stream;
+  return ReadStart(Platform::OpenRegularFile(file.string()), keys, stream);
 }
 
 }  // namespace Norvik::Common

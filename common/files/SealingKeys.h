@@ -1,25 +1,12 @@
 #pragma once
 
-#include <array>
 #include <boost/filesystem/path.hpp>
 #include <string>
 
 #include "common/Api.h"
+#include "common/files/KeyFile.h"
 
 namespace Norvik::Common {
-
-using PublicKey = std::array<unsigned char, 32>;
-
-/// A private key, overwritten in memory by the destructor.
-class NORVIK_COMMON_API PrivateKey {
- public:
-  PrivateKey() = default;
-  PrivateKey(const PrivateKey&) = delete;
-  PrivateKey& operator=(const PrivateKey&) = delete;
-  ~PrivateKey();
-
-  std::array<unsigned char, 32> bytes{};
-};
 
 /// The key files of a folder, each with one line of 64 hexadecimal digits: `server.pub`, the public
 /// key of the server, and `agent.pub` and `agent.key` (mode 0600), a pair of this machine. Members
@@ -37,6 +24,8 @@ class NORVIK_COMMON_API SealingKeys {
   std::string ServerKeyProblem() const;
   /// Both halves of this machine's own pair.
   void ForOpening(PublicKey& publicKey, PrivateKey& privateKey) const;
+  /// The file of the private half, whether or not it exists.
+  boost::filesystem::path OwnPrivateKey() const;
 
  private:
   PublicKey OwnKey() const;

@@ -9,7 +9,7 @@
 
 #include "common/database/AgentDatabase.h"
 #include "common/database/DataBase.h"
-#include "common/files/FileSealer.h"
+#include "common/files/SealedStart.h"
 #include "common/files/TextFile.h"
 #include "host/HostError.h"
 #include "host/OutputText.h"
@@ -95,11 +95,17 @@ void AddLogs(const fs::path& folder, std::size_t limit, BundleContent& content) 
   }
 }
 
+std::string SealText(const fs::path& file) {
+  const Common::SealedStart start = Common::SealedStartOf(file);
+  return start.NamesKey() ? "it is sealed to the key " + Common::FingerprintOf(start.key)
+                          : "it is sealed";
+}
+
 void AddPrevious(const fs::path& folder, BundleContent& content) {
   for (const fs::path& file : FilesOf(folder, content)) {
     const std::string name = (folder.filename() / file.filename()).string();
     Noting(name, content, [&] {
-      if (Common::IsSealedFile(file)) throw std::runtime_error("it is sealed");
+      if (Common::IsSealedFile(file)) throw std::runtime_error(SealText(file));
       content.files.push_back({name, Kind::DOCUMENT, Common::ReadTextFile(file, MAX_DOCUMENT), 0});
     });
   }

@@ -120,11 +120,15 @@ class ProgramSteps : public StepsTest, public Program {
     Verb("link", [this](const std::string& target, const std::string& name) {
       fs::create_symlink(folder_ / target, folder_ / name);
     });
-    Verb("remove", [this](const std::string& name) { fs::remove_all(folder_ / name); });
+    Verb("copy", [this](const std::string& from, const std::string& to) {
+      fs::create_directories((folder_ / to).parent_path());
+      fs::copy_file(FilledText(from), folder_ / to, fs::copy_options::overwrite_existing);
+    });
+    Verb("remove", [this](const std::string& name) { fs::remove_all(folder_ / FilledText(name)); });
     Verb("touch", [this](const std::string& name) { fs::last_write_time(folder_ / name, 1); });
     Verb("exists", [this](const std::string& name) { return fs::exists(folder_ / name); });
     Verb("mode", [this](const std::string& name) {
-      const unsigned int mode = ModeOf(folder_ / name);
+      const unsigned int mode = ModeOf(folder_ / FilledText(name));
       return mode / 64 * 100 + mode / 8 % 8 * 10 + mode % 8;
     });
     Verb("same", [this](const std::string& name, const std::string& other) {
@@ -140,8 +144,9 @@ class ProgramSteps : public StepsTest, public Program {
   void AddCommands() {
     Verb("ask", [this](const TextList& words, const Json& wanted) {
       answer_ = Ask(Filled(words));
-      if (wanted != Json::object()) {
-        EXPECT_EQ(Chosen(answer_, wanted), wanted);
+      const Json filled = Filled(wanted);
+      if (filled != Json::object()) {
+        EXPECT_EQ(Chosen(answer_, filled), filled);
       }
     });
     const auto ends = [this](int code) {
@@ -183,6 +188,7 @@ class ProgramSteps : public StepsTest, public Program {
                            [&](const Json& each) { return Chosen(each, element) == element; });
     });
   }
+  std::string FilledText(const std::string& text) const { return Filled(text); }
   Json Filled(const Json& value) const {
     std::string text = value.dump();
     boost::replace_all(text, "$", folder_.Path().string());

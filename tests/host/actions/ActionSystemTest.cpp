@@ -1,6 +1,7 @@
 #include "host/actions/ActionSystem.h"
 
 #include <future>
+#include <mutex>
 
 #include "host/actions/SerialActions.h"
 #include "support/FakeActionClock.h"
@@ -81,6 +82,7 @@ struct ActionsUnderTest {
   ModuleAction Counting() {
     return Action([this] {
       ++runs_;
+      const std::lock_guard lock(duringMutex_);  // several of them may run at a time
       during_ = Stored(TASK_KEY);
     });
   }
@@ -111,6 +113,7 @@ struct ActionsUnderTest {
   LogCapture log_;
   std::shared_ptr<FakeActionClock> clock_ = std::make_shared<FakeActionClock>(START);
   std::atomic<int> runs_{0};
+  std::mutex duringMutex_;
   std::string during_;  ///< the state of the task during its latest run
   TextList reported_;
   std::unique_ptr<ActionSystem> system_;

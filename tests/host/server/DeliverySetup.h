@@ -76,7 +76,8 @@ struct DeliverySetup {
   /// The beginning of the last document, opened with the server's private key.
   std::string LastOpened() const {
     const std::string line = server.Requests().back();
-    WriteFile(folder / "sealed", SEAL + line.substr(line.find(' ', line.find(' ') + 1) + 1));
+    WriteFile(folder / "sealed",
+              "NRVKSEAL\x02" + line.substr(line.find(' ', line.find(' ') + 1) + 1));
     FileSealer(folder / "server").Open(folder / "sealed", folder / "opened");
     return ContentOf(folder / "opened").substr(0, 3);
   }

@@ -18,6 +18,7 @@ namespace {
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
+
 struct SyncCount final : Norvik::Platform::RealSystemChanges {
   int Sync(int descriptor) override {
     ++syncs;
