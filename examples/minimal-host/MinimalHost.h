@@ -3,7 +3,6 @@
 #pragma once
 
 #include <dlfcn.h>
-#include <sys/utsname.h>
 
 #include <boost/filesystem/path.hpp>
 #include <clocale>
@@ -20,10 +19,9 @@
 #include "common/action/ModuleDependencies.h"
 #include "common/database/AgentDatabase.h"
 #include "common/files/Paths.h"
-#include "common/identification/HostInfoProvider.h"
 #include "common/log/FileLogger.h"
-#include "common/text/OperatingSystemType.h"
-#include "common/text/Text.h"
+#include "machine/FirstInventory.h"
+#include "machine/Gather.h"
 
 namespace MinimalHost {
 
@@ -73,18 +71,11 @@ class Actions final : public IActionSystem {
   std::deque<ModuleAction> waiting_;
 };
 
-/// The identity of this agent. The document contains its facts of the machine.
+/// The identity of this agent, and the facts of the machine, which the document contains.
 class Identity final : public IIdentificationSystem {
  public:
   FirstInventoryInfo GetFirstInventoryInfo() override {
-    utsname system{};
-    ::uname(&system);
-    const bool isMac = std::string(system.sysname) == "Darwin";
-    FirstInventoryInfo machine;
-    machine.hostName = WxStringFromStdString(HostInfoProvider::GetHostName());
-    machine.operatingSystemType = OperatingSystemType::ToString(isMac ? OperatingSystemType::MACOS
-                                                                      : OperatingSystemType::LINUX);
-    return machine;
+    return Norvik::Machine::GatherFirstInventory(*smBios_);
   }
   std::weak_ptr<SmBios> GetSmBios() override { return smBios_; }
   std::string GetAgentIdentifier() override { return "minimal-host"; }
@@ -92,7 +83,7 @@ class Identity final : public IIdentificationSystem {
   std::string GetToken() override { return "none"; }
 
  private:
-  std::shared_ptr<SmBios> smBios_ = std::make_shared<SmBios>();
+  std::shared_ptr<SmBios> smBios_ = Norvik::Machine::ReadSmBios();
 };
 
 /// No server and no processes of users. A host with users' processes also implements

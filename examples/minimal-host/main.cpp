@@ -1,15 +1,19 @@
 // The smallest host that takes an inventory with the module:
 //
-//   minimal-host DATA_FOLDER    takes one inventory of this machine and prints its document
+//   minimal-host DATA_FOLDER [RECORDED_MACHINE]    takes one inventory and prints its document
 //
 // Read it from the bottom up, and then MinimalHost.h, which has the host's services.
 #include <boost/filesystem/operations.hpp>
+#include <boost/optional.hpp>
 #include <iostream>
 
 #include "MinimalHost.h"
+#include "common/LibraryVersion.h"
 #include "common/action/ActionCodes.h"
 #include "common/files/Archive.h"
 #include "common/files/FileSealer.h"
+#include "common/files/Paths.h"
+#include "platform/RecordedMachine.h"
 
 namespace {
 
@@ -40,7 +44,13 @@ void TakeInventory(const fs::path& dataFolder) {
 }  // namespace
 
 int main(int count, char** arguments) try {
-  if (count != 2) throw std::runtime_error("usage: minimal-host DATA_FOLDER");
+  // Before anything else of the library.
+  RequireLibraryVersion("minimal-host");
+  if (count < 2 || count > 3) {
+    throw std::runtime_error("usage: minimal-host DATA_FOLDER [RECORDED_MACHINE]");
+  }
+  boost::optional<Norvik::Platform::RecordedMachine> machine;
+  if (count == 3) machine.emplace(arguments[2]);
   TakeInventory(fs::absolute(arguments[1]));
   return 0;
 } catch (const std::exception& error) {

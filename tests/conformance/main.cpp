@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cli/commands/NearestName.h"
+#include "common/LibraryVersion.h"
 #include "conformance/Report.h"
 
 namespace Norvik::Conformance {
@@ -198,6 +199,7 @@ int Main(int count, char** words) {
   Arguments arguments;
   AddOptions(program, arguments);
   try {
+    Common::RequireLibraryVersion("norvik-host-conformance");
     program.parse(count, words);
     return Run(arguments);
   } catch (const CLI::CallForHelp&) {
