@@ -11,6 +11,7 @@
 #include "cli/RecordedMachineOption.h"
 #include "cli/commands/Commands.h"
 #include "cli/commands/Rendering.h"
+#include "common/LibraryVersion.h"
 #include "common/database/AgentDatabase.h"
 #include "host/HostError.h"
 #include "host/assembly/StandardChannels.h"
@@ -82,15 +83,16 @@ class WaitNotice {
 
 int RunAgentProgram(const std::vector<std::string>& arguments, std::ostream& output,
                     std::ostream& errors) {
-  Common::AgentDatabase::LeaveOutConnectionLocks();
   // Known before the command line is, so that its errors are in JSON as well.
   const bool json = std::count(arguments.begin(), arguments.end(), "--json") > 0;
-  const WaitNotice notice(errors, json);
   const auto fail = [&](const std::exception& error, ExitCode code) {
     errors << MessageLine(json, ReasonOf(error)) << std::flush;
     return code;
   };
   try {
+    Common::RequireLibraryVersion("norvik-agent");
+    Common::AgentDatabase::LeaveOutConnectionLocks();
+    const WaitNotice notice(errors, json);
     const int code = Run(ParseCommandLine(arguments), output, errors);
     if (output.flush()) return code;
     throw std::runtime_error("cannot write the output");

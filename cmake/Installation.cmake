@@ -28,8 +28,10 @@ install(CODE [[
     endif()
   endforeach()]])
 
-install(TARGETS norvik-agent NorvikAgentCommon NorvikKOB
-  RUNTIME DESTINATION bin LIBRARY DESTINATION lib)
+set(product norvik-agent NorvikAgentCommon NorvikKOB NorvikAgentMachine NorvikAgentDocuments)
+add_custom_target(product DEPENDS ${product} norvik-host-conformance)
+install(TARGETS ${product} RUNTIME DESTINATION bin LIBRARY DESTINATION lib ARCHIVE DESTINATION lib)
+include("${CMAKE_SOURCE_DIR}/tests/conformance/Installation.cmake")
 
 # Headers for other hosts of the module. Left out are private headers of common/: those that include the
 # database library, the one that compiles records, and the parsers of Apple's formats.
@@ -39,10 +41,20 @@ install(DIRECTORY common DESTINATION ${headers} FILES_MATCHING PATTERN "*.h"
   REGEX "/(Cells|Connection|ConnectionPool|DatabaseFile|DatabaseSchema|KeyValueTable)\\.h$" EXCLUDE
   REGEX "/(OneSqlite|ScanRules|Sentence|Sqlite|Statement|InventoryRecordDefinition)\\.h$" EXCLUDE)
 install(DIRECTORY json DESTINATION ${headers} FILES_MATCHING PATTERN "*.h")
+install(FILES platform/RecordedMachine.h DESTINATION ${headers}/platform)
+install(FILES machine/FirstInventory.h machine/Gather.h DESTINATION ${headers}/machine)
+foreach(name ApplyIncrement Difference DocumentChain DocumentChanges DocumentError DocumentText
+    FileDocument MachineDocument Matching SectionKeys)
+  install(FILES documents/${name}.h DESTINATION ${headers}/documents)
+endforeach()
 
 install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)
 install(FILES README.md DESTINATION share/doc/norvik-agent)
 install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent)
+install(CODE [[
+  set(norvik_documents "$ENV{DESTDIR}${norvik_prefix}/share/doc/norvik-agent")
+  set(norvik_headers "$ENV{DESTDIR}${norvik_prefix}/include/norvik-agent")]])
+install(SCRIPT cmake/InstalledLinks.cmake)
 install(FILES packaging/help/norvik-agent.1 DESTINATION share/man/man1)
 install(FILES packaging/help/norvik-agent.bash DESTINATION share/bash-completion/completions
   RENAME norvik-agent)
@@ -50,12 +62,36 @@ install(FILES packaging/help/_norvik-agent DESTINATION share/zsh/site-functions)
 install(FILES packaging/help/norvik-agent.fish DESTINATION share/fish/vendor_completions.d)
 install(DIRECTORY packaging/macos packaging/systemd DESTINATION share/norvik-agent)
 
-configure_package_config_file(cmake/NorvikAgentConfig.cmake.in
-  "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake" INSTALL_DESTINATION lib/cmake/NorvikAgent)
+# How others find it: with CMake, or with pkg-config.
+if(APPLE)
+  set(NORVIK_COMMON_FILE "libNorvikAgentCommon.${PROJECT_VERSION_MAJOR}.dylib")
+  set(NORVIK_COMMON_SONAME "@rpath/${NORVIK_COMMON_FILE}")
+else()
+  set(NORVIK_COMMON_FILE "libNorvikAgentCommon.so.${PROJECT_VERSION_MAJOR}")
+  set(NORVIK_COMMON_SONAME "${NORVIK_COMMON_FILE}")
+endif()
+set(NORVIK_MODULE_FILE "libNorvikKOB${CMAKE_SHARED_LIBRARY_SUFFIX}")
+set(NORVIK_FRAMEWORKS)
+if(NOT NORVIK_COMPAT)
+  set(NORVIK_FRAMEWORKS "-framework IOKit" "-framework CoreFoundation")
+endif()
+configure_file(cmake/NorvikAgentConfig.cmake.in "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake" @ONLY)
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.cmake"
-  COMPATIBILITY SameMinorVersion)
+  COMPATIBILITY SameMajorVersion)
 install(FILES "${CMAKE_BINARY_DIR}/NorvikAgentConfig.cmake"
   "${CMAKE_BINARY_DIR}/NorvikAgentConfigVersion.cmake" DESTINATION lib/cmake/NorvikAgent)
+
+list(JOIN NORVIK_FRAMEWORKS " " NORVIK_FRAMEWORKS)
+foreach(part cxxflags libs)
+  execute_process(COMMAND "${wxWidgets_CONFIG_EXECUTABLE}" --${part} base
+    OUTPUT_VARIABLE NORVIK_WX_${part} OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
+list(TRANSFORM Boost_LIBRARY_DIRS PREPEND -L OUTPUT_VARIABLE NORVIK_BOOST_FOLDERS)
+list(JOIN NORVIK_BOOST_FOLDERS " " NORVIK_BOOST_FOLDERS)
+foreach(name norvik-agent norvik-agent-machine norvik-agent-documents)
+  configure_file(cmake/${name}.pc.in "${CMAKE_BINARY_DIR}/${name}.pc" @ONLY)
+  install(FILES "${CMAKE_BINARY_DIR}/${name}.pc" DESTINATION lib/pkgconfig)
+endforeach()
 
 # The descriptions of the services contain the path of the programs, so they are installed into the
 # system only with a tree at that path. `file(INSTALL)` respects DESTDIR.

@@ -3,6 +3,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/LibraryVersion.h"
 #include "common/action/InventorySchedules.h"
 #include "common/database/DataBase.h"
 #include "common/log/Logger.h"
@@ -194,5 +195,6 @@ void KOBModule::CreateUserActions() {
 
 Norvik::Common::IModule* GetAgentModuleObject(
     const std::weak_ptr<Norvik::Common::ModuleDependencies>& dependencies) {
+  Norvik::Common::RequireLibraryVersion("libNorvikKOB");
   return std::make_unique<Norvik::KOB::KOBModule>(dependencies).release();
 }

@@ -35,7 +35,7 @@ std::string MakeSecretIn(const fs::path& file) {
 }
 
 std::string ReadSecretIn(const fs::path& file) {
-  const std::string secret = Common::ReadTextFile(file);
+  std::string secret = Common::ReadTextFile(file);
   if (secret.size() < LEAST_SECRET) {
     throw UsageError(file.string() + " is no secret: it has less than " +
                      std::to_string(LEAST_SECRET) + " bytes");
@@ -64,7 +64,7 @@ class Targets {
   /// Throws `UsageError` if it cannot be written, or if another document has it.
   fs::path For(const fs::path& file, const RedactedDocuments& documents) {
     if (!isFolder_) return output_;
-    const fs::path target = output_ / (documents.Redacted(file.stem().string()) + ".json");
+    fs::path target = output_ / (documents.Redacted(file.stem().string()) + ".json");
     CheckOutput("--output", target);
     if (!used_.insert(target.string()).second) {
       throw UsageError("two of the documents would be " + target.string());

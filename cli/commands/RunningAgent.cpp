@@ -15,7 +15,7 @@ constexpr std::chrono::seconds LIMIT(10);
 OrderedJson AskRunningAgent(const boost::filesystem::path& socket, const OrderedJson& request,
                             const std::function<void(const std::string& events)>& onEvents) {
   const std::string content = AskAgent(socket, JsonLine(request), LIMIT, onEvents);
-  const auto answer = OrderedJson::parse(content, nullptr, false);
+  auto answer = OrderedJson::parse(content, nullptr, false);
   if (!answer.is_object()) throw std::runtime_error("the agent gave no JSON object");
   const auto error = answer.find("error");
   if (error == answer.end()) return answer;

@@ -107,8 +107,11 @@ std::vector<TableRow> RowsOf(const Names& names, const Records& records, bool is
   for (const Json& record : records) {
     TableRow row;
     for (const std::string& name : names) row.push_back(ReadableValue(name, Member(record, name)));
-    if (isList) rows.push_back(std::move(row));
-    for (std::size_t i = 0; !isList && i < names.size(); ++i) {
+    if (isList) {
+      rows.push_back(std::move(row));
+      continue;
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
       rows.push_back({names[i], CellText(row[i])});
     }
   }

@@ -4,6 +4,7 @@
 
 #include "common/text/Text.h"
 #include "host/data/DataFolder.h"
+#include "host/server/AnswerQueue.h"
 #include "host/server/ServerContact.h"
 #include "host/server/ServerOptions.h"
 #include "host/server/StatusQueue.h"
@@ -86,6 +87,14 @@ OrderedJson WaitingStates(const boost::filesystem::path& dataFolder) {
   return states;
 }
 
+OrderedJson WaitingAnswers(const boost::filesystem::path& dataFolder) {
+  OrderedJson answers = Nothing();
+  for (const auto& [number, waiting] : AnswersIn(dataFolder / ANSWERS_FOLDER)) {
+    Add(answers, waiting.bytes, waiting.since);
+  }
+  return answers;
+}
+
 std::string ServerLines(const OrderedJson& status, system_clock::time_point now) {
   const std::string address = status["server"].get<std::string>();
   std::string text = "server: none\n";
@@ -105,7 +114,8 @@ std::string ServerLines(const OrderedJson& status, system_clock::time_point now)
     }
   }
   return text + WaitingLine("documents", status["waiting"]["documents"], now) +
-         WaitingLine("states of tasks", status["waiting"]["states"], now);
+         WaitingLine("states of tasks", status["waiting"]["states"], now) +
+         WaitingLine("answers of tasks", status["waiting"]["answers"], now);
 }
 
 }  // namespace Norvik::Cli

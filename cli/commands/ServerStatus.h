@@ -27,6 +27,8 @@ OrderedJson ServerState(const Common::CommunicationsInfo& server,
 OrderedJson WaitingDocuments(const OrderedJson& outbox);
 /// Throws a subclass of `std::exception` if the states in the data folder cannot be read.
 OrderedJson WaitingStates(const boost::filesystem::path& dataFolder);
+/// The same for their answers.
+OrderedJson WaitingAnswers(const boost::filesystem::path& dataFolder);
 
 /// The lines for people about both, from the status.
 std::string ServerLines(const OrderedJson& status, std::chrono::system_clock::time_point now);

@@ -58,7 +58,8 @@ std::string CheckContact(const OrderedJson& status, Time now) {
   if (status["server"] == "" || since == 0 || silence <= LONGEST_SILENCE) return "";
   const bool isExpected = FetchesTasksDaily(status) || SecondsOf(contact["failed"]) > last ||
                           status["waiting"]["documents"]["count"] != 0 ||
-                          status["waiting"]["states"]["count"] != 0;
+                          status["waiting"]["states"]["count"] != 0 ||
+                          status["waiting"]["answers"]["count"] != 0;
   return isExpected ? "the server was not reached for " + PeriodText(silence) : "";
 }
 

@@ -219,22 +219,26 @@ OrderedJson GatherData(const CommandLine& line, const fs::path& folder, const Or
   const OrderedJson outbox = FilesIn(Paths(Paths::OUTBOX, false).AppData());
   OrderedJson states = Try(problems, [&] { return WaitingStates(folder); });
   if (states.is_null()) states = WaitingDocuments({});
+  OrderedJson answers = Try(problems, [&] { return WaitingAnswers(folder); });
+  if (answers.is_null()) answers = WaitingDocuments({});
   OrderedJson data = {{"identifier", identity ? OrderedJson(identity->identifier) : OrderedJson()},
                       {"configured", fs::exists(stored)},
                       {"configuredAt", ConfiguredAt(folder)},
                       {"sources", configuration.sources},
                       {"profileId", configuration.values.profileId}};
   data.update(ServerState(communications, identity, ContactOf(database, agent)));
-  data.update({{"deliveryProblem", DeliveryProblem(communications, folder / KEY_FOLDER)},
-               {"waiting", {{"documents", WaitingDocuments(outbox)}, {"states", states}}},
-               {"lastInventory", LastInventory(database.data)},
-               {"fileInventory", database.fileInventory},
-               {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
-               {"outbox", outbox},
-               {"periodic", PeriodicActions(database.data)},
-               {"ledger", database.lastRun},
-               {"disk", SpaceOf(folder)},
-               {"warnings", Warnings(configuration, folder / KEY_FOLDER)}});
+  data.update(
+      {{"deliveryProblem", DeliveryProblem(communications, folder / KEY_FOLDER)},
+       {"waiting",
+        {{"documents", WaitingDocuments(outbox)}, {"states", states}, {"answers", answers}}},
+       {"lastInventory", LastInventory(database.data)},
+       {"fileInventory", database.fileInventory},
+       {"previous", FilesIn(Paths(Paths::PREVIOUS_INVENTORY, false).AppData())},
+       {"outbox", outbox},
+       {"periodic", PeriodicActions(database.data)},
+       {"ledger", database.lastRun},
+       {"disk", SpaceOf(folder)},
+       {"warnings", Warnings(configuration, folder / KEY_FOLDER)}});
   data["problems"] = problems;
   return data;
 }

@@ -56,7 +56,7 @@ std::string ValueNameOf(const CLI::Option& option) {
 }
 
 std::string ManualOf(const CLI::App& program) {
-  const std::string name = program.get_name();
+  const std::string& name = program.get_name();
   std::string text = ".TH NORVIK\\-AGENT 1 \"\" \"" + name + "\" \"User Commands\"\n";
   text += ".SH NAME\n" + Roff(name) + " \\- " + Roff(program.get_description()) + "\n";
   text += ".SH SYNOPSIS\n.B " + Roff(name) + "\n[options] command [arguments]\n.SH COMMANDS\n";

@@ -13,8 +13,9 @@ struct NORVIK_COMMON_API HostInfoProvider {
   static std::string GetHostName();
 };
 
-/// The version of this agent.
-inline constexpr char AGENT_VERSION[] = "9.24.2.0";
+/// The version of this agent, as the caller was compiled. Not `inline`: the loader would give the
+/// whole process one copy.
+constexpr char AGENT_VERSION[] = "9.24.2.0";
 /// The version of the library that is in use, which should be the same.
 NORVIK_COMMON_API std::string GetAgentVersion();
 

@@ -37,6 +37,7 @@ struct ActionSystem::Periodic {
   const std::string label;
   const ModuleAction action;
   AgentData data;
+  std::string task;     ///< its identifier; empty for an action of the agent's own
   std::string doneKey;  ///< empty for a schedule, whose state is removed after its only run
   PeriodicState state;
   bool waiting = false;  ///< for a thread, or for the end of its run
@@ -59,6 +60,7 @@ constexpr char GIVEN_UP[] =
     "the agent has ended twice while this task ran; it is not started again";
 constexpr char ALREADY_PENDING[] =
     "Action %1% does not run: an inventory that contains it is pending";
+constexpr char UNKNOWN_EXCEPTION[] = "unknown exception";
 constexpr std::size_t NAMED = 5;  ///< schedules that one line names
 
 std::string LabelOf(unsigned int code, const ModuleAction& action) {
@@ -69,6 +71,12 @@ ActionResponse Invoke(ModuleAction& action) {
   if (action.handler) return action.handler(action.parameters);
   NORVIK_WARNING("An action has no handler; nothing runs");
   return {};
+}
+
+bool SaysSomething(const ActionResult& result) {
+  const ActionResponse& response = result.response;
+  return !result.failure.empty() || response.text || response.success ||
+         !response.table.Rows().empty();
 }
 
 void Store(AgentData& data, const std::string& key, const PeriodicState& state) {
@@ -106,6 +114,11 @@ void ActionSystem::SetActionFactory(ActionFactory factory) {
 void ActionSystem::SetTaskReporter(TaskReporter reporter) {
   const std::lock_guard<std::mutex> lock(mutex_);
   reporter_ = std::move(reporter);
+}
+
+void ActionSystem::SetAnswerReporter(AnswerReporter reporter) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  answerReporter_ = std::move(reporter);
 }
 
 ActionResponse ActionSystem::RunAction(ModuleAction action) { return Invoke(action); }
@@ -190,6 +203,7 @@ void ActionSystem::AddSchedule(const Schedule& schedule) {
       isInventory ? Lane::Inventories : Lane::Tasks, schedule.code,
       SCHEDULE_KEY_PREFIX + schedule.identifier, std::move(label), std::move(action), scheduleData_,
       ActionTiming{seconds(schedule.when.periodSeconds), schedule.when.NextTime()});
+  entry->task = schedule.identifier;
 
   const std::lock_guard<std::mutex> stateLock(stateMutex_);
   if (const auto known = Find(entry->key)) {
@@ -308,10 +322,24 @@ void ActionSystem::RunPeriodic(const PeriodicPointer& entry, bool isPending,
   if (isPending) {
     NORVIK_DETAIL(boost::format(ALREADY_PENDING) % entry->label);
   } else {
-    RunLogged({entry->lane, entry->code, entry->label, entry->action});
+    ActionResult result = RunLogged({entry->lane, entry->code, entry->label, entry->action});
+    // Before the end of the task: a process that dies before the answer is stored repeats the run.
+    if (!entry->task.empty()) ReportAnswer(*entry, std::move(result));
   }
   inventory.reset();
   End(entry);
+}
+
+void ActionSystem::ReportAnswer(const Periodic& entry, ActionResult result) {
+  if (!SaysSomething(result)) return;
+  AnswerReporter reporter;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    reporter = answerReporter_;
+  }
+  if (!reporter) return;
+  const auto origin = StatusOfTask(entry.action.parameters, TaskResponseInfo::TASK_FINISHED, "");
+  reporter({entry.task, origin.requestId, entry.code, std::move(result)});
 }
 
 bool ActionSystem::Begin(const PeriodicPointer& entry) {
@@ -351,7 +379,7 @@ void ActionSystem::End(const PeriodicPointer& entry) {
   StartDue();
 }
 
-void ActionSystem::RunLogged(const OneShot& shot) {
+ActionResult ActionSystem::RunLogged(const OneShot& shot) {
   const ErrandScope errand(shot.errand);
   const std::string& label = shot.label;
   ModuleAction action = shot.action;
@@ -363,15 +391,19 @@ void ActionSystem::RunLogged(const OneShot& shot) {
     running_.splice(running_.end(), entry);
   }
   NORVIK_DETAIL(boost::format("Action %1% starts") % label);
+  ActionResult result;
   try {
-    Invoke(action);
+    result.response = Invoke(action);
   } catch (const std::exception& error) {
     NORVIK_ERROR(boost::format("Action %1% failed: %2%") % label % error.what());
+    result.failure = *error.what() == '\0' ? UNKNOWN_EXCEPTION : error.what();
   } catch (...) {
-    NORVIK_ERROR(boost::format("Action %1% failed with an unknown exception") % label);
+    NORVIK_ERROR(boost::format("Action %1% failed with an %2%") % label % UNKNOWN_EXCEPTION);
+    result.failure = UNKNOWN_EXCEPTION;
   }
   const std::lock_guard<std::mutex> lock(runningMutex_);
   running_.erase(place);
+  return result;
 }
 
 std::vector<RunningAction> ActionSystem::Running() const {

@@ -21,6 +21,7 @@
 #include "host/actions/HostActions.h"
 #include "host/actions/PendingInventories.h"
 #include "host/actions/PeriodicState.h"
+#include "host/actions/TaskAnswer.h"
 
 namespace Norvik::Host {
 
@@ -58,6 +59,7 @@ class ActionSystem : public HostActions {
  public:
   static constexpr std::size_t THREADS = 4;  ///< at most, of each lane
   using TaskReporter = std::function<void(const Common::TaskResponseInfo&)>;
+  using AnswerReporter = std::function<void(const TaskAnswer&)>;
 
   /// @param scheduleData stores the state of the schedules given to `AddSchedule`
   explicit ActionSystem(Common::AgentData scheduleData,
@@ -71,6 +73,10 @@ class ActionSystem : public HostActions {
   /// To be called before schedules are added. Gets the states of tasks that never reach their
   /// handlers; it must not call back.
   void SetTaskReporter(TaskReporter reporter);
+  /// To be called before schedules are added. Gets what the actions of tasks return, if that says
+  /// something: rows, a text, a success or an exception. It is called on the action's thread, while
+  /// the task still counts as running; it must neither call back nor throw.
+  void SetAnswerReporter(AnswerReporter reporter);
 
   /// A schedule whose identifier is known, from this process or from before a restart, continues if
   /// its period is the same and its time not later; otherwise it replaces the known one.
@@ -136,7 +142,8 @@ class ActionSystem : public HostActions {
                    PendingInventories::Entry inventory);
   bool Begin(const PeriodicPointer& entry);
   void End(const PeriodicPointer& entry);
-  void RunLogged(const OneShot& shot);
+  void ReportAnswer(const Periodic& entry, ActionResult result);
+  ActionResult RunLogged(const OneShot& shot);
   void Post(OneShot shot);
   void PostUnlessPending(OneShot shot);
   void WarnOfLateLanes();
@@ -159,6 +166,7 @@ class ActionSystem : public HostActions {
   bool stopped_ = false;
   Common::ActionFactory factory_;
   TaskReporter reporter_;
+  AnswerReporter answerReporter_;
   /// The time of both clocks when they were last compared.
   std::chrono::system_clock::time_point lastNow_;
   std::chrono::steady_clock::time_point lastSteady_;

@@ -131,7 +131,7 @@ AgentHost::AgentHost(const AgentOptions& options) {
   if (history_) keeping_ = std::make_unique<KeepingScope>(history_, configuration.history);
   AgentParts parts;
   parts.userProcess = options.userProcess;
-  parts.dataBase = OpenDataBase(folder, options.exclusive);
+  parts.dataBase = dataBase_ = OpenDataBase(folder, options.exclusive);
   const auto identity =
       std::make_shared<AgentIdentity>(folder / IDENTITY_FILE, options.exclusive ? uuid : "");
   parts.identity = identity;
@@ -148,9 +148,12 @@ AgentHost::AgentHost(const AgentOptions& options) {
   assembled_ = AssembleModule(options.moduleFile, std::move(parts));
   if (options.userProcess || !options.exclusive) return;
   server_ = MakeServerLink(configuration, hardware, folder, identity, history_, Module(),
-                           AgentData(assembled_->parts.dataBase, AGENT_DATA_TABLE));
+                           AgentData(dataBase_, AGENT_DATA_TABLE));
   communications_->SetServer(server_);
   if (!server_) return;
+  actionSystem_->SetAnswerReporter([weak = std::weak_ptr<ServerLink>(server_)](const auto& answer) {
+    if (const auto server = weak.lock()) server->ReportTaskAnswer(answer);
+  });
   server_->OnTasksListed([weak = std::weak_ptr<ActionSystem>(actionSystem_)](const auto& listed) {
     if (const auto actions = weak.lock()) actions->KeepSchedules(listed);
   });
@@ -171,13 +174,13 @@ ActionResponse AgentHost::Run(unsigned int code, const ActionParameters& paramet
     failure = std::current_exception();
   }
   actionSystem_->WaitIdle();
-  if (server_) server_->SendStatuses();
+  if (server_) server_->SendReports();
   if (failure) std::rethrow_exception(failure);
   return response;
 }
 
 void AgentHost::ResumePeriodicActions() {
-  AgentData data(assembled_->parts.dataBase, AGENT_DATA_TABLE);
+  AgentData data(dataBase_, AGENT_DATA_TABLE);
   for (const ActionName& known : ACTION_NAMES) {
     ModuleAction action = Module().GetAction(known.code, {});
     if (!action.name.empty()) actionSystem_->ResumePeriodic(known.code, std::move(action), data);

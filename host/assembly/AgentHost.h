@@ -4,6 +4,7 @@
 #include <boost/optional.hpp>
 #include <memory>
 
+#include "common/database/AgentDatabase.h"
 #include "common/progress/ProgressListener.h"
 #include "host/actions/ActionSystem.h"
 #include "host/assembly/AssembledModule.h"
@@ -84,13 +85,15 @@ class AgentHost {
   bool StopActions();
 
  private:
-  // Each member needs those above it, so the logger outlives all that log.
+  // Each member needs those above it, so the logger outlives all that log, and the database the
+  // services.
   boost::filesystem::path dataFolder_;
   std::string enrolmentSecret_;
   std::unique_ptr<const DataFolderLock> lock_;
   std::unique_ptr<const LoggerScope> logger_;
   std::shared_ptr<DocumentHistory> history_;
   std::unique_ptr<const KeepingScope> keeping_;
+  std::shared_ptr<Common::AgentDatabase> dataBase_;
   std::shared_ptr<Communications> communications_;
   std::shared_ptr<ActionSystem> actionSystem_;
   std::unique_ptr<const Common::ProgressObserverScope> ledger_;  ///< null if nothing is written

@@ -40,7 +40,14 @@ boost::filesystem::path DefaultModuleFile() {
   return folder / ("libNorvikKOB" + boost::dll::shared_library::suffix().string());
 }
 
-void CheckModule(const boost::filesystem::path& file) { FindEntry(file); }
+void CheckModule(const boost::filesystem::path& file) {
+  const EntryFunction entry = FindEntry(file);
+  try {
+    delete entry({});
+  } catch (const std::bad_weak_ptr&) {
+    // It has compared the versions and then missed the services.
+  }
+}
 
 std::unique_ptr<IModule> LoadModule(const boost::filesystem::path& file,
                                     const std::weak_ptr<ModuleDependencies>& dependencies) {

@@ -11,8 +11,8 @@ namespace Norvik::Host {
 /// The module that belongs to this program: in `lib` next to the folder of the executable.
 boost::filesystem::path DefaultModuleFile();
 
-/// Throws `std::runtime_error` if the file is no module that could be loaded. Makes no object; the
-/// library stays loaded.
+/// Throws `std::runtime_error` if the file is no module that could be loaded, or one for another
+/// version of the common library. Makes no object; the library stays loaded.
 void CheckModule(const boost::filesystem::path& file);
 
 /// Loads a module and creates its object. The library stays loaded until the process ends, because

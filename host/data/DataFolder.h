@@ -16,6 +16,7 @@ boost::filesystem::path HomeFolder();
 inline constexpr char LOCK_FILE[] = "agent.lock";
 inline constexpr char IDENTITY_FILE[] = "identity.json";
 inline constexpr char STATUSES_FILE[] = "statuses.jsonl";
+inline constexpr char ANSWERS_FOLDER[] = "answers";
 inline constexpr char CONFIGURATION_FILE[] = "configuration.json";
 inline constexpr char LOG_FOLDER[] = "log";
 inline constexpr char LOG_FILE[] = "agent.log";

@@ -5,6 +5,7 @@
 #include "host/actions/Clock.h"
 #include "host/data/DataFolder.h"
 #include "host/health/Checks.h"
+#include "host/server/AnswerQueue.h"
 #include "host/server/StatusQueue.h"
 
 namespace Norvik::Host {
@@ -93,14 +94,27 @@ Finding FindLastDelivery(const Examined& examined) {
 
 Finding FindWaitingStates(const Examined& examined) {
   const fs::path file = examined.File(STATUSES_FILE);
-  if (ReadablePresenceOf(file) == Presence::HIDDEN) return UnreadableFinding(file.string());
+  const fs::path folder = examined.File(ANSWERS_FOLDER);
+  for (const fs::path& place : {file, folder}) {
+    if (ReadablePresenceOf(place) == Presence::HIDDEN) return UnreadableFinding(place.string());
+  }
+  std::string text;
+  auto oldest = system_clock::time_point::max();
+  const auto add = [&](std::size_t count, const char* what, std::time_t since) {
+    const auto time = system_clock::from_time_t(since);
+    oldest = std::min(oldest, time);
+    text += (text.empty() ? "" : "; ") + std::to_string(count) + what + " wait, the oldest for " +
+            AgeText(examined, time);
+  };
   const StatusQueue queue(file, std::make_shared<Clock>());
-  const std::size_t count = queue.First(StatusQueue::LIMIT).size();
-  if (count == 0) return {Outcome::OK, "none waits"};
-  const auto oldest = nlohmann::json::parse(queue.First(1).front().json);
-  const auto since = system_clock::from_time_t(oldest.value("time", std::time_t{0}));
-  return {OutcomeOfWait(examined, since),
-          std::to_string(count) + " states wait, the oldest for " + AgeText(examined, since)};
+  if (const std::size_t count = queue.First(StatusQueue::LIMIT).size(); count != 0) {
+    const auto first = nlohmann::json::parse(queue.First(1).front().json);
+    add(count, " states", first.value("time", std::time_t{0}));
+  }
+  const WaitingAnswers answers = AnswersIn(folder);
+  if (!answers.empty()) add(answers.size(), " answers", answers.begin()->second.since);
+  if (text.empty()) return {Outcome::OK, "none waits"};
+  return {OutcomeOfWait(examined, oldest), text};
 }
 
 }  // namespace Norvik::Host

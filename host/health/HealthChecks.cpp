@@ -69,7 +69,7 @@ const std::vector<HealthCheck>& HealthChecks() {
        "see the checks of the server and of its key", NONE, FindOutbox},
       {"last-delivery", "The document of the last machine inventory is sent",
        "see the checks of the server and of its key", NONE, FindLastDelivery},
-      {"waiting-states", "No state of a task waits for more than a day",
+      {"waiting-states", "No state or answer of a task waits for more than a day",
        "see the checks of the server", NONE, FindWaitingStates},
 
       {"server-name", "The name of the server is resolved",

@@ -27,7 +27,7 @@ void ForgetOtherMachine(const fs::path& folder, const std::string& platformUuid)
   for (const auto type : {Paths::WORK, Paths::PREVIOUS_INVENTORY, Paths::OUTBOX}) {
     fs::remove_all(Paths(type, false).AppData());
   }
-  fs::remove_all(folder / HISTORY_FOLDER);
+  for (const char* const name : {HISTORY_FOLDER, ANSWERS_FOLDER}) fs::remove_all(folder / name);
   for (const char* const name :
        {STATUSES_FILE, SQLiteNames::SQLITE_CURRENT_DATABASE_NAME,
         SQLiteNames::SQLITE_WRITE_AHEAD_LOG_FILE, SQLiteNames::SQLITE_SHARED_MEMORY_FILE}) {

@@ -3,16 +3,10 @@
 #include <string>
 
 #include "common/action/ActionParameters.h"
-#include "common/action/ActionResponse.h"
 #include "host/OutputText.h"
+#include "host/actions/ActionResult.h"
 
 namespace Norvik::Host {
-
-/// How an action ended.
-struct ActionResult {
-  Common::ActionResponse response;
-  std::string failure;  ///< text of what the handler threw; empty if it returned
-};
 
 /// A cell of a response's table: numbers and booleans as such, everything else as text.
 OrderedJson CellToJson(const Common::ActionPropertyValue& value);

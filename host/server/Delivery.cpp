@@ -17,6 +17,8 @@ using Common::OnOneLine;
 
 constexpr char STATUSES[] = "statuses";
 constexpr char STATUSES_TEXT[] = "the states of tasks";
+constexpr char ANSWERS[] = "answers";
+constexpr char ANSWERS_TEXT[] = "the answers of tasks";
 
 double SecondsOf(std::chrono::milliseconds time) {
   return std::chrono::duration<double>(time).count();
@@ -25,12 +27,15 @@ double SecondsOf(std::chrono::milliseconds time) {
 }  // namespace
 
 Delivery::Delivery(const ServerOptions& options, std::shared_ptr<ServerSession> session,
-                   std::shared_ptr<StatusQueue> queue, const std::atomic<bool>& stopped)
+                   std::shared_ptr<StatusQueue> queue, std::shared_ptr<AnswerQueue> answers,
+                   const std::atomic<bool>& stopped)
     : options_(options),
       stopped_(stopped),
       session_(std::move(session)),
       queue_(std::move(queue)),
+      answerQueue_(std::move(answers)),
       statuses_(session_, queue_),
+      answers_(session_, answerQueue_),
       sender_(session_, options.dataFolder / KEY_FOLDER, options.history, stopped_),
       files_(options.outbox, options.extensions, options.clock),
       client_(session_->NewClient()),
@@ -41,7 +46,9 @@ Delivery::TimePoint Delivery::Round() {
   // Before the server is asked: it may not answer.
   HasServerKey();
   const bool isAllowed = !stopped_ && server_.IsDue() && HasWork();
-  if (isAllowed && Enrol() && DeliverStatuses() && DeliverFiles()) server_.Succeeded();
+  if (isAllowed && Enrol() && DeliverStatuses() && DeliverAnswers() && DeliverFiles()) {
+    server_.Succeeded();
+  }
   if (stopped_) return TimePoint::max();
   const TimePoint next = NextTry();
   const bool waits = next != TimePoint::max();
@@ -52,7 +59,7 @@ Delivery::TimePoint Delivery::Round() {
 
 bool Delivery::HasWork() const {
   return options_.identity->Get().server != session_->Origin() || !queue_->IsEmpty() ||
-         !files_.List().empty();
+         !answerQueue_->IsEmpty() || !files_.List().empty();
 }
 
 bool Delivery::Enrol() {
@@ -65,6 +72,11 @@ bool Delivery::Enrol() {
 bool Delivery::DeliverStatuses() {
   if (queue_->IsEmpty() || IsHeldUp(STATUSES)) return true;
   return Record(STATUSES, STATUSES_TEXT, statuses_.Send(*client_));
+}
+
+bool Delivery::DeliverAnswers() {
+  if (answerQueue_->IsEmpty() || IsHeldUp(ANSWERS)) return true;
+  return Record(ANSWERS, ANSWERS_TEXT, answers_.Send(*client_));
 }
 
 /// Logs each change of the answer.
@@ -93,15 +105,24 @@ bool Delivery::DeliverFiles() {
   return true;
 }
 
-bool Delivery::SendStatuses(HttpClient& client) {
-  const Attempt attempt = statuses_.Send(client);
-  if (!stopped_) options_.contact->Record(STATUSES, attempt);
-  if (attempt.result == Attempt::Result::Acknowledged) return true;
-  if (!stopped_) {
-    NORVIK_WARNING(boost::format("The server %1% has not acknowledged %2%: it %3%") %
-                   session_->Origin() % STATUSES_TEXT % attempt.reason);
+bool Delivery::SendReports(HttpClient& client) {
+  using Result = Attempt::Result;
+  if (!queue_->IsEmpty() &&
+      RecordReport(STATUSES, STATUSES_TEXT, statuses_.Send(client)) != Result::Acknowledged) {
+    return false;
   }
-  return false;
+  // What was refused must not be sent with each question: the next round knows its wait.
+  if (answerQueue_->IsEmpty() || answers_.IsRefused()) return true;
+  return RecordReport(ANSWERS, ANSWERS_TEXT, answers_.Send(client)) != Result::ServerFailed;
+}
+
+Attempt::Result Delivery::RecordReport(const char* kind, const char* what, const Attempt& attempt) {
+  if (!stopped_) options_.contact->Record(kind, attempt);
+  if (attempt.result != Attempt::Result::Acknowledged && !stopped_) {
+    NORVIK_WARNING(boost::format("The server %1% has not acknowledged %2%: it %3%") %
+                   session_->Origin() % what % attempt.reason);
+  }
+  return attempt.result;
 }
 
 /// Returns whether the round may continue. A stop of the agent is no failure of the server.

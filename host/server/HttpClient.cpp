@@ -157,12 +157,12 @@ void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
   curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
 }
 
-void SetLimits(CURL* handle, const ServerLimits& limits, std::uint64_t fileSize) {
-  const milliseconds forFile(fileSize * 1000 / std::max<std::size_t>(limits.bytesPerSecond, 1));
+void SetLimits(CURL* handle, const ServerLimits& limits, std::uint64_t bodySize) {
+  const std::chrono::seconds forBody(bodySize / std::max<std::size_t>(limits.bytesPerSecond, 1));
   const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits.request);
   Set(handle, CURLOPT_NOSIGNAL, 1L);
   Set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
-  Set(handle, CURLOPT_TIMEOUT_MS, static_cast<long>((limits.request + forFile).count()));
+  Set(handle, CURLOPT_TIMEOUT_MS, static_cast<long>((limits.request + forBody).count()));
   Set(handle, CURLOPT_LOW_SPEED_LIMIT, SLOWEST_BYTES_PER_SECOND);
   Set(handle, CURLOPT_LOW_SPEED_TIME, static_cast<long>(seconds.count()));
 }
@@ -261,7 +261,7 @@ HttpAnswer HttpClient::Send(const HttpRequest& request) {
 
     curl_easy_reset(handle);
     SetServer(handle, origin_ + request.path, scheme_, caFile_);
-    SetLimits(handle, limits_, request.fileSize);
+    SetLimits(handle, limits_, request.file ? request.fileSize : request.body.size());
     SetBody(handle, transfer);
     SetCallbacks(handle, transfer);
     // Not every TLS library has it.

@@ -51,8 +51,9 @@ void Assign(const HttpAnswer& answer, IRestResponse& response) {
 ServerLink::ServerLink(const ServerOptions& options)
     : contact_(options.contact),
       statuses_(std::make_shared<StatusQueue>(options.dataFolder / STATUSES_FILE, options.clock)),
+      answers_(std::make_shared<AnswerQueue>(options.dataFolder / ANSWERS_FOLDER, options.clock)),
       session_(std::make_shared<ServerSession>(options, stopped_)),
-      delivery_(options, session_, statuses_, stopped_),
+      delivery_(options, session_, statuses_, answers_, stopped_),
       thread_([this] { return delivery_.Round(); }, options.clock) {
   // Files that another process has left must not be replaced by those of this one.
   delivery_.NumberNewFiles();
@@ -71,18 +72,18 @@ void ServerLink::Stop() {
   contact_->Flush();
 }
 
-bool ServerLink::SendStatuses() {
-  if (statuses_->IsEmpty()) return true;
+bool ServerLink::SendReports() {
+  if (statuses_->IsEmpty() && answers_->IsEmpty()) return true;
   const auto client = session_->NewClient();
   boost::optional<std::chrono::seconds> retryAfter;
-  return session_->Enrol(*client, retryAfter) && delivery_.SendStatuses(*client);
+  return session_->Enrol(*client, retryAfter) && delivery_.SendReports(*client);
 }
 
 bool ServerLink::ProcessMessage(const IRestRequest& request, IRestResponse& response) {
   NORVIK_SCOPE();
   const bool forTasks = IsForTasks(request);
-  // The server would send a task again whose state it does not know yet.
-  if (forTasks && !SendStatuses()) return false;
+  // The server would send a task again whose state or answer it does not know yet.
+  if (forTasks && !SendReports()) return false;
   try {
     const auto client = session_->NewClient();
     boost::optional<std::chrono::seconds> retryAfter;
@@ -116,6 +117,11 @@ void ServerLink::ReportTaskStatuses(const std::vector<TaskResponseInfo>& statuse
                });
   if (ofTasks.empty()) return;
   statuses_->Add(ofTasks);
+  thread_.Wake();
+}
+
+void ServerLink::ReportTaskAnswer(const TaskAnswer& answer) {
+  answers_->Add(answer);
   thread_.Wake();
 }
 

@@ -10,6 +10,7 @@
 
 #include "common/rest/ICommunicationSystem.h"
 #include "common/rest/PendingTasks.h"
+#include "host/server/AnswerQueue.h"
 #include "host/server/Delivery.h"
 #include "host/server/PacedThread.h"
 #include "host/server/ServerOptions.h"
@@ -22,14 +23,15 @@ namespace Norvik::Host {
 /// At most one per data folder, in the service. Safe on any thread.
 ///
 /// Questions are sent on the caller's thread, also before `Start`. States of tasks wait in a file
-/// of the data folder; between `Start` and `Stop` they and the files of the outbox are delivered by
-/// a thread that sleeps while there is nothing to do.
+/// of the data folder, their answers in a folder; between `Start` and `Stop` they and the files of
+/// the outbox are delivered by a thread that sleeps while there is nothing to do.
 class ServerLink : public Common::ICommunicationSystem {
  public:
   /// Gets the identifiers of all tasks in an answer.
   using TasksListed = std::function<void(const std::set<std::string>& identifiers)>;
 
-  /// Sends nothing. Throws a subclass of `std::exception` if the waiting states cannot be read.
+  /// Sends nothing. Throws a subclass of `std::exception` if the waiting states or answers cannot
+  /// be read.
   explicit ServerLink(const ServerOptions& options);
   ServerLink(const ServerLink&) = delete;
   ServerLink& operator=(const ServerLink&) = delete;
@@ -45,9 +47,9 @@ class ServerLink : public Common::ICommunicationSystem {
   /// Ends the delivery and every pending question without waiting for the server. Items that are
   /// not acknowledged stay. Later questions fail. Final.
   void Stop();
-  /// Sends the waiting states on this thread, for a process that never starts the delivery. False
-  /// if some still wait.
-  bool SendStatuses();
+  /// Sends the waiting states and answers on this thread, for a process that never starts the
+  /// delivery. False if some still wait, other than answers that the server refuses.
+  bool SendReports();
 
   /// Sends a question and waits for the answer. False after a failure, which is logged in one line.
   bool ProcessMessage(const Common::IRestRequest& request,
@@ -56,6 +58,8 @@ class ServerLink : public Common::ICommunicationSystem {
   void ReportTaskStatus(const Common::TaskResponseInfo& status) override;
   void ReportTaskStatuses(const std::vector<Common::TaskResponseInfo>& statuses) override;
   void NewFileOnOutbox() override;
+  /// Queues an answer for the server. It is on the disk when this returns. Throws nothing.
+  void ReportTaskAnswer(const TaskAnswer& answer);
 
  private:
   void List(const Common::PendingTasksResponse& answer);
@@ -65,6 +69,7 @@ class ServerLink : public Common::ICommunicationSystem {
   std::atomic<bool> stopped_{false};
   const std::shared_ptr<ServerContact> contact_;
   const std::shared_ptr<StatusQueue> statuses_;
+  const std::shared_ptr<AnswerQueue> answers_;
   const std::shared_ptr<ServerSession> session_;
   Delivery delivery_;
   PacedThread thread_;

@@ -20,7 +20,7 @@ namespace Norvik::Host {
 /// Limits for any server, and the waits after its failures.
 struct ServerLimits {
   std::chrono::milliseconds connect{15'000};
-  /// For a request and its answer. A file adds the time that it takes at `bytesPerSecond`.
+  /// For a request and its answer. A body adds the time that it takes at `bytesPerSecond`.
   std::chrono::milliseconds request{60'000};
   std::size_t bytesPerSecond = 4096;
   std::size_t answerBytes = 1 << 20;

@@ -49,7 +49,7 @@ for folder in "$home/bin" "$home/lib" "$home/$shared" "${service_file%/*}" "${us
 done
 rm -rf "$new"
 mkdir -m 700 "$new" || fail "$home cannot be written"
-for file in bin/norvik-agent lib/libNorvikAgentCommon.dylib lib/libNorvikKOB.dylib UninstallAgent.sh; do
+for file in bin/norvik-agent lib/libNorvikAgentCommon.9.dylib lib/libNorvikKOB.dylib UninstallAgent.sh; do
   copy "$file" 755
 done
 copy "${shared%/macos}/installed-files" 644
@@ -60,7 +60,7 @@ stop_services || fail "the old service does not stop"
 # First, so that what a cut leaves can be removed.
 put installed-files "$home/${shared%/macos}"
 put norvik-agent "$home/bin"
-put libNorvikAgentCommon.dylib "$home/lib"
+put libNorvikAgentCommon.9.dylib "$home/lib"
 put libNorvikKOB.dylib "$home/lib"
 put UninstallAgent.sh "$home"
 put services.sh "$home/$shared"

@@ -13,7 +13,7 @@ TextList ChecksOf(const Json& values) {
   OrderedJson status = OrderedJson::parse(R"({
       "problems": [], "deliveryProblem": "", "server": "a.example", "configuredAt": 0,
       "contact": {"last": {"seconds": 99999}, "failed": null, "refused": {}},
-      "waiting": {"documents": {"count": 0}, "states": {"count": 0}},
+      "waiting": {"documents": {"count": 0}, "states": {"count": 0}, "answers": {"count": 0}},
       "disk": {"freeBytes": 900000000, "bytes": 1000000000}, "periodic": []})");
   status.merge_patch(OrderedJson::parse(values.dump()));
   TextList checks;

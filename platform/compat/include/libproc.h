@@ -4,10 +4,6 @@
 
 #include <stdint.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
 #define PROC_ALL_PIDS 1
 #define PROC_PIDPATHINFO_MAXSIZE 4096
 #define RUSAGE_INFO_V2 2
@@ -43,7 +39,3 @@ int proc_name(int pid, void* buffer, uint32_t buffersize);
 int proc_pidpath(int pid, void* buffer, uint32_t buffersize);
 /// Only the footprint is filled in; everything else is zero.
 int proc_pid_rusage(int pid, int flavor, rusage_info_t* buffer);
-
-#ifdef __cplusplus
-}
-#endif

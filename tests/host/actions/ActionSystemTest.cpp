@@ -278,6 +278,40 @@ TEST_F(ActionSystemTest, AStopGivesUpOnWhatDoesNotEndAndCanNameIt) {
   EXPECT_TRUE(system_->Running().empty());
 }
 
+TEST_F(ActionSystemTest, AnAnswerIsGivenForATaskThatSaysSomethingBeforeTheTaskEnds) {
+  ActionResponse listed, refused, done;
+  listed.table.AddNewRow();
+  refused.text = "no";
+  done.success = true;
+  TextList answers;
+  system_->SetAnswerReporter([&](const TaskAnswer& answer) {
+    const ActionResult& result = answer.result;
+    answers.push_back(answer.taskIdentifier + " " + answer.requestId + " " +
+                      std::to_string(answer.code) + result.failure +
+                      result.response.text.get_value_or(""));
+    EXPECT_EQ(Stored(SCHEDULE_KEY_PREFIX + answer.taskIdentifier), "0 1000000 1000000");
+  });
+  const auto run = [&](const std::string& task, const ActionHandler& handler) {
+    ModuleAction action = Action({});
+    action.handler = handler;
+    ActionParameters parameters;
+    parameters.Set(COMMON_PARAMETER_REQUEST_ID, std::string("r"));
+    action.parameters = parameters;
+    system_->SetActionFactory([&](unsigned int, const ActionParameters&) { return action; });
+    system_->AddSchedule({task, CODE, parameters, {0, START}});
+    system_->RunOneShot(CODE, action, seconds(0));
+    system_->WaitIdle();
+  };
+  run("silent", [](auto&) { return ActionResponse(); });
+  for (const ActionResponse& response : {listed, refused, done}) {
+    run("says", [response](auto&) { return response; });
+  }
+  run("throws", [](auto&) -> ActionResponse { throw std::runtime_error("broken"); });
+  run("throws", [](auto&) -> ActionResponse { throw 7; });
+  EXPECT_THAT(answers, ElementsAre("says r 1041", "says r 1041no", "says r 1041",
+                                   "throws r 1041broken", "throws r 1041unknown exception"));
+}
+
 TEST_F(ActionSystemTest, ATaskThatAStopDoesNotWaitForHasNotKilledTheProcess) {
   LongWork endless;
   system_->SetActionFactory(

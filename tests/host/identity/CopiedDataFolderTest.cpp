@@ -19,7 +19,7 @@ std::string AfterStartOn(const std::string& uuid, const std::string& madeOn) {
   const std::string former = Host::AgentIdentity(file, madeOn).Get().identifier;
   for (const char* name :
        {"outbox/m.jsonkob", "previous/m.jsonkob", "keys/agent.key", "Agent.9.24.2.0.sqlite3",
-        "statuses.jsonl", "configuration.json", "history/m.jsonkob"}) {
+        "statuses.jsonl", "configuration.json", "history/m.jsonkob", "answers/1.json"}) {
     fs::create_directories((folder / name).parent_path());
     WriteFile(folder / name, "x");
   }
@@ -32,10 +32,10 @@ std::string AfterStartOn(const std::string& uuid, const std::string& madeOn) {
 
 TEST(CopiedDataFolder, GetsANewIdentityAndKeepsOnlyConfigurationAndKeys) {
   EXPECT_EQ(AfterStartOn("B", "A"), "new 3 B 1");
-  EXPECT_EQ(AfterStartOn("A", "A"), "same 8 A 0");
-  EXPECT_EQ(AfterStartOn("a", "A"), "same 8 A 0");
-  EXPECT_EQ(AfterStartOn("", "A"), "same 8 A 0");
-  EXPECT_EQ(AfterStartOn("A", ""), "same 8 A 0");
+  EXPECT_EQ(AfterStartOn("A", "A"), "same 9 A 0");
+  EXPECT_EQ(AfterStartOn("a", "A"), "same 9 A 0");
+  EXPECT_EQ(AfterStartOn("", "A"), "same 9 A 0");
+  EXPECT_EQ(AfterStartOn("A", ""), "same 9 A 0");
 }
 
 }  // namespace

@@ -23,9 +23,11 @@ class ManagementServer {
     int enrolmentStatus = 0;  ///< the answer to an enrolment; 0: it enrols the agent
     std::map<std::string, std::string> agents;  ///< the authorization of each enrolled agent
     std::function<void()> onKept;               ///< called after each request that was stored
-    /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "tasks {...}".
+    /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "answers 1011
+    /// text" (the text of null is "-"), "tasks {...}".
     TextList requests;
     std::string enrolment;  ///< the body of the last one
+    std::string answer;     ///< the last answer of a task, as it was sent
     bool closing = false;
   };
 
@@ -116,6 +118,13 @@ class ManagementServer {
         line += " " + std::to_string(status.at("status").get<int>());
         answer = {{"acknowledged", status.at("id")}};
       }
+    } else if (resource == "answers") {
+      const PlainJson sent = PlainJson::parse(request.body);
+      const PlainJson& text = sent.at("text");
+      line = resource + " " + sent.at("code").dump() + " " +
+             (text.is_null() ? "-" : text.get<std::string>());
+      answer = {{"acknowledged", sent.at("id")}};
+      state_.answer = request.body;
     } else if (resource.rfind("files/", 0) == 0) {
       line = "files " + request.get_header_value("Norvik-File-Name") + " " + request.body.substr(9);
       answer = {{"sha256", resource.substr(6)}, {"size", request.body.size()}};

@@ -9,6 +9,7 @@
 #include "common/files/SealingKeys.h"
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
+#include "host/server/AnswerText.h"
 #include "host/server/ManagementServer.h"
 #include "platform/SystemChanges.h"
 #include "support/FakeActionClock.h"
@@ -40,6 +41,12 @@ TaskResponseInfo StatusOf(const std::string& requestId) {
   return status;
 }
 
+TaskAnswer AnswerOf(const std::string& text) {
+  TaskAnswer answer{"t1", "r1", 1011, {}};
+  answer.result.response.text = text;
+  return answer;
+}
+
 const std::string SEAL = "NRVKSEAL\x01";
 
 /// A server, and the agent's side of the connection to it, with an outbox of two kinds of files.
@@ -62,8 +69,9 @@ struct DeliverySetup {
   void Restart() {
     options.identity = std::make_shared<AgentIdentity>(folder / "identity.json");
     queue = std::make_shared<StatusQueue>(folder / "statuses.jsonl", clock);
+    answers = std::make_shared<AnswerQueue>(folder / "answers", clock);
     const auto session = std::make_shared<ServerSession>(options, stopped);
-    delivery = std::make_unique<Delivery>(options, session, queue, stopped);
+    delivery = std::make_unique<Delivery>(options, session, queue, answers, stopped);
   }
   void Put(const std::string& name, const std::string& content) {
     WriteFile(options.outbox / name, content);
@@ -71,6 +79,9 @@ struct DeliverySetup {
   }
   void PutSealed(const std::string& name, const std::string& content) { Put(name, SEAL + content); }
   void Report(const std::string& requestId) { queue->Add({StatusOf(requestId)}); }
+  void Answer(const std::string& text) { answers->Add(AnswerOf(text)); }
+  /// The file of the oldest waiting answer.
+  fs::path AnswerFile() const { return answers->First().value().file; }
   void PutServerKey() {
     fs::create_directories(keys);
     SealingKeys(folder / "server").ForSealing();
@@ -120,6 +131,7 @@ struct DeliverySetup {
   std::atomic<bool> stopped{false};
   ServerOptions options;
   std::shared_ptr<StatusQueue> queue;
+  std::shared_ptr<AnswerQueue> answers;
   std::unique_ptr<Delivery> delivery;
 };
 
@@ -138,6 +150,9 @@ class Deliveries : public StepsTest, public DeliverySetup {
     Verb("put for nobody", &DeliverySetup::PutSealedToOwnKey);
     Verb("server opens", [this] { return LastOpened(); });
     Verb("status", &DeliverySetup::Report);
+    Verb("answer", &DeliverySetup::Answer);
+    Verb("damage answer", [this](const std::string& text) { WriteFile(AnswerFile(), text); });
+    Verb("waiting answers", [this] { return FilesBelow(folder / "answers").size(); });
     Verb("restart", &DeliverySetup::Restart);
     Verb("server", &DeliverySetup::Break);
     Verb("pass", [this](long time) { clock->Move(seconds(time)); });
@@ -165,13 +180,20 @@ TEST(Delivery, LosesNothingToABadServerAndReportsItInOneLine) {
     SCOPED_TRACE(row["name"]);
     DeliverySetup setup;
     setup.PutSealed("m.jsonkob", "one");
-    setup.Report("a");
+    const std::string concerned = row["fault"].value("resource", "");
+    // What is concerned is sent first: a failure of the server ends the round.
+    if (concerned == "answers") {
+      setup.Answer("one");
+    } else {
+      setup.Report("a");
+    }
     setup.Break(row);
     const LogCapture log;
     EXPECT_GT(setup.Round(), 4.9);
-    const std::string concerned = row["fault"].value("resource", "");
-    EXPECT_THAT(setup.Waiting(), SizeIs(concerned == "statuses" ? 0 : 1));
-    EXPECT_EQ(setup.queue->IsEmpty(), concerned == "files");
+    const bool goesOn = row.value("goes on", concerned == "statuses");
+    EXPECT_THAT(setup.Waiting(), SizeIs(goesOn ? 0 : 1));
+    EXPECT_EQ(setup.queue->IsEmpty(), concerned == "files" || concerned == "answers");
+    EXPECT_EQ(setup.answers->IsEmpty(), concerned != "answers");
     EXPECT_THAT(log.Texts(3),
                 ElementsAre(AllOf(HasSubstr("The server " + setup.options.Origin() + " "),
                                   HasSubstr(row["reason"].get<std::string>()))));
@@ -179,8 +201,98 @@ TEST(Delivery, LosesNothingToABadServerAndReportsItInOneLine) {
     setup.clock->Move(10s);
     EXPECT_EQ(setup.Round(), -1);
     EXPECT_THAT(setup.Waiting(), SizeIs(0));
-    EXPECT_TRUE(setup.queue->IsEmpty());
+    EXPECT_TRUE(setup.queue->IsEmpty() && setup.answers->IsEmpty());
   }
+}
+
+/// A table of these rows, each a list of cells; the first row may be titles.
+TaskAnswer TableOf(const Json& rows, bool titles) {
+  TaskAnswer answer{"7f0c", "12", 1011, {}};
+  auto& table = answer.result.response.table;
+  table.HasTitles(titles);
+  for (const Json& row : rows) {
+    table.AddNewRow();
+    for (const Json& cell : row) {
+      if (cell.is_boolean()) table.AddCellToLastRow(cell.get<bool>());
+      if (cell.is_number_integer()) table.AddCellToLastRow(cell.get<int>());
+      if (cell.is_number_float()) table.AddCellToLastRow(cell.get<double>());
+      if (cell.is_string()) table.AddCellToLastRow(cell.get<std::string>());
+    }
+  }
+  return answer;
+}
+
+/// What arrives of an answer, without its id and its time.
+PlainJson Arrived(const Json& given) {
+  TaskAnswer answer = TableOf(PartOf(given, "rows"), given.value("titles", false));
+  if (given.contains("text")) answer.result.response.text = given["text"].get<std::string>();
+  answer.result.response.success = given.value("success", false);
+  answer.result.response.result = given.value("result", 0);
+  answer.result.failure = given.value("failure", "");
+  DeliverySetup setup;
+  setup.answers->Add(answer);
+  const std::string id = setup.answers->First().value().id;
+  EXPECT_EQ(setup.Round(), -1);
+  PlainJson arrived;
+  setup.server.Set([&](State& state) { arrived = PlainJson::parse(state.answer); });
+  EXPECT_EQ(arrived["id"], id);
+  EXPECT_EQ(arrived["time"], START);
+  arrived.erase("id");
+  arrived.erase("time");
+  return arrived;
+}
+
+TEST(AnswerOfATask, ArrivesWithAllThatTheActionSaid) { ExpectRows(Cases("answers"), Arrived); }
+
+TEST(AnswerOfATask, IsCutAfterAWholeRowOrCharacter) {
+  const std::string kilobyte(1024, 'x');
+  const auto sent = [](const TaskAnswer& answer) {
+    const std::string text = AnswerText(std::string(36, 'a'), answer, {});
+    EXPECT_THAT(text.size(), AllOf(Le(LARGEST_ANSWER), Gt(LARGEST_ANSWER - 2048)));
+    const PlainJson json = PlainJson::parse(text);
+    EXPECT_EQ(json["truncated"], true);
+    return json;
+  };
+  const PlainJson table = sent(TableOf(Json(9000, {1, kilobyte}), true));
+  EXPECT_THAT(table["rows"], AllOf(SizeIs(Gt(8000u)), SizeIs(Lt(8192u)), Each(SizeIs(2))));
+  for (const char* unit : {"\xE2\x82\xAC", "\n", "\x01", "\xFF"}) {
+    std::string text = "a";
+    while (text.size() < LARGEST_ANSWER + 10) text += unit;
+    TaskAnswer answer = TableOf({{"Name"}, {"row"}}, true);
+    answer.result.response.text = text;
+    const PlainJson json = sent(answer);
+    EXPECT_THAT(json["rows"], SizeIs(0));
+    const std::string left = json["text"];
+    EXPECT_EQ(*unit == '\xFF' ? left.substr(1, 3) : text.substr(0, left.size()),
+              *unit == '\xFF' ? "\xEF\xBF\xBD" : left);
+  }
+  const std::string whole = AnswerText("i", TableOf(Json(20, {kilobyte}), false), {}, 32 << 10);
+  EXPECT_THAT(PlainJson::parse(whole)["rows"], SizeIs(20));
+}
+
+TEST(AnswerQueue, IsBoundedByNumberAndSizeAndNumbersOn) {
+  const TemporaryFolder folder;
+  const auto place = folder / "answers";
+  const auto clock = std::make_shared<FakeActionClock>(START);
+  const LogCapture log;
+  AnswerQueue queue(place, clock, {3, 2000});
+  EXPECT_FALSE(fs::exists(place)) << "made with the first answer";
+  for (const char* text : {"a", "b", "c", "d", "e"}) queue.Add(AnswerOf(text));
+  EXPECT_THAT(log.Texts(2), ElementsAre(HasSubstr("the oldest 1 are dropped")));
+  EXPECT_EQ(fs::status(queue.First()->file).permissions(), fs::owner_read | fs::owner_write);
+  WriteFile(place / "7-notes.json", "x");
+  clock->Move(60s);
+  queue.Add(AnswerOf(std::string(1700, 'x')));
+  EXPECT_THAT(AnswersIn(place), ElementsAre(Pair(6, _)));
+  EXPECT_THAT(log.Texts(2), ElementsAre(_, HasSubstr("the oldest 4 are dropped")));
+  AnswerQueue(place, clock).Add(AnswerOf("next"));
+  EXPECT_THAT(AnswersIn(place), ElementsAre(Pair(6, _), Pair(7, _)));
+  AnswerQueue smaller(place, clock, {1, 2000});
+  EXPECT_THAT(AnswersIn(place), ElementsAre(Pair(7, _)));
+  fs::remove_all(place);
+  WriteFile(place, "no folder");
+  smaller.Add(AnswerOf("lost"));
+  EXPECT_THAT(log.Texts(2).back(), HasSubstr("task t1 could not be stored and is lost"));
 }
 
 TEST(ServerLink, DeliversFromStartToStopAndSleepsInBetween) {
@@ -188,17 +300,21 @@ TEST(ServerLink, DeliversFromStartToStopAndSleepsInBetween) {
   ServerLink link(setup.options);
   WriteFile(setup.options.outbox / "m.jsonkob", SEAL + "one");
   link.NewFileOnOutbox();
+  link.ReportTaskAnswer(AnswerOf("one"));
   link.ReportTaskStatus(StatusOf("first"));
   link.ReportTaskStatus(StatusOf(""));
   EXPECT_THAT(setup.server.Requests(), SizeIs(0));
   link.Start();
-  ASSERT_TRUE(setup.server.WaitForRequests(3));
+  ASSERT_TRUE(setup.server.WaitForRequests(4));
+  link.ReportTaskAnswer(AnswerOf("two"));
+  ASSERT_TRUE(setup.server.WaitForRequests(5));
   WriteFile(setup.options.outbox / "m.jsonkob", SEAL + "two");
   link.NewFileOnOutbox();
-  ASSERT_TRUE(setup.server.WaitForRequests(4));
+  ASSERT_TRUE(setup.server.WaitForRequests(6));
   link.Stop();
   EXPECT_THAT(setup.server.Requests(),
-              ElementsAre("enrol", "statuses 7", "files m.jsonkob one", "files m.jsonkob two"));
+              ElementsAre("enrol", "statuses 7", "answers 1011 one", "files m.jsonkob one",
+                          "answers 1011 two", "files m.jsonkob two"));
 }
 
 TEST(ServerLink, AStopDoesNotWaitForTheServer) {
@@ -260,6 +376,27 @@ TEST(ServerLink, SendsTheStatesOfTasksBeforeItAsksForMore) {
   const std::string tasks = R"(tasks {"agentIdentifier":"agent","product":1})";
   EXPECT_THAT(setup.server.Requests(),
               ElementsAre("enrol", message, message, "statuses 7", tasks, tasks, tasks, tasks));
+}
+
+TEST(ServerLink, SendsAnswersBeforeItAsksForTasksUnlessTheyAreRefused) {
+  DeliverySetup setup;
+  ServerLink link(setup.options);
+  PendingTasksResponse answer;
+  const auto ask = [&](const Json& fault) {
+    setup.Break({{"fault", fault}});
+    return link.ProcessMessage(PendingTasksRequest(), answer);
+  };
+  link.ReportTaskAnswer(AnswerOf("one"));
+  EXPECT_FALSE(ask({{"status", 500}, {"resource", "answers"}}));
+  EXPECT_TRUE(ask({{"status", 404}, {"resource", "answers"}}));
+  EXPECT_TRUE(ask(Json::object())) << "a refused answer waits for its time";
+  EXPECT_TRUE(link.SendReports());
+  const std::string tasks = R"(tasks {"agentIdentifier":"","product":1})";
+  EXPECT_THAT(setup.server.Requests(), ElementsAre("enrol", tasks, tasks));
+  ServerLink next(setup.options);
+  EXPECT_TRUE(next.ProcessMessage(PendingTasksRequest(), answer));
+  EXPECT_THAT(setup.server.Requests(),
+              ElementsAre("enrol", tasks, tasks, "answers 1011 one", tasks));
 }
 
 TEST(ServerLink, ShowsTheSecretAndTheHardwareToNobodyButForTheEnrolment) {

@@ -1,12 +1,10 @@
 #pragma once
 
-// The calls of Core Foundation that are used here, for systems without it.
+// The calls of Core Foundation that are used here, for systems without it. In all of these headers
+// they are functions of C++, so a library of another program that exports Apple's names stays apart
+// from them.
 
 #include <stdint.h>
-
-#ifdef __cplusplus
-extern "C" {
-#endif
 
 typedef unsigned char Boolean;
 typedef uint8_t UInt8;
@@ -41,7 +39,7 @@ enum { kCFNumberSInt64Type = 4 };
 enum { kCFPropertyListImmutable = 0 };
 enum { kCFURLPOSIXPathStyle = 0 };
 
-extern const CFAllocatorRef kCFAllocatorDefault;
+extern const CFAllocatorRef kCFAllocatorDefault __asm__("NorvikCfAllocatorDefault");
 
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
@@ -93,7 +91,3 @@ Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve, UInt8* b
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
                                                CFErrorRef* error);
-
-#ifdef __cplusplus
-}
-#endif

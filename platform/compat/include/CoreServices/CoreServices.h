@@ -5,10 +5,6 @@
 
 #include <stdint.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
 typedef int16_t OSErr;
 typedef int32_t OSStatus;
 typedef uint32_t DescType;
@@ -44,7 +40,3 @@ OSStatus AESendMessage(const AppleEvent* event, AppleEvent* reply, AESendMode se
                        long timeOutInTicks);
 /// Ignores a descriptor without data.
 OSErr AEDisposeDesc(AEDesc* theAEDesc);
-
-#ifdef __cplusplus
-}
-#endif

@@ -6,10 +6,6 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <stdint.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
 typedef int kern_return_t;
 typedef int boolean_t;
 typedef unsigned int mach_port_t;
@@ -56,7 +52,3 @@ kern_return_t IORegistryEntryGetChildIterator(io_registry_entry_t entry, const i
                                               io_iterator_t* iterator);
 kern_return_t IORegistryEntryCreateIterator(io_registry_entry_t entry, const io_name_t plane,
                                             IOOptionBits options, io_iterator_t* iterator);
-
-#ifdef __cplusplus
-}
-#endif

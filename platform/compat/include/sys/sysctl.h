@@ -5,10 +5,6 @@
 
 #include <stddef.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
 #define CTL_HW 6
 #define HW_MEMSIZE 24
 
@@ -16,7 +12,3 @@ int sysctl(int* name, unsigned int nameLength, void* oldValue, size_t* oldLength
            size_t newLength);
 int sysctlbyname(const char* name, void* oldValue, size_t* oldLength, void* newValue,
                  size_t newLength);
-
-#ifdef __cplusplus
-}
-#endif

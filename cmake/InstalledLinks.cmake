@@ -1,0 +1,33 @@
+# Run by `cmake --install`. Links of the installed documents lead to what is installed: those to a header to
+# its place there, and those to other sources become plain text.
+#   norvik_documents  the folder that has the place of the source tree
+#   norvik_headers    the folder of the headers
+file(GLOB_RECURSE pages "${norvik_documents}/*.md")
+string(ASCII 1 mark)
+foreach(page IN LISTS pages)
+  get_filename_component(folder "${page}" DIRECTORY)
+  file(READ "${page}" text)
+  # Without brackets, which have a meaning in lists.
+  string(REPLACE "](" "${mark}" marked "${text}")
+  string(REGEX MATCHALL "${mark}[^)#:]+[)#]" links "${marked}")
+  list(REMOVE_DUPLICATES links)
+  foreach(link IN LISTS links)
+    string(REGEX REPLACE "^.(.*).$" "\\1" link "${link}")
+    get_filename_component(target "${folder}/${link}" ABSOLUTE)
+    file(RELATIVE_PATH place "${norvik_documents}" "${target}")
+    if(EXISTS "${target}")
+      continue()
+    endif()
+    if(EXISTS "${norvik_headers}/${place}")
+      file(RELATIVE_PATH there "${folder}" "${norvik_headers}/${place}")
+      string(REPLACE "${mark}${link})" "${mark}${there})" marked "${marked}")
+    else()
+      string(REGEX REPLACE "([.+*?^$()])" "\\\\\\1" pattern "${link}")
+      string(REGEX REPLACE "\\[([^][]*)${mark}${pattern}(#[^)]*)?\\)" "\\1" marked "${marked}")
+    endif()
+  endforeach()
+  string(REPLACE "${mark}" "](" marked "${marked}")
+  if(NOT marked STREQUAL text)
+    file(WRITE "${page}" "${marked}")
+  endif()
+endforeach()
