@@ -112,9 +112,9 @@ class Shown {
                      {"fits", key.fits ? OrderedJson(*key.fits) : OrderedJson()},
                      {"warnings", key.warnings}});
     std::vector<std::string> notes = key.warnings;
-    if (key.fits && !*key.fits) {
-      const std::string name = key.file.stem().string();
-      notes.insert(notes.begin(), name + ".pub and " + name + ".key are no pair");
+    if (key.fits) {
+      const std::string other = key.file.stem().string() + (key.isPrivate ? ".pub" : ".key");
+      notes.insert(notes.begin(), (*key.fits ? "fits " : "does not fit ") + other);
     }
     AddRow(key.file, kind, key.fingerprint, boost::join(notes, "; "));
   }

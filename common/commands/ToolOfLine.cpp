@@ -37,7 +37,7 @@ std::string FindProgram(const std::string& name) {
   const char* const path = ::getenv("PATH");
   std::istringstream folders(path ? path : "/usr/bin:/bin");
   for (std::string folder; std::getline(folders, folder, ':');) {
-    const std::string program = (folder.empty() ? "." : folder) + "/" + name;
+    std::string program = (folder.empty() ? "." : folder) + "/" + name;
     if (IsProgram(program)) return program;
   }
   return {};

@@ -141,16 +141,31 @@ ScheduleInfo ReadSchedule(const Tree& node) {
   return schedule;
 }
 
+/// The member of a task under a key; none if it is missing or null. Throws for a plain value.
+const Tree* PartAt(const Tree& node, const char* key, const char* kind) {
+  const auto part = node.get_child_optional(key);
+  if (!part || (part->empty() && part->data() == "null")) return nullptr;
+  if (!part->data().empty()) throw TaskError(std::string(key) + " is no " + kind);
+  return &*part;
+}
+
 void ReadTask(const Tree& node, Schedule& task) {
   ReadOrigin(node, task.parameters);
   task.identifier = TextAt(node, "identifier").substr(0, LONGEST_IDENTIFIER + 1);
   if (task.identifier.empty()) throw TaskError("it has no identifier");
   if (task.identifier.size() > LONGEST_IDENTIFIER) throw TaskError("its identifier is too long");
   task.code = ParseNumber<unsigned int>(TextAt(node, "code"), "code");
-  if (const auto list = node.get_child_optional("parameters")) {
-    for (const auto& [key, parameter] : *list) ReadParameter(parameter, task.parameters);
+  if (const Tree* const list = PartAt(node, "parameters", "list")) {
+    for (const auto& [key, parameter] : *list) {
+      if (!key.empty()) throw TaskError("parameters is no list");
+      ReadParameter(parameter, task.parameters);
+    }
   }
-  if (const auto when = node.get_child_optional("schedule")) task.when = ReadSchedule(*when);
+  if (const Tree* const when = PartAt(node, "schedule", "object")) {
+    // Not at once: what is wrong here may have been meant for later.
+    if (when->count("") != 0) throw TaskError("schedule is no object");
+    task.when = ReadSchedule(*when);
+  }
 }
 
 }  // namespace

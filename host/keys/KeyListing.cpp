@@ -34,7 +34,7 @@ void WarnOfOthers(const fs::path& path, mode_t bits, const char* text,
   if (::stat(path.c_str(), &status) != 0 || (status.st_mode & bits) == 0) return;
   char mode[8];
   std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned int>(status.st_mode & 07777));
-  warnings.push_back(std::string(text) + " " + path.string() + ", mode " + mode);
+  warnings.push_back(std::string(text) + ", mode " + mode);
 }
 
 }  // namespace
@@ -61,9 +61,9 @@ ListedKey KeyIn(const fs::path& file) {
     }
   }
   if (key.isPrivate) {
-    WarnOfOthers(file, S_IRWXG | S_IRWXO, "others may use", key.warnings);
+    WarnOfOthers(file, S_IRWXG | S_IRWXO, "others may use it", key.warnings);
     const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
-    WarnOfOthers(folder, S_IWGRP | S_IWOTH, "others may replace what is in", key.warnings);
+    WarnOfOthers(folder, S_IWGRP | S_IWOTH, "others may replace files of its folder", key.warnings);
   }
   return key;
 }

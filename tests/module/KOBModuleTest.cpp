@@ -5,6 +5,7 @@
 #include "common/database/DataBase.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
+#include "module/TaskTable.h"
 
 namespace Norvik::KOB {
 namespace {
@@ -114,6 +115,16 @@ std::vector<unsigned int> ServedCodes(int processKind) {
 
 TEST(ActionTable, EachKindOfProcessServesItsCodes) {
   ExpectRows(DataOf("module/served-codes.json"), ServedCodes);
+}
+
+TEST(ActionTable, IsTheOneThatServersHave) {
+  std::map<unsigned int, std::string> served, listed;
+  const auto codes = ServedCodes(0);
+  FakeHost host;
+  ModuleUnderTest module(host);
+  for (const unsigned int code : codes) served[code] = module.NameOf(code);
+  for (const auto& [code, row] : TaskTable()) listed[code] = row.name;
+  EXPECT_EQ(listed, served);
 }
 
 TEST(ActionTable, TheModuleNamesItsProductAndItsFilesAndWarnsOfAnUnknownCode) {

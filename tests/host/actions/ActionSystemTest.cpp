@@ -300,6 +300,8 @@ TEST_F(ActionSystemTest, AnAnswerIsGivenForATaskThatSaysSomethingBeforeTheTaskEn
     system_->SetActionFactory([&](unsigned int, const ActionParameters&) { return action; });
     system_->AddSchedule({task, CODE, parameters, {0, START}});
     system_->RunOneShot(CODE, action, seconds(0));
+    AgentData data = Data();
+    system_->ReplacePeriodic(CODE, action, data, Timing(PERIOD, 0));
     system_->WaitIdle();
   };
   run("silent", [](auto&) { return ActionResponse(); });

@@ -92,7 +92,8 @@ TEST(ServerKeysTest, ListsKeysWithWhatIsWrongWithThem) {
   EXPECT_EQ(serverPublic.fingerprint, key);
   EXPECT_EQ(serverPrivate.fingerprint, key);
   EXPECT_THAT(serverPrivate.warnings,
-              ElementsAre(EndsWith("server.key, mode 0640"), EndsWith(", mode 0770")));
+              ElementsAre("others may use it, mode 0640",
+                          "others may replace files of its folder, mode 0770"));
   EXPECT_THAT(agentPrivate.warnings, ElementsAre(HasSubstr("others may replace")));
   EXPECT_THAT(listing.problems,
               ElementsAre(HasSubstr("short.key is no key"), HasSubstr("short.pub is no key")));

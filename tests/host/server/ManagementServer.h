@@ -14,13 +14,14 @@ class ManagementServer {
  public:
   struct State {
     /// How it answers every request but an enrolment; empty: as it should. Keys: "status", "body",
-    /// "sends" ("cut", "endless" or "nothing"), "retryAfter", "resource" (a part of the paths
-    /// concerned), "keeps" (it stores what it received nevertheless).
+    /// "sends" ("cut", "endless" or "nothing"), "retryAfter", "headerBytes", "resource" (a part of
+    /// the paths concerned), "keeps" (it stores what it received nevertheless).
     PlainJson fault = PlainJson::object();
     std::map<std::string, std::string> answers = {{"tasks", R"({"tasks":[]})"}};
-    std::string token;        ///< given to agents that enrol; empty: they keep their own
-    std::string date;         ///< the header of each answer; empty: none
-    int enrolmentStatus = 0;  ///< the answer to an enrolment; 0: it enrols the agent
+    std::string token;          ///< given to agents that enrol; empty: they keep their own
+    std::string date;           ///< the header of each answer; empty: none
+    int enrolmentStatus = 0;    ///< the answer to an enrolment; 0: it enrols the agent
+    std::string enrolmentBody;  ///< in place of its own
     std::map<std::string, std::string> agents;  ///< the authorization of each enrolled agent
     std::function<void()> onKept;               ///< called after each request that was stored
     /// A line for each request: "enrol", "statuses 7 8", "files MAC.jsonkob one", "answers 1011
@@ -105,7 +106,8 @@ class ManagementServer {
     state_.agents[agent] = state_.token.empty() ? given : "Bearer " + state_.token;
     PlainJson body = {{"identifier", agent}};
     if (!state_.token.empty()) body["token"] = state_.token;
-    response.set_content(body.dump(), "application/json");
+    const std::string& other = state_.enrolmentBody;
+    response.set_content(other.empty() ? body.dump() : other, "application/json");
   }
 
   void Keep(const std::string& resource, const Request& request, Response& response) {
@@ -139,6 +141,9 @@ class ManagementServer {
     response = Response();
     response.status = fault["status"];
     const std::string sends = fault.value("sends", "");
+    if (const std::size_t length = fault.value("headerBytes", std::size_t(0)); length != 0) {
+      response.set_header("X-Long", std::string(length, 'x'));
+    }
     if (fault.contains("retryAfter")) {
       response.set_header("Retry-After", fault["retryAfter"].get<std::string>());
     }

@@ -2,17 +2,15 @@
 
 #include <sys/stat.h>
 
+#include <boost/algorithm/string/replace.hpp>
 #include <future>
 #include <set>
 
-#include "common/files/FileSealer.h"
-#include "common/files/SealingKeys.h"
 #include "common/rest/PendingTasks.h"
 #include "common/rest/RemoteTaskDownloader.h"
 #include "host/server/AnswerText.h"
-#include "host/server/ManagementServer.h"
+#include "host/server/DeliverySetup.h"
 #include "platform/SystemChanges.h"
-#include "support/FakeActionClock.h"
 #include "support/Steps.h"
 
 namespace {
@@ -20,10 +18,6 @@ namespace {
 using namespace Norvik::Common;
 using namespace Norvik::Host;
 using namespace Norvik::Tests;
-using namespace std::chrono_literals;
-using State = ManagementServer::State;
-
-constexpr long START = 1'767'225'600;
 
 struct SyncCount final : Norvik::Platform::RealSystemChanges {
   int Sync(int descriptor) override {
@@ -35,106 +29,6 @@ struct SyncCount final : Norvik::Platform::RealSystemChanges {
 
 const Json& Cases(const char* name) { return DataOf("host/server/server-cases.json")[name]; }
 
-TaskResponseInfo StatusOf(const std::string& requestId) {
-  TaskResponseInfo status;
-  status.requestId = requestId;
-  return status;
-}
-
-TaskAnswer AnswerOf(const std::string& text) {
-  TaskAnswer answer{"t1", "r1", 1011, {}};
-  answer.result.response.text = text;
-  return answer;
-}
-
-const std::string SEAL = "NRVKSEAL\x01";
-
-/// A server, and the agent's side of the connection to it, with an outbox of two kinds of files.
-struct DeliverySetup {
-  explicit DeliverySetup(const fs::path& certificate = {}, const fs::path& key = {})
-      : server(certificate, key) {
-    options.address = "127.0.0.1";
-    options.port = static_cast<std::uint16_t>(server.Port());
-    options.scheme = certificate.empty() ? "http" : "https";
-    options.dataFolder = folder.Path();
-    options.outbox = folder / "outbox";
-    options.extensions = {".jsonkob", ".jsonrud"};
-    options.limits.request = 300ms;
-    options.limits.answerBytes = 10'000;
-    options.clock = clock;
-    fs::create_directory(options.outbox);
-    PutServerKey();
-    Restart();
-  }
-  void Restart() {
-    options.identity = std::make_shared<AgentIdentity>(folder / "identity.json");
-    queue = std::make_shared<StatusQueue>(folder / "statuses.jsonl", clock);
-    answers = std::make_shared<AnswerQueue>(folder / "answers", clock);
-    const auto session = std::make_shared<ServerSession>(options, stopped);
-    delivery = std::make_unique<Delivery>(options, session, queue, answers, stopped);
-  }
-  void Put(const std::string& name, const std::string& content) {
-    WriteFile(options.outbox / name, content);
-    delivery->NumberNewFiles();
-  }
-  void PutSealed(const std::string& name, const std::string& content) { Put(name, SEAL + content); }
-  void Report(const std::string& requestId) { queue->Add({StatusOf(requestId)}); }
-  void Answer(const std::string& text) { answers->Add(AnswerOf(text)); }
-  /// The file of the oldest waiting answer.
-  fs::path AnswerFile() const { return answers->First().value().file; }
-  void PutServerKey() {
-    fs::create_directories(keys);
-    SealingKeys(folder / "server").ForSealing();
-    fs::copy_file(folder / "server" / "agent.pub", keys / "server.pub");
-  }
-  /// Puts a document that no server can read.
-  void PutSealedToOwnKey(const std::string& name, const std::string& content) {
-    WriteFile(folder / "plain", content + std::string(70'000, 'x'));
-    FileSealer(keys).Seal(folder / "plain", options.outbox / name);
-    delivery->NumberNewFiles();
-  }
-  /// The beginning of the last document, opened with the server's private key.
-  std::string LastOpened() const {
-    const std::string line = server.Requests().back();
-    WriteFile(folder / "sealed",
-              "NRVKSEAL\x02" + line.substr(line.find(' ', line.find(' ') + 1) + 1));
-    FileSealer(folder / "server").Open(folder / "sealed", folder / "opened");
-    return ContentOf(folder / "opened").substr(0, 3);
-  }
-  /// Seconds from now to the next round; -1 if it needs none.
-  double Round() {
-    const auto next = delivery->Round();
-    if (next == Delivery::TimePoint::max()) return -1;
-    return std::chrono::duration<double>(next - clock->Steady()).count();
-  }
-  std::multiset<std::string> Waiting() const {
-    std::multiset<std::string> names;
-    for (const auto& name : FilesBelow(options.outbox)) {
-      names.insert(name.substr(name.find_last_of("/~") + 1));
-    }
-    return names;
-  }
-  /// Makes the server fail as the row says, and in no other way.
-  void Break(const Json& row = Json::object()) {
-    server.Set([&](State& state) {
-      state.fault = PartOf(row, "fault");
-      state.enrolmentStatus = row.value("enrolmentStatus", 0);
-      state.token = row.value("token", "");
-      if (row.contains("forgets")) state.agents.clear();
-    });
-  }
-
-  ManagementServer server;
-  TemporaryFolder folder;
-  const fs::path keys = folder / "keys";
-  std::shared_ptr<FakeActionClock> clock = std::make_shared<FakeActionClock>(START);
-  std::atomic<bool> stopped{false};
-  ServerOptions options;
-  std::shared_ptr<StatusQueue> queue;
-  std::shared_ptr<AnswerQueue> answers;
-  std::unique_ptr<Delivery> delivery;
-};
-
 class Deliveries : public StepsTest, public DeliverySetup {
  protected:
   Deliveries() {
@@ -142,6 +36,11 @@ class Deliveries : public StepsTest, public DeliverySetup {
     Verb("put without seal", &DeliverySetup::Put);
     Verb("no server key", [this] { fs::remove(keys / "server.pub"); });
     Verb("server key", &DeliverySetup::PutServerKey);
+    Verb("another server key", [this] {
+      SealingKeys(folder / "another").ForSealing();
+      fs::copy_file(folder / "another" / "agent.pub", keys / "server.pub",
+                    fs::copy_options::overwrite_existing);
+    });
     Verb("put for nobody", &DeliverySetup::PutSealedToOwnKey);
     Verb("server opens", [this] { return LastOpened(); });
     Verb("status", &DeliverySetup::Report);
@@ -288,6 +187,36 @@ TEST(AnswerQueue, IsBoundedByNumberAndSizeAndNumbersOn) {
   WriteFile(place, "no folder");
   smaller.Add(AnswerOf("lost"));
   EXPECT_THAT(log.Texts(2).back(), HasSubstr("task t1 could not be stored and is lost"));
+}
+
+TEST(ServerLink, IsEnrolledByAnAnswerThatNamesTheAgentAndHasATokenOnly) {
+  for (const Json& row : Cases("enrolments")) {
+    SCOPED_TRACE(row[0]);
+    DeliverySetup setup;
+    std::string body = row[0];
+    boost::replace_all(body, "\"ID\"", "\"" + setup.options.identity->Get().identifier + "\"");
+    boost::replace_all(body, "LONG", std::string(513, 'x'));
+    setup.server.Set([&](State& state) { state.enrolmentBody = body; });
+    setup.Report("a");
+    const LogCapture log;
+    EXPECT_GT(setup.Round(), 4.9);
+    EXPECT_THAT(log.Texts(3), ElementsAre(HasSubstr(row[1].get<std::string>())));
+    EXPECT_THAT(setup.server.Requests(), ElementsAre("enrol"));
+    EXPECT_EQ(setup.options.identity->Get().server, "");
+  }
+}
+
+std::string AnswerToQuestion(const std::string& body) {
+  DeliverySetup setup;
+  ServerLink link(setup.options);
+  setup.Break({{"fault", {{"status", 200}, {"resource", "messages"}, {"body", body}}}});
+  ProcessMessageResponse response;
+  if (!link.ProcessMessage(ProcessMessageRequest(), response)) return "none";
+  return std::to_string(response.result) + " " + response.message.utf8_string();
+}
+
+TEST(ServerLink, UnderstandsOnlyAnswersToQuestionsOfTheRightTypes) {
+  ExpectRows(Cases("message answers"), AnswerToQuestion);
 }
 
 TEST(ServerLink, DeliversFromStartToStopAndSleepsInBetween) {

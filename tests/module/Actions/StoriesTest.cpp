@@ -6,6 +6,7 @@
 #include "module/DataAccess/KOBDataSourceV2.h"
 #include "module/ModuleUnderTest.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
+#include "module/TaskTable.h"
 #include "support/ProgressRecorder.h"
 
 namespace Norvik::KOB {
@@ -152,7 +153,16 @@ class Story {
 
   void Run(const Json& step) {
     if (step["run"] == "what waits") return host_.actions->RunWaiting();
-    module_->Run(step["run"], ParametersOf(PartOf(step, "with")));
+    const auto parameters = ParametersOf(PartOf(step, "with"));
+    const auto communications = host_.communications;
+    const std::size_t before = communications ? communications->statuses.size() : 0;
+    const auto response = module_->Run(step["run"], parameters);
+    // Of runs as a task has them: in an enrolled service, and without the states of other runs.
+    const bool isOfTask = !step.contains("meanwhile") && step.value("processKind", 0) == 0 &&
+                          step.value("token", "token") != "";
+    if (!isOfTask || !communications) return;
+    const auto first = communications->statuses.begin() + static_cast<std::ptrdiff_t>(before);
+    ExpectAsListed(step["run"], parameters, {first, communications->statuses.end()}, response);
   }
 
   void Answer(const std::string& message) {

@@ -6,6 +6,7 @@
 
 #include "common/commands/CommandRunner.h"
 #include "common/text/Text.h"
+#include "module/TaskTable.h"
 #include "platform/compat/SentAppleEvents.h"
 
 namespace Norvik::Tests {
@@ -107,6 +108,7 @@ AdministeredMachine::Outcome AdministeredMachine::Run(unsigned int code, const T
   }
   if (response.success) answer.push_back("success");
   if (response.text) answer.push_back("text " + *response.text);
+  ExpectAsListed(code, parameters, host.communications->statuses, response);
   for (const auto& status : host.communications->TakeStatuses())
     answer.push_back("status " + status);
   outcome.ran = TakeToolCalls();
