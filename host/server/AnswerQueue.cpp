@@ -152,17 +152,21 @@ boost::optional<std::string> AnswerQueue::Read(const WaitingAnswer& answer) {
   } catch (const std::exception& error) {
     reason = error.what();
   }
-  NORVIK_WARNING(boost::format("The waiting answer %1% is damaged and dropped: %2%") %
-                 answer.file.string() % OnOneLine(reason));
-  Remove(answer.id);
+  // Otherwise it was dropped in the meantime, to make room.
+  if (Remove(answer.id)) {
+    NORVIK_WARNING(boost::format("The waiting answer %1% is damaged and dropped: %2%") %
+                   answer.file.string() % OnOneLine(reason));
+  }
   return boost::none;
 }
 
-void AnswerQueue::Remove(const std::string& id) {
+bool AnswerQueue::Remove(const std::string& id) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto found = std::find_if(waiting_.begin(), waiting_.end(),
                                   [&](const auto& item) { return item.second.id == id; });
-  if (found != waiting_.end()) Erase(found);
+  if (found == waiting_.end()) return false;
+  Erase(found);
+  return true;
 }
 
 }  // namespace Norvik::Host

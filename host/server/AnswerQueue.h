@@ -57,8 +57,8 @@ class AnswerQueue {
   /// What to send. Empty if the file is damaged: the answer is then removed, with a line in the
   /// log.
   boost::optional<std::string> Read(const WaitingAnswer& answer);
-  /// Removes an answer and its file; nothing without one of this id.
-  void Remove(const std::string& id);
+  /// Removes an answer and its file. False without one of this id.
+  bool Remove(const std::string& id);
 
  private:
   void Store(const TaskAnswer& answer);
