@@ -36,6 +36,11 @@ class Deliveries : public StepsTest, public DeliverySetup {
     Verb("put without seal", &DeliverySetup::Put);
     Verb("no server key", [this] { fs::remove(keys / "server.pub"); });
     Verb("server key", &DeliverySetup::PutServerKey);
+    Verb("another server key", [this] {
+      SealingKeys(folder / "another").ForSealing();
+      fs::copy_file(folder / "another" / "agent.pub", keys / "server.pub",
+                    fs::copy_options::overwrite_existing);
+    });
     Verb("put for nobody", &DeliverySetup::PutSealedToOwnKey);
     Verb("server opens", [this] { return LastOpened(); });
     Verb("status", &DeliverySetup::Report);
