@@ -50,7 +50,7 @@ endforeach()
 
 install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)
 install(FILES README.md DESTINATION share/doc/norvik-agent)
-install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent)
+install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent PATTERN __pycache__ EXCLUDE)
 install(CODE [[
   set(norvik_documents "$ENV{DESTDIR}${norvik_prefix}/share/doc/norvik-agent")
   set(norvik_headers "$ENV{DESTDIR}${norvik_prefix}/include/norvik-agent")]])
