@@ -2,6 +2,9 @@
 
 namespace Norvik::Common {
 
+template <>
+const char LibraryOf<CONTRACT, LAYOUT>::present = 1;
+
 const char* LibraryVersion() { return BUILD_VERSION; }
 
 }  // namespace Norvik::Common

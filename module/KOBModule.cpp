@@ -25,6 +25,10 @@ namespace {
 using std::chrono::seconds;
 using std::chrono::system_clock;
 
+/// The system's loader does not load the module with a library of another version.
+[[gnu::used]] const char* const neededLibrary =
+    &Common::LibraryOf<Common::CONTRACT, Common::LAYOUT>::present;
+
 constexpr char FILE_INVENTORY_STATUS_TABLE[] = "RUD2_CURRENT_STATUS";
 constexpr seconds FIRST_SCHEDULED_TOTAL{3};
 
@@ -195,6 +199,5 @@ void KOBModule::CreateUserActions() {
 
 Norvik::Common::IModule* GetAgentModuleObject(
     const std::weak_ptr<Norvik::Common::ModuleDependencies>& dependencies) {
-  Norvik::Common::RequireLibraryVersion("libNorvikKOB");
   return std::make_unique<Norvik::KOB::KOBModule>(dependencies).release();
 }
