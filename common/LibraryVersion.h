@@ -41,10 +41,10 @@ struct LibraryOf {
 template <>
 NORVIK_COMMON_API const char LibraryOf<CONTRACT, LAYOUT>::present;
 
-/// For a host, in place of the loader's words: throws `std::runtime_error`, with one line that names
-/// `user`, unless the version that the caller is compiled with and the loaded one have the same
-/// first and second number. To be called before anything else of the library. `static`, for the
-/// reason above.
+/// For a host, in place of the loader's words: throws `std::runtime_error`, with one line that
+/// names `user`, unless the version that the caller is compiled with and the loaded one have the
+/// same first and second number. To be called before anything else of the library. `static`, for
+/// the reason above.
 static inline void RequireLibraryVersion(const std::string& user) {
   const std::string built = BUILD_VERSION;
   const std::string loaded = LibraryVersion();
