@@ -163,6 +163,16 @@ void AddRedactCommand(CLI::App& program, Texts& texts) {
       ->type_name("FILE");
 }
 
+void AddKeysCommand(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* keys = program.add_subcommand("keys", "make, show or rotate the keys of sealed documents");
+  keys->add_option("WHAT", line.what, "make, show or rotate")->required()->check(NotEmpty);
+  keys->add_option("PATHS", texts.files,
+                   "the server's folder; for show: folders, key files, sealed files; default: the "
+                   "keys of the data folder")
+      ->check(NotEmpty);
+  AddKeysOption(*keys, texts);
+}
+
 void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* inventory = program.add_subcommand("inventory", "take an inventory of this machine");
   inventory->add_flag("--incremental", line.incremental, "report only what has changed");
@@ -191,13 +201,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
 
   AddRedactCommand(program, texts);
 
-  auto* keys = program.add_subcommand("keys", "make, show or rotate the keys of sealed documents");
-  keys->add_option("WHAT", line.what, "make, show or rotate")->required()->check(NotEmpty);
-  keys->add_option("PATHS", texts.files,
-                   "the server's folder; for show: folders, key files, sealed files; default: the "
-                   "keys of the data folder")
-      ->check(NotEmpty);
-  AddKeysOption(*keys, texts);
+  AddKeysCommand(program, line, texts);
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
   action->add_option("ACTION", line.action, "code or name of the action")->required();

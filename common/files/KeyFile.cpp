@@ -14,8 +14,9 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-constexpr std::size_t DIGITS = 2 * std::tuple_size_v<KeyBytes>;
-static_assert(2 * crypto_box_PUBLICKEYBYTES == DIGITS && 2 * crypto_box_SECRETKEYBYTES == DIGITS);
+constexpr std::size_t KEY = std::tuple_size_v<KeyBytes>;
+constexpr std::size_t DIGITS = 2 * KEY;
+static_assert(crypto_box_PUBLICKEYBYTES == KEY && crypto_box_SECRETKEYBYTES == KEY);
 
 /// A buffer for the text of a key, overwritten at the end.
 struct KeyText {

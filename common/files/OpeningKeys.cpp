@@ -59,7 +59,7 @@ std::string OpeningKeys::Tried() const {
   for (const OpeningKey& key : keys_) {
     tried.push_back(FingerprintOf(key.identifier) + " (" + key.file.string() + ")");
   }
-  const std::string problems = boost::join(problems_, "; ");
+  std::string problems = boost::join(problems_, "; ");
   if (tried.empty()) return problems;
   return "tried: " + boost::join(tried, ", ") + (problems.empty() ? "" : "; " + problems);
 }

@@ -13,10 +13,10 @@ AnswerSender::AnswerSender(std::shared_ptr<ServerSession> session,
 Attempt AnswerSender::SendOne(HttpClient& client, const WaitingAnswer& answer) {
   const auto text = queue_->Read(answer);
   if (!text) return {};
-  const Attempt attempt = AttemptOf(session_->Post(client, "answers", *text),
-                                    [&](const boost::property_tree::ptree& body) {
-                                      return body.get<std::string>("acknowledged") == answer.id;
-                                    });
+  Attempt attempt = AttemptOf(session_->Post(client, "answers", *text),
+                              [&](const boost::property_tree::ptree& body) {
+                                return body.get<std::string>("acknowledged") == answer.id;
+                              });
   if (attempt.result == Attempt::Result::Acknowledged) queue_->Remove(answer.id);
   return attempt;
 }
