@@ -198,9 +198,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
                      {"NEW", "the one to compare with it"});
   AddCommandsThatShowDocuments(program, line, texts);
-
   AddRedactCommand(program, texts);
-
   AddKeysCommand(program, line, texts);
 
   auto* action = program.add_subcommand("action", "run one action and print its response");
