@@ -11,7 +11,7 @@
 
 namespace Norvik::Tests {
 
-/// What docs/server-protocol.md tells servers of the action of a task.
+/// What docs/server-protocol.md says of the action of a task.
 struct TaskRow {
   std::string name, parameters, states, answer;
 };
