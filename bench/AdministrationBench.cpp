@@ -86,15 +86,6 @@ void ListNetworkConnections(benchmark::State& state) {
 }
 BENCHMARK(ListNetworkConnections)->Arg(1000)->Arg(50000)->Unit(benchmark::kMillisecond);
 
-void ListProcessesWithoutPs(benchmark::State& state) {
-  Machine machine;
-  std::int64_t processes = 0;
-  for (auto _ : state) processes += machine.CountRows(KOB::ACTION_LIST_PROCESSES) - 1;
-  state.counters["PerProcess"] = benchmark::Counter(
-      static_cast<double>(processes), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
-BENCHMARK(ListProcessesWithoutPs)->Unit(benchmark::kMillisecond);
-
 }  // namespace
 }  // namespace Norvik::Bench
 

@@ -3,6 +3,7 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <cstdio>
 #include <functional>
@@ -10,6 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "RawSqlite.h"
@@ -18,6 +20,7 @@
 #include "module/ActionCodes.h"
 #include "module/KOBModule.h"
 #include "module/RUD/Data/RudDataSourceV2.h"
+#include "module/RUD/Data/RudSentences.h"
 #include "module/RUD/RudFileHarvesterV2.h"
 #include "module/RUD/RudPrinterV2.h"
 #include "support/FakeHost.h"
@@ -52,13 +55,14 @@ long PeakKilobytes() {
 
 struct Result {
   double seconds;
-  std::size_t count;  ///< files that the part processed, or bytes that it wrote
+  std::size_t count;          ///< files that the part processed, or bytes that it wrote
+  Platform::ReadCalls calls;  ///< of a walk, as the reader of the folders counts them
 };
 
 Result Timed(const std::function<std::size_t()>& part) {
   const double start = ProcessorSeconds();
   const std::size_t count = part();
-  return {ProcessorSeconds() - start, count};
+  return {ProcessorSeconds() - start, count, {}};
 }
 
 void Walk(FileHarvester& harvester, const std::string& tree) {
@@ -77,12 +81,39 @@ RudBuffer Scan(const std::string& tree) {
   return harvester.GetBuffer();
 }
 
-Result MeasureWalk(FakeHost&, const std::string& tree) {
-  FileHarvester harvester;
-  return Timed([&] {
+Result MeasureWalk(FileHarvester& harvester, const std::string& tree) {
+  Result result = Timed([&] {
     Walk(harvester, tree);
     return harvester.GetBuffer().GetBufferFile().size();
   });
+  result.calls = harvester.GetReadCalls();
+  return result;
+}
+
+Result MeasureWalk(FakeHost&, const std::string& tree) {
+  FileHarvester harvester;
+  return MeasureWalk(harvester, tree);
+}
+
+/// The walk as a Mac makes it. Its time is that of the calls of this system which stand for a
+/// Mac's.
+Result MeasureBulkWalk(FakeHost&, const std::string& tree) {
+  FileHarvester oneByOne{Platform::ReadingWay()};
+  Walk(oneByOne, tree);
+  FileHarvester harvester(Platform::BulkWay());
+  const Result result = MeasureWalk(harvester, tree);
+  const auto& rows = harvester.GetBuffer().GetBufferFile();
+  const auto& expected = oneByOne.GetBuffer().GetBufferFile();
+  const auto areEqual = [](const RudFileInfo& file, const RudFileInfo& other) {
+    return std::tie(file.absolutePath, file.fileName, file.pathId, file.extensionId, file.size,
+                    file.lastModification) == std::tie(other.absolutePath, other.fileName,
+                                                       other.pathId, other.extensionId, other.size,
+                                                       other.lastModification);
+  };
+  if (!std::equal(rows.begin(), rows.end(), expected.begin(), expected.end(), areEqual)) {
+    throw std::runtime_error("the two ways to read folders give different rows");
+  }
+  return result;
 }
 
 /// Saves into tables that already hold the same scan.
@@ -120,7 +151,8 @@ Result MeasureRawSave(FakeHost& host, const std::string& tree) {
   return Timed(save);
 }
 
-Result MeasureDifferences(FakeHost&, const std::string& tree) {
+/// Saves a scan, and another one in which a file in a hundred differs.
+void SaveTwoScans(const std::string& tree) {
   RudBuffer before = Scan(tree);
   RudBuffer after = before;
   auto& files = after.GetBufferFile();
@@ -133,9 +165,22 @@ Result MeasureDifferences(FakeHost&, const std::string& tree) {
   }
   RudDataSource::SaveBuffer(before, false);
   RudDataSource::SaveBuffer(after, true);
+}
+
+Result MeasureDifferences(FakeHost&, const std::string& tree) {
+  SaveTwoScans(tree);
   return Timed([] {
     return RudDataSource::getNewFiles().size() + RudDataSource::getRemoveFiles().size() +
            RudDataSource::getModifiedFiles().size();
+  });
+}
+
+Result MeasureRawDifferences(FakeHost& host, const std::string& tree) {
+  SaveTwoScans(tree);
+  RawSqlite raw(host.database.File().string());
+  return Timed([&] {
+    return raw.CountRows(V2::Sentences::NEW_FILES) + raw.CountRows(V2::Sentences::REMOVED_FILES) +
+           raw.CountRows(V2::Sentences::MODIFIED_FILES);
   });
 }
 
@@ -261,9 +306,11 @@ Result MeasureIncremental(FakeHost& host, const std::string& tree) {
 
 const std::map<std::string, Result (*)(FakeHost&, const std::string&)> Parts = {
     {"walk", MeasureWalk},
+    {"bulk-walk", MeasureBulkWalk},
     {"save", MeasureSave},
     {"raw-save", MeasureRawSave},
     {"differences", MeasureDifferences},
+    {"raw-differences", MeasureRawDifferences},
     {"document", MeasureDocument},
     {"render", MeasureRender},
     {"append", MeasureAppend},
@@ -286,7 +333,10 @@ int main(int count, char** arguments) {
   }
   Bench::FakeHost host;
   const Bench::Result result = part->second(host, arguments[2]);
-  std::printf("{\"seconds\": %.4f, \"count\": %zu, \"peakKilobytes\": %ld}\n", result.seconds,
-              result.count, Bench::PeakKilobytes());
+  std::printf(
+      "{\"seconds\": %.4f, \"count\": %zu, \"peakKilobytes\": %ld, \"bulkCalls\": %ju, "
+      "\"metadataCalls\": %ju}\n",
+      result.seconds, result.count, Bench::PeakKilobytes(), std::uintmax_t{result.calls.bulk},
+      std::uintmax_t{result.calls.metadata});
   return 0;
 }

@@ -15,7 +15,8 @@ constexpr char InsertText[] =
 // The settings of the agent's own connections.
 constexpr char Settings[] =
     "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; "
-    "PRAGMA journal_size_limit=4194304; PRAGMA secure_delete=OFF;";
+    "PRAGMA journal_size_limit=4194304; PRAGMA secure_delete=OFF; "
+    "PRAGMA wal_autocheckpoint=250;";
 
 void BindText(sqlite3_stmt* statement, int position, const std::string& text) {
   sqlite3_bind_text(statement, position, text.data(), static_cast<int>(text.size()), nullptr);
@@ -47,6 +48,15 @@ RawSqlite::~RawSqlite() {
 void RawSqlite::Clear() { state_->Run("DELETE FROM RUD2_LAST_INVENTORY"); }
 void RawSqlite::Begin() { state_->Run("BEGIN IMMEDIATE"); }
 void RawSqlite::Commit() { state_->Run("COMMIT"); }
+
+std::size_t RawSqlite::CountRows(const char* text) {
+  sqlite3_stmt* statement = nullptr;
+  state_->Check(sqlite3_prepare_v2(state_->handle, text, -1, &statement, nullptr));
+  std::size_t rows = 0;
+  while (sqlite3_step(statement) == SQLITE_ROW) ++rows;
+  state_->Check(sqlite3_finalize(statement));
+  return rows;
+}
 
 void RawSqlite::Insert(const InventoryRow& row) {
   sqlite3_stmt* const insert = state_->insert;

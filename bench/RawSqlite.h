@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -7,8 +8,8 @@
 
 namespace Norvik::Bench {
 
-/// Inserts through SQLite's own C interface and one prepared statement: the baseline of the
-/// database layer. Throws `std::runtime_error` on failure.
+/// Inserts and reads through SQLite's own C interface and one prepared statement each: the baseline
+/// of the database layer. Throws `std::runtime_error` on failure.
 class RawSqlite {
  public:
   explicit RawSqlite(const std::string& file);
@@ -20,6 +21,8 @@ class RawSqlite {
   void Begin();
   void Insert(const InventoryRow& row);
   void Commit();
+  /// Runs a statement; returns the number of its rows.
+  std::size_t CountRows(const char* text);
 
  private:
   struct State;

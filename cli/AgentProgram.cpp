@@ -27,27 +27,18 @@ namespace {
 using Command = int (*)(const CommandLine&, std::ostream&, std::ostream&);
 
 const std::map<std::string, Command>& AllCommands() {
-  static const std::map<std::string, Command> commands = {{"inventory", RunInventory},
-                                                          {"files", RunFiles},
-                                                          {"explain", RunExplain},
-                                                          {"open", RunOpen},
-                                                          {"apply", RunApply},
-                                                          {"diff", RunDiff},
-                                                          {"action", RunAction},
-                                                          {"actions", RunActions},
-                                                          {"configure", RunConfigure},
-                                                          {"status", RunStatus},
-                                                          {"run", RunService},
-                                                          {"user", RunUser},
-                                                          {"notify", RunNotify},
-                                                          {"message", RunMessage},
-                                                          {"record", RunRecord},
-                                                          {"why", RunWhy},
-                                                          {"show", RunShow},
-                                                          {"history", RunHistory},
-                                                          {"doctor", RunDoctor},
-                                                          {"redact", RunRedact},
-                                                          {"keys", RunKeys}};
+  static const std::map<std::string, Command> commands = {
+      {"inventory", RunInventory}, {"files", RunFiles},
+      {"explain", RunExplain},     {"open", RunOpen},
+      {"apply", RunApply},         {"diff", RunDiff},
+      {"action", RunAction},       {"actions", RunActions},
+      {"configure", RunConfigure}, {"status", RunStatus},
+      {"run", RunService},         {"user", RunUser},
+      {"notify", RunNotify},       {"message", RunMessage},
+      {"record", RunRecord},       {"why", RunWhy},
+      {"show", RunShow},           {"history", RunHistory},
+      {"view", RunView},           {"doctor", RunDoctor},
+      {"redact", RunRedact},       {"keys", RunKeys}};
   return commands;
 }
 

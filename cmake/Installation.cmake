@@ -50,6 +50,7 @@ endforeach()
 
 install(PROGRAMS packaging/UninstallAgent.sh DESTINATION .)
 install(FILES README.md DESTINATION share/doc/norvik-agent)
+install(FILES web/dist/licences.txt DESTINATION share/doc/norvik-agent RENAME page-licences.txt)
 install(DIRECTORY docs examples DESTINATION share/doc/norvik-agent PATTERN __pycache__ EXCLUDE)
 install(CODE [[
   set(norvik_documents "$ENV{DESTDIR}${norvik_prefix}/share/doc/norvik-agent")
@@ -160,6 +161,8 @@ mark_as_advanced(NORVIK_SHLIBDEPS)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Loaded at run time, which the search for libraries does not see.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libcurl4 (>= 7.66.0)")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_SOURCE_DIR}/packaging/debian/prerm")
 set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_SOURCE_DIR}/cmake/PackagePlace.cmake")

@@ -24,12 +24,14 @@ class DocumentChain {
   Step Follow(const NamedText& document);
   /// A document is missing here.
   void Break() { state_ = {}; }
+  /// The full document after the last one; an empty text if it is not known.
+  const NamedText& State() const { return state_; }
 
  private:
   Step FollowFull(const NamedText& text);
   Step FollowIncremental(const NamedText& text, const Json& changes);
 
-  NamedText state_;  ///< the full document after the last one; empty: not known
+  NamedText state_;
 };
 
 }  // namespace Norvik::Documents

@@ -11,6 +11,7 @@
 #include "json/BoundedReader.h"
 #include "json/Escape.h"
 #include "json/Numbers.h"
+#include "json/Utf8.h"
 
 namespace Norvik::Documents {
 
@@ -19,11 +20,23 @@ namespace {
 /// Values are written by recursion: hostile text must not exhaust the stack.
 constexpr std::size_t MAX_NESTING = 64;
 
-std::string Masked(const std::string& text) {
-  std::istringstream stream(text);
-  Common::MaskedDocument masked(stream);
-  return {std::istreambuf_iterator<char>(&masked), {}};
-}
+/// A document for a strict parser. Most are strict already, and are not copied.
+class MaskedText {
+ public:
+  /// Keeps the reference.
+  explicit MaskedText(const std::string& text) : text_(text) {
+    static const std::string maskBegin = Common::MaskedDocument::Mask('\x80').substr(0, 2);
+    if (json::IsUtf8(text) && text.find(maskBegin) == text.npos) return;
+    std::istringstream stream(text);
+    Common::MaskedDocument masked(stream);
+    masked_.assign(std::istreambuf_iterator<char>(&masked), {});
+  }
+  const std::string& Text() const { return masked_.empty() ? text_ : masked_; }
+
+ private:
+  const std::string& text_;
+  std::string masked_;
+};
 
 /// Whether this is the escape that the agent writes for a byte that is no UTF-8: "\u00e9".
 bool IsStrayByte(const std::string& escape) {
@@ -112,7 +125,8 @@ auto Naming(const std::string& name, Action action) {
 Document ParseDocument(const NamedText& document, Escapes escapes) {
   return {document.name, Naming(document.name, [&] {
             // An error is counted in the text as it is.
-            const std::string masked = Masked(document.text);
+            const MaskedText text(document.text);
+            const std::string& masked = text.Text();
             Json value = Parse<Json>(masked);
             const bool asRead = escapes == Escapes::Read || masked.find("\\u00") == masked.npos;
             return asRead ? value : Parse<Json>(WithMaskedEscapes(masked));
@@ -121,7 +135,7 @@ Document ParseDocument(const NamedText& document, Escapes escapes) {
 
 Document ParseDocument(const NamedText& document, Json::parser_callback_t watch) {
   return {document.name, Naming(document.name, [&] {
-            return Parse<Json>(Masked(document.text), std::move(watch));
+            return Parse<Json>(MaskedText(document.text).Text(), std::move(watch));
           })};
 }
 
@@ -133,7 +147,7 @@ std::string TextOf(const Json& value) {
 
 std::string Indented(const NamedText& document) {
   return Naming(document.name, [&] {
-    const auto value = Parse<nlohmann::ordered_json>(Masked(document.text));
+    const auto value = Parse<nlohmann::ordered_json>(MaskedText(document.text).Text());
     return Common::MaskedDocument::Unmask(value.dump(2)) + "\n";
   });
 }

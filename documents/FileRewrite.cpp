@@ -7,8 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "documents/DocumentError.h"
-#include "documents/FileDocument.h"
+#include "documents/FileReading.h"
 #include "module/Entities/FileStatus.h"
 
 namespace Norvik::Documents {
@@ -27,26 +26,12 @@ struct Written {
   std::string text;
 };
 
-class Rewriter {
+class SortedFiles {
  public:
-  Rewriter(std::string name, const RewriteFile& rewrite)
-      : name_(std::move(name)), rewrite_(rewrite) {}
-
-  /// Takes the files away from the parser, and the folders with them.
-  bool Watch(int depth, Json::parse_event_t event, Json& parsed) {
-    constexpr int ROOT_KEY = 1;
-    constexpr int FOLDER = 2;
-    constexpr int FILE_RECORD = 4;
-    if (event == Json::parse_event_t::key && depth == ROOT_KEY) isPaths_ = parsed == "paths";
-    if (event == Json::parse_event_t::key && depth == FOLDER + 1) isFiles_ = parsed == "files";
-    if (event != Json::parse_event_t::object_end || !isPaths_) return true;
-    if (depth == FILE_RECORD && isFiles_) pending_.push_back(std::move(parsed));
-    if (depth == FOLDER) TakeFolder(parsed);
-    return depth != FOLDER && !(depth == FILE_RECORD && isFiles_);
+  void Add(std::string path, const Json& file) {
+    files_[{PlaceOf(file["fileStatus"]), std::move(path)}].push_back(
+        {file["filename"], file["extension"], TextOf(file)});
   }
-
-  /// Whether all files are of a document of this type.
-  bool HasOnly(bool isTotal) const { return isTotal ? !hasChanges_ : !hasTotal_; }
 
   /// The folders, which are gone afterwards.
   std::string Text() {
@@ -68,32 +53,6 @@ class Rewriter {
   }
 
  private:
-  void TakeFolder(Json& folder) {
-    folder["files"] = std::exchange(pending_, Json::array());
-    const Json& files = folder["files"];
-    const bool isTotal = files.empty() || !files[0].is_object() ||
-                         files[0].value("fileStatus", Json()) == KOB::WHOLE_INVENTORY;
-    if (!files.empty()) (isTotal ? hasTotal_ : hasChanges_) = true;
-    Document single{name_, {{"device", Json::object()}, {"typeInventory", isTotal ? 0 : 1}}};
-    single.value["paths"].push_back(std::move(folder));
-    CheckDocument(single, isTotal ? CheckFullFileDocument : CheckIncrementalFileDocument);
-    Json& taken = single.value["paths"][0];
-    for (Json& file : taken["files"]) Take(taken["pathName"], file);
-  }
-
-  void Take(std::string path, Json& file) {
-    rewrite_(path, file);
-    files_[{PlaceOf(file["fileStatus"]), std::move(path)}].push_back(
-        {file["filename"], file["extension"], TextOf(file)});
-  }
-
-  const std::string name_;
-  const RewriteFile& rewrite_;
-  Json pending_ = Json::array();  ///< files of a folder that has not ended
-  bool isPaths_ = false;
-  bool isFiles_ = false;
-  bool hasTotal_ = false;
-  bool hasChanges_ = false;
   std::map<std::pair<int, std::string>, std::vector<Written>> files_;
 };
 
@@ -101,15 +60,14 @@ class Rewriter {
 
 std::string RewriteFileDocument(const NamedText& document, const RewriteFile& rewriteFile,
                                 const std::function<void(Json&)>& rewriteRest) {
-  Rewriter files(document.name, rewriteFile);
-  Document rest = ParseDocument(document, [&](int depth, Json::parse_event_t event, Json& parsed) {
-    return files.Watch(depth, event, parsed);
+  SortedFiles files;
+  Document rest = ReadFileDocument(document, [&](Json& folder) {
+    for (Json& file : folder["files"]) {
+      std::string path = folder["pathName"];
+      rewriteFile(path, file);
+      files.Add(std::move(path), file);
+    }
   });
-  const bool isTotal = rest.value.is_object() && rest.value.value("typeInventory", Json()) == 0;
-  CheckDocument(rest, isTotal ? CheckFullFileDocument : CheckIncrementalFileDocument);
-  if (!files.HasOnly(isTotal)) {
-    throw DocumentError(document.name + ": a file has a state of another type of document");
-  }
   rewriteRest(rest.value);
   std::string text;
   for (const auto& [key, value] : rest.value.items()) {

@@ -7,9 +7,11 @@
 
 namespace Norvik::Host {
 
-std::string JsonLine(const OrderedJson& value) {
-  return value.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+std::string JsonText(const OrderedJson& value) {
+  return value.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
+
+std::string JsonLine(const OrderedJson& value) { return JsonText(value) + "\n"; }
 
 std::string TimeText(std::chrono::system_clock::time_point time) {
   return Common::DateToISOCombinedUTC(

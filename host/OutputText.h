@@ -10,7 +10,9 @@ namespace Norvik::Host {
 /// Keeps the order of keys, so that output is always the same.
 using OrderedJson = nlohmann::ordered_json;
 
-/// The JSON on one line with a trailing newline. Bytes that are not UTF-8 are replaced.
+/// The JSON on one line, without a newline. Bytes that are not UTF-8 are replaced.
+std::string JsonText(const OrderedJson& value);
+/// The same with a trailing newline.
 std::string JsonLine(const OrderedJson& value);
 
 /// "2026-01-31T23:59:58Z"

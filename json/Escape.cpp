@@ -1,5 +1,6 @@
 #include "json/Escape.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -18,21 +19,27 @@ constexpr std::array<bool, 256> PlainBytes() {
 }
 constexpr std::array<bool, 256> plainBytes = PlainBytes();
 
-/// Position of the first byte, from `start` on, that is not written unchanged; the size if all are.
-std::size_t EndOfPlain(const std::string& text, std::size_t start) {
+/// Whether the eight bytes at a place are written unchanged.
+bool ArePlain(const char* bytes) {
   constexpr std::uint64_t ones = 0x0101010101010101;
   constexpr std::uint64_t high = 0x80 * ones;
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, 8);
+  // A byte smaller than what is subtracted gets its highest bit set.
+  const std::uint64_t quote = (word ^ ('"' * ones)) - ones;
+  const std::uint64_t backslash = (word ^ ('\\' * ones)) - ones;
+  const std::uint64_t control = word - 0x20 * ones;
+  return ((word | quote | backslash | control) & high) == 0;
+}
+
+/// Position of the first byte, from `start` on, that is not written unchanged; the size if all are.
+std::size_t EndOfPlain(const std::string& text, std::size_t start) {
+  const std::size_t size = text.size();
   std::size_t i = start;
-  for (; i + 8 <= text.size(); i += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, 8);
-    // Eight bytes at a time: a byte smaller than what is subtracted gets its highest bit set.
-    const std::uint64_t quote = (word ^ ('"' * ones)) - ones;
-    const std::uint64_t backslash = (word ^ ('\\' * ones)) - ones;
-    const std::uint64_t control = word - 0x20 * ones;
-    if (((word | quote | backslash | control) & high) != 0) break;
-  }
-  while (i < text.size() && plainBytes[static_cast<unsigned char>(text[i])]) ++i;
+  while (i + 8 <= size && ArePlain(text.data() + i)) i += 8;
+  // The rest together with bytes before it, which are known to be plain.
+  if (size - i < 8 && size - start >= 8 && ArePlain(text.data() + size - 8)) return size;
+  while (i < size && plainBytes[static_cast<unsigned char>(text[i])]) ++i;
   return i;
 }
 
@@ -79,6 +86,27 @@ void AppendControl(std::string& out, unsigned char byte) {
 }
 
 }  // namespace
+
+bool IsPlain(const std::string& text) { return EndOfPlain(text, 0) == text.size(); }
+
+bool CopyPlain(const std::string& text, char* to) {
+  const std::size_t size = text.size();
+  const char* const from = text.data();
+  if (size < 8) {
+    for (std::size_t i = 0; i < size; ++i) {
+      if (!plainBytes[static_cast<unsigned char>(from[i])]) return false;
+      to[i] = from[i];
+    }
+    return true;
+  }
+  for (std::size_t i = 0; i < size; i += 8) {
+    // The last eight overlap those before them.
+    const std::size_t at = std::min(i, size - 8);
+    if (!ArePlain(from + at)) return false;
+    std::memcpy(to + at, from + at, 8);
+  }
+  return true;
+}
 
 void AppendEscaped(std::string& out, const std::string& text) {
   std::size_t copied = 0;

@@ -12,6 +12,13 @@ namespace json {
 /// number: 0xE9 becomes \u00e9.
 NORVIK_JSON_API std::string json_escape(const std::string& text);
 
+/// Whether that is the text itself, and all of it is ASCII.
+NORVIK_JSON_API bool IsPlain(const std::string& text);
+
+/// Copies a plain text to `to`, which has room for it. False for any other, of which a part may be
+/// copied then.
+NORVIK_JSON_API bool CopyPlain(const std::string& text, char* to);
+
 /// Appends the same to `out`, without a copy of the text.
 NORVIK_JSON_API void AppendEscaped(std::string& out, const std::string& text);
 

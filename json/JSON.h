@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <deque>
 #include <locale>
-#include <map>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 /// Marks what the library exports to host and module, see `NORVIK_COMMON_API`.
 #define NORVIK_JSON_API __attribute__((visibility("default")))
@@ -94,7 +95,10 @@ class NORVIK_JSON_API JSON {
 
  private:
   friend class Renderer;
-  using Object = std::map<std::string, JSON>;
+  struct Member;
+  /// In ascending order of the keys. Each member has a place of its own, so references to values
+  /// stay valid; a list of pointers takes less memory than a tree, and is faster to go through.
+  using Object = std::vector<std::unique_ptr<Member>>;
   using Array = std::deque<JSON>;
 
   union BackingData {

@@ -49,6 +49,10 @@ constexpr Utf8Step Utf8StepAt(std::string_view text, std::size_t at) {
 /// Whether the text consists of characters only.
 constexpr bool IsUtf8(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
+    if (static_cast<unsigned char>(text[at]) < 0x80) {  // most are, and this is quick
+      ++at;
+      continue;
+    }
     const Utf8Step step = Utf8StepAt(text, at);
     if (step.kind != Utf8Step::Kind::Character) return false;
     at += step.length;

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/attr.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -54,6 +55,8 @@ FileDescriptor OpenFolder(const std::string& folder) {
 
 #ifdef __linux__
 
+ReadingWay UsualWay() { return {}; }
+
 // The C library reads the metadata of each folder that it opens; this does not.
 struct DirectoryReader::Stream {
   void Open(const std::string& folder) {
@@ -84,34 +87,71 @@ struct DirectoryReader::Stream {
 
 #else
 
+ReadingWay UsualWay() { return BulkWay(); }
+
+// A folder that is read in bulk needs no stream of the C library.
 struct DirectoryReader::Stream {
   void Open(const std::string& folder) {
-    FileDescriptor opened = OpenFolder(folder);
-    handle.reset(::fdopendir(opened.Get()));
-    if (handle) opened.Release();
+    handle.reset();
+    descriptor = OpenFolder(folder);
   }
-  int Descriptor() const { return ::dirfd(handle.get()); }
+  int Descriptor() const { return handle ? ::dirfd(handle.get()) : descriptor.Get(); }
 
   const dirent* Read() {
-    errno = handle ? 0 : ENOMEM;
-    return handle ? ::readdir(handle.get()) : nullptr;
+    if (!handle) {
+      handle.reset(::fdopendir(descriptor.Get()));
+      if (!handle) return nullptr;
+      descriptor.Release();
+    }
+    errno = 0;
+    return ::readdir(handle.get());
   }
 
   struct Closer {
     void operator()(DIR* directory) const { ::closedir(directory); }
   };
+  FileDescriptor descriptor;  ///< until the stream owns it
   std::unique_ptr<DIR, Closer> handle;
 };
 
 #endif
 
-DirectoryReader::DirectoryReader() : stream_(std::make_unique<Stream>()) {}
+ReadingWay BulkWay() { return {::getattrlistbulk}; }
+
+DirectoryReader::DirectoryReader(const ReadingWay& way) : stream_(std::make_unique<Stream>()) {
+  if (way.bulk) bulk_ = std::make_unique<BulkDirectory>(way.bulk, way.bytes);
+}
 
 DirectoryReader::~DirectoryReader() = default;
 
-void DirectoryReader::Open(const std::string& folder) { stream_->Open(folder); }
+void DirectoryReader::Open(const std::string& folder) {
+  stream_->Open(folder);
+  folder_ = folder;
+  listed_.reset();
+  isInBulk_ = bulk_ != nullptr;
+  if (isInBulk_) bulk_->Begin();
+}
 
 bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
+  while (isInBulk_) {
+    switch (bulk_->Next(stream_->Descriptor(), entry, error)) {
+      case BulkDirectory::Outcome::Entry:
+        if (IsFolderItself(entry.name)) break;
+        if (entry.kind == EntryKind::Unknown) CompleteEntry(entry);
+        return true;
+      case BulkDirectory::Outcome::End:
+      case BulkDirectory::Outcome::Failed:
+        return false;
+      case BulkDirectory::Outcome::Refused:
+        isInBulk_ = false;
+        ::lseek(stream_->Descriptor(), 0, SEEK_SET);
+    }
+  }
+  return NextOfList(entry, error);
+}
+
+bool DirectoryReader::NextOfList(DirectoryEntry& entry, std::error_code& error) {
+  entry.metadata.reset();
   while (const auto* const found = stream_->Read()) {
     if (IsFolderItself(found->d_name)) continue;
     entry.name = found->d_name;
@@ -122,15 +162,45 @@ bool DirectoryReader::Next(DirectoryEntry& entry, std::error_code& error) {
   return false;
 }
 
-EntryMetadata DirectoryReader::ReadMetadata(const char* name, std::error_code& error) const {
+/// Reads what the bulk did not have of an entry as if the folder were only listed.
+void DirectoryReader::CompleteEntry(DirectoryEntry& entry) {
+  std::error_code error;
+  const EntryMetadata metadata = ReadMetadata(entry, error);
+  entry.kind = error ? ListedKind(entry.name) : metadata.kind;
+  if (!error) entry.metadata = metadata;
+}
+
+EntryKind DirectoryReader::ListedKind(const char* name) {
+  if (!listed_) {
+    listed_.emplace();
+    DirectoryReader list{ReadingWay()};
+    DirectoryEntry entry;
+    std::error_code error;
+    try {
+      list.Open(folder_);
+      while (list.Next(entry, error)) listed_->emplace(entry.name, entry.kind);
+    } catch (const boost::filesystem::filesystem_error&) {
+      // It was removed meanwhile: nothing is known of its entries.
+    }
+  }
+  const auto found = listed_->find(name);
+  return found == listed_->end() ? EntryKind::Unknown : found->second;
+}
+
+EntryMetadata DirectoryReader::ReadMetadata(const DirectoryEntry& entry, std::error_code& error) {
+  error.clear();
+  if (entry.metadata) return *entry.metadata;
+  ++metadataCalls_;
   struct stat status {};
-  if (::fstatat(stream_->Descriptor(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+  if (::fstatat(stream_->Descriptor(), entry.name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
     error.assign(errno, std::generic_category());
     return {};
   }
-  error.clear();
-  return {KindOfMode(status.st_mode), static_cast<long long>(status.st_size),
+  return {KindOfMode(status.st_mode),
+          S_ISREG(status.st_mode) ? static_cast<long long>(status.st_size) : 0,
           static_cast<long long>(status.st_mtime)};
 }
+
+ReadCalls DirectoryReader::Calls() const { return {bulk_ ? bulk_->Calls() : 0, metadataCalls_}; }
 
 }  // namespace Norvik::Platform

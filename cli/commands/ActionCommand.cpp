@@ -105,7 +105,7 @@ int RunAction(const CommandLine& line, std::ostream& output, std::ostream& error
   if (line.rehearse || (isRecorded && !line.really)) return Rehearse(line, output, errors);
   const unsigned int code = ParseActionCode(line.action);
   const ActionOutcome outcome = RunOne(line, code);
-  output << (line.json ? JsonLine(ToJson(code, outcome)) : ToText(outcome));
+  output << (line.json ? ToJsonLine(code, outcome) : ToText(outcome));
   return CodeFor(outcome, code, line.json, errors);
 }
 

@@ -5,18 +5,7 @@
 namespace Norvik::Cli {
 
 using namespace Host;
-
-namespace {
-
 using namespace Common;
-
-std::vector<OrderedJson> CellsOf(const ActionResponseTable::Row& row) {
-  std::vector<OrderedJson> cells;
-  for (const auto& value : row) cells.push_back(CellToJson(value));
-  return cells;
-}
-
-}  // namespace
 
 bool ActionOutcome::HasFailed() const {
   if (!failure.empty() || response.text) return true;
@@ -29,29 +18,23 @@ std::string ActionOutcome::Reason() const {
   return statuses.empty() ? "" : OnOneLine(statuses.back().message);
 }
 
-OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome) {
-  OrderedJson titles = OrderedJson::array();
-  OrderedJson rows = OrderedJson::array();
-  for (const auto& row : outcome.response.table.Rows()) {
-    const bool isTitles = outcome.response.table.HasTitles() && titles.empty() && rows.empty();
-    if (isTitles) {
-      titles = CellsOf(row);
-    } else {
-      rows.push_back(CellsOf(row));
-    }
+// Row by row: the rows of a large table as JSON values would take several times its memory.
+std::string ToJsonLine(unsigned int code, const ActionOutcome& outcome) {
+  const auto& rows = outcome.response.table.Rows();
+  const bool hasTitles = outcome.response.table.HasTitles() && !rows.empty();
+  std::string text = "{\"code\":" + std::to_string(code) +
+                     ",\"text\":" + JsonText(outcome.response.text.get_value_or("")) +
+                     ",\"success\":" + JsonText(!outcome.HasFailed()) +
+                     ",\"titles\":" + (hasTitles ? RowText(rows.front()) : "[]") + ",\"rows\":[";
+  for (std::size_t row = hasTitles ? 1 : 0; row < rows.size(); ++row) {
+    if (text.back() != '[') text += ',';
+    text += RowText(rows[row]);
   }
-  return {{"code", code},
-          {"text", outcome.response.text.get_value_or("")},
-          {"success", !outcome.HasFailed()},
-          {"titles", titles},
-          {"rows", rows},
-          {"statuses", StatusesToJson(outcome.statuses)}};
+  return text + "],\"statuses\":" + JsonText(StatusesToJson(outcome.statuses)) + "}\n";
 }
 
 std::string ToText(const ActionOutcome& outcome) {
-  std::vector<std::vector<OrderedJson>> rows;
-  for (const auto& row : outcome.response.table.Rows()) rows.push_back(CellsOf(row));
-  std::string text = TableText(rows);
+  std::string text = TableText(outcome.response.table.Rows());
   if (outcome.response.text) text += "text: " + EscapeControls(*outcome.response.text) + "\n";
   text += std::string("success: ") + (outcome.HasFailed() ? "false" : "true") + "\n";
   for (const auto& status : outcome.statuses) text += "status: " + StatusText(status) + "\n";

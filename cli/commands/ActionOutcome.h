@@ -19,8 +19,8 @@ struct ActionOutcome : Host::ActionResult {
   std::string Reason() const;
 };
 
-/// {"code", "text", "success", "titles", "rows", "statuses"}
-OrderedJson ToJson(unsigned int code, const ActionOutcome& outcome);
+/// {"code", "text", "success", "titles", "rows", "statuses"} with a newline at its end
+std::string ToJsonLine(unsigned int code, const ActionOutcome& outcome);
 /// The table, then the text, success and statuses, each on a line.
 std::string ToText(const ActionOutcome& outcome);
 

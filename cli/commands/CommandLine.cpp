@@ -53,6 +53,7 @@ Examples:
   norvik-agent open --pretty FILE              read what it has written
   norvik-agent show software                   the software that the last inventory found
   norvik-agent history --changes --since 7d    what has changed in a week
+  norvik-agent view --open                     the last inventory in the browser
   norvik-agent configure --check FILE          check a configuration, store nothing
   norvik-agent status --json                   the state of the agent, for programs
   norvik-agent action 1012 id=4711 --rehearse  what an action would do)";
@@ -163,6 +164,19 @@ void AddRedactCommand(CLI::App& program, Texts& texts) {
       ->type_name("FILE");
 }
 
+void AddViewCommand(CLI::App& program, CommandLine& line, Texts& texts) {
+  auto* view = program.add_subcommand("view", "write a page that shows inventories in a browser");
+  view->add_option("FILES", texts.files,
+                   "documents of one machine, plain or sealed; default: the last inventory")
+      ->check(NotEmpty);
+  view->add_option("--output", texts.outputFile, "the page; default: norvik-HOST.html, here")
+      ->check(NotEmpty)
+      ->type_name("PAGE");
+  view->add_flag("--open", line.openPage, "open the page in the browser");
+  view->add_flag("--redact", line.redact, "show it without personal data");
+  AddKeysOption(*view, texts);
+}
+
 void AddKeysCommand(CLI::App& program, CommandLine& line, Texts& texts) {
   auto* keys = program.add_subcommand("keys", "make, show or rotate the keys of sealed documents");
   keys->add_option("WHAT", line.what, "make, show or rotate")->required()->check(NotEmpty);
@@ -198,6 +212,7 @@ void AddCommands(CLI::App& program, CommandLine& line, Texts& texts) {
   AddDocumentCommand(program, texts, "diff", {"OLD", "a full document"},
                      {"NEW", "the one to compare with it"});
   AddCommandsThatShowDocuments(program, line, texts);
+  AddViewCommand(program, line, texts);
   AddRedactCommand(program, texts);
   AddKeysCommand(program, line, texts);
 

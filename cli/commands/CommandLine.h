@@ -28,9 +28,10 @@ struct CommandLine {
   bool live = false;
   bool csv = false;
   bool changes = false;
+  bool openPage = false;
   boost::filesystem::path file;
   boost::filesystem::path secondFile;
-  boost::filesystem::path outputFile;  ///< empty: standard output
+  boost::filesystem::path outputFile;  ///< empty: standard output; of `view` a default name
   boost::filesystem::path secretFile;  ///< empty: a random secret
   boost::filesystem::path mapFile;     ///< empty: none
   std::vector<boost::filesystem::path> files;

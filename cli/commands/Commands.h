@@ -42,6 +42,8 @@ int RunApply(const CommandLine& line, std::ostream& output, std::ostream& errors
 int RunDiff(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Prints documents without personal data. Several of one machine still belong together.
 int RunRedact(const CommandLine& line, std::ostream& output, std::ostream& errors);
+/// Writes a page that shows documents in a browser. Changes nothing else.
+int RunView(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Runs one action of the module, or rehearses it.
 int RunAction(const CommandLine& line, std::ostream& output, std::ostream& errors);
 /// Lists the actions that the module registers.

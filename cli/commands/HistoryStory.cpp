@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "cli/commands/ChangeJson.h"
 #include "cli/commands/DocumentFile.h"
 #include "cli/commands/FittedTable.h"
 #include "cli/commands/SectionText.h"
@@ -19,50 +20,7 @@ using namespace Host;
 namespace {
 
 using Documents::FILE_SECTION;
-using Documents::Json;
 using Documents::RecordChange;
-
-constexpr const char* KINDS[] = {"came", "went", "changed"};
-
-/// A value of a parsed document in UTF-8.
-OrderedJson Exact(const Json& value) {
-  return OrderedJson::parse(Common::EncodeUtf8Characters(Documents::TextOf(value)));
-}
-
-OrderedJson ToJson(const RecordChange& change) {
-  OrderedJson json = {{"section", change.section},
-                      {"change", KINDS[change.kind]},
-                      {"identity", Exact(change.identity)}};
-  if (change.kind != RecordChange::Changed) {
-    json["record"] = Exact(change.record);
-    return json;
-  }
-  json["properties"] = OrderedJson::array();
-  for (const auto& property : change.properties) {
-    OrderedJson each = {{"property", property.property}};
-    if (change.fromKnown) each["from"] = Exact(property.from);
-    each["to"] = Exact(property.to);
-    json["properties"].push_back(std::move(each));
-  }
-  return json;
-}
-
-/// "Preview, 11.0", or the path of a file.
-std::string NameOfRecord(const OrderedJson& change) {
-  const OrderedJson& identity = change["identity"];
-  if (!identity.is_object()) return "";
-  const auto text = [&](const char* key) { return identity[key].get<std::string>(); };
-  if (change["section"] == FILE_SECTION) {
-    const std::string extension = text("extension");
-    return text("pathName") + "/" + text("filename") + (extension.empty() ? "" : "." + extension);
-  }
-  std::string name;
-  for (const auto& [key, value] : identity.items()) {
-    const std::string part = value.is_string() ? value.get<std::string>() : value.dump();
-    if (!part.empty() && !value.is_null()) name += (name.empty() ? "" : ", ") + part;
-  }
-  return name;
-}
 
 /// Section, record, and what became of it: "came", "went" or "version: 13.2 -> 14.0".
 void AddRows(const OrderedJson& change, std::vector<TableRow>& rows) {

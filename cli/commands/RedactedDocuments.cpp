@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "documents/FileReading.h"
 #include "documents/FileRewrite.h"
 #include "documents/MachineDocument.h"
 #include "host/redaction/DocumentRedaction.h"
@@ -12,17 +13,6 @@ namespace Norvik::Cli {
 using namespace Host;
 
 namespace {
-
-/// By its text: a file inventory may be too large to be parsed as a whole. In the text of a value
-/// the quotes would be escaped.
-bool IsFileInventory(const std::string& text) {
-  static constexpr char KEY[] = "\"typeInventory\"";
-  for (auto at = text.find(KEY); at != std::string::npos; at = text.find(KEY, at + 1)) {
-    const auto next = text.find_first_not_of(" \t\r\n", at + sizeof(KEY) - 1);
-    if (next != std::string::npos && text[next] == ':') return true;
-  }
-  return false;
-}
 
 Documents::Document ParseMachineDocument(const Documents::NamedText& text) {
   Documents::Document document = Documents::ParseDocument(text);
@@ -39,7 +29,7 @@ RedactedDocuments::RedactedDocuments(std::vector<Documents::NamedText> documents
                                      const StandIns& standIns)
     : texts_(std::move(documents)), parsed_(texts_.size()), replacements_(standIns) {
   for (std::size_t at = 0; at < texts_.size(); ++at) {
-    if (IsFileInventory(texts_[at].text)) continue;
+    if (Documents::IsFileDocumentText(texts_[at].text)) continue;
     parsed_[at] = ParseMachineDocument(texts_[at]);
     std::string().swap(texts_[at].text);
     ProtectHarmless(parsed_[at].value, replacements_);

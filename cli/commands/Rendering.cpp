@@ -7,6 +7,7 @@
 
 #include "common/text/Text.h"
 #include "host/configuration/ConfigurationFile.h"
+#include "host/run/ResponseJson.h"
 
 namespace Norvik::Cli {
 
@@ -71,25 +72,29 @@ std::size_t WidthOf(const std::string& text) {
   return static_cast<std::size_t>(starts);
 }
 
-std::string TableText(const std::vector<std::vector<OrderedJson>>& rows) {
-  std::vector<std::size_t> widths;
-  for (const auto& row : rows) {
-    if (row.size() > widths.size()) widths.resize(row.size());
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], WidthOf(CellText(row[i])));
-    }
-  }
-  std::string text;
-  for (const auto& row : rows) {
-    std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string cell = CellText(row[i]);
-      const std::string padding(widths[i] - WidthOf(cell), ' ');
-      line += (i == 0 ? "" : "  ") + (row[i].is_number() ? padding + cell : cell + padding);
-    }
-    text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
-  }
-  return text;
+PrintedCell PrintedCellOf(const OrderedJson& cell) { return {CellText(cell), cell.is_number()}; }
+
+PrintedCell PrintedCellOf(const ActionPropertyValue& cell) {
+  if (const auto* const text = boost::get<std::string>(&cell)) return {EscapeControls(*text)};
+  return PrintedCellOf(Host::CellToJson(cell));
+}
+
+void AlignedTable::Measure(std::size_t column, const PrintedCell& cell) {
+  if (column >= widths_.size()) widths_.resize(column + 1);
+  widths_[column] = std::max(widths_[column], WidthOf(cell.text));
+}
+
+void AlignedTable::Add(std::size_t column, const PrintedCell& cell) {
+  if (column > 0) text_ += "  ";
+  const std::size_t padding = widths_[column] - WidthOf(cell.text);
+  if (cell.alignRight) text_.append(padding, ' ');
+  text_ += cell.text;
+  if (!cell.alignRight) text_.append(padding, ' ');
+}
+
+void AlignedTable::EndLine() {
+  while (!text_.empty() && text_.back() == ' ') text_.pop_back();
+  text_ += '\n';
 }
 
 std::string SourceLines(const OrderedJson& sources) {

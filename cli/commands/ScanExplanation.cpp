@@ -42,7 +42,7 @@ boost::optional<EntryKind> FindKind(Platform::DirectoryReader& reader, const std
   while (reader.Next(entry, error)) {
     if (name != entry.name) continue;
     if (entry.kind != EntryKind::Unknown) return entry.kind;
-    const EntryKind kind = reader.ReadMetadata(entry.name, error).kind;
+    const EntryKind kind = reader.ReadMetadata(entry, error).kind;
     if (error) return boost::none;
     return kind;
   }

@@ -1,6 +1,5 @@
 #include "cli/commands/SupportBundle.h"
 
-#include <curl/curl.h>
 #include <sys/utsname.h>
 
 #include <algorithm>
@@ -18,6 +17,7 @@
 #include "common/text/Text.h"
 #include "host/HostError.h"
 #include "host/health/HealthReport.h"
+#include "host/server/CurlLibrary.h"
 #include "host/support/DataFolderContent.h"
 #include "host/support/SupportBundle.h"
 
@@ -34,12 +34,24 @@ constexpr std::string_view NET_CHECKS[] = {"server-name",      "server-connectio
                                            "certificate-days", "server-answer",     "enrolment",
                                            "clock-skew"};
 
+/// The version, or why the library cannot be used.
+std::string CurlVersion() {
+  try {
+    return Curl().version();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+}
+
 OrderedJson Versions() {
   utsname system{};
   ::uname(&system);
-  return {{"agent", Common::GetAgentVersion()}, {"system", system.sysname},
-          {"kernel", system.release},           {"architecture", system.machine},
-          {"curl", ::curl_version()},           {"boost", BOOST_LIB_VERSION}};
+  return {{"agent", Common::GetAgentVersion()},
+          {"system", system.sysname},
+          {"kernel", system.release},
+          {"architecture", system.machine},
+          {"curl", CurlVersion()},
+          {"boost", BOOST_LIB_VERSION}};
 }
 
 OrderedJson Health(const CommandLine& line) {

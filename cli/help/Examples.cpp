@@ -44,6 +44,10 @@ constexpr Example EXAMPLES[] = {
      "  norvik-agent history                          the documents that are kept\n"
      "  norvik-agent history --changes --since 7d     what has changed in a week\n"
      "  norvik-agent history --changes --section software --json\n"},
+    {"view",
+     "  norvik-agent view --open                      the last inventory of this machine\n"
+     "  norvik-agent view full.json increment.json files.json --output mac.html\n"
+     "  norvik-agent view --redact DIR/*.jsonkob      without personal data\n"},
     {"apply",
      "  norvik-agent apply full.json increment.json --output next.json   default: print it\n"},
     {"diff", "  norvik-agent diff monday.json friday.json     an incremental document, printed\n"},

@@ -184,7 +184,7 @@ std::string RehearsalReport::ToText() const {
 }
 
 OrderedJson RehearsalReport::ToJson() const {
-  OrderedJson node = Cli::ToJson(code_, outcome_);
+  OrderedJson node = OrderedJson::parse(ToJsonLine(code_, outcome_));
   OrderedJson log = OrderedJson::array();
   for (const auto& [level, line] : action_.logged) {
     log.push_back({{"level", static_cast<int>(level)}, {"text", line}});

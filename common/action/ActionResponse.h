@@ -3,6 +3,7 @@
 #include <boost/optional.hpp>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/Api.h"
@@ -24,6 +25,7 @@ class NORVIK_COMMON_API ActionResponseTable {
     rows_.back().push_back(value);
   }
   void AddRow(const Row& row) { rows_.push_back(row); }
+  void AddRow(Row&& row) { rows_.push_back(std::move(row)); }
 
   const std::vector<Row>& Rows() const { return rows_; }
   bool HasTitles() const { return hasTitles_; }

@@ -62,7 +62,8 @@ void AgentDatabase::SetWaitListener(std::function<void()> listener) {
 }
 
 bool AgentDatabase::LeaveOutConnectionLocks() {
-  return sqlite_api::sqlite3_config(SQLITE_CONFIG_MULTITHREAD) == SQLITE_OK;
+  return sqlite_api::sqlite3_config(SQLITE_CONFIG_MULTITHREAD) == SQLITE_OK &&
+         sqlite_api::sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
 }
 
 void CopyDatabase(const boost::filesystem::path& source, const boost::filesystem::path& target) {

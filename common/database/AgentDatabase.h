@@ -51,9 +51,10 @@ class NORVIK_COMMON_API AgentDatabase : public IDataBase {
   /// waiting thread and must neither throw nor use the database. An empty function removes it.
   static void SetWaitListener(std::function<void()> listener);
 
-  /// Switches off SQLite's own lock around each row and cell, which costs time. Call it before the
-  /// process uses SQLite, and only if no connection is used by two threads at once; the connections
-  /// here are not. False if SQLite is already in use.
+  /// Switches off SQLite's own lock around each row and cell, and its count of the memory in use,
+  /// which has a lock for all connections: both cost time. Call it before the process uses SQLite,
+  /// and only if no connection is used by two threads at once; the connections here are not. False
+  /// if SQLite is already in use.
   static bool LeaveOutConnectionLocks();
 
  private:

@@ -16,13 +16,14 @@ constexpr std::chrono::seconds NOTICE_AFTER(1);
 constexpr std::chrono::milliseconds BUSY_PAUSE(20);
 
 // The cache is large enough for the index of a few hundred thousand paths while they are inserted;
-// the size limit returns the space of a large transaction's journal to the disk. Deleted rows are
-// not overwritten: they are file names in a file that only its owner can read, and clearing a full
+// the size limit returns the space of a large transaction's journal to the disk. 250 of our large
+// pages are 16 MiB of the journal, after which it is moved into the file. Deleted rows are not
+// overwritten: they are file names in a file that only its owner can read, and clearing a full
 // table would take as long as filling it. Temporary files would be outside the data folder, where
 // this process may not be able to write.
 constexpr char SETTINGS[] =
     "PRAGMA synchronous=NORMAL; PRAGMA cache_size=-8192; PRAGMA journal_size_limit=4194304; "
-    "PRAGMA secure_delete=OFF; PRAGMA temp_store=MEMORY;";
+    "PRAGMA secure_delete=OFF; PRAGMA temp_store=MEMORY; PRAGMA wal_autocheckpoint=250;";
 
 struct SharedListener {
   std::mutex mutex;

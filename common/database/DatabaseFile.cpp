@@ -95,7 +95,7 @@ void UseWriteAheadLog(Connection& connection) {
 
 // A file inventory fills the file and compares it by long paths, for which SQLite's own size makes
 // trees too deep. A file that holds something keeps the size that it was made with.
-constexpr char SET_PAGE_SIZE[] = "PRAGMA page_size=16384";
+constexpr char SET_PAGE_SIZE[] = "PRAGMA page_size=65536";
 // Lets free space be given back to the file system, see `GiveBackFreedSpace`.
 constexpr char SET_VACUUM[] = "PRAGMA auto_vacuum=INCREMENTAL";
 

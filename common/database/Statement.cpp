@@ -38,25 +38,36 @@ std::string TextOf(Integer value) {
 }
 
 // Binds one value to one parameter and returns SQLite's result. A text is not copied: it lives
-// until the statement has run, and every parameter is bound again before the next run.
+// until the statement has run, and is bound again before the next run.
 struct Binder : boost::static_visitor<int> {
-  Binder(sqlite_api::sqlite3_stmt* toStatement, int atPosition, bool inQuotes)
-      : statement(toStatement), position(atPosition), asText(inQuotes) {}
+  explicit Binder(sqlite_api::sqlite3_stmt* toStatement) : statement(toStatement) {}
 
   int operator()(const std::string& value) const {
+    if (value.empty()) {
+      if (std::exchange(bound->kind, BoundValue::EmptyText) == BoundValue::EmptyText)
+        return SQLITE_OK;
+      return sqlite_api::sqlite3_bind_text64(statement, position, "", 0, nullptr, SQLITE_UTF8);
+    }
+    bound->kind = BoundValue::Other;
     return sqlite_api::sqlite3_bind_text64(statement, position, value.data(), value.size(), nullptr,
                                            SQLITE_UTF8);
   }
   int operator()(double value) const {
+    bound->kind = BoundValue::Other;
     return asText ? Copied(TextOf(value))
                   : sqlite_api::sqlite3_bind_double(statement, position, value);
   }
   // An unsigned 64-bit number above the signed range keeps its bits.
   template <class Integer>
   int operator()(Integer value) const {
-    return asText ? Copied(TextOf(value))
-                  : sqlite_api::sqlite3_bind_int64(statement, position,
-                                                   static_cast<sqlite3_int64>(value));
+    if (asText) {
+      bound->kind = BoundValue::Other;
+      return Copied(TextOf(value));
+    }
+    const auto number = static_cast<sqlite3_int64>(value);
+    if (bound->kind == BoundValue::Number && bound->number == number) return SQLITE_OK;
+    *bound = {BoundValue::Number, number};
+    return sqlite_api::sqlite3_bind_int64(statement, position, number);
   }
   int Copied(const std::string& value) const {
     const auto copy = reinterpret_cast<sqlite_api::sqlite3_destructor_type>(-1);
@@ -65,8 +76,9 @@ struct Binder : boost::static_visitor<int> {
   }
 
   sqlite_api::sqlite3_stmt* statement;
-  int position;
-  bool asText;
+  BoundValue* bound = nullptr;  ///< to the parameter
+  int position = 0;
+  bool asText = false;
 };
 
 }  // namespace
@@ -85,6 +97,7 @@ Statement::Statement(Connection& connection, const std::string& text)
     throw soci::soci_error("more than one statement in: " + text_);
   }
   writes_ = sqlite_api::sqlite3_stmt_readonly(prepared) == 0;
+  bound_.resize(sentence_.parameters.size());
 }
 
 void Statement::Bind(const std::vector<V2::DataBaseValue>& values) {
@@ -93,12 +106,15 @@ void Statement::Bind(const std::vector<V2::DataBaseValue>& values) {
                             "} has no value, " + std::to_string(values.size()) +
                             " given, in: " + text_);
   }
-  Binder binder(handle_.get(), 0, false);
+  Binder binder(handle_.get());
   for (const auto& parameter : sentence_.parameters) {
+    binder.bound = &bound_[static_cast<std::size_t>(binder.position)];
     ++binder.position;
     binder.asText = parameter.asText;
     const int code = boost::apply_visitor(binder, values[parameter.value]);
-    if (code != SQLITE_OK) connection_.ThrowLastError(code, text_);
+    if (code == SQLITE_OK) continue;
+    *binder.bound = {};
+    connection_.ThrowLastError(code, text_);
   }
 }
 

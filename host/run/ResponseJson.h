@@ -10,6 +10,8 @@ namespace Norvik::Host {
 
 /// A cell of a response's table: numbers and booleans as such, everything else as text.
 OrderedJson CellToJson(const Common::ActionPropertyValue& value);
+/// The text of a JSON array with the cells of a row. Bytes that are not UTF-8 are replaced.
+std::string RowText(const Common::ActionResponseTable::Row& row);
 
 // What a command and the running agent send each other. The readers throw a subclass of
 // `std::exception` for malformed JSON.

@@ -2,6 +2,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <csignal>
 #include <utility>
 
@@ -10,6 +11,7 @@ namespace Norvik::Host {
 struct StopSignals::State {
   boost::asio::io_context context{1};
   boost::asio::signal_set signals{context, SIGTERM, SIGINT, SIGHUP};
+  boost::asio::steady_timer timer{context};
   void (*pipeHandler)(int) = std::signal(SIGPIPE, SIG_IGN);
 };
 
@@ -30,7 +32,14 @@ int StopSignals::Wait(const std::function<void()>& onHangUp, std::chrono::millis
       });
     }
     state_->context.restart();
-    if (state_->context.run_for(pause) == 0) onPause();
+    // One wait for the whole pause: `run_for` would wake up each second.
+    bool paused = false;
+    state_->timer.expires_after(pause);
+    state_->timer.async_wait([&](const boost::system::error_code& error) { paused = !error; });
+    state_->context.run_one();
+    state_->timer.cancel();
+    state_->context.poll();
+    if (paused) onPause();
   }
   return ending;
 }

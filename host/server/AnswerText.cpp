@@ -17,10 +17,6 @@ constexpr std::size_t LONGEST_REQUEST = 1024;
 /// All that follows the text in an answer without titles and rows.
 constexpr std::string_view REST = ",\"titles\":[],\"rows\":[],\"truncated\":false}";
 
-std::string Dump(const OrderedJson& json) {
-  return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
-}
-
 /// Bytes that a step of a text takes in JSON, where bytes that are not UTF-8 become U+FFFD.
 std::size_t BytesOf(const json::Utf8Step& step) {
   constexpr std::string_view SHORT_ESCAPES = "\"\\\b\f\n\r\t";
@@ -42,16 +38,10 @@ std::string_view PartWithin(std::string_view text, std::size_t room) {
   return text;
 }
 
-std::string CellsOf(const Row& row) {
-  OrderedJson cells = OrderedJson::array();
-  for (const auto& value : row) cells.push_back(CellToJson(value));
-  return Dump(cells);
-}
-
 /// Writes an answer up to a limit.
 class Writer {
  public:
-  Writer(const OrderedJson& head, std::size_t limit) : json_(Dump(head)), limit_(limit) {
+  Writer(const OrderedJson& head, std::size_t limit) : json_(JsonText(head)), limit_(limit) {
     json_.back() = ',';
   }
 
@@ -64,17 +54,17 @@ class Writer {
     constexpr std::size_t QUOTES = 2;
     const auto part = PartWithin(*text, limit_ - json_.size() - QUOTES - REST.size());
     isCut_ = part.size() < text->size();
-    json_ += Dump(std::string(part));
+    json_ += JsonText(std::string(part));
   }
   void AddTable(const Common::ActionResponseTable& table) {
     const auto& rows = table.Rows();
     auto row = rows.begin();
     std::string titles = "[]";
-    if (table.HasTitles() && row != rows.end()) titles = CellsOf(*row++);
+    if (table.HasTitles() && row != rows.end()) titles = RowText(*row++);
     // Rows mean nothing without their titles.
     isCut_ = isCut_ || !Fits(titles);
     json_ += ",\"titles\":" + (isCut_ ? "[]" : titles) + ",\"rows\":[";
-    for (; row != rows.end() && !isCut_; ++row) AddRow(CellsOf(*row));
+    for (; row != rows.end() && !isCut_; ++row) AddRow(RowText(*row));
   }
   std::string Finish() {
     json_ += isCut_ ? "],\"truncated\":true}" : "],\"truncated\":false}";

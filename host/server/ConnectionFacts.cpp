@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "common/text/Dates.h"
+#include "host/server/CurlLibrary.h"
 
 namespace Norvik::Host {
 
@@ -18,19 +19,19 @@ constexpr std::string_view EXPIRES = "Expire date:";
 
 bool Lasted(CURL* handle, CURLINFO phase) {
   curl_off_t microseconds = 0;
-  return curl_easy_getinfo(handle, phase, &microseconds) == CURLE_OK && microseconds > 0;
+  return Curl().easyGetInfo(handle, phase, &microseconds) == CURLE_OK && microseconds > 0;
 }
 
 /// Some releases count the TLS handshake into the time of the connection.
 bool IsConnected(CURL* handle) {
   long port = 0;
-  curl_easy_getinfo(handle, CURLINFO_LOCAL_PORT, &port);
+  Curl().easyGetInfo(handle, CURLINFO_LOCAL_PORT, &port);
   return port > 0 || Lasted(handle, CURLINFO_CONNECT_TIME_T);
 }
 
 ConnectionFacts::Stage StageOf(CURL* handle, CURLcode code) {
   long status = 0;
-  curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
+  Curl().easyGetInfo(handle, CURLINFO_RESPONSE_CODE, &status);
   if (status != 0) return ConnectionFacts::ANSWERED;
   if (code == CURLE_PEER_FAILED_VERIFICATION || code == CURLE_SSL_CONNECT_ERROR ||
       code == CURLE_SSL_CACERT_BADFILE) {
@@ -39,7 +40,7 @@ ConnectionFacts::Stage StageOf(CURL* handle, CURLcode code) {
   if (Lasted(handle, CURLINFO_APPCONNECT_TIME_T)) return ConnectionFacts::TRUSTED;
   if (IsConnected(handle)) {
     const char* scheme = nullptr;
-    curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
+    Curl().easyGetInfo(handle, CURLINFO_SCHEME, &scheme);
     const bool isPlain = scheme && ::strcasecmp(scheme, "http") == 0;
     return isPlain ? ConnectionFacts::TRUSTED : ConnectionFacts::CONNECTED;
   }
@@ -52,7 +53,7 @@ ConnectionFacts::Stage StageOf(CURL* handle, CURLcode code) {
 Time EarliestExpiry(CURL* handle) {
   Time earliest;
   curl_certinfo* chain = nullptr;
-  if (curl_easy_getinfo(handle, CURLINFO_CERTINFO, &chain) != CURLE_OK || !chain) return earliest;
+  if (Curl().easyGetInfo(handle, CURLINFO_CERTINFO, &chain) != CURLE_OK || !chain) return earliest;
   for (int i = 0; i < chain->num_of_certs; ++i) {
     for (const curl_slist* line = chain->certinfo[i]; line; line = line->next) {
       const std::string_view text = line->data;
@@ -80,7 +81,7 @@ void ReadDateHeader(std::string_view line, Time& date) noexcept {
     return;
   char text[64] = {};
   line.substr(DATE.size()).copy(text, sizeof(text) - 1);
-  const std::time_t time = curl_getdate(text, nullptr);
+  const std::time_t time = Curl().getDate(text, nullptr);
   if (time > 0) date = system_clock::from_time_t(time);
 }
 

@@ -1,5 +1,7 @@
 #include "host/server/CurlProtocol.h"
 
+#include "host/server/CurlLibrary.h"
+
 namespace Norvik::Host {
 
 namespace {
@@ -15,9 +17,10 @@ constexpr unsigned int FIRST_WITH_NAMES = 0x075500;  // 7.85.0
 bool TakesProtocolNames(unsigned int version) { return version >= FIRST_WITH_NAMES; }
 
 CURLcode RestrictProtocol(CURL* handle, const std::string& scheme, unsigned int version) {
-  if (TakesProtocolNames(version)) return curl_easy_setopt(handle, PROTOCOL_NAMES, scheme.c_str());
+  if (TakesProtocolNames(version))
+    return Curl().easySetOption(handle, PROTOCOL_NAMES, scheme.c_str());
   const long bits = scheme == "https" ? CURLPROTO_HTTPS : CURLPROTO_HTTP;
-  return curl_easy_setopt(handle, PROTOCOL_BITS, bits);
+  return Curl().easySetOption(handle, PROTOCOL_BITS, bits);
 }
 
 }  // namespace Norvik::Host

@@ -1,7 +1,6 @@
 #include "host/server/HttpClient.h"
 
 #include <curl/curl.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 
 #include "common/text/Text.h"
 #include "host/server/ConnectionFacts.h"
+#include "host/server/CurlLibrary.h"
 #include "host/server/CurlProtocol.h"
 #include "platform/FileSystem.h"
 
@@ -26,29 +26,15 @@ constexpr std::size_t LONGEST_HEADERS = 64 << 10;
 constexpr std::size_t LONGEST_FAILURE = 300;
 constexpr long SLOWEST_BYTES_PER_SECOND = 1024;
 
-/// libcurl must be initialised once, before any thread uses it.
-struct CurlLibrary {
-  CurlLibrary() {
-    // The library would write the keys of all connections to a file that the environment names.
-    ::unsetenv("SSLKEYLOGFILE");
-    if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
-      throw std::runtime_error("libcurl cannot be set up");
-    }
-  }
-  CurlLibrary(const CurlLibrary&) = delete;
-  CurlLibrary& operator=(const CurlLibrary&) = delete;
-  ~CurlLibrary() { curl_global_cleanup(); }
-};
-
 void Check(CURLcode code, const std::string& option) {
   if (code == CURLE_OK) return;
   throw std::runtime_error("libcurl refuses the option " + option + ": " +
-                           curl_easy_strerror(code));
+                           Curl().easyTextOfError(code));
 }
 
 template <class Value>
 void Set(CURL* handle, CURLoption option, Value value) {
-  Check(curl_easy_setopt(handle, option, value), std::to_string(option));
+  Check(Curl().easySetOption(handle, option, value), std::to_string(option));
 }
 
 class HeaderList {
@@ -56,10 +42,10 @@ class HeaderList {
   HeaderList() = default;
   HeaderList(const HeaderList&) = delete;
   HeaderList& operator=(const HeaderList&) = delete;
-  ~HeaderList() { curl_slist_free_all(list_); }
+  ~HeaderList() { Curl().listFree(list_); }
 
   void Add(const std::string& line) {
-    curl_slist* const longer = curl_slist_append(list_, line.c_str());
+    curl_slist* const longer = Curl().listAppend(list_, line.c_str());
     if (!longer) throw std::bad_alloc();
     list_ = longer;
   }
@@ -142,7 +128,7 @@ int CheckStopped(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) 
 void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
                const std::string& caFile) {
   Set(handle, CURLOPT_URL, url.c_str());
-  const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
+  const unsigned int version = Curl().versionInfo(CURLVERSION_NOW)->version_num;
   Check(RestrictProtocol(handle, scheme, version), "of protocols");
   Set(handle, CURLOPT_FOLLOWLOCATION, 0L);
   // Ignore proxies from the environment: a service is configured by its configuration only.
@@ -154,7 +140,7 @@ void SetServer(CURL* handle, const std::string& url, const std::string& scheme,
   Set(handle, CURLOPT_CAINFO, caFile.c_str());
   // The system's folder of authorities would be trusted, too. The option may be unsupported, so
   // its result is ignored.
-  curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
+  Curl().easySetOption(handle, CURLOPT_CAPATH, nullptr);
 }
 
 void SetLimits(CURL* handle, const ServerLimits& limits, std::uint64_t bodySize) {
@@ -196,20 +182,20 @@ void SetCallbacks(CURL* handle, Transfer& transfer) {
 HttpAnswer Perform(CURL* handle, Transfer& transfer) {
   std::array<char, CURL_ERROR_SIZE> reason{};
   Set(handle, CURLOPT_ERRORBUFFER, reason.data());
-  const CURLcode code = curl_easy_perform(handle);
-  curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, nullptr);
+  const CURLcode code = Curl().easyPerform(handle);
+  Curl().easySetOption(handle, CURLOPT_ERRORBUFFER, nullptr);
 
   HttpAnswer answer;
   if (transfer.request.wantsFacts) answer.facts = FactsOf(handle, code, transfer.date);
   if (code != CURLE_OK) {
     answer.failure = !transfer.failure.empty() ? transfer.failure
                      : reason.front() != '\0'  ? std::string(reason.data())
-                                               : std::string(curl_easy_strerror(code));
+                                               : std::string(Curl().easyTextOfError(code));
     return answer;
   }
-  curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &answer.status);
+  Curl().easyGetInfo(handle, CURLINFO_RESPONSE_CODE, &answer.status);
   curl_off_t seconds = 0;
-  if (curl_easy_getinfo(handle, CURLINFO_RETRY_AFTER, &seconds) == CURLE_OK && seconds > 0) {
+  if (Curl().easyGetInfo(handle, CURLINFO_RETRY_AFTER, &seconds) == CURLE_OK && seconds > 0) {
     answer.retryAfter = std::chrono::seconds(seconds);
   }
   answer.body = std::move(transfer.answer);
@@ -224,12 +210,12 @@ std::string HttpAnswer::Text() const {
 }
 
 struct HttpClient::Handle {
-  Handle() : curl(curl_easy_init()) {
+  Handle() : curl(Curl().easyInit()) {
     if (!curl) throw std::bad_alloc();
   }
   Handle(const Handle&) = delete;
   Handle& operator=(const Handle&) = delete;
-  ~Handle() { curl_easy_cleanup(curl); }
+  ~Handle() { Curl().easyCleanup(curl); }
 
   CURL* const curl;
 };
@@ -240,10 +226,7 @@ HttpClient::HttpClient(const ServerOptions& options, const std::atomic<bool>& st
       caFile_(options.caFile.string()),
       limits_(options.limits),
       stopped_(stopped),
-      handle_([] {
-        static const CurlLibrary library;
-        return std::make_unique<Handle>();
-      }()) {}
+      handle_(std::make_unique<Handle>()) {}
 
 HttpClient::~HttpClient() = default;
 
@@ -259,17 +242,17 @@ HttpAnswer HttpClient::Send(const HttpRequest& request) {
     HeaderList headers;
     for (const std::string& header : request.headers) headers.Add(header);
 
-    curl_easy_reset(handle);
+    Curl().easyReset(handle);
     SetServer(handle, origin_ + request.path, scheme_, caFile_);
     SetLimits(handle, limits_, request.file ? request.fileSize : request.body.size());
     SetBody(handle, transfer);
     SetCallbacks(handle, transfer);
     // Not every TLS library has it.
-    if (request.wantsFacts) curl_easy_setopt(handle, CURLOPT_CERTINFO, 1L);
+    if (request.wantsFacts) Curl().easySetOption(handle, CURLOPT_CERTINFO, 1L);
     Set(handle, CURLOPT_HTTPHEADER, headers.Get());
     answer = Perform(handle, transfer);
     // The handle must not keep pointers to objects of this scope.
-    curl_easy_reset(handle);
+    Curl().easyReset(handle);
   } catch (const std::runtime_error& error) {
     answer.failure = error.what();
   }

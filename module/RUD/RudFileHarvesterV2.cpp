@@ -30,6 +30,8 @@ std::string ParentPathOf(const std::string& folder) {
 
 /// The walk below one root. Texts are reused from entry to entry, which saves allocations.
 struct FileHarvester::Walk {
+  explicit Walk(const Platform::ReadingWay& way) : reader(way) {}
+
   Platform::DirectoryReader reader;
   Common::SeenCounts& seen = Common::SeenByThisRun();
   std::vector<std::string> waiting;  ///< folders, the next one last
@@ -40,7 +42,8 @@ struct FileHarvester::Walk {
   std::string name;          ///< of the entry
 };
 
-FileHarvester::FileHarvester() : buffer_(INITIAL_CAPACITY) {
+FileHarvester::FileHarvester(Platform::ReadingWay way)
+    : way_(std::move(way)), buffer_(INITIAL_CAPACITY) {
   messages_.reserve(INITIAL_CAPACITY);
   ConfigureExecutableList();
 }
@@ -84,7 +87,7 @@ void FileHarvester::Harvester() {
 void FileHarvester::ScanRoot(const std::string& root) {
   NORVIK_INFORMATION(boost::format("Init scan of %1%") % root);
   const auto start = steady_clock::now();
-  Walk walk;
+  Walk walk(way_);
   walk.waiting.push_back(root);
   while (!walk.waiting.empty()) {
     const std::string folder = std::move(walk.waiting.back());
@@ -105,6 +108,8 @@ void FileHarvester::ScanRoot(const std::string& root) {
     walk.pathId = 0;
     ScanFolder(walk);
   }
+  const Platform::ReadCalls calls = walk.reader.Calls();
+  readCalls_ = {readCalls_.bulk + calls.bulk, readCalls_.metadata + calls.metadata};
   const std::int64_t elapsed = MillisecondsSince(start);
   NORVIK_INFORMATION(boost::format("Scan folder %1% finished in %2% milliseconds") % root %
                      std::to_string(elapsed));
@@ -132,7 +137,7 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
   EntryKind kind = entry.kind;
   Metadata metadata;
   if (kind == EntryKind::Unknown) {
-    metadata.values = walk.reader.ReadMetadata(entry.name, metadata.error);
+    metadata.values = walk.reader.ReadMetadata(entry, metadata.error);
     if (metadata.error) throw std::system_error(metadata.error);
     kind = metadata.values.kind;
   }
@@ -153,7 +158,7 @@ void FileHarvester::ScanEntry(Walk& walk, const Platform::DirectoryEntry& entry)
       break;
   }
   if (entry.kind != EntryKind::Unknown) {
-    metadata.values = walk.reader.ReadMetadata(entry.name, metadata.error);
+    metadata.values = walk.reader.ReadMetadata(entry, metadata.error);
   }
   KeepFile(walk, *judgement.extension, metadata);
 }

@@ -16,14 +16,15 @@
 namespace Norvik::KOB::V2 {
 
 /// Walks the configured folders and keeps each file that `Common::ScanRules` list. No file is
-/// opened: it reads folders, and the metadata of the files that it keeps, once each. An object is
-/// used for one scan, on one thread.
+/// opened: it reads folders, and the metadata of the files that it keeps, once each, or with the
+/// folder. An object is used for one scan, on one thread.
 class FileHarvester {
  public:
   /// What was skipped or could not be read: what, why, which.
   using Messages = std::vector<std::tuple<std::string, std::string, std::string>>;
 
-  FileHarvester();
+  /// Both ways of reading folders give the same rows, in the same order.
+  explicit FileHarvester(Platform::ReadingWay way = Platform::UsualWay());
 
   /// Sets the configuration, which must hold all four sets, and fills the buffer's extensions.
   /// Throws `std::out_of_range` for an empty extension.
@@ -44,6 +45,8 @@ class FileHarvester {
   bool IsExecutableList(const std::string& extension) const;
   void PrintFilesWithError() const;
   RudBuffer& GetBuffer() { return buffer_; }
+  /// The calls of all walks that ended.
+  const Platform::ReadCalls& GetReadCalls() const { return readCalls_; }
 
  private:
   struct Walk;
@@ -70,6 +73,8 @@ class FileHarvester {
   /// The name without its extension, a part of the name itself.
   static std::string_view GetFileName(const std::string& name);
 
+  const Platform::ReadingWay way_;
+  Platform::ReadCalls readCalls_;
   Common::ScanRules rules_;
   std::vector<std::string> foldersToScan_;
   /// The buffer's ids of the wanted extensions, by their places in the configuration.

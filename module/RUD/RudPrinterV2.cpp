@@ -5,7 +5,9 @@
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <boost/format.hpp>
+#include <charconv>
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 #include "common/files/FilePipeline.h"
@@ -53,14 +55,18 @@ json::JSON DetailOf(const DataBaseRow& row) {
   return detail;
 }
 
-void AppendText(std::string& out, const char* key, const std::string& value) {
-  out.append(key).append(":\"");
+void AppendText(std::string& out, std::string_view start, const std::string& value) {
+  out += start;
   json::AppendEscaped(out, value);
   out += "\",";
 }
 
-void AppendNumber(std::string& out, const char* key, long long value) {
-  out.append(key).append(":").append(std::to_string(value)).append(",");
+void AppendNumber(std::string& out, std::string_view start, long long value) {
+  char digits[24];
+  char* const end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
+  *end = ',';
+  out += start;
+  out.append(digits, end + 1);
 }
 
 /// The object of one file, in ascending order of its keys.
@@ -70,13 +76,13 @@ void AppendFile(std::string& out, const DataBaseRow& row, FileStatus status) {
     out.append("\"detail\":").append(detail.strUgly()).append(",");
   }
   if (boost::get<int>(row[Source::IsExecutable]) != 0) out += "\"executable\":true,";
-  AppendText(out, "\"extension\"", TextOf(row, Source::Extension));
-  AppendNumber(out, "\"fileStatus\"", status);
-  AppendText(out, "\"filename\"", TextOf(row, Source::FileName));
+  AppendText(out, "\"extension\":\"", TextOf(row, Source::Extension));
+  AppendNumber(out, "\"fileStatus\":", status);
+  AppendText(out, "\"filename\":\"", TextOf(row, Source::FileName));
   // Deliberately also for a time that could not be read, which is -1.
   const long long time = boost::get<long long>(row[Source::LastModification]);
-  if (time != 0) AppendNumber(out, "\"lastMod\"", time);
-  AppendNumber(out, "\"size\"", boost::get<long long>(row[Source::Size]));
+  if (time != 0) AppendNumber(out, "\"lastMod\":", time);
+  AppendNumber(out, "\"size\":", boost::get<long long>(row[Source::Size]));
   out.back() = '}';
 }
 

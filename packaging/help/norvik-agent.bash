@@ -2,12 +2,12 @@ _norvik_agent() {
   local word="${COMP_WORDS[COMP_CWORD]}" command="" each words
   for each in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "$each" in
-      inventory | files | explain | why | open | apply | diff | show | history | redact | keys | action | actions | configure | status | doctor | record | manual | completion | run | user | notify | message) command="$each"; break ;;
+      inventory | files | explain | why | open | apply | diff | show | history | view | redact | keys | action | actions | configure | status | doctor | record | manual | completion | run | user | notify | message) command="$each"; break ;;
     esac
   done
   words='--help --version --data --config --log-level --module --socket --machine --really --user-process --json'
   case "$command" in
-    '') words="$words inventory files explain why open apply diff show history redact keys action actions configure status doctor record manual completion run user notify message" ;;
+    '') words="$words inventory files explain why open apply diff show history view redact keys action actions configure status doctor record manual completion run user notify message" ;;
     inventory) words="$words --help --incremental" ;;
     files) words="$words --help --incremental --scheduled" ;;
     explain) words="$words --help" ;;
@@ -17,6 +17,7 @@ _norvik_agent() {
     diff) words="$words --help --output --keys" ;;
     show) words="$words --help --list --live --csv --file --keys" ;;
     history) words="$words --help --changes --section --since --keys" ;;
+    view) words="$words --help --output --open --redact --keys" ;;
     redact) words="$words --help --output --secret-file --map" ;;
     keys) words="$words --help --keys" ;;
     action) words="$words --help --rehearse" ;;

@@ -112,12 +112,20 @@ TEST(Rendering, WritesCellsByTheirTypes) {
       {wxString::FromUTF8("caf\xC3\xA9"), "\"caf\xC3\xA9\""},
       {std::string("a\"b"), "\"a\\\"b\""},
       {ActionTimePoint(seconds(1767225600)), "\"2026-01-01T00:00:00Z\""}};
-  for (const auto& [value, text] : cases) EXPECT_EQ(CellToJson(value).dump(), text);
+  ActionResponseTable::Row row;
+  std::string texts;
+  for (const auto& [value, text] : cases) {
+    EXPECT_EQ(CellToJson(value).dump(), text);
+    row.push_back(value);
+    texts += (texts.empty() ? "[" : ",") + std::string(text);
+  }
+  EXPECT_EQ(RowText(row), texts + "]");
   EXPECT_EQ(JsonLine("\xFF"), "\"\xEF\xBF\xBD\"\n");
 }
 
 TEST(Rendering, SetsTablesInColumns) {
-  EXPECT_EQ(TableText({{"name", "n"}, {"\xC3\xA9", 5}, {"longer", 123}, {"x"}}),
+  using Rows = std::vector<std::vector<OrderedJson>>;
+  EXPECT_EQ(TableText(Rows{{"name", "n"}, {"\xC3\xA9", 5}, {"longer", 123}, {"x"}}),
             "name    n\n\xC3\xA9         5\nlonger  123\nx\n");
 }
 

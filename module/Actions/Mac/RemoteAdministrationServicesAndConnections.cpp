@@ -1,5 +1,6 @@
 #include <boost/format.hpp>
 #include <list>
+#include <utility>
 
 #include "common/commands/CommandRunner.h"
 #include "common/log/Logger.h"
@@ -86,8 +87,8 @@ Common::ActionResponse RemoteAdministration::ListNetworkConnections(Parameters&)
   Response response;
   AddTitles(response.table, {"Protocol", "Local_address", "Local_port", "Remote_address",
                              "Remote_port", "State", "Local_Port_Name", "Remote_Port_Name"});
-  for (const auto& cells : ReadConnections(Platform::RunTask("/usr/sbin/netstat", {"-aW"}))) {
-    AddTextRow(response.table, cells);
+  for (auto& row : ReadConnections(Platform::RunTask("/usr/sbin/netstat", {"-aW"}))) {
+    response.table.AddRow(std::move(row));
   }
   return response;
 }

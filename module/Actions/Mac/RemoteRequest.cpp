@@ -3,6 +3,7 @@
 #include <wx/string.h>
 
 #include <boost/format.hpp>
+#include <iterator>
 
 #include "common/text/Text.h"
 
@@ -24,8 +25,9 @@ void AddTitles(Common::ActionResponseTable& table, const std::vector<std::string
   table.HasTitles(true);
 }
 
-void AddTextRow(Common::ActionResponseTable& table, const std::vector<std::string>& cells) {
-  table.AddRow(Common::ActionResponseTable::Row(cells.begin(), cells.end()));
+void AddTextRow(Common::ActionResponseTable& table, std::vector<std::string> cells) {
+  table.AddRow(Common::ActionResponseTable::Row(std::make_move_iterator(cells.begin()),
+                                                std::make_move_iterator(cells.end())));
 }
 
 }  // namespace Norvik::KOB

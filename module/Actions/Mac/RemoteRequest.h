@@ -17,6 +17,6 @@ std::string ReadText(Common::ActionParameters& parameters, const char* name);
 
 /// Makes the titles the table's first row.
 void AddTitles(Common::ActionResponseTable& table, const std::vector<std::string>& titles);
-void AddTextRow(Common::ActionResponseTable& table, const std::vector<std::string>& cells);
+void AddTextRow(Common::ActionResponseTable& table, std::vector<std::string> cells);
 
 }  // namespace Norvik::KOB

@@ -4,15 +4,20 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <iomanip>
+#include <iterator>
 #include <locale>
 #include <sstream>
+#include <string_view>
 
 #include "common/log/Logger.h"
 #include "common/text/Text.h"
+#include "json/Utf8.h"
 
 namespace Norvik::KOB {
 
 namespace {
+
+using Row = Common::ActionResponseTable::Row;
 
 constexpr char FIRST_HEADING[] = "Active Internet connections (including servers)";
 constexpr const char* END_HEADINGS[] = {
@@ -20,71 +25,85 @@ constexpr const char* END_HEADINGS[] = {
     "Active kernel event sockets", "Active kernel control sockets"};
 constexpr std::size_t FEWEST_WORDS = 5;
 
-bool Contains(const std::string& line, const char* text) {
-  return line.find(text) != std::string::npos;
+bool Contains(std::string_view line, const char* text) {
+  return line.find(text) != std::string_view::npos;
 }
 
-bool EndsSection(const std::string& line) {
+bool EndsSection(std::string_view line) {
   return std::any_of(std::begin(END_HEADINGS), std::end(END_HEADINGS),
                      [&](const char* heading) { return Contains(line, heading); });
 }
 
-/// The line with single blanks. Only blanks separate words, no other white space.
-std::string WithSingleBlanks(std::string line) {
-  const auto areBlank = [](char left, char right) { return left == ' ' && right == ' '; };
-  line.erase(std::unique(line.begin(), line.end(), areBlank), line.end());
-  return line;
+/// The words of a line. Only blanks separate words, no other white space.
+void SplitWords(std::string_view line, std::vector<std::string_view>& words) {
+  words.clear();
+  for (std::size_t at = line.find_first_not_of(' '); at < line.size();) {
+    const std::size_t end = std::min(line.find(' ', at), line.size());
+    words.push_back(line.substr(at, end - at));
+    at = line.find_first_not_of(' ', end);
+  }
 }
 
-std::vector<std::string> WordsOf(const std::string& line) {
-  std::vector<std::string> words;
-  std::istringstream stream(line);
-  for (std::string word; std::getline(stream, word, ' ');) {
-    if (!word.empty()) words.push_back(word);
+/// The line with single blanks.
+std::string WithSingleBlanks(std::string_view line) {
+  std::string result;
+  result.reserve(line.size());
+  for (std::size_t at = 0; at < line.size();) {
+    const std::size_t blank = std::min(line.find(' ', at), line.size() - 1);
+    result.append(line, at, blank + 1 - at);
+    at = line[blank] == ' ' ? line.find_first_not_of(' ', blank) : line.size();
   }
-  return words;
+  return result;
+}
+
+/// The line that begins at a position, without its line end; empty after the end of the text.
+std::string_view LineAt(std::string_view text, std::size_t at) {
+  return at < text.size() ? text.substr(at, text.find('\n', at) - at) : std::string_view();
 }
 
 /// Appends address and port. A word without a dot is a port alone.
-void AddEndpoint(const std::string& word, std::vector<std::string>& cells) {
+void AddEndpoint(std::string_view word, Row& cells) {
   const auto dot = word.rfind('.');
-  cells.push_back(dot == std::string::npos ? "" : word.substr(0, dot));
-  cells.push_back(word.substr(dot + 1));
+  cells.emplace_back(std::string(dot == std::string_view::npos ? "" : word.substr(0, dot)));
+  cells.emplace_back(std::string(word.substr(dot + 1)));
 }
 
-std::vector<std::string> ConnectionOf(const std::vector<std::string>& words) {
-  std::vector<std::string> cells = {words[0]};
+Row ConnectionOf(const std::vector<std::string_view>& words) {
+  Row cells;
+  cells.reserve(8);
+  cells.emplace_back(std::string(words[0]));
   AddEndpoint(words[3], cells);
   AddEndpoint(words[4], cells);
-  if (words.size() > FEWEST_WORDS) cells.push_back(words[5]);
+  if (words.size() > FEWEST_WORDS) cells.emplace_back(std::string(words[5]));
   // Deliberately the protocol in place of the names of the ports: servers expect it.
-  cells.insert(cells.end(), 2, words[0]);
+  for (int name = 0; name < 2; ++name) cells.emplace_back(std::string(words[0]));
   return cells;
 }
 
 }  // namespace
 
-std::vector<std::vector<std::string>> ReadConnections(const std::string& output) {
-  std::vector<std::vector<std::string>> connections;
-  if (Common::EncodeUtf8Characters(output) != output) return connections;
-  // A trailing newline yields one empty last line.
-  std::istringstream lines(output + "\n");
+std::vector<Row> ReadConnections(const std::string& output) {
+  std::vector<Row> connections;
+  if (!json::IsUtf8(output)) return connections;
+  std::vector<std::string_view> words;
   bool inSection = false;
-  for (std::string line; std::getline(lines, line);) {
+  // A trailing newline yields one empty last line.
+  for (std::size_t at = 0; at <= output.size();) {
+    const std::string_view line = LineAt(output, at);
+    at += line.size() + 1;
     if (!inSection) {
       inSection = Contains(line, FIRST_HEADING);
-      if (inSection) std::getline(lines, line);  // the titles of the columns
+      if (inSection) at += LineAt(output, at).size() + 1;  // the titles of the columns
       continue;
     }
     if (EndsSection(line)) break;
-    line = WithSingleBlanks(line);
-    const auto words = WordsOf(line);
+    SplitWords(line, words);
     if (words.size() < FEWEST_WORDS) {
       NORVIK_DETAIL("Error in netstat parser");
       continue;
     }
     connections.push_back(ConnectionOf(words));
-    NORVIK_DETAIL(line);
+    NORVIK_DETAIL(WithSingleBlanks(line));
   }
   return connections;
 }

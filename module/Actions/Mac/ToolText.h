@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "common/action/ActionResponse.h"
+
 namespace Norvik::KOB {
 
 // Readers of what the tools of macOS print.
@@ -12,7 +14,7 @@ namespace Norvik::KOB {
 /// twice more. Reading begins at the heading of Internet connections and ends at the first of four
 /// headings; lines of other sections between them are read as connections too. A line with too few
 /// words is logged and skipped. Empty if the text is no UTF-8.
-std::vector<std::vector<std::string>> ReadConnections(const std::string& output);
+std::vector<Common::ActionResponseTable::Row> ReadConnections(const std::string& output);
 
 /// The processor's share in the output of `ps -o %cpu -p PID`: the line after the heading, without
 /// white space. "100" if there is no such line or the text is no UTF-8.

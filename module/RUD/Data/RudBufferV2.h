@@ -18,7 +18,12 @@ class RudBuffer {
   /// @param capacity number of files and of paths to reserve memory for; not a limit
   explicit RudBuffer(unsigned long capacity);
 
-  void Insert(const RudFileInfo& file) { files_.push_back(file); }
+  /// @param file not one of this buffer
+  void Insert(const RudFileInfo& file) {
+    // Grows fourfold, as each growth moves all files into fresh memory.
+    if (files_.size() == files_.capacity()) files_.reserve(files_.size() * 4 + 1);
+    files_.push_back(file);
+  }
 
   std::vector<RudFileInfo>& GetBufferFile() { return files_; }
   Ids& GetBufferExtension() { return extensions_; }

@@ -99,7 +99,7 @@ TEST_F(ExecuteSentence, CommitsNothingOfABatchThatTheDatabaseGaveUp) {
   Insert(dataBase, "first", "1");
   const auto pages = dataBase.ExecuteSentence("PRAGMA page_count").at(0).at(0);
   dataBase.ExecuteSentence("PRAGMA max_page_count=" + std::to_string(boost::get<int>(pages) + 4));
-  EXPECT_THAT([&] { Insert(dataBase, "large", std::string(160000, 'x')); },
+  EXPECT_THAT([&] { Insert(dataBase, "large", std::string(640000, 'x')); },
               ThrowsMessage<std::exception>(HasSubstr("full")));
   EXPECT_THAT([&] { Insert(dataBase, "small", "2"); },
               ThrowsMessage<std::exception>(HasSubstr("rolled back")));

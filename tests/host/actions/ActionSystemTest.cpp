@@ -27,15 +27,19 @@ ActionTiming Timing(long period, long next) {
 class LongWork {
  public:
   void Do() {
-    started_.set_value();
-    release_.get_future().wait();
+    const auto state = state_;  // a test may end before this does
+    state->started.set_value();
+    state->release.get_future().wait();
   }
-  void WaitForStart() { started_.get_future().wait(); }
-  void LetGo() { release_.set_value(); }
+  void WaitForStart() { state_->started.get_future().wait(); }
+  void LetGo() { state_->release.set_value(); }
 
  private:
-  std::promise<void> started_;
-  std::promise<void> release_;
+  struct State {
+    std::promise<void> started;
+    std::promise<void> release;
+  };
+  const std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 struct ActionsUnderTest {

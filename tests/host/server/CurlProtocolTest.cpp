@@ -1,3 +1,4 @@
+#include "host/server/CurlLibrary.h"
 #include "host/server/CurlProtocol.h"
 
 #include "support/Test.h"
@@ -19,14 +20,14 @@ TEST(CurlProtocol, TheVersionInUseDecidesHowItIsSet) {
 TEST(CurlProtocol, BothWaysRefuseTheOtherProtocol) {
   for (const unsigned int version : {OF_MACOS_12, 0x075500u}) {
     for (const char* const scheme : {"http", "https"}) {
-      CURL* const handle = curl_easy_init();
-      curl_easy_setopt(handle, CURLOPT_URL, "http://127.0.0.1:1/");
-      curl_easy_setopt(handle, CURLOPT_PROXY, "");
+      CURL* const handle = Curl().easyInit();
+      Curl().easySetOption(handle, CURLOPT_URL, "http://127.0.0.1:1/");
+      Curl().easySetOption(handle, CURLOPT_PROXY, "");
       EXPECT_EQ(RestrictProtocol(handle, scheme, version), CURLE_OK);
-      EXPECT_EQ(curl_easy_perform(handle),
+      EXPECT_EQ(Curl().easyPerform(handle),
                 scheme == std::string("http") ? CURLE_COULDNT_CONNECT : CURLE_UNSUPPORTED_PROTOCOL)
           << scheme << version;
-      curl_easy_cleanup(handle);
+      Curl().easyCleanup(handle);
     }
   }
 }

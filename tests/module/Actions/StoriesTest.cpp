@@ -27,7 +27,8 @@ Fault HeldDatabase(FakeHost&) {
 }
 
 Fault DiskThatSavingFills(FakeHost& host) {
-  return std::make_shared<FullDisk>(fs::file_size(host.database.File().string() + "-wal") + 400000);
+  return std::make_shared<FullDisk>(fs::file_size(host.database.File().string() + "-wal") +
+                                    1100000);
 }
 
 Fault DiskThatIsFullAfterTheDocument(FakeHost& host) {

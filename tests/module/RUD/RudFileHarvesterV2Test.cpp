@@ -1,6 +1,7 @@
 #include "module/RUD/RudFileHarvesterV2.h"
 
 #include <boost/algorithm/string/replace.hpp>
+#include <boost/format.hpp>
 
 #include "support/Test.h"
 
@@ -10,7 +11,7 @@ namespace {
 using namespace Tests;
 
 struct FileWalk {
-  FileWalk() {
+  explicit FileWalk(const Platform::ReadingWay& way = Platform::UsualWay()) : harvester(way) {
     config[ExcludePath];
     config[ExcludeFile] = {"left.txt"};
     config[IncludeExtension] = {".txt", ".TXT", ".gz", ".exe"};
@@ -49,9 +50,11 @@ struct FileHarvesterTest : testing::Test, FileWalk {};
 TEST(FileHarvester, KeepsFilesByTheirNamesTheirPlacesAndItsConfiguration) {
   const std::map<std::string, ConfigScan> sets = {
       {"excluded folders", ExcludePath}, {"excluded files", ExcludeFile}, {"roots", IncludePath}};
-  for (const Json& row : DataOf("module/RUD/walks.json")) {
+  const Json& rows = DataOf("module/RUD/walks.json");
+  for (std::size_t i = 0; i < 2 * rows.size(); ++i) {
+    const Json& row = rows[i / 2];
     SCOPED_TRACE(row["name"]);
-    FileWalk walk;
+    FileWalk walk(i % 2 == 0 ? Platform::ReadingWay() : Platform::BulkWay());
     const auto inRoot = [&](const Json& text) {
       return boost::replace_all_copy(text.get<std::string>(), "$", walk.root.string());
     };
@@ -77,6 +80,32 @@ TEST(FileHarvester, KeepsFilesByTheirNamesTheirPlacesAndItsConfiguration) {
       EXPECT_THAT(walk.log.Texts(std::stoi(level)), UnorderedElementsAreArray(beginnings)) << level;
     }
   }
+}
+
+TEST_F(FileHarvesterTest, KeepsTheSameRowsInTheSameOrderEitherWayOfReading) {
+  for (int i = 0; i < 300; ++i) {
+    const std::string name = (boost::format("%1%/%2%/%3%.txt") % (i % 7) % (i % 3) % i).str();
+    Make(name, std::string(static_cast<std::size_t>(i), 'x'));
+    fs::last_write_time(root / name, i - 9);
+  }
+  ASSERT_EQ(::mkfifo((root / "pipe.gz").c_str(), 0600), 0);
+  const auto rowsOf = [&](const Platform::ReadingWay& way, std::uint64_t bulk, std::uint64_t each) {
+    FileHarvester other(way);
+    other.SetConfigScan(config);
+    other.Harvester();
+    EXPECT_EQ(other.GetReadCalls().bulk, bulk);
+    EXPECT_EQ(other.GetReadCalls().metadata, each);
+    TextList rows;
+    for (const auto& file : other.GetBuffer().GetBufferFile()) {
+      rows.push_back((boost::format("%1% %2% %3% %4% %5%") % file.absolutePath % file.pathId %
+                      file.extensionId % file.size % file.lastModification)
+                         .str());
+    }
+    return rows;
+  };
+  const TextList rows = rowsOf({}, 0, 301);
+  EXPECT_EQ(rows.size(), 301U);
+  EXPECT_EQ(rowsOf(Platform::BulkWay(), 58, 0), rows) << "29 folders, and the end of each";
 }
 
 TEST_F(FileHarvesterTest, FillsTheRecord) {

@@ -7,6 +7,7 @@
 #include "platform/CfText.h"
 #include "platform/RecordedMachine.h"
 #include "platform/SystemChanges.h"
+#include "support/FolderRows.h"
 #include "support/Test.h"
 
 namespace {
@@ -40,6 +41,14 @@ TEST(RealMac, HasAMemory) {
   std::size_t length = sizeof(size);
   EXPECT_EQ(sysctl(name, 2, &size, &length, nullptr, 0), 0);
   EXPECT_GT(size, 1u << 30);
+}
+
+TEST(RealMac, ListsFoldersInBulkWithTheSameRowsInTheSameOrder) {
+  for (const char* const folder : {"/usr/bin", "/usr/lib", "/System/Library", "/Applications"}) {
+    DirectoryReader bulk(BulkWay());
+    EXPECT_EQ(RowsOf(bulk, folder), RowsOf(ReadingWay(), folder)) << folder;
+    EXPECT_EQ(bulk.Calls().metadata, 0U) << folder;
+  }
 }
 
 TEST(RealMac, TakesNoRecording) {

@@ -190,6 +190,12 @@ TEST_F(RemoteAdministrationTest, FoldersAreListed) {
   fs::create_symlink("gone", folder / "root/in/dangling");
   ASSERT_EQ(::mkfifo((folder / "root/in/pipe").c_str(), 0600), 0);
   fs::create_directory_symlink("in", folder / "root/link");
+  fs::create_symlink("café", folder / "root/in/to café");
+  fs::create_directory_symlink(".sub", folder / "root/in/to .sub");
+  AddFile("root/in/not text \xFF");
+  fs::create_directories(folder / "root/no file");
+  AddFile("root/no file/not text \xFF");
+  ASSERT_EQ(::mkfifo((folder / "root/no file/pipe").c_str(), 0600), 0);
   fs::last_write_time(folder / "root/in/café", 1767225600);
   fs::last_write_time(folder / "root/in/.hidden", -1);
   RunRequests("listings.txt");

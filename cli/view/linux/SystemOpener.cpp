@@ -1,0 +1,7 @@
+#include "cli/view/SystemOpener.h"
+
+namespace Norvik::Cli {
+
+const char* const SYSTEM_OPENER = "xdg-open";
+
+}  // namespace Norvik::Cli

@@ -1,0 +1,95 @@
+import {Virtualizer} from '@tanstack/virtual-core';
+import {useLayoutEffect, useReducer, useRef, useState} from 'preact/hooks';
+import {ScaledScroller} from './ScaledScroller';
+
+export const rowHeight = 28;
+// The virtualizer keeps numbers for each of its items, so an item is some rows.
+const rowsPerItem = 4;
+
+export interface VirtualRows {
+  scroller?: ScaledScroller;
+  /** The rows to draw are those from `first` to before `end`. */
+  first: number;
+  end: number;
+  /** Height of the content in its element, in pixels. */
+  height: number;
+  /** Where a row lies in the element. */
+  top: (row: number) => number;
+  /** Scrolls so far that the row can be seen. */
+  reveal: (row: number) => void;
+}
+
+/** The rows to draw: those that can be seen, and the one with the focus, which must not be lost. */
+export function drawnRows({first, end}: VirtualRows, active: number): number[] {
+  // In their order: an element that is moved in the page loses the focus.
+  const rows: number[] = active >= 0 && active < first ? [active] : [];
+  for (let row = first; row < end; ++row) rows.push(row);
+  if (active >= end) rows.push(active);
+  return rows;
+}
+
+/** The rows of a scrolled element that can be seen. `header` is the height of what stays above them. */
+export function useVirtualRows(
+  element: {current: HTMLElement | null},
+  count: number,
+  header: number,
+): VirtualRows {
+  const [, draw] = useReducer((drawn: number) => drawn + 1, 0);
+  const [scroller, setScroller] = useState<ScaledScroller>();
+  const virtualizer = useRef<Virtualizer<any, Element> | null>(null);
+  const height = count * rowHeight + header;
+
+  useLayoutEffect(() => {
+    const made = new ScaledScroller(element.current!, height);
+    setScroller(made);
+    const stop = made.listen(() => draw(0));
+    return () => {
+      stop();
+      made.stop();
+    };
+  }, []);
+
+  const options = {
+    count: Math.ceil(count / rowsPerItem),
+    getScrollElement: () => scroller as any,
+    estimateSize: () => rowHeight * rowsPerItem,
+    overscan: 1,
+    observeElementRect: (_: unknown, notify: (rect: {width: number; height: number}) => void) => {
+      const observer = new ResizeObserver(() =>
+        notify({width: scroller!.clientWidth, height: scroller!.clientHeight}),
+      );
+      observer.observe(element.current!);
+      notify({width: scroller!.clientWidth, height: scroller!.clientHeight});
+      return () => observer.disconnect();
+    },
+    observeElementOffset: (_: unknown, notify: (offset: number, moving: boolean) => void) =>
+      scroller!.listen((moving) => notify(scroller!.scrollTop, moving)),
+    scrollToFn: (top: number) => scroller?.scrollTo(top),
+    onChange: () => draw(0),
+  };
+  virtualizer.current ??= new Virtualizer(options);
+  virtualizer.current.setOptions(options);
+  useLayoutEffect(() => scroller?.resize(height), [scroller, height]);
+  useLayoutEffect(() => virtualizer.current!._didMount(), []);
+  useLayoutEffect(() => virtualizer.current!._willUpdate());
+
+  const items = virtualizer.current.getVirtualItems();
+  const first = items.length ? items[0].index * rowsPerItem : 0;
+  const end = items.length ? Math.min(count, (items[items.length - 1].index + 1) * rowsPerItem) : 0;
+  const elementHeight = Math.min(height, ScaledScroller.highest);
+  return {
+    scroller,
+    first,
+    end,
+    height: elementHeight,
+    top: (row) => header + row * rowHeight + (scroller?.shift ?? 0),
+    reveal: (row) => {
+      if (!scroller) return;
+      const start = row * rowHeight;
+      const room = scroller.clientHeight - header;
+      if (start < scroller.scrollTop) scroller.scrollTo(start);
+      else if (start + rowHeight > scroller.scrollTop + room)
+        scroller.scrollTo(start + rowHeight - room);
+    },
+  };
+}
