@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <nlohmann/json.hpp>
 
 #include "support/Files.h"
+#include "support/JsonLibrary.h"
 
 /// Test cases in data files: a test names the function, the file its arguments and results.
 /// tests/README.md describes the formats.
