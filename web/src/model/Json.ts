@@ -22,9 +22,12 @@ export const numberAt = (value: JsonObject, key: string): number => {
   return typeof found === 'number' ? found : 0;
 };
 
+const escapedKey = (key: string | number): string | number =>
+  typeof key === 'string' ? key.replace(/[~/]/g, (each) => (each === '~' ? '~0' : '~1')) : key;
+
 /** A JSON pointer (RFC 6901). */
 export const pointer = (...keys: (string | number)[]): string =>
-  keys.map((key) => '/' + String(key).replace(/~/g, '~0').replace(/\//g, '~1')).join('');
+  keys.reduce<string>((text, key) => `${text}/${escapedKey(key)}`, '');
 
 export const keysOfPointer = (text: string): string[] =>
   text

@@ -5,6 +5,8 @@ import {ScaledScroller} from './ScaledScroller';
 export const rowHeight = 28;
 // The virtualizer keeps numbers for each of its items, so an item is some rows.
 const rowsPerItem = 4;
+// Drawn above and below those that can be seen: less than items give.
+const spare = 2;
 
 export interface VirtualRows {
   scroller?: ScaledScroller;
@@ -74,13 +76,14 @@ export function useVirtualRows(
   useLayoutEffect(() => virtualizer.current!._willUpdate());
 
   const items = virtualizer.current.getVirtualItems();
-  const first = items.length ? items[0].index * rowsPerItem : 0;
-  const end = items.length ? Math.min(count, (items[items.length - 1].index + 1) * rowsPerItem) : 0;
+  const [first, end] = rowsWithin(scroller, header);
+  const itemsStart = items.length ? items[0].index : 0;
+  const itemsEnd = items.length ? items[items.length - 1].index + 1 : 0;
   const elementHeight = Math.min(height, ScaledScroller.highest);
   return {
     scroller,
-    first,
-    end,
+    first: Math.max(first, itemsStart * rowsPerItem),
+    end: Math.min(end, itemsEnd * rowsPerItem, count),
     height: elementHeight,
     top: (row) => header + row * rowHeight + (scroller?.shift ?? 0),
     reveal: (row) => {
@@ -92,4 +95,14 @@ export function useVirtualRows(
         scroller.scrollTo(start + rowHeight - room);
     },
   };
+}
+
+/** The rows that can be seen, and some around them. */
+function rowsWithin(scroller: ScaledScroller | undefined, header: number): [number, number] {
+  if (!scroller) return [0, 0];
+  const {scrollTop, clientHeight} = scroller;
+  return [
+    Math.floor(scrollTop / rowHeight) - spare,
+    Math.ceil((scrollTop + clientHeight - header) / rowHeight) + spare,
+  ];
 }
