@@ -182,6 +182,28 @@ test('a value leads to its place in the raw document', () =>
     assert.equal(await page.locator('.line:focus').getAttribute('aria-expanded'), 'false');
   }));
 
+test('search and sorting of a table are still there after a look at the raw document', () =>
+  withPage(browser, address, async (page) => {
+    for (const [hash, text] of [
+      ['#sections/software', 'er'],
+      ['#files', 'notes'],
+    ]) {
+      await go(page, hash);
+      await page.getByRole('searchbox').first().fill(text);
+      await page.locator('.head button').first().click();
+      await page.locator('.head button').first().click();
+      const former = [await column(page, 1), await count(page)];
+      await page.locator('.row a').first().click();
+      await page.locator('.line:focus').waitFor();
+      await page.goBack();
+      await page.locator('.grid').first().waitFor();
+      assert.deepEqual([await column(page, 1), await count(page)], former, hash);
+      assert.equal(await page.locator('.head [aria-sort=descending]').count(), 1, hash);
+      await go(page, '#sections/service');
+      assert.equal(await page.getByRole('searchbox').first().inputValue(), '');
+    }
+  }));
+
 test('dates are those of the reader, with UTC as their title', () => {
   const json = {...machine, bios: {date: Date.UTC(2021, 1, 10, 23)}};
   return withPage(browser, write([{...machineEntry, json}]) + '#sections/bios', async (page) => {
