@@ -661,6 +661,12 @@ test('rows show their own values in their order, and the focus stays, however on
       await check(key, (focused = row));
     }
     for (const step of steps) await scroll(step);
+    // Selected text must not become that of another row.
+    await page.evaluate(() =>
+      getSelection().selectAllChildren(document.querySelectorAll('.grid .row')[9]),
+    );
+    await scroll(900);
+    assert.equal(await page.evaluate(() => String(getSelection())), '');
   }));
 
 test('damaged documents leave one line', async () => {

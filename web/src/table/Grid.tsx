@@ -2,7 +2,7 @@ import {Component} from 'preact';
 import {useLayoutEffect, useMemo, useRef} from 'preact/hooks';
 import {isDate, shortText} from '../model/Values';
 import {cellText} from './cells';
-import {RowKeys} from './RowKeys';
+import {useRowKeys} from './RowKeys';
 import type {RowOrder, Sorting} from './RowOrder';
 import type {Rows} from './Rows';
 import {placeOf, useCursor, type Place} from './useCursor';
@@ -41,19 +41,13 @@ export function Grid(props: Props) {
     if (target) go({row: target.row, column: active.column});
   }, [target]);
 
-  const left = virtual.scroller?.scrollLeft ?? 0;
-  const right = left + (room || 1000);
-  const isSeen = (place: number): boolean =>
-    place === active.column || (starts[place + 1] > left && starts[place] < right);
-  const places = columns.map((_, place) => place).filter(isSeen);
-  const seen = useMemo(() => places, [places.join()]);
+  const seen = useSeenColumns(starts, virtual.scroller?.scrollLeft ?? 0, room, active.column);
   const most = Math.max(8, Math.floor(elements / (2 * seen.length + 1)) - rowsBeyond);
   const stop = tabStop(active, virtual);
   const boxes = useMemo(() => columns.map((_, place) => box(starts, place)), [columns, starts]);
   const cells = {rows, columns, seen, boxes};
   const drawn = drawnRows(virtual, active.row);
-  const selecting = document.getSelection()?.type === 'Range';
-  const keys = useMemo(() => new RowKeys(), []).of(drawn, active.row, !selecting);
+  const keys = useRowKeys(drawn, active.row);
   return (
     <div
       class="grid"
@@ -93,6 +87,17 @@ export function Grid(props: Props) {
       </div>
     </div>
   );
+}
+
+/** Places of the columns that can be seen, and of the one with the focus; the same object as long as they stay. */
+function useSeenColumns(starts: number[], left: number, room: number, active: number): number[] {
+  const right = left + (room || 1000);
+  const places = [...starts.keys()].filter(
+    (place) =>
+      place + 1 < starts.length &&
+      (place === active || (starts[place + 1] > left && starts[place] < right)),
+  );
+  return useMemo(() => places, [places.join()]);
 }
 
 /** Where each column begins, in pixels, and the last one ends. */

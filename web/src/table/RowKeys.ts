@@ -1,9 +1,11 @@
+import {useMemo} from 'preact/hooks';
+
 /**
  * Keys of the rows that are drawn: a row with the key of another gets its elements, with new texts, which costs less
  * than new elements. Elements lie in the order of the rows and none is moved, since it would lose the focus: a row
  * that comes gets the elements of one that goes from between the same rows that stay. If few stay, they do not count.
  */
-export class RowKeys {
+class RowKeys {
   private rows: readonly number[] = [];
   private keys: number[] = [];
   private last = 0;
@@ -30,4 +32,10 @@ export class RowKeys {
     this.keys = keys;
     return keys;
   }
+}
+
+/** Keys of the rows of one element. While text is selected, no row gets the elements of another. */
+export function useRowKeys(rows: readonly number[], active: number): number[] {
+  const keys = useMemo(() => new RowKeys(), []);
+  return keys.of(rows, active, document.getSelection()?.type !== 'Range');
 }
