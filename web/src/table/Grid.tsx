@@ -231,12 +231,8 @@ class Row extends Component<RowProps> {
     const column = columns[place];
     const {text, exact} = cellText(rows, of, column);
     const {style, fitting} = boxes[place];
-    const focused = {
-      tabIndex: stop === place ? 0 : -1,
-      title: exact ?? (text.length > fitting ? text : undefined),
-      'aria-label': text ? undefined : 'empty',
-    };
     const link = rows.link(of, column);
+    const Content = link ? 'a' : 'span';
     return (
       <div
         role="gridcell"
@@ -245,13 +241,14 @@ class Row extends Component<RowProps> {
         style={style}
         class={isNumber(rows, of, column) ? 'number' : undefined}
       >
-        {link ? (
-          <a href={link} {...focused}>
-            {text}
-          </a>
-        ) : (
-          <span {...focused}>{text}</span>
-        )}
+        <Content
+          href={link}
+          tabIndex={stop === place ? 0 : -1}
+          title={exact ?? (text.length > fitting ? text : undefined)}
+          aria-label={text ? undefined : 'empty'}
+        >
+          {text}
+        </Content>
       </div>
     );
   }
