@@ -223,6 +223,7 @@ test('records without values have columns, and missing numbers come first', () =
     await page.getByRole('button', {name: 'sizeBytes'}).click();
     assert.deepEqual(await column(page, 1), ['null', 'undefined', '9', '10']);
     await page.goto(`${at}#sections/printer`);
+    await page.locator('h2', {hasText: 'printer'}).waitFor();
     assert.ok((await page.locator('.head button').count()) > 1);
     await page.locator('summary').click();
     for (const box of (await page.getByRole('checkbox').all()).slice(1)) await box.uncheck();
