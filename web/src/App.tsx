@@ -51,7 +51,8 @@ export function App({source}: {source: Source}) {
   const [route, setRoute] = useState(() => routeOf(location.hash, views));
   const heading = useRef<HTMLHeadingElement>(null);
   const former = useRef(route.view);
-  useEffect(() => {
+  // Before the page is drawn, so that no change of the address is missed.
+  useLayoutEffect(() => {
     const change = (): void => setRoute(routeOf(location.hash, views));
     addEventListener('hashchange', change);
     return () => removeEventListener('hashchange', change);

@@ -182,6 +182,28 @@ test('a value leads to its place in the raw document', () =>
     assert.equal(await page.locator('.line:focus').getAttribute('aria-expanded'), 'false');
   }));
 
+test('search and sorting of a table are still there after a look at the raw document', () =>
+  withPage(browser, address, async (page) => {
+    for (const [hash, text] of [
+      ['#sections/software', 'er'],
+      ['#files', 'notes'],
+    ]) {
+      await go(page, hash);
+      await page.getByRole('searchbox').first().fill(text);
+      await page.locator('.head button').first().click();
+      await page.locator('.head button').first().click();
+      const former = [await column(page, 1), await count(page)];
+      await page.locator('.row a').first().click();
+      await page.locator('.line:focus').waitFor();
+      await page.goBack();
+      await page.locator('.grid').first().waitFor();
+      assert.deepEqual([await column(page, 1), await count(page)], former, hash);
+      assert.equal(await page.locator('.head [aria-sort=descending]').count(), 1, hash);
+      await go(page, '#sections/service');
+      assert.equal(await page.getByRole('searchbox').first().inputValue(), '');
+    }
+  }));
+
 test('dates are those of the reader, with UTC as their title', () => {
   const json = {...machine, bios: {date: Date.UTC(2021, 1, 10, 23)}};
   return withPage(browser, write([{...machineEntry, json}]) + '#sections/bios', async (page) => {
@@ -201,6 +223,7 @@ test('records without values have columns, and missing numbers come first', () =
     await page.getByRole('button', {name: 'sizeBytes'}).click();
     assert.deepEqual(await column(page, 1), ['null', 'undefined', '9', '10']);
     await page.goto(`${at}#sections/printer`);
+    await page.locator('h2', {hasText: 'printer'}).waitFor();
     assert.ok((await page.locator('.head button').count()) > 1);
     await page.locator('summary').click();
     for (const box of (await page.getByRole('checkbox').all()).slice(1)) await box.uncheck();
@@ -529,8 +552,11 @@ test('hostile texts in every field and key are shown as text', async () => {
       await check(`#sections/${encodeURIComponent(wellFormed(section))}`);
     await check('#sections/user');
     const seen = new Set();
-    for (let row = 1; row <= texts.length; row += 10) {
-      await page.locator('input[name=row]').first().fill(String(row));
+    for (let row = 1; row < texts.length + 10; row += 10) {
+      await page
+        .locator('input[name=row]')
+        .first()
+        .fill(String(Math.min(row, texts.length)));
       await page.keyboard.press('Enter');
       (await column(page, 1)).forEach((text) => seen.add(wellFormed(text)));
     }
@@ -586,6 +612,64 @@ test('the last of 2,000,000 rows is reached by wheel, keys and number', () => {
   });
 });
 
+test('rows show their own values in their order, and the focus stays, however one scrolls', () =>
+  withPage(browser, address, async (page) => {
+    await go(page, '#files');
+    const grid = page.locator('.grid');
+    await grid.waitFor();
+    const names = files.paths.flatMap(({files: those}) => those.map(({filename}) => filename));
+    const shown = () =>
+      grid.evaluate((element) => {
+        const box = element.getBoundingClientRect();
+        return [...element.querySelectorAll('.row')].map((row) => {
+          const {top, bottom} = row.getBoundingClientRect();
+          return {
+            number: Number(row.ariaRowIndex) - 2,
+            name: row.querySelector('[aria-colindex="2"]').textContent,
+            link: row.querySelector('[aria-colindex="2"] a').hash.endsWith('/filename'),
+            seen: bottom > box.top + 32 && top < box.bottom,
+            focus: row.contains(document.activeElement),
+          };
+        });
+      });
+    const check = async (what, focused) => {
+      await settled(page);
+      const rows = await shown();
+      const seen = rows.filter((row) => row.seen).map(({number}) => number);
+      assert.ok(seen.length > 15 && seen.at(-1) - seen[0] === seen.length - 1, `${what}: ${seen}`);
+      for (const [at, {number, name, link}] of rows.entries()) {
+        assert.ok(link && (at === 0 || rows[at - 1].number < number), `${what}: order`);
+        assert.equal(name, names[number], what);
+      }
+      assert.equal(rows.find(({focus}) => focus)?.number, focused, what);
+    };
+    const steps = [3, 900, 30, -30, 400, -90, 1500, -2000, 17, 650];
+    const scroll = async (rows) => {
+      await grid.evaluate((element, by) => (element.scrollTop += by), rows * 28);
+      await check(`by ${rows}`, focused);
+    };
+    let focused;
+    for (const step of steps) await scroll(step);
+    await page.locator('.head button').first().focus();
+    for (const [key, row] of [
+      ['ArrowDown', 0],
+      ['ArrowDown', 1],
+      ['Control+End', 2999],
+      ['ArrowUp', 2998],
+      ['Control+Home', 0],
+    ]) {
+      await page.keyboard.press(key);
+      await check(key, (focused = row));
+    }
+    for (const step of steps) await scroll(step);
+    // Selected text must not become that of another row.
+    await page.evaluate(() =>
+      getSelection().selectAllChildren(document.querySelectorAll('.grid .row')[9]),
+    );
+    await scroll(900);
+    assert.equal(await page.evaluate(() => String(getSelection())), '');
+  }));
+
 test('damaged documents leave one line', async () => {
   for (const json of [
     '{"a":',
@@ -612,6 +696,7 @@ test('damaged documents leave one line', async () => {
 test('a print has the rows and no tools', () =>
   withPage(browser, address, async (page) => {
     await go(page, '#files');
+    await page.locator('.grid').waitFor();
     const rows = await page.evaluate(() => {
       dispatchEvent(new Event('beforeprint'));
       return document.querySelectorAll('.printed tbody tr').length;

@@ -30,6 +30,8 @@ export class FileRows implements Rows {
   /** Number of the first file of each run, and of all files. */
   readonly starts: Uint32Array;
   private lastRun = 0;
+  /** The row whose cells are being linked. */
+  private linked = {row: -1, link: ''};
 
   constructor(
     document: unknown,
@@ -95,9 +97,10 @@ export class FileRows implements Rows {
 
   link(row: number, column: number): string {
     const run = this.runOf(row);
-    return column === folderColumn
-      ? rawLink(this.index, 'paths', run, 'pathName')
-      : rawLink(this.index, 'paths', run, 'files', row - this.starts[run], keys[column]);
+    if (column === folderColumn) return rawLink(this.index, 'paths', run, 'pathName');
+    if (this.linked.row !== row)
+      this.linked = {row, link: rawLink(this.index, 'paths', run, 'files', row - this.starts[run])};
+    return `${this.linked.link}/${keys[column]}`;
   }
 
   /** Finds a part of the whole path, folder and name. */

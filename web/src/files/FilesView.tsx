@@ -4,6 +4,7 @@ import {inSlices} from '../model/Slices';
 import {countText, shortText, visible} from '../model/Values';
 import {DataTable} from '../table/DataTable';
 import type {Filter, Sorting} from '../table/RowOrder';
+import {useKept} from '../table/useKept';
 import {extensionBoxes, folderBoxes, type Item, type Room} from './boxes';
 import {FileRows, sizeColumn, statusText, timeColumn} from './FileRows';
 import {FolderTree, extensionsOf, type Extension, type Measure} from './FolderTree';
@@ -22,7 +23,7 @@ export function FilesView({source, index}: {source: Source; index: number}) {
     [source, index],
   );
   const [scope, setScope] = useState<Scope>({path: '/'});
-  const sortState = useState<Sorting>();
+  const sortState = useKept<Sorting | undefined>(`files ${index} sorting`, () => undefined);
   const [sorting, sort] = sortState;
   const [status, setStatus] = useState('');
   const incremental = source.page.documents[index].form === 'incremental';
@@ -54,6 +55,7 @@ export function FilesView({source, index}: {source: Source; index: number}) {
       </div>
       <DataTable
         key={index}
+        name={`files ${index}`}
         label="Files"
         rows={rows}
         filter={filter}

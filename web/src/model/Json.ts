@@ -23,8 +23,16 @@ export const numberAt = (value: JsonObject, key: string): number => {
 };
 
 /** A JSON pointer (RFC 6901). */
-export const pointer = (...keys: (string | number)[]): string =>
-  keys.map((key) => '/' + String(key).replace(/~/g, '~0').replace(/\//g, '~1')).join('');
+export function pointer(...keys: (string | number)[]): string {
+  let text = '';
+  for (const key of keys) {
+    text +=
+      typeof key === 'string' && /[~/]/.test(key)
+        ? `/${key.replace(/~/g, '~0').replace(/\//g, '~1')}`
+        : `/${key}`;
+  }
+  return text;
+}
 
 export const keysOfPointer = (text: string): string[] =>
   text
@@ -42,4 +50,5 @@ const halfPairs = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC0
 export const wellFormed = (text: string): string => text.replace(halfPairs, '\uFFFD');
 
 export const encodeText = (text: string): string =>
-  encodeURI(wellFormed(text)).replace(/#/g, '%23');
+  // Most texts are as they are; each copy is garbage while one scrolls.
+  /^[\w/.-]*$/.test(text) ? text : encodeURI(wellFormed(text)).replace(/#/g, '%23');

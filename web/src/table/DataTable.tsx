@@ -7,6 +7,7 @@ import {Grid} from './Grid';
 import {PrintedTable} from './PrintedTable';
 import {RowOrder, type Filter, type Sorting} from './RowOrder';
 import type {Rows} from './Rows';
+import {useKept} from './useKept';
 import {usePrinting} from './usePrinting';
 
 export type SortState = [
@@ -15,6 +16,8 @@ export type SortState = [
 ];
 
 interface Props {
+  /** Unique in the page: search, sorting and columns are kept by it. */
+  name: string;
   label: string;
   rows: Rows;
   filter?: Filter;
@@ -25,14 +28,14 @@ interface Props {
 }
 
 /** A table with its tools: search, columns, row number, CSV. Give it a new key for other rows. */
-export function DataTable({label, rows, filter, sortState, elements = 950}: Props) {
+export function DataTable({name, label, rows, filter, sortState, elements = 950}: Props) {
   const [, draw] = useReducer((drawn: number) => drawn + 1, 0);
-  const [query, setQuery] = useState('');
-  const ownState = useState<Sorting>();
+  const [query, setQuery] = useKept(`${name} query`, () => '');
+  const ownState = useKept<Sorting | undefined>(`${name} sorting`, () => undefined);
   const [sorting, setSorting] = sortState ?? ownState;
   const [hint, setHint] = useState(-1);
   const [target, setTarget] = useState<{row: number}>();
-  const [columns, setColumns] = useState(() =>
+  const [columns, setColumns] = useKept(`${name} columns`, () =>
     rows.columns.map((_, at) => at).filter((at) => rows.columns[at].common),
   );
   const order = useMemo(() => new RowOrder(rows, () => draw(0)), [rows]);

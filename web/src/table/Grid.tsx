@@ -2,9 +2,10 @@ import {Component} from 'preact';
 import {useLayoutEffect, useMemo, useRef} from 'preact/hooks';
 import {isDate, shortText} from '../model/Values';
 import {cellText} from './cells';
+import {useRowKeys} from './RowKeys';
 import type {RowOrder, Sorting} from './RowOrder';
 import type {Rows} from './Rows';
-import {useCursor, type Place} from './useCursor';
+import {placeOf, useCursor, type Place} from './useCursor';
 import {drawnRows, rowHeight, useVirtualRows, type VirtualRows} from './useVirtualRows';
 
 interface Props {
@@ -40,15 +41,13 @@ export function Grid(props: Props) {
     if (target) go({row: target.row, column: active.column});
   }, [target]);
 
-  const left = virtual.scroller?.scrollLeft ?? 0;
-  const right = left + (room || 1000);
-  const isSeen = (place: number): boolean =>
-    place === active.column || (starts[place + 1] > left && starts[place] < right);
-  const places = columns.map((_, place) => place).filter(isSeen);
-  const seen = useMemo(() => places, [places.join()]);
+  const seen = useSeenColumns(starts, virtual.scroller?.scrollLeft ?? 0, room, active.column);
   const most = Math.max(8, Math.floor(elements / (2 * seen.length + 1)) - rowsBeyond);
   const stop = tabStop(active, virtual);
-  const cells = {rows, columns, seen, starts, explain: props.explain, note};
+  const boxes = useMemo(() => columns.map((_, place) => box(starts, place)), [columns, starts]);
+  const cells = {rows, columns, seen, boxes};
+  const drawn = drawnRows(virtual, active.row);
+  const keys = useRowKeys(drawn, active.row);
   return (
     <div
       class="grid"
@@ -62,6 +61,12 @@ export function Grid(props: Props) {
       onKeyDown={(event) =>
         moveByKey(event, active, order.count, columns.length, element.current!, go)
       }
+      onFocusIn={(event) => {
+        const place = placeOf(event.target as Element);
+        if (!place) return;
+        props.explain(columns[place.column]);
+        note(place);
+      }}
     >
       <div
         role="presentation"
@@ -69,9 +74,9 @@ export function Grid(props: Props) {
         style={{height: `${virtual.height}px`, width: `${starts[columns.length]}px`}}
       >
         <Head {...props} {...cells} stop={stop} />
-        {drawnRows(virtual, active.row).map((row) => (
+        {drawn.map((row, at) => (
           <Row
-            key={row}
+            key={keys[at]}
             {...cells}
             row={row}
             of={order.row(row)}
@@ -82,6 +87,17 @@ export function Grid(props: Props) {
       </div>
     </div>
   );
+}
+
+/** Places of the columns that can be seen, and of the one with the focus; the same object as long as they stay. */
+function useSeenColumns(starts: number[], left: number, room: number, active: number): number[] {
+  const right = left + (room || 1000);
+  const places = [...starts.keys()].filter(
+    (place) =>
+      place + 1 < starts.length &&
+      (place === active || (starts[place + 1] > left && starts[place] < right)),
+  );
+  return useMemo(() => places, [places.join()]);
 }
 
 /** Where each column begins, in pixels, and the last one ends. */
@@ -139,14 +155,13 @@ function moveByKey(
 interface HeadProps extends Props {
   /** Places of the columns that can be seen. */
   seen: number[];
-  /** Where each column begins, in pixels, and the last one ends. */
-  starts: number[];
+  /** Where each column lies. */
+  boxes: Box[];
   /** The one cell that the Tab key reaches. */
   stop: Place;
-  note: (place: Place) => void;
 }
 
-function Head({rows, columns, seen, starts, stop, sorting, sortBy, explain, note}: HeadProps) {
+function Head({rows, columns, seen, boxes, stop, sorting, sortBy, explain}: HeadProps) {
   return (
     <div role="row" class="head" aria-rowindex={1}>
       {seen.map((place) => {
@@ -157,22 +172,17 @@ function Head({rows, columns, seen, starts, stop, sorting, sortBy, explain, note
             role="columnheader"
             key={place}
             aria-colindex={place + 1}
-            style={box(starts, place)}
+            style={boxes[place].style}
             aria-sort={sorted ? (sorted.descending ? 'descending' : 'ascending') : 'none'}
           >
             <button
               type="button"
-              data-at={`-1:${place}`}
               tabIndex={stop.row === -1 && stop.column === place ? 0 : -1}
               title={
                 [description, source && `Source: ${source}`].filter(Boolean).join('\n') || undefined
               }
               onClick={() => sortBy(columns[place])}
               onMouseEnter={() => explain(columns[place])}
-              onFocus={() => {
-                explain(columns[place]);
-                note({row: -1, column: place});
-              }}
             >
               {shortText(key)}
             </button>
@@ -187,9 +197,7 @@ interface RowProps {
   rows: Rows;
   columns: number[];
   seen: number[];
-  starts: number[];
-  explain: (column: number) => void;
-  note: (place: Place) => void;
+  boxes: Box[];
   /** Its place in the table. */
   row: number;
   /** Its number in `rows`. */
@@ -219,36 +227,28 @@ class Row extends Component<RowProps> {
   }
 
   private cell(place: number) {
-    const {rows, columns, starts, explain, note, row, of, stop} = this.props;
+    const {rows, columns, boxes, of, stop} = this.props;
     const column = columns[place];
     const {text, exact} = cellText(rows, of, column);
-    const fitting = (starts[place + 1] - starts[place]) / characterWidth - 2;
-    const focused = {
-      'data-at': `${row}:${place}`,
-      tabIndex: stop === place ? 0 : -1,
-      title: exact ?? (text.length > fitting ? text : undefined),
-      'aria-label': text ? undefined : 'empty',
-      onFocus: () => {
-        explain(column);
-        note({row, column: place});
-      },
-    };
+    const {style, fitting} = boxes[place];
     const link = rows.link(of, column);
+    const Content = link ? 'a' : 'span';
     return (
       <div
         role="gridcell"
         key={place}
         aria-colindex={place + 1}
-        style={box(starts, place)}
+        style={style}
         class={isNumber(rows, of, column) ? 'number' : undefined}
       >
-        {link ? (
-          <a href={link} {...focused}>
-            {text}
-          </a>
-        ) : (
-          <span {...focused}>{text}</span>
-        )}
+        <Content
+          href={link}
+          tabIndex={stop === place ? 0 : -1}
+          title={exact ?? (text.length > fitting ? text : undefined)}
+          aria-label={text ? undefined : 'empty'}
+        >
+          {text}
+        </Content>
       </div>
     );
   }
@@ -260,7 +260,16 @@ const isNumber = (rows: Rows, row: number, column: number): boolean =>
   !isDate(rows.columns[column].unit) &&
   !rows.columns[column].words;
 
-const box = (starts: number[], place: number): {left: string; width: string} => ({
-  left: `${starts[place]}px`,
-  width: `${starts[place + 1] - starts[place]}px`,
-});
+interface Box {
+  style: {left: string; width: string};
+  /** So many characters are shown whole. */
+  fitting: number;
+}
+
+function box(starts: number[], place: number): Box {
+  const width = starts[place + 1] - starts[place];
+  return {
+    style: {left: `${starts[place]}px`, width: `${width}px`},
+    fitting: width / characterWidth - 2,
+  };
+}

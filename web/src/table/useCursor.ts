@@ -37,9 +37,10 @@ export function useCursor(
   useLayoutEffect(() => {
     if (!wantsFocus.current) return;
     const cell = element.current!.querySelector<HTMLElement>('[tabindex="0"]');
-    if (cell?.dataset.at !== `${active.row}:${active.column}`) return;
+    const place = cell && placeOf(cell);
+    if (place?.row !== active.row || place.column !== active.column) return;
     wantsFocus.current = false;
-    cell.focus({preventScroll: true});
+    cell!.focus({preventScroll: true});
   });
   const go = (wanted: Place): void => {
     const place = limited(wanted);
@@ -55,4 +56,15 @@ function revealColumn(element: HTMLElement, start: number, end: number): void {
   const {scrollLeft, clientWidth} = element;
   if (start < scrollLeft) element.scrollLeft = start;
   else if (end > scrollLeft + clientWidth) element.scrollLeft = end - clientWidth;
+}
+
+/** The place of the cell that has the element. */
+export function placeOf(element: Element): Place | undefined {
+  const cell = element.closest('[aria-colindex]');
+  const row = cell?.closest('[aria-rowindex]');
+  if (!cell || !row) return undefined;
+  return {
+    row: Number(row.getAttribute('aria-rowindex')) - 2,
+    column: Number(cell.getAttribute('aria-colindex')) - 1,
+  };
 }

@@ -5,6 +5,8 @@ import {ScaledScroller} from './ScaledScroller';
 export const rowHeight = 28;
 // The virtualizer keeps numbers for each of its items, so an item is some rows.
 const rowsPerItem = 4;
+// Drawn above and below those that can be seen: less than items give.
+const spare = 2;
 
 export interface VirtualRows {
   scroller?: ScaledScroller;
@@ -49,7 +51,35 @@ export function useVirtualRows(
     };
   }, []);
 
-  const options = {
+  const options = optionsOf(element, scroller, count, () => draw(0));
+  virtualizer.current ??= new Virtualizer(options);
+  virtualizer.current.setOptions(options);
+  useLayoutEffect(() => scroller?.resize(height), [scroller, height]);
+  useLayoutEffect(() => virtualizer.current!._didMount(), []);
+  useLayoutEffect(() => virtualizer.current!._willUpdate());
+
+  const items = virtualizer.current.getVirtualItems();
+  const within = rowsWithin(scroller, header);
+  const first = Math.max(within.first, (items[0]?.index ?? 0) * rowsPerItem);
+  const itemsEnd = ((items[items.length - 1]?.index ?? -1) + 1) * rowsPerItem;
+  const elementHeight = Math.min(height, ScaledScroller.highest);
+  return {
+    scroller,
+    first,
+    end: Math.max(first, Math.min(within.end, itemsEnd, count)),
+    height: elementHeight,
+    top: (row) => header + row * rowHeight + (scroller?.shift ?? 0),
+    reveal: (row) => scroller && reveal(scroller, row * rowHeight, header),
+  };
+}
+
+function optionsOf(
+  element: {current: HTMLElement | null},
+  scroller: ScaledScroller | undefined,
+  count: number,
+  onChange: () => void,
+) {
+  return {
     count: Math.ceil(count / rowsPerItem),
     getScrollElement: () => scroller as any,
     estimateSize: () => rowHeight * rowsPerItem,
@@ -65,31 +95,24 @@ export function useVirtualRows(
     observeElementOffset: (_: unknown, notify: (offset: number, moving: boolean) => void) =>
       scroller!.listen((moving) => notify(scroller!.scrollTop, moving)),
     scrollToFn: (top: number) => scroller?.scrollTo(top),
-    onChange: () => draw(0),
+    onChange,
   };
-  virtualizer.current ??= new Virtualizer(options);
-  virtualizer.current.setOptions(options);
-  useLayoutEffect(() => scroller?.resize(height), [scroller, height]);
-  useLayoutEffect(() => virtualizer.current!._didMount(), []);
-  useLayoutEffect(() => virtualizer.current!._willUpdate());
+}
 
-  const items = virtualizer.current.getVirtualItems();
-  const first = items.length ? items[0].index * rowsPerItem : 0;
-  const end = items.length ? Math.min(count, (items[items.length - 1].index + 1) * rowsPerItem) : 0;
-  const elementHeight = Math.min(height, ScaledScroller.highest);
+/** The rows that can be seen, and some around them. */
+function rowsWithin(scroller: ScaledScroller | undefined, header: number) {
+  if (!scroller) return {first: 0, end: 0};
+  const {scrollTop, clientHeight} = scroller;
   return {
-    scroller,
-    first,
-    end,
-    height: elementHeight,
-    top: (row) => header + row * rowHeight + (scroller?.shift ?? 0),
-    reveal: (row) => {
-      if (!scroller) return;
-      const start = row * rowHeight;
-      const room = scroller.clientHeight - header;
-      if (start < scroller.scrollTop) scroller.scrollTo(start);
-      else if (start + rowHeight > scroller.scrollTop + room)
-        scroller.scrollTo(start + rowHeight - room);
-    },
+    first: Math.floor(scrollTop / rowHeight) - spare,
+    end: Math.ceil((scrollTop + clientHeight - header) / rowHeight) + spare,
   };
+}
+
+/** Scrolls no further than the row at `start` needs. */
+function reveal(scroller: ScaledScroller, start: number, header: number): void {
+  const room = scroller.clientHeight - header;
+  if (start < scroller.scrollTop) scroller.scrollTo(start);
+  else if (start + rowHeight > scroller.scrollTop + room)
+    scroller.scrollTo(start + rowHeight - room);
 }

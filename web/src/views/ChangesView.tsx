@@ -1,9 +1,10 @@
 import {scaleLinear} from 'd3-scale';
-import {useMemo, useState} from 'preact/hooks';
+import {useMemo} from 'preact/hooks';
 import type {Change, PageInfo} from '../data/Source';
 import {countText, dayText, shortText} from '../model/Values';
 import {ChangeRows} from '../table/ChangeRows';
 import {DataTable} from '../table/DataTable';
+import {useKept} from '../table/useKept';
 
 const mostDays = 31;
 const barWidth = 120;
@@ -15,9 +16,9 @@ export function ChangesView({page}: {page: PageInfo}) {
   const days = useMemo(() => countBy(changes, dayOf), [page]);
   const sections = useMemo(() => countBy(changes, ({section}) => section), [page]);
   const kinds = useMemo(() => countBy(changes, ({change}) => change), [page]);
-  const [day, setDay] = useState('');
-  const [section, setSection] = useState('');
-  const [kind, setKind] = useState('');
+  const [day, setDay] = useKept('changes day', () => '');
+  const [section, setSection] = useKept('changes section', () => '');
+  const [kind, setKind] = useKept('changes kind', () => '');
   const filter =
     day || section || kind
       ? {
@@ -40,7 +41,7 @@ export function ChangesView({page}: {page: PageInfo}) {
         <Choice name="Section" value={section} counts={sections} choose={setSection} />
         <Choice name="Change" value={kind} counts={kinds} choose={setKind} />
       </div>
-      <DataTable label="Changes" rows={rows} filter={filter} />
+      <DataTable name="changes" label="Changes" rows={rows} filter={filter} />
     </>
   );
 }

@@ -48,7 +48,8 @@ export function SectionsView({
           <>
             {at > 0 && <h3>{shortText(label)}</h3>}
             <DataTable
-              key={`${index} ${label}`}
+              key={`${index} ${key} ${at}`}
+              name={`${index} ${key} ${at}`}
               label={label}
               rows={rows}
               elements={at ? 120 : tables.length > 1 ? 700 : 950}
