@@ -242,7 +242,7 @@ class Row extends Component<RowProps> {
         class={isNumber(rows, of, column) ? 'number' : undefined}
       >
         <Content
-          href={link}
+          href={link || undefined}
           tabIndex={stop === place ? 0 : -1}
           title={exact ?? (text.length > fitting ? text : undefined)}
           aria-label={text ? undefined : 'empty'}
