@@ -54,6 +54,52 @@ void AddFleetOptions(CLI::App& command, FleetOptions& fleet, std::string& start)
       ->type_name("DAY");
 }
 
+std::string IsServer(const std::string& text) {
+  const bool valid = text.rfind("https://", 0) == 0 && text.size() > 8 && text[8] != '/' &&
+                     text.find_first_of("/ ?#", 8) == text.npos;
+  return valid ? "" : "wants an address such as https://mac-server.test:8443, not " + text;
+}
+
+void AddAgents(CLI::App& program, AgentsOptions& agents, std::string& start) {
+  CLI::App& command = *program.add_subcommand(
+      "agents", "enrol the Macs with a server, send it their documents, answer its tasks");
+  AddFleetOptions(command, agents.fleet, start);
+  const auto text = [&](const char* name, std::string& value, const char* help, const char* type) {
+    return command.add_option(name, value, help)->check(NotEmpty)->type_name(type);
+  };
+  const auto seconds = [&](const char* name, double& value, const char* help, const char* type) {
+    command.add_option(name, value, help)->check(CLI::Range(0.001, 1e6))->type_name(type);
+  };
+  text("--server", agents.server, "its address, such as https://mac-server.test:8443", "URL")
+      ->required()
+      ->check(IsServer);
+  text("--ca", agents.caFile, "the authorities that may have issued its certificate, PEM", "FILE")
+      ->check(CLI::ExistingFile);
+  text("--secret", agents.secret, "what lets agents enrol", "TEXT");
+  text("--keys", agents.keys, "the folder of server.pub, to which documents are sealed", "KEYS");
+  text("--documents", agents.documents,
+       "send what `documents --sealed` has written with the same seed", "FOLDER");
+  text("--state", agents.state, "keep enrolments and the server's tokens for the next run", "FILE");
+  command.add_flag("--prepare", agents.prepare, "make all documents before the first contact");
+  command.add_flag("--only-tasks", agents.onlyTasks, "send no documents");
+  seconds("--rate", agents.rate, "contacts that begin in a second; default: 20", "R");
+  seconds("--give-up", agents.giveUp, "how long to wait for the last contacts; default: 120",
+          "SECONDS");
+  seconds("--keep-open", agents.keepOpen, "leave connections open so long after all contacts",
+          "SECONDS");
+  command.add_flag("--json", agents.json, "print JSON");
+}
+
+void CheckAgents(const AgentsOptions& agents) {
+  const int sources = !agents.documents.empty() + agents.onlyTasks + agents.prepare;
+  if (sources > 1) {
+    throw UsageError("--documents, --prepare and --only-tasks exclude each other");
+  }
+  if (agents.keys.empty() && agents.documents.empty() && !agents.onlyTasks) {
+    throw UsageError("agents needs --keys, --documents or --only-tasks");
+  }
+}
+
 std::string OneLine(std::string text) {
   for (char& letter : text) {
     if (static_cast<unsigned char>(letter) < ' ') letter = ' ';
@@ -85,6 +131,8 @@ ForgeCall ParseForgeCall(const std::vector<std::string>& arguments) {
       ->check(NotEmpty)
       ->type_name("KEYS");
 
+  AddAgents(program, call.agents, start);
+
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     if (!reversed.empty()) reversed.pop_back();
@@ -96,7 +144,8 @@ ForgeCall ParseForgeCall(const std::vector<std::string>& arguments) {
     throw UsageError(OneLine(error.what()));
   }
   call.command = program.get_subcommands().front()->get_name();
-  call.documents.fleet.start = DayOf(start);
+  call.documents.fleet.start = call.agents.fleet.start = DayOf(start);
+  if (call.command == "agents") CheckAgents(call.agents);
   if (call.documents.output == "-" && !call.documents.keys.empty()) {
     throw UsageError("--sealed needs a folder as --output");
   }

@@ -6,6 +6,7 @@
 
 #include "forge/DocumentsCommand.h"
 #include "forge/ForgeOptions.h"
+#include "forge/agents/AgentsCommand.h"
 
 namespace Norvik::Forge {
 
@@ -17,6 +18,9 @@ int Run(const ForgeCall& call, std::ostream& output) {
   if (!call.help.empty()) {
     output << call.help;
     return EXIT_DONE;
+  }
+  if (call.command == "agents") {
+    return RunAgents(call.agents, output) ? EXIT_DONE : EXIT_FAILED;
   }
   WriteDocuments(call.documents, output);
   return EXIT_DONE;

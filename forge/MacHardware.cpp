@@ -193,10 +193,10 @@ Json Mac::Disks(int day) const {
   const double used = std::min(base + rate * (day - tidy.begin) + noise, whole * 0.985);
   const auto free = static_cast<std::int64_t>(whole - used) * GIBIBYTE;
 
-  char model[64];
-  std::string text = model_["disk"];
-  text.replace(text.find("{}"), 2, "%04lld");
-  std::snprintf(model, sizeof(model), text.c_str(), static_cast<long long>(gigabytes));
+  char capacity[24];
+  std::snprintf(capacity, sizeof(capacity), "%04lld", static_cast<long long>(gigabytes));
+  std::string model = model_["disk"];
+  model.replace(model.find("{}"), 2, capacity);
   const auto diskOf = [&](const char* device, const char* bus, const std::string& name,
                           std::int64_t bytes, Json partitions, Json volumes) {
     return Json{{"busType", bus},        {"logicalDisk", std::move(volumes)},
