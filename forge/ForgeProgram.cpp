@@ -3,7 +3,9 @@
 #include <clocale>
 #include <exception>
 #include <iostream>
+#include <memory>
 
+#include "common/log/Logger.h"
 #include "forge/DocumentsCommand.h"
 #include "forge/ForgeOptions.h"
 #include "forge/agents/AgentsCommand.h"
@@ -13,6 +15,15 @@ namespace Norvik::Forge {
 namespace {
 
 enum ExitCode { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_WRONG_USE = 2 };
+
+/// Without a logger all that the comparison of records logs would go to standard error.
+class ProblemLogger final : public Common::Logger {
+ public:
+  void Log(Level level, const std::string& text, const char* /*file*/, int /*line*/,
+           const char* /*function*/) override {
+    if (level <= LEVEL_WARNING) Trace("norvik-forge: " + text);
+  }
+};
 
 int Run(const ForgeCall& call, std::ostream& output) {
   if (!call.help.empty()) {
@@ -49,6 +60,7 @@ int RunForgeProgram(const std::vector<std::string>& arguments) {
   // The records hold wide texts, which need the characters of UTF-8; numbers keep their point.
   if (!std::setlocale(LC_CTYPE, "C.UTF-8")) std::setlocale(LC_CTYPE, "UTF-8");
   std::ios::sync_with_stdio(false);
+  Common::Logger::SetInstance(std::make_shared<ProblemLogger>());
   return RunForgeProgram(arguments, std::cout, std::cerr);
 }
 

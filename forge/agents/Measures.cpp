@@ -46,7 +46,9 @@ void Measures::Add(const std::string& kind, const HttpAnswer& answer) {
     ++of.succeeded;
     return;
   }
-  ++(IsServerFailure(answer) ? of.postponed : of.refused);
+  // An agent that is not known any more enrols and sends the same again.
+  const bool comesAgain = IsServerFailure(answer) || answer.status == 401;
+  ++(comesAgain ? of.postponed : of.refused);
   if (answer.retryAfter >= 0) ++waits;
   const std::string problem =
       kind + ": " + (answer.status == 0 ? answer.error : "status " + std::to_string(answer.status));
