@@ -1,5 +1,7 @@
 #include "forge/MacDocuments.h"
 
+#include <algorithm>
+#include <iterator>
 #include <unordered_set>
 #include <utility>
 
@@ -9,11 +11,21 @@ namespace Norvik::Forge {
 
 namespace {
 
-/// Lists of the machine's document that are equal have no part in the difference.
-void LeaveOutEqualLists(Json& before, Json& after) {
-  for (auto& [key, section] : before.items()) {
-    if (section.is_array() && section == after[key]) section = after[key] = nullptr;
+/// The records of a list that another one has not. Both have about the same order.
+Json OtherRecords(const Json& list, const Json& known) {
+  Json others = Json::array();
+  auto next = known.begin();
+  for (const Json& record : list) {
+    auto found = std::find(next, known.end(), record);
+    if (found == known.end()) found = std::find(known.begin(), next, record);
+    const bool isKnown = found != known.end() && *found == record;
+    if (isKnown) {
+      next = std::next(found);
+    } else {
+      others.push_back(record);
+    }
   }
+  return NullIfEmpty(std::move(others));
 }
 
 Json Folder(const Json& folder, Json files) {
@@ -51,7 +63,11 @@ std::string IncrementBetween(const Json& before, const Json& after) {
     old["paths"] = OtherFiles(before, after);
     now["paths"] = OtherFiles(after, before);
   } else {
-    LeaveOutEqualLists(old, now);
+    for (const auto& [key, section] : before.items()) {
+      if (!section.is_array() || !after[key].is_array()) continue;
+      old[key] = OtherRecords(section, after[key]);
+      now[key] = OtherRecords(after[key], section);
+    }
   }
   return Documents::DifferenceOf({"before", Documents::TextOf(old)},
                                  {"after", Documents::TextOf(now)});
