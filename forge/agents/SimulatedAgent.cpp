@@ -166,7 +166,7 @@ void SimulatedAgent::End() {
   ++surroundings_.measures.completed;
   if (!waiting_.empty()) {
     Begin();
-  } else if (!surroundings_.options.keepOpen) {
+  } else if (surroundings_.options.keepOpen <= 0) {
     line_.reset();
   }
   done();
