@@ -8,6 +8,7 @@
 #include <boost/beast/http.hpp>
 #include <boost/beast/ssl.hpp>
 #include <chrono>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -108,7 +109,7 @@ class Connection {
     SetTime(HEAD_TIME);
     Parser parser;
     parser.header_limit(MAX_HEADER);
-    parser.body_limit(boost::none);
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max());  // of `ReadBody`
     http::async_read_header(stream_, buffer_, parser, yield[error]);
     if (error) {
       if (error.category() == make_error_code(http::error::bad_method).category() &&
