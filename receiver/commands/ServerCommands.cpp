@@ -8,6 +8,7 @@
 
 #include "platform/ReplacementFile.h"
 #include "receiver/commands/Commands.h"
+#include "receiver/commands/ServerLog.h"
 #include "receiver/database/Pool.h"
 #include "receiver/database/Schema.h"
 #include "receiver/files/FolderLock.h"
@@ -37,6 +38,7 @@ void CheckOptions(const RunOptions& options) {
 }
 
 void PreparePlace(const Place& place) {
+  LogToStandardError();
   boost::filesystem::create_directories(place.data);
   boost::filesystem::permissions(place.data, boost::filesystem::owner_all);
   ::umask(S_IRWXG | S_IRWXO);

@@ -78,7 +78,7 @@ void ListTasks(const Place& place, Session& session, const std::string& agent) {
 void ShowTask(const Place& place, Session& session, const TaskOptions& options) {
   PrintRows(place, {"kind", "time#", "body"},
             session.Rows<3>("SELECT kind, time, body FROM reports WHERE agent=? AND task=? "
-                            "ORDER BY time, id",
+                            "ORDER BY number",
                             {options.agent, options.task}));
 }
 

@@ -41,7 +41,8 @@ constexpr Word WORDS[] = {
     {"{text of property}", "CAST(r.body ->> ? AS TEXT)", "(r.body ->> ?)"},
     {"{is number}", "r.body ->> ? GLOB '[0-9]*'", "(r.body ->> ?) ~ '^[0-9]'"},
     {"{number of property}", "CAST(r.body ->> ? AS REAL)",
-     "CAST(substring(r.body ->> ? FROM '^[0-9]{1,15}([.][0-9]{1,15}){0,1}') AS double precision)"},
+     "CAST(substring(r.body ->> ? FROM '(^[0-9]{1,15}([.][0-9]{1,15}){0,1})') AS double "
+     "precision)"},
     {"{contains}", "LIKE", "ILIKE"},
     {"{true}", "1", "true"},
     {"{false}", "0", "false"},

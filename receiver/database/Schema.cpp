@@ -45,8 +45,8 @@ constexpr Table TABLES[] = {
      "status BIGINT NOT NULL, PRIMARY KEY(agent, task)",
      true, "CREATE INDEX tasks_waiting ON tasks(agent, created) WHERE ended=0;"},
     {"reports",
-     "agent {uuid} NOT NULL, id TEXT NOT NULL, kind TEXT NOT NULL, task TEXT NOT NULL, "
-     "body TEXT NOT NULL, time BIGINT NOT NULL, PRIMARY KEY(agent, id)",
+     "agent {uuid} NOT NULL, {number}, id TEXT NOT NULL, kind TEXT NOT NULL, task TEXT NOT NULL, "
+     "body TEXT NOT NULL, time BIGINT NOT NULL, UNIQUE(agent, id){number key}",
      true, "CREATE INDEX reports_by_task ON reports(agent, task);"},
     {"uploads",
      "agent {uuid} NOT NULL, {number}, sha256 TEXT NOT NULL, size BIGINT NOT NULL, "

@@ -61,7 +61,7 @@ class Receiver:
             self.process.wait()
 
     def run(self, *command, status=0, stdin="", output=""):
-        """Runs a command; returns its standard output, or by default its standard error with another status than 0."""
+        """Returns the standard output of a command or, with another status than 0, its errors unless `output`."""
         done = subprocess.run([self.program, *self.place(), *command], capture_output=True, text=True, input=stdin)
         if done.returncode != status:
             raise AssertionError(f"{command}: exits with {done.returncode}, not {status}: {done.stderr}")

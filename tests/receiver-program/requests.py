@@ -117,7 +117,8 @@ def secrets(receiver):
     assert [enrol(0x16, revoked), enrol(0x15, revoked)] == [202, 200], "a secret that was revoked"
     _, any_use = secret()
     board = {"platformUuid": "00000000-0000-4000-8000-00000000B0A0"}
-    assert [enrol(0x17, any_use, **board), enrol(0x18, any_use, **board)] == [200, 202], "a second agent of a board"
+    second = [enrol(0x17, any_use, **board), enrol(0x18, any_use, **board)]
+    assert second == [200, 202], "a second agent of a board"
     notes = {row["agent"]: row["note"] for row in receiver.rows("approve")}
     twin = f"00000000-0000-4000-8000-{0x18:012x}"
     assert notes[twin] == "same platformUuid as " + twin[:-1] + "7", notes
@@ -128,7 +129,8 @@ def secrets(receiver):
     receiver.run("approve", "--accept-token", stranger.identifier)
     assert stranger.enrol()[0] == 200
     receiver.run("approve", "--refuse", stranger.identifier)
-    assert [stranger.send("POST", "/tasks", {"product": 1})[0], stranger.enrol()[0]] == [401, 403], "a refused agent"
+    refused = [stranger.send("POST", "/tasks", {"product": 1})[0], stranger.enrol()[0]]
+    assert refused == [401, 403], "a refused agent"
 
 
 def tasks(receiver):
