@@ -88,7 +88,8 @@ void CheckDocument(const std::string& kind, const std::string& text) {
 
 void CheckRecords(Session& session, const std::string& agent, const std::string& text,
                   Findings& findings) {
-  Records expected = RecordsOf(Documents::ParseDocument({"the document", text}).value);
+  Records expected =
+      RecordsOf(Documents::ParseDocument({"the document", text}, Documents::Escapes::Kept).value);
   for (const auto& [record, section, body] :
        session.Rows<3>("SELECT record, section, body FROM records WHERE agent=?", {agent})) {
     const auto found = expected.find(std::stoll(record));

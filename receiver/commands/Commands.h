@@ -83,6 +83,7 @@ int ChangeAccounts(const Place& place, const AccountOptions& options);
 int ChangeTasks(const Place& place, const TaskOptions& options);
 int Search(const Place& place, const SearchOptions& options);
 int Export(const Place& place, const ExportOptions& options);
+int ListAside(const Place& place, const std::string& agent);
 int Check(const Place& place);
 
 /// Prints a table, or a JSON object a line with the names of the columns as keys. A name that ends

@@ -21,7 +21,7 @@ struct Options {
   TaskOptions task;
   SearchOptions search;
   ExportOptions exported;
-  std::string keysAction, keysFolder;
+  std::string keysAction, keysFolder, agent;
 };
 
 /// An action as the first word after a command.
@@ -140,6 +140,9 @@ const CommandLine COMMANDS[] = {
        command.add_option("--limit", o.exported.limit, "lines at most")->check(CLI::PositiveNumber);
      },
      [](const Options& o) { return Export(o.place, o.exported); }},
+    {"aside", "List files that could not be used, with the reason",
+     [](CLI::App& command, Options& o) { command.add_option("AGENT", o.agent, "only its files"); },
+     [](const Options& o) { return ListAside(o.place, o.agent); }},
     {"check", "Examine the database and the files", [](CLI::App&, Options&) {},
      [](const Options& o) { return Check(o.place); }},
 };

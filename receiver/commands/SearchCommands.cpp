@@ -52,6 +52,17 @@ int Search(const Place& place, const SearchOptions& options) {
   return 0;
 }
 
+int ListAside(const Place& place, const std::string& agent) {
+  Session session = place.Open();
+  const std::string rows =
+      "SELECT agent, {number as text}, sha256, name, received, reason FROM uploads "
+      "WHERE state='aside'";
+  PrintRows(place, {"agent", "number#", "sha256", "name", "received#", "reason"},
+            agent.empty() ? session.Rows<6>(rows + " ORDER BY number")
+                          : session.Rows<6>(rows + " AND agent=? ORDER BY number", {agent}));
+  return 0;
+}
+
 int Export(const Place& place, const ExportOptions& options) {
   Cursor cursor = CursorOf(options.since);
   Session session = place.Open();

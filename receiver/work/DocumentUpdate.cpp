@@ -5,9 +5,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "documents/DocumentChain.h"
+#include "documents/ApplyIncrement.h"
+#include "documents/Difference.h"
+#include "documents/DocumentChanges.h"
 #include "documents/DocumentError.h"
+#include "documents/FileDocument.h"
 #include "documents/FileReading.h"
+#include "documents/MachineDocument.h"
 #include "documents/SectionKeys.h"
 #include "receiver/work/StoredText.h"
 
@@ -15,7 +19,9 @@ namespace Norvik::Receiver {
 
 namespace {
 
+using Documents::Escapes;
 using Documents::Json;
+using Documents::NamedText;
 using Documents::RecordChange;
 
 constexpr Inventory MACHINE = {"inventory", 1071};
@@ -54,8 +60,7 @@ std::string TextOf(const RecordChange& change) {
   return StorableText(body);
 }
 
-const Json& DeviceOf(const Documents::Document& document, const std::string& agent) {
-  const Json& value = document.value;
+const Json& DeviceOf(const Json& value, const std::string& agent) {
   const auto device = value.is_object() ? value.find("device") : value.end();
   if (!value.is_object() || device == value.end() || !device->is_object()) {
     throw Unusable("no document of an inventory");
@@ -68,6 +73,34 @@ const Json& DeviceOf(const Documents::Document& document, const std::string& age
 
 bool IsIncremental(const Json& document) {
   return document.contains("update") || document.value("typeInventory", Json()) == 1;
+}
+
+using Checks = void (*)(const Json&);
+Checks ChecksOf(const std::string& kind, bool isIncremental) {
+  if (kind == MACHINE.kind) {
+    return isIncremental ? Documents::CheckIncrementalDocument : Documents::CheckFullDocument;
+  }
+  return isIncremental ? Documents::CheckIncrementalFileDocument : Documents::CheckFullFileDocument;
+}
+
+/// Bytes that are no UTF-8 stay masked: records and changes show U+FFFD for each.
+Json ParsedOf(const NamedText& document) {
+  return Documents::ParseDocument(document, Escapes::Kept).value;
+}
+
+/// Both have passed the checks, so an error means that they do not fit.
+std::string Applied(const NamedText& base, const NamedText& changes) {
+  try {
+    return Documents::ApplyIncrement(base, changes);
+  } catch (const Documents::DocumentError& error) {
+    throw Gap(error.what());
+  }
+}
+
+/// The changes between two full documents; null if there is no first one.
+Json ChangesBetween(const NamedText& base, const NamedText& document) {
+  if (base.text.empty()) return {};
+  return ParsedOf({"the changes", Documents::DifferenceOf(base, document)});
 }
 
 /// Calls `run(rows)` with the elements of a list, many at once.
@@ -106,37 +139,39 @@ const Inventory& InventoryOf(const std::string& text) {
 DocumentUpdate::DocumentUpdate(Session& session, std::string agent, const std::string& text)
     : agent_(std::move(agent)), kind_(InventoryOf(text).kind) {
   try {
-    const Documents::NamedText named{"the document", text};
-    const Documents::Document document = Documents::ParseDocument(named);
-    const Json& device = DeviceOf(document, agent_);
-    const Json date = device.value(DOCUMENT_TIME, Json());
+    const NamedText named{"the document", text};
+    const Json document = Documents::ParseDocument(named, Escapes::Kept).value;
+    const Json date = DeviceOf(document, agent_).value(DOCUMENT_TIME, Json());
     assetDate_ = date.is_number_integer() ? date.get<long long>() : 0;
     const auto rows = session.Rows<2>(
         "SELECT body, complete FROM documents WHERE agent=? AND kind=?", {agent_, kind_});
-    const std::string base = rows.empty() ? std::string() : Unpacked(rows.front()[0]);
-    if (IsIncremental(document.value) && (base.empty() || rows.front()[1] == "0")) {
+    const NamedText base{"the stored document",
+                         rows.empty() ? std::string() : Unpacked(rows.front()[0])};
+    const bool isIncremental = IsIncremental(document);
+    ChecksOf(kind_, isIncremental)(document);
+    if (isIncremental && (base.text.empty() || rows.front()[1] == "0")) {
       throw Gap("a full document is awaited");
     }
-    if (text != base) Follow(base, named);
+    if (text == base.text) return;
+    const Json before = base.text.empty() ? Json() : ParsedOf(base);
+    text_ = isIncremental ? Applied(base, named) : text;
+    TakeChanges(base, before, isIncremental ? document : ChangesBetween(base, named));
+    if (kind_ != MACHINE.kind) return;
+    if (!before.is_null()) before_ = RecordsOf(before);
+    after_ = RecordsOf(isIncremental ? ParsedOf({"the new document", text_}) : document);
   } catch (const Documents::DocumentError& error) {
     throw Unusable(error.what());
   }
 }
 
-void DocumentUpdate::Follow(const std::string& base, const Documents::NamedText& document) {
-  Documents::DocumentChain chain;
-  const Documents::NamedText stored{"the stored document", base};
-  if (!base.empty()) chain.Follow(stored);
-  const Documents::DocumentChain::Step step = chain.Follow(document);
-  if (!step.misfit.empty()) throw Gap(step.misfit);
-  text_ = chain.State().text;
-  for (const RecordChange& change : step.changes) {
+void DocumentUpdate::TakeChanges(const NamedText& base, const Json& before, const Json& changes) {
+  if (base.text.empty()) {
+    changes_.push_back({"", R"({"change":"first"})"});
+    return;
+  }
+  for (const RecordChange& change : Documents::ChangesOf(changes, before)) {
     changes_.push_back({change.section, TextOf(change)});
   }
-  if (base.empty()) changes_.push_back({"", R"({"change":"first"})"});
-  if (kind_ != MACHINE.kind) return;
-  if (!base.empty()) before_ = RecordsOf(Documents::ParseDocument(stored).value);
-  after_ = RecordsOf(Documents::ParseDocument(chain.State()).value);
 }
 
 void DocumentUpdate::Store(Session& session) const {

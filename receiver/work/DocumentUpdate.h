@@ -45,7 +45,8 @@ class DocumentUpdate {
   void Store(Session& session) const;
 
  private:
-  void Follow(const std::string& base, const Documents::NamedText& document);
+  void TakeChanges(const Documents::NamedText& base, const Documents::Json& before,
+                   const Documents::Json& changes);
   void StoreRecords(Session& session) const;
   void StoreChanges(Session& session) const;
 

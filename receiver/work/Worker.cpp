@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <chrono>
+#include <ctime>
 #include <system_error>
 
 #include "common/files/Archive.h"
@@ -32,6 +33,18 @@ struct TemporaryFile {
   const std::string path;
 };
 
+/// What a killed worker has left. Another one may be using newer files.
+void RemoveLeftFiles(const std::string& folder) {
+  constexpr std::time_t OLD = 600;
+  for (const auto& entry : boost::filesystem::directory_iterator(folder)) {
+    boost::system::error_code error;
+    const std::time_t written = boost::filesystem::last_write_time(entry.path(), error);
+    if (!error && written + OLD < std::time(nullptr)) {
+      boost::filesystem::remove(entry.path(), error);
+    }
+  }
+}
+
 /// Asks once for a full document after a gap.
 void AskForFullDocument(Session& session, const std::string& agent, const Inventory& inventory) {
   session.Run("UPDATE documents SET complete=0 WHERE agent=? AND kind=?", {agent, inventory.kind});
@@ -52,6 +65,7 @@ Worker::Worker(const WorkerOptions& options)
   const std::string folder = options.data + "/work";
   boost::filesystem::create_directories(folder);
   boost::filesystem::permissions(folder, boost::filesystem::owner_all);
+  RemoveLeftFiles(folder);
   for (unsigned int number = 0; number < (isShared ? options.threads : 1); ++number) {
     threads_.emplace_back([this] { Run(); });
   }

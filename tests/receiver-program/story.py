@@ -1,13 +1,19 @@
 """The real agent against the receiver: it enrols, sends documents, gets tasks, answers; both are killed."""
 
+import functools
+import hashlib
+import io
 import json
 import os
 import pathlib
 import shutil
 import sqlite3
 import subprocess
+import zipfile
 
-from program import ROOT, until
+from nacl import bindings as sodium
+
+from program import ROOT, Agent, until
 
 LIST_PROCESSES, FULL, INCREMENTAL, FILES = 1011, 1071, 1036, 1037
 
@@ -153,6 +159,62 @@ def lost_document(story):
     assert len(asked) == 1, asked
 
 
+def wrong_files(story):
+    """Files that nothing can use are acknowledged and put aside, and the document stays as it is."""
+    kept = max((story.receiver.data / "files").rglob(story.identifier + "-*"), key=lambda path: path.stat().st_mtime)
+    sealed, before = kept.read_bytes(), story.changes()
+    agent = Agent(story.receiver, story.identifier, json.loads((story.data / "identity.json").read_text())["token"])
+    altered = lambda at: sealed[:at] + bytes([sealed[at] ^ 1]) + sealed[at + 1:]
+    aside = len(story.receiver.rows("aside"))
+    for row, content in {
+        "nothing": b"", "no sealed file": b"{}", "format version 3": altered(8), "another key": altered(9),
+        "an altered box": altered(30), "an altered chunk": altered(len(sealed) - 1), "cut": sealed[:-1],
+        "something after it": sealed + b"x", "a bomb": seal(story, bomb()), "no archive": seal(story, b"{}"),
+        "no document": seal(story, archive(b"[]")), "deep": seal(story, archive(b"[" * 100000)),
+        "of another machine": seal(story, archive(b'{"device":{"guid":"x"}}')),
+        "no section": seal(story, archive(json.dumps({"device": {"guid": story.identifier}}).encode())),
+    }.items():
+        status, answer = agent.upload(content)
+        assert (status, answer["size"]) == (200, len(content)), f"{row}: {status} {answer}"
+        aside += 1
+        rows = until(f"{row} is put aside", lambda: (
+            found := story.receiver.rows("aside", story.identifier)) and len(found) == aside and found)
+        print(f"  {row}: {rows[-1]['reason']}")
+    assert story.changes() == before, "a document has changed"
+
+
+def archive(content):
+    file = io.BytesIO()
+    with zipfile.ZipFile(file, "w", zipfile.ZIP_DEFLATED) as opened:
+        opened.writestr("mac.jsonkob", content)
+    return file.getvalue()
+
+
+@functools.lru_cache
+def bomb():
+    """An archive of a few MB that unpacks to 1 GiB and a byte."""
+    file = io.BytesIO()
+    with zipfile.ZipFile(file, "w", zipfile.ZIP_DEFLATED, compresslevel=1) as opened, opened.open(
+            "mac.jsonkob", "w") as entry:
+        for _ in range(1024):
+            entry.write(bytes(1 << 20))
+        entry.write(b"x")
+    return file.getvalue()
+
+
+def seal(story, content):
+    """As docs/outbox-format.md says."""
+    public = bytes.fromhex((story.receiver.data / "keys/server.pub").read_text())
+    start = b"NRVKSEAL\x02" + hashlib.blake2b(public, digest_size=16).digest()
+    state, key = sodium.crypto_secretstream_xchacha20poly1305_state(), os.urandom(32)
+    sealed = start + sodium.crypto_box_seal(key, public)
+    sealed += sodium.crypto_secretstream_xchacha20poly1305_init_push(state, key)
+    for at in range(0, max(len(content), 1), 65536):
+        tag = 3 if at + 65536 >= len(content) else 0
+        sealed += sodium.crypto_secretstream_xchacha20poly1305_push(state, content[at:at + 65536], start, tag)
+    return sealed
+
+
 def restarts(story):
     """Either side is killed while a document is under way."""
     for printers, side in ((("killed",), "receiver"), (("killed", "two"), "agent")):
@@ -195,4 +257,4 @@ def examination(story):
     assert "version 99" in story.receiver.run("run", "--plain", "--address", "127.0.0.1", status=1)
 
 
-CHAPTERS = (enrolment, tasks_and_answers, expressions, increments, files, lost_document, restarts, examination)
+CHAPTERS = (enrolment, tasks_and_answers, expressions, increments, files, lost_document, wrong_files, restarts, examination)
