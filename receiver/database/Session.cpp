@@ -4,7 +4,7 @@
 #include <soci/soci.h>
 
 #include <ctime>
-#include <list>
+#include <stdexcept>
 #include <unordered_map>
 #include <utility>
 
@@ -31,6 +31,17 @@ std::string WithNames(const std::string& statement) {
 const soci::backend_factory& FactoryOf(const Dialect& dialect) {
   if (dialect.IsShared()) return soci::postgresql;
   return soci::sqlite3;
+}
+
+/// Runs an action without the context that SOCI adds to errors: it has the values, which may be
+/// secret or large.
+template <class Action>
+auto WithoutValues(Action action) {
+  try {
+    return action();
+  } catch (const soci::soci_error& error) {
+    throw std::runtime_error(error.get_error_message());
+  }
 }
 
 }  // namespace
@@ -86,24 +97,28 @@ Session::Prepared& Session::PreparedFor(const std::string& statement, const Valu
 }
 
 long long Session::Run(const std::string& statement, const Values& values) {
-  Prepared& prepared = PreparedFor(statement, values, 0);
-  prepared.statement.execute(true);
-  return prepared.statement.get_affected_rows();
+  return WithoutValues([&] {
+    Prepared& prepared = PreparedFor(statement, values, 0);
+    prepared.statement.execute(true);
+    return prepared.statement.get_affected_rows();
+  });
 }
 
 std::vector<std::vector<std::string>> Session::RowsOf(const std::string& statement,
                                                       const Values& values, std::size_t columns) {
-  Prepared& prepared = PreparedFor(statement, values, columns);
-  std::vector<std::vector<std::string>> rows;
-  prepared.statement.execute(false);
-  while (prepared.statement.fetch()) {
-    std::vector<std::string>& row = rows.emplace_back();
-    for (std::size_t column = 0; column < columns; ++column) {
-      const bool isNull = prepared.indicators[column] == soci::i_null;
-      row.push_back(isNull ? std::string() : prepared.cells[column]);
+  return WithoutValues([&] {
+    Prepared& prepared = PreparedFor(statement, values, columns);
+    std::vector<std::vector<std::string>> rows;
+    prepared.statement.execute(false);
+    while (prepared.statement.fetch()) {
+      std::vector<std::string>& row = rows.emplace_back();
+      for (std::size_t column = 0; column < columns; ++column) {
+        const bool isNull = prepared.indicators[column] == soci::i_null;
+        row.push_back(isNull ? std::string() : prepared.cells[column]);
+      }
     }
-  }
-  return rows;
+    return rows;
+  });
 }
 
 void Session::RunScript(const std::string& statements) {
