@@ -33,6 +33,14 @@ add_custom_target(product DEPENDS ${product} norvik-host-conformance)
 install(TARGETS ${product} RUNTIME DESTINATION bin LIBRARY DESTINATION lib ARCHIVE DESTINATION lib)
 include("${CMAKE_SOURCE_DIR}/tests/conformance/Installation.cmake")
 
+# A server needs no agent: only `cmake --install build --component receiver` installs it.
+if(NORVIK_RECEIVER)
+  install(TARGETS norvik-receiver NorvikAgentCommon
+    RUNTIME DESTINATION bin COMPONENT receiver EXCLUDE_FROM_ALL
+    LIBRARY DESTINATION lib COMPONENT receiver EXCLUDE_FROM_ALL)
+  install(FILES docs/receiver.md DESTINATION share/doc/norvik-receiver COMPONENT receiver EXCLUDE_FROM_ALL)
+endif()
+
 # Headers for other hosts of the module. Left out are private headers of common/: those that include the
 # database library, the one that compiles records, and the parsers of Apple's formats.
 set(headers include/norvik-agent)

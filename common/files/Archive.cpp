@@ -56,7 +56,7 @@ void AddDeflated(zip_t* archive, zip_source_t* content, const std::string& name)
                            COMPRESSION_LEVEL);
 }
 
-std::string ReadEntry(zip_file_t* entry, const std::string& path) {
+std::string ReadEntry(zip_file_t* entry, const std::string& path, std::size_t limit) {
   std::string content;
   std::vector<char> buffer(65536);
   while (true) {
@@ -64,6 +64,9 @@ std::string ReadEntry(zip_file_t* entry, const std::string& path) {
     const zip_int64_t length = zip_fread(entry, buffer.data(), buffer.size());
     if (length < 0) Throw(path, zip_file_strerror(entry));
     if (length == 0) return content;
+    if (static_cast<std::size_t>(length) > limit - content.size()) {
+      Throw(path, "its content has more than " + std::to_string(limit) + " bytes");
+    }
     content.append(buffer.data(), static_cast<std::size_t>(length));
   }
 }
@@ -97,13 +100,13 @@ bool WriteNewArchive(const std::vector<ArchiveEntry>& entries,
   return file.CommitIfAbsent();
 }
 
-std::string ReadArchive(const boost::filesystem::path& archive) {
+std::string ReadArchive(const boost::filesystem::path& archive, std::size_t limit) {
   const std::string& path = archive.string();
   const ArchiveHandle opened = Open(path, ZIP_RDONLY | ZIP_CHECKCONS);
   if (zip_get_num_entries(opened.get(), 0) != 1) Throw(path, "it has not just one entry");
   const EntryHandle entry(zip_fopen_index(opened.get(), 0, 0));
   if (!entry) Throw(path, zip_strerror(opened.get()));
-  return ReadEntry(entry.get(), path);
+  return ReadEntry(entry.get(), path, limit);
 }
 
 }  // namespace Norvik::Common

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -26,8 +28,10 @@ NORVIK_COMMON_API bool WriteNewArchive(const std::vector<ArchiveEntry>& entries,
                                        const boost::filesystem::path& target);
 
 /// The content of the one entry of such an archive, as a whole in memory. Throws
-/// `std::runtime_error` if the file is no archive, has not exactly one entry, or the content does
-/// not match its checksum.
-NORVIK_COMMON_API std::string ReadArchive(const boost::filesystem::path& archive);
+/// `std::runtime_error` if the file is no archive, has not exactly one entry, the content does not
+/// match its checksum, or it has more than `limit` bytes, of which no more are unpacked then.
+NORVIK_COMMON_API std::string ReadArchive(
+    const boost::filesystem::path& archive,
+    std::size_t limit = std::numeric_limits<std::size_t>::max());
 
 }  // namespace Norvik::Common
