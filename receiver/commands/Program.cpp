@@ -147,8 +147,12 @@ const CommandLine COMMANDS[] = {
      [](const Options& o) { return Check(o.place); }},
 };
 
-int Fail(int status, const std::string& reason) {
-  std::cerr << "norvik-receiver: " << reason.substr(0, reason.find('\n')) << std::endl;
+/// On one line, whatever the reason is made of.
+int Fail(int status, std::string reason) {
+  for (char& c : reason) {
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  }
+  std::cerr << "norvik-receiver: " << reason << std::endl;
   return status;
 }
 

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 
+#include "common/files/OpeningKeys.h"
 #include "platform/ReplacementFile.h"
 #include "receiver/commands/Commands.h"
 #include "receiver/commands/ServerLog.h"
@@ -23,6 +24,12 @@ namespace {
 WorkerOptions WorkerOf(const Place& place, const RunOptions& options) {
   return {place.data, place.Database(), options.keys.empty() ? place.data + "/keys" : options.keys,
           options.workers, options.keepsFiles};
+}
+
+/// Before anything is changed.
+void CheckKeys(const WorkerOptions& options) {
+  const Common::OpeningKeys keys({options.keys});
+  if (keys.Keys().empty()) throw std::runtime_error("No private key: " + keys.Tried());
 }
 
 void CheckOptions(const RunOptions& options) {
@@ -50,6 +57,7 @@ void PreparePlace(const Place& place) {
 
 int RunServer(const Place& place, const RunOptions& options) {
   CheckOptions(options);
+  if (options.hasWorkers) CheckKeys(WorkerOf(place, options));
   PreparePlace(place);
   const FolderLock lock(place.data, "run");
   const UploadFolder files(place.data);
@@ -73,6 +81,7 @@ int RunWorkers(const Place& place, const RunOptions& options) {
   sigaddset(&signals, SIGTERM);
   sigaddset(&signals, SIGINT);
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  CheckKeys(WorkerOf(place, options));
   PreparePlace(place);
   const Worker worker(WorkerOf(place, options));
   std::cout << "norvik-receiver: working" << std::endl;
