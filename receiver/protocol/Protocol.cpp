@@ -131,7 +131,7 @@ BodyPlan Protocol::PlanFor(const Route& route, const Resource& resource) const {
 }
 
 Response Protocol::Message(const std::string&, const Request&, const Json& body) const {
-  // There are no surveys: to the question for one (1003, 1) the answer is none.
+  // This server has no surveys: its answer to the question for one (1003, 1) is empty.
   const bool isKnown = NumberOf(body, "code") == 1003 && NumberOf(body, "subcode") == 1;
   return JsonResponse({{"result", isKnown ? 0 : 1}, {"message", isKnown ? "{}" : ""}});
 }

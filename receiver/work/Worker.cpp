@@ -58,14 +58,16 @@ void AskForFullDocument(Session& session, const std::string& agent, const Invent
 }  // namespace
 
 Worker::Worker(const WorkerOptions& options)
-    : options_(options), files_(options.data), keys_({options.keys}) {
+    : options_(options),
+      unpacked_(options.data + "/work"),
+      files_(options.data),
+      keys_({options.keys}) {
   if (keys_.Keys().empty()) throw std::runtime_error("No private key: " + keys_.Tried());
   const bool isShared = Dialect(options.database).IsShared();
   if (!isShared) lock_.emplace(options.data, "work");
-  const std::string folder = options.data + "/work";
-  boost::filesystem::create_directories(folder);
-  boost::filesystem::permissions(folder, boost::filesystem::owner_all);
-  RemoveLeftFiles(folder);
+  boost::filesystem::create_directories(unpacked_);
+  boost::filesystem::permissions(unpacked_, boost::filesystem::owner_all);
+  RemoveLeftFiles(unpacked_);
   for (unsigned int number = 0; number < (isShared ? options.threads : 1); ++number) {
     threads_.emplace_back([this] { Run(); });
   }
@@ -152,7 +154,7 @@ bool Worker::TakeNext(Session& session) {
 }
 
 std::string Worker::TextIn(const std::string& agent, const std::string& sha256) const {
-  const TemporaryFile archive(options_.data + "/work/" + RandomText(8) + ".zip");
+  const TemporaryFile archive(unpacked_ + "/" + RandomText(8) + ".zip");
   try {
     Common::OpenSealedFile(files_.PathOf(agent, sha256), archive.path, keys_);
     return Common::ReadArchive(archive.path, LARGEST_DOCUMENT);

@@ -44,6 +44,7 @@ class Worker {
   std::string TextIn(const std::string& agent, const std::string& sha256) const;
 
   const WorkerOptions options_;
+  const std::string unpacked_;  ///< folder of archives while they are read
   const UploadFolder files_;
   const Common::OpeningKeys keys_;
   std::optional<FolderLock> lock_;
