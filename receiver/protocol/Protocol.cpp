@@ -160,7 +160,7 @@ long long NumberOf(const Json& body, const char* key) {
 
 std::string TokenOf(const std::string& authorization) {
   constexpr char SCHEME[] = "Bearer ";
-  const std::string token =
+  std::string token =
       authorization.compare(0, 7, SCHEME) == 0 ? authorization.substr(7) : std::string();
   const bool isVisible =
       std::all_of(token.begin(), token.end(), [](char c) { return c > ' ' && c <= '~'; });

@@ -43,7 +43,7 @@ TaskEnd EndOf(long long code) {
 bool IsDestructive(long long code) { return Has(DESTRUCTIVE, code); }
 
 std::string AddTask(Session& session, const std::string& agent, const NewTask& task) {
-  const std::string identifier = RandomText(8);
+  std::string identifier = RandomText(8);
   session.Run(
       "INSERT INTO tasks(agent, task, code, name, parameters, period, next, created, given, ended, "
       "status) VALUES(?,?,?,?,?,?,?,?,0,0,0)",

@@ -77,7 +77,7 @@ class Reader {
     static constexpr std::array<const char*, 10> OPERATORS = {"!=", "!~", "<=", ">=", "=",
                                                               "~",  "<",  ">",  "(",  ")"};
     for (const char* known : OPERATORS) {
-      const std::string candidate = known;
+      std::string candidate = known;
       if (text_.compare(at_, candidate.size(), candidate) != 0) continue;
       at_ += candidate.size();
       return candidate;
