@@ -19,7 +19,7 @@ struct Program {
   std::string serviceName;  ///< of the daemon that comes with it; empty: none
   double share;             ///< of the Macs
   std::string version;      ///< about that of day 0
-  std::string step;         ///< the part of the version that a release raises: major, minor, patch
+  std::string step;         ///< what a release increments: major, minor or patch
   double days;              ///< between two releases
 };
 

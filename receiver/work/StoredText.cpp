@@ -15,7 +15,7 @@ namespace {
 constexpr int COMPRESSION_LEVEL = 3;
 constexpr int BASE64 = sodium_base64_VARIANT_ORIGINAL;
 constexpr char REPLACEMENT[] = "\xEF\xBF\xBD";
-/// No document is larger, see `OpenUpload`, but an applied increment may make it a little longer.
+/// A worker unpacks half as much at most, but an applied increment may make a document longer.
 constexpr unsigned long long MAX_LENGTH = 2ULL << 30;
 
 /// Whether a character is one of those that stand for a byte in a parsed document: U+10FF80 and up.
